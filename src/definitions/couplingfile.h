@@ -1,0 +1,39 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/recordfile.h"
+
+namespace kolmera {
+
+/// One supplier coupling of a trade-format job (record of PRISLEV.TXT): which supplier of the company a supplier code
+/// in the price file stands for.
+struct Coupling {
+    int number = 0;  ///< record number, the identity while a window is open
+    std::string job;
+    std::string code;
+    std::string supplier;
+    bool mainSupplier = false;  ///< "H"
+};
+
+/// The couplings in PRISLEV.TXT of the data folder.
+class CouplingFile {
+  public:
+    explicit CouplingFile(std::filesystem::path dataFolder) : folder_(std::move(dataFolder)) {}
+
+    /// The couplings of a job (exact name), in file order.
+    [[nodiscard]] std::vector<Coupling> ofJob(std::string_view job) const;
+    /// Saves by job and code (letter case does not count): overwrites, or appends. A main supplier takes the flag from
+    /// the job's others. Returns the record number.
+    int save(const Coupling& coupling);
+    /// Removes one record; later ones move down.
+    void remove(int number);
+
+  private:
+    std::filesystem::path folder_;
+};
+
+}  // namespace kolmera

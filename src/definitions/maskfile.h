@@ -1,0 +1,61 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/recordfile.h"
+
+namespace kolmera {
+
+inline constexpr int kMostRelations = 100;
+inline constexpr int kMostMasks = 999;  ///< three digits in PRISMPOS.TXT
+
+/// One relation of a mask: a source field joined to a target (record of PRISMPOS.TXT).
+struct Relation {
+    int Källa = 0;        ///< source number, from 1
+    int Mål = 0;          ///< target code
+    int FrånPos = 0;      ///< first byte of the piece, from 1 ("P")
+    int Längd = 0;        ///< bytes of the piece ("P")
+    char TypKod = 'I';    ///< update rule: U, S, I, 1, 2, 3
+    char Division = 'I';  ///< S search key, R discount code, 1-3 implied decimals, I none
+};
+
+/// A field mask (file type): a record of PRISMASK.TXT, without its relations.
+struct Mask {
+    int number = 0;  ///< record number, 0 for a new mask
+    std::string Namn;
+    char FilTyp = 'F';       ///< F lines, T tab-separated, P fixed length
+    char Tecken = 'N';       ///< J the DOS character set, N Windows
+    char SkapaNya = 'N';     ///< J creates products
+    char UppdatLev = 'N';    ///< J the prices belong to the job's supplier
+    std::string AntalRader;  ///< as typed
+    std::string Postlängd;   ///< as typed
+    int AntalKolumner = 0;
+};
+
+/// The masks in PRISMASK.TXT and their relations in PRISMPOS.TXT of the data folder. Files are opened and closed within
+/// each operation; rewriting goes through BUFFER.TXT.
+class MaskFile {
+  public:
+    explicit MaskFile(std::filesystem::path dataFolder) : folder_(std::move(dataFolder)) {}
+
+    [[nodiscard]] std::vector<Mask> all() const;
+    [[nodiscard]] std::optional<Mask> read(int number) const;
+    /// The first mask whose trimmed name equals `name` exactly.
+    [[nodiscard]] std::optional<Mask> find(std::string_view name) const;
+    /// Every relation of the mask, in file order (a reader uses the first hundred).
+    [[nodiscard]] std::vector<Relation> relations(int number) const;
+    /// Writes the mask (appended when new) and its relations in place of the old ones. For "P" the source numbers are
+    /// made equal to the place in the list. Throws PlatformError beyond 100 relations or 999 masks. Returns the number.
+    int save(const Mask& mask, const std::vector<Relation>& relations);
+    /// Removes every mask of that name with its relations and renumbers the rest. Returns how many were removed.
+    int remove(std::string_view name);
+
+  private:
+    std::filesystem::path folder_;
+};
+
+}  // namespace kolmera

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/engine/database.h"
+#include "platform/settings.h"
+
+namespace kolmera {
+
+/// Visible texts by key from the language database DVLang.sys (table "Lang", index "LangKey"), in Swedish or English.
+/// A missing file, key or column gives empty texts, never an error.
+class LanguageTexts {
+  public:
+    /// Opens DVLang.sys in the program folder, else in the server folder of the user's settings.
+    void ÖppnaSpråk(const std::filesystem::path& programFolder, const std::filesystem::path& serverFolder);
+    /// "EN" stays, everything else becomes "SE".
+    static std::string NormaliseraSpråk(std::string_view code);
+    void InitSpråkOrd(std::string_view languageCode);
+    void StängSpråk();
+
+    [[nodiscard]] const std::string& language() const { return language_; }
+    [[nodiscard]] std::string SpråkText(std::string_view key);
+    /// The stored text without decoding of markers, as form translation places it; nothing when the key is missing.
+    [[nodiscard]] std::optional<std::string> storedText(std::string_view key);
+    [[nodiscard]] std::string ResText(int number);
+    [[nodiscard]] std::string FormulärText(std::string_view form);
+    [[nodiscard]] static std::string FormulärSträngNyckel(std::string_view form, int number);
+    [[nodiscard]] std::string FormulärSträng(std::string_view form, int number);
+    [[nodiscard]] std::string FormulärSträngMed1(std::string_view form, int number, std::string_view var1);
+    [[nodiscard]] std::string FormulärSträngMed2(std::string_view form, int number, std::string_view var1,
+                                                 std::string_view var2);
+    [[nodiscard]] std::string FormulärSträngMed3(std::string_view form, int number, std::string_view var1,
+                                                 std::string_view var2, std::string_view var3);
+    [[nodiscard]] std::string ModulText(std::string_view module, int number);
+    [[nodiscard]] std::string ModulTextMed(std::string_view module, int number, std::string_view var1);
+    [[nodiscard]] std::string RegisterText(std::string_view registerName, int number);
+    [[nodiscard]] static std::string AvkodaPlatshållare(std::string_view text);
+
+    /// The built-in word table, entries 1 to 48; blanks at the ends belong to the words.
+    [[nodiscard]] const std::string& Ordtabell(int entry) const;
+
+  private:
+    std::string language_ = "SE";
+    std::unique_ptr<Database> database_;
+    std::unique_ptr<Recordset> lang_;
+    std::array<std::string, 49> words_;
+};
+
+/// Writes DVLang.sys from a table of texts (key TAB SE TAB EN, header line, "#" comments). Throws PlatformError.
+void buildLanguageDatabase(const std::filesystem::path& tsv, const std::filesystem::path& target);
+
+}  // namespace kolmera

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/engine/recordset.h"
+#include "platform/engine/schema.h"
+#include "platform/locale.h"
+
+namespace kolmera {
+
+/// An open database of one of the two kinds: a file (SQLite) or a database server (ODBC). Recordsets must be gone
+/// before their database. Errors are PlatformError.
+class Database {
+  public:
+    virtual ~Database() = default;
+
+    /// The definition of a table, name without regard to letter case; throws kUnknownTable.
+    [[nodiscard]] virtual const TableDef& table(std::string_view name) = 0;
+    [[nodiscard]] virtual std::vector<std::string> tableNames() = 0;
+
+    /// Opens a table (by name) or a SELECT statement. A table-type recordset takes a table name only.
+    virtual std::unique_ptr<Recordset> open(std::string_view source, RecordsetType type, std::int32_t options = 0) = 0;
+
+    /// Runs one action statement, with "?" parameters; returns the number of rows it touched.
+    virtual std::int64_t execute(std::string_view statement, std::span<const Value> parameters = {},
+                                 std::int32_t options = 0) = 0;
+
+    // Transactions. They do not nest; begin inside one is kInternal.
+    virtual void begin() = 0;
+    /// Ends the transaction; everything is on the disk when it returns.
+    virtual void commit() = 0;
+    /// Ends the transaction, and lets the physical commit wait until 250 ms have passed since the last one, or until
+    /// `commit`, `settle` or closing. A batch that follows cannot be rolled back alone, so `rollback` after it fails.
+    virtual void commitJoined() = 0;
+    virtual void rollback() = 0;
+    [[nodiscard]] virtual bool inTransaction() const = 0;
+    /// Commits physically what `commitJoined` left waiting. Call before the program waits, asks, reports or ends.
+    virtual void settle() = 0;
+
+    /// Changes whenever somebody else may have changed the database, and with every write to `table` through
+    /// this object: what was remembered under another stamp must be read anew.
+    [[nodiscard]] virtual std::uint64_t stamp(std::string_view table) = 0;
+};
+
+/// What opening a database needs from its surroundings.
+struct OpenOptions {
+    Locale locale;
+    std::string password;  ///< UTF-8; compared with the hash in the file
+    bool readOnly = false;
+    bool exclusive = false;
+    /// Called again and again while another session holds a lock; lets events run and returns false to give up (then
+    /// the statement ends with kLocked, ending the run). Without it a lock is waited for 10 seconds.
+    std::function<bool()> wait;
+};
+
+/// Opens a company file. Throws kFileNotFound, kNotADatabase, kDamaged, kWrongPassword, kLocked.
+std::unique_ptr<Database> openFileDatabase(const std::filesystem::path& file, const OpenOptions& options);
+
+/// Makes a new, empty database file with these tables; an existing file is an error. `password` may be empty.
+void createFileDatabase(const std::filesystem::path& file, std::span<const TableDef> tables,
+                        const std::string& password = {});
+
+/// What repairing brought over.
+struct RepairReport {
+    std::filesystem::path original;                          ///< where the damaged file was kept
+    std::vector<std::pair<std::string, std::int64_t>> rows;  ///< per table, rows saved
+};
+
+/// Rebuilds a damaged file: every readable row of every table goes into a new file, then the indexes are made, and
+/// the new file takes the old one's place in one step; the damaged original is kept beside it. Throws PlatformError,
+/// and the old file then stays where it was.
+RepairReport repairFileDatabase(const std::filesystem::path& file, const OpenOptions& options);
+
+}  // namespace kolmera

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace kolmera {
+
+/// The engine's error numbers. Messages show them, and a few are told apart by number.
+namespace errors {
+inline constexpr int kInternal = 3000;
+inline constexpr int kNoCurrentRecord = 3021;
+inline constexpr int kDuplicateKey = 3022;
+inline constexpr int kFileNotFound = 3024;
+inline constexpr int kDiskFull = 3026;
+inline constexpr int kWrongPassword = 3031;
+inline constexpr int kDamaged = 3049;
+inline constexpr int kUnknownTable = 3078;
+inline constexpr int kTextTooLong = 3163;
+inline constexpr int kLocked = 3260;
+inline constexpr int kUnknownField = 3265;
+inline constexpr int kNotADatabase = 3343;
+inline constexpr int kWrongType = 3421;
+}  // namespace errors
+
+/// The one exception that the platform layer throws: a number of `errors` and a description for the user (UTF-8).
+/// `endsRun()` is set when going on would do harm: the database has rolled a whole transaction back by itself, or
+/// the user cancelled while waiting for a lock. Such an error is never passed over.
+class PlatformError : public std::runtime_error {
+  public:
+    PlatformError(int number, const std::string& description, bool endsRun = false)
+        : std::runtime_error(description), number_(number), endsRun_(endsRun) {}
+
+    [[nodiscard]] int number() const { return number_; }
+    [[nodiscard]] std::string description() const { return what(); }
+    [[nodiscard]] bool endsRun() const { return endsRun_; }
+
+  private:
+    int number_;
+    bool endsRun_;
+};
+
+}  // namespace kolmera

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kolmera {
+
+/// A price file read from front to back, through a buffer whose size does not depend on the file. Lines end at CR or
+/// at CR LF; a lone LF stays inside the line. One 0x1A at the very end of the file is dropped; elsewhere it is a
+/// character like any other, and so is NUL. Throws PlatformError when the file cannot be opened (a folder, missing,
+/// no right to read) or read; the description is the system's.
+class PriceFile {
+  public:
+    explicit PriceFile(const std::filesystem::path& file);
+    PriceFile(const PriceFile&) = delete;
+    PriceFile& operator=(const PriceFile&) = delete;
+    ~PriceFile();
+
+    [[nodiscard]] bool atEnd();
+    /// The next line without its end; valid until the next call. At the end of the file an empty line.
+    std::string_view line();
+    /// The next `count` bytes, fewer at the end of the file; valid until the next call.
+    std::string_view bytes(std::size_t count);
+
+    [[nodiscard]] std::uint64_t size() const { return size_; }  ///< bytes of the whole file
+    [[nodiscard]] std::uint64_t position() const;               ///< bytes read so far, for progress
+
+  private:
+    bool fill();
+    int descriptor_ = -1;
+    std::uint64_t size_ = 0;
+    std::uint64_t fileRead_ = 0;
+    std::vector<char> buffer_;
+    std::size_t begin_ = 0;
+    std::size_t end_ = 0;
+    bool lastBlock_ = false;
+};
+
+}  // namespace kolmera

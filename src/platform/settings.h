@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+
+namespace kolmera {
+
+/// The per-user settings store of the suite: sections of keys in $XDG_CONFIG_HOME/Dorvik/settings.ini (UTF-8; written
+/// whole or not at all). Sections in use: "Start" (Lang, Kolmera), "Sökvägar" (Server), "Enheter" (drive letters).
+class SettingsStore {
+  public:
+    /// Opens the store of a file; a missing or unreadable file reads as empty.
+    explicit SettingsStore(std::filesystem::path file);
+    /// The store of the user: $XDG_CONFIG_HOME, else $HOME/.config.
+    static std::filesystem::path userFile();
+
+    [[nodiscard]] std::string get(const std::string& section, const std::string& key,
+                                  const std::string& otherwise = {}) const;
+    /// Sets a value and writes the file. Throws PlatformError when it cannot be written; the old file then stays.
+    void set(const std::string& section, const std::string& key, const std::string& value);
+    /// All keys of a section with their values.
+    [[nodiscard]] std::map<std::string, std::string> section(const std::string& name) const;
+
+  private:
+    std::filesystem::path file_;
+    std::map<std::string, std::map<std::string, std::string>> sections_;
+};
+
+}  // namespace kolmera

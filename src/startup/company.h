@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lang/languagetexts.h"
+#include "startup/messageboxes.h"
+#include "startup/startstate.h"
+
+namespace kolmera {
+
+/// Opens company databases and keeps the register of companies (DORVIK.FTG).
+class CompanyRegister {
+  public:
+    CompanyRegister(StartState& state, LanguageTexts& texts, MessageBoxes& boxes)
+        : state_(state), texts_(texts), boxes_(boxes) {}
+
+    /// Opens the company's database as `state.sql.FtgDB`. A failure is shown in a message box and returns false.
+    bool ÖppnaDatabas(std::string_view name);
+    /// Asked again and again while another session holds a lock; returns false to give up. Set by runs.
+    std::function<bool()> waitForLock;
+    /// The password of a company file from DVDefLog.bin, or empty.
+    std::string LösenFör(std::string_view name);
+    /// Rows "company name TAB database file" of all company files in the data folder; new ones join the register.
+    std::vector<std::string> FyllFöretagsLista();
+
+  private:
+    StartState& state_;
+    LanguageTexts& texts_;
+    MessageBoxes& boxes_;
+};
+
+}  // namespace kolmera
