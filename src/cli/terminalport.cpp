@@ -1,0 +1,58 @@
+#include "cli/terminalport.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <ostream>
+
+#include "platform/lettercase.h"
+
+namespace kolmera::cli {
+namespace {
+constexpr std::size_t kMostGroups = 100;
+}
+
+TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables)
+    : errors_(errors), cancel_(cancel), emptyTables_(emptyTables), bar_(STDERR_FILENO) {}
+
+Answer TerminalPort::show(const Message& message) {
+    bar_.clear();
+    if (!message.title.empty() && message.title != message.text) errors_ << message.title << ": ";
+    errors_ << replaceAll(message.text, "\r\n", "\n") << std::endl;
+    switch (message.buttons) {
+        case Buttons::OK:
+            return Answer::OK;
+        case Buttons::OKCancel:
+            return Answer::Cancel;
+        case Buttons::YesNo:
+            return Answer::No;
+    }
+    return Answer::Cancel;
+}
+
+void TerminalPort::note(std::string_view what, const PlatformError& error) {
+    ++passedOver_;
+    std::string key = fmt::format("{} {} {}", what, error.number(), error.what());
+    // Descriptions may hold values of the price file: the list must not grow with it.
+    if (groups_.size() >= kMostGroups && !groups_.contains(key)) key = fmt::format("{} {}", what, error.number());
+    PassedOverGroup& group = groups_[key];
+    if (group.count++ == 0) {
+        group.what = what;
+        group.number = error.number();
+        group.description = error.description();
+    }
+}
+
+void TerminalPort::status(std::string_view text) { status_ = text; }
+
+void TerminalPort::runMode(bool on) {
+    if (!on) bar_.clear();
+}
+
+ConfirmationAnswer TerminalPort::confirm(const Confirmation& confirmation) {
+    return {.confirmed = true, .emptyTables = emptyTables_ && confirmation.emptyTablesEnabled};
+}
+
+void TerminalPort::progress(std::uint64_t position, std::uint64_t size) { bar_.draw(position, size, status_); }
+
+}  // namespace kolmera::cli
