@@ -1,0 +1,70 @@
+#include "definitions/couplingfile.h"
+
+#include "definitions/definitionfile.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+namespace {
+
+/// PRISLEV.TXT: one supplier code of one job. The jobs' records lie mixed.
+constexpr RecordField kCoupling[] = {{"Inläsning", 0, 100}, {"Kod", 100, 20},      {"Leverantör", 120, 20},
+                                     {"Huvudlev", 140, 1},  {"reserved", 141, 99}, {"record end", 240, 2}};
+constexpr int kCouplingLength = 242;
+static_assert(fillsRecord(kCoupling, kCouplingLength));
+constexpr RecordLayout kLayout{"PRISLEV.TXT", kCouplingLength, kCoupling, true};
+
+constexpr RecordField kMainSupplier = field(kCoupling, "Huvudlev");
+
+Coupling couplingOf(int number, const Record& record) {
+    return {.number = number,
+            .job = record.text(field(kCoupling, "Inläsning")),
+            .code = record.text(field(kCoupling, "Kod")),
+            .supplier = record.text(field(kCoupling, "Leverantör")),
+            .mainSupplier = letter(record, kMainSupplier) == 'H'};
+}
+
+std::vector<Coupling> couplingsOf(const RecordFile& file, std::string_view job) {
+    std::vector<Coupling> couplings;
+    for (int number = 1; number <= file.count(); ++number) {
+        Coupling coupling = couplingOf(number, file.read(number));
+        if (coupling.job == job) couplings.push_back(std::move(coupling));
+    }
+    return couplings;
+}
+
+void clearMainSupplier(RecordFile& file, const Coupling& coupling) {
+    Record record = file.read(coupling.number);
+    setLetter(record, kMainSupplier, ' ');
+    file.write(coupling.number, record);
+}
+
+}  // namespace
+
+std::vector<Coupling> CouplingFile::ofJob(std::string_view job) const {
+    return couplingsOf(RecordFile(definitionFile(folder_, kLayout), kLayout, RecordFile::Mode::Read), job);
+}
+
+int CouplingFile::save(const Coupling& coupling) {
+    const std::string code(trimmed(coupling.code));
+    if (code.empty()) return 0;
+    RecordFile file(definitionFile(folder_, kLayout), kLayout);
+    int number = 0;
+    for (const Coupling& other : couplingsOf(file, coupling.job)) {
+        if (number == 0 && equalNoCase(other.code, code)) number = other.number;
+        if (coupling.mainSupplier && other.mainSupplier) clearMainSupplier(file, other);
+    }
+    Record record = number == 0 ? Record(kLayout) : file.read(number);
+    record.setText(field(kCoupling, "Inläsning"), coupling.job);
+    record.setText(field(kCoupling, "Kod"), code);
+    record.setText(field(kCoupling, "Leverantör"), coupling.supplier);
+    setLetter(record, kMainSupplier, coupling.mainSupplier ? 'H' : ' ');
+    if (number == 0) return file.append(record);
+    file.write(number, record);
+    return number;
+}
+
+void CouplingFile::remove(int number) {
+    rewriteRecords(definitionFile(folder_, kLayout), kLayout, [number](int other, Record&) { return other != number; });
+}
+
+}  // namespace kolmera

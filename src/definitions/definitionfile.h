@@ -1,0 +1,36 @@
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include "platform/paths.h"
+#include "platform/recordfile.h"
+
+namespace kolmera {
+
+/// What the files of definitions have in common.
+
+/// The file of that layout in the data folder; other programs of the suite may have written its name in other cases.
+inline std::filesystem::path definitionFile(const std::filesystem::path& dataFolder, const RecordLayout& layout) {
+    return findWithoutCase(dataFolder, std::string(layout.file));
+}
+
+/// A field of one letter; a blank when it was never written.
+inline char letter(const Record& record, RecordField field) {
+    const std::string text = record.text(field);
+    return text.empty() ? ' ' : text.front();
+}
+
+inline void setLetter(Record& record, RecordField field, char letter) {
+    record.setText(field, std::string_view(&letter, 1));
+}
+
+/// The nearest number that the digits of a field can hold: a longer one would read back as another number.
+inline int fitting(RecordField field, int number) {
+    int largest = 0;
+    for (int digit = 0; digit < field.width; ++digit) largest = largest * 10 + 9;
+    return std::clamp(number, 0, largest);
+}
+
+}  // namespace kolmera
