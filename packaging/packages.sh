@@ -1,0 +1,26 @@
+# Sourced by ./run and ./test: installs what is missing of packages.txt (Debian packages), as root or with sudo.
+
+install_packages() {
+    local missing=() package
+    while read -r package; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed' || missing+=("$package")
+    done < <(grep -vE '^\s*(#|$)' packages.txt)
+    [ ${#missing[@]} -eq 0 ] && return 0
+
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || { echo "Missing packages: ${missing[*]}. Install them as root, or install sudo." >&2; return 1; }
+        as_root=(sudo)
+    fi
+    echo "Installing ${missing[*]} ..."
+    "${as_root[@]}" apt-get update -qq
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build PRESET [TARGET ...]
+build() {
+    local preset=$1
+    shift
+    cmake --preset "$preset" -Wno-dev >/dev/null
+    cmake --build --preset "$preset" ${1:+--target "$@"}
+}

@@ -1,0 +1,78 @@
+#include "cli/commandline.h"
+
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "cli/jobscommand.h"
+#include "cli/newcommand.h"
+#include "cli/runcommand.h"
+#include "platform/error.h"
+
+namespace kolmera::cli {
+namespace {
+
+struct Options {
+    std::string folder;
+    std::string company;
+    std::string job;
+    std::string summary;
+    bool json = false;
+    bool empty = false;
+};
+
+void addDataOption(CLI::App& command, Options& options) {
+    command.add_option("--data", options.folder, "Data folder of the suite")->required();
+}
+
+void describe(CLI::App& app, Options& options) {
+    app.require_subcommand(1);
+
+    CLI::App* made = app.add_subcommand("new", "Make a data folder with an empty company");
+    made->add_option("DIR", options.folder, "Folder to make")->required();
+    made->add_option("--company", options.company, "Name of the company");
+
+    CLI::App* demo = app.add_subcommand("demo", "Make a data folder with a demo company, jobs and price files");
+    demo->add_option("DIR", options.folder, "Folder to make")->required();
+
+    CLI::App* jobs = app.add_subcommand("jobs", "List the import jobs of a data folder");
+    addDataOption(*jobs, options);
+    jobs->add_flag("--json", options.json, "Print JSON");
+
+    CLI::App* run = app.add_subcommand("run", "Run an import job");
+    run->add_option("JOB", options.job, "Name of the job")->required();
+    addDataOption(*run, options);
+    run->add_flag("--empty", options.empty, "Delete all products and supplier prices first");
+    run->add_option("--summary", options.summary, "Write the summary as JSON to this file");
+}
+
+int dispatch(const CLI::App& app, const Options& options, const Surroundings& surroundings) {
+    if (app.got_subcommand("new")) return newCommand(options.folder, options.company, surroundings);
+    if (app.got_subcommand("demo")) return demoCommand(options.folder, surroundings);
+    if (app.got_subcommand("jobs")) return jobsCommand(options.folder, options.json, surroundings);
+    return runCommand({.job = options.job,
+                       .dataFolder = options.folder,
+                       .emptyTables = options.empty,
+                       .summaryFile = options.summary},
+                      surroundings);
+}
+
+}  // namespace
+
+int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
+    CLI::App app("Kolmera without a window: makes data folders, lists and runs import jobs.", "kolmera-cli");
+    Options options;
+    describe(app, options);
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // CLI11 takes them last first
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, surroundings.out, surroundings.err) == 0 ? exitcode::kDone : exitcode::kUsage;
+    }
+    try {
+        return dispatch(app, options, surroundings);
+    } catch (const std::exception& error) {
+        surroundings.err << error.what() << '\n';
+        return exitcode::kStopped;
+    }
+}
+
+}  // namespace kolmera::cli

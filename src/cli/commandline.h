@@ -1,0 +1,35 @@
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "platform/locale.h"
+
+namespace kolmera::cli {
+
+/// What the headless program needs of the machine; tests hand in their own.
+struct Surroundings {
+    std::ostream& out;
+    std::ostream& err;
+    std::filesystem::path programFolder;  ///< holds DVLang.sys and demo/
+    std::filesystem::path settingsFile;   ///< the user's settings store
+    Locale locale;
+    const std::atomic<bool>& cancel;  ///< set by Ctrl-C
+};
+
+/// Exit codes of the program.
+namespace exitcode {
+inline constexpr int kDone = 0;
+inline constexpr int kStopped = 1;     ///< stopped by a message
+inline constexpr int kUsage = 2;       ///< the command line is wrong
+inline constexpr int kPassedOver = 3;  ///< done, but statements were passed over
+inline constexpr int kCancelled = 130;
+}  // namespace exitcode
+
+/// Runs one command line (without the program's name) and returns its exit code.
+int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& surroundings);
+
+}  // namespace kolmera::cli

@@ -1,0 +1,23 @@
+#include "cli/session.h"
+
+namespace kolmera::cli {
+
+std::filesystem::path absoluteFolder(const std::string& folder) {
+    return std::filesystem::absolute(folder).lexically_normal();
+}
+
+Session::Session(const Surroundings& surroundings, const std::string& dataFolder)
+    : state(SettingsStore(surroundings.settingsFile), surroundings.locale) {
+    state.ProgramMapp = (surroundings.programFolder / "").string();
+    state.DataMapp = dataFolder.empty() ? state.ProgramMapp : (absoluteFolder(dataFolder) / "").string();
+    state.EjKlientIni = dataFolder.empty();
+    state.Decimaltecken = state.locale.decimalSign();
+    state.Signatur = "DV";
+
+    texts.ÖppnaSpråk(surroundings.programFolder,
+                     state.drives.resolve(state.settings.get("Sökvägar", "Server"), surroundings.programFolder));
+    state.Språkkod = LanguageTexts::NormaliseraSpråk(state.settings.get("Start", "Lang", "SE"));
+    texts.InitSpråkOrd(state.Språkkod);
+}
+
+}  // namespace kolmera::cli

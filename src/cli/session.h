@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "cli/commandline.h"
+#include "lang/languagetexts.h"
+#include "startup/startstate.h"
+
+namespace kolmera::cli {
+
+/// The start-up state of one command: the user's language and drive map, the program folder, and the data folder that
+/// the command line names in place of DVKlient.ini. Nobody signs in: whoever may run commands on the machine may run
+/// jobs.
+struct Session {
+    explicit Session(const Surroundings& surroundings, const std::string& dataFolder = {});
+
+    /// A text of the program's own module.
+    std::string text(int number) { return texts.ModulText("KMR", number); }
+    std::string text(int number, std::string_view var1) { return texts.ModulTextMed("KMR", number, var1); }
+
+    StartState state;
+    LanguageTexts texts;
+};
+
+/// The folder of the command line as an absolute path.
+std::filesystem::path absoluteFolder(const std::string& folder);
+
+}  // namespace kolmera::cli
