@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/engine/database.h"
+
+namespace kolmera {
+
+/// The transactions of a loop over many rows, which end and begin anew every so many rows. What the last one holds is
+/// committed however the loop is left: also when it was cancelled, and when an error ends the run.
+class BatchTransaction {
+  public:
+    explicit BatchTransaction(Database& database) : database_(database) { database_.begin(); }
+    BatchTransaction(const BatchTransaction&) = delete;
+    BatchTransaction& operator=(const BatchTransaction&) = delete;
+    ~BatchTransaction();
+
+    /// Ends the batch and begins the next. The engine may join the physical commits of batches that follow closely.
+    void next();
+    /// Ends the last batch; everything is on the disk when it returns. Call before showing or asking anything.
+    void end();
+
+  private:
+    Database& database_;
+};
+
+}  // namespace kolmera
