@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -29,12 +30,18 @@ class SqlLayer {
     const std::string& anslutning() const { return connectString_; }
     const std::string& senasteSats() const { return lastStatement_; }
 
+    /// Opens a database by its connect string, or throws PlatformError. Empty while this build has no server engine:
+    /// then only file companies can be opened and `SQLÖppnaServer` answers false.
+    std::function<std::unique_ptr<Database>(const std::string& connectString)> openServerDatabase;
+    /// Called while the layer waits before it tries again.
+    std::function<void()> letEventsRun;
+
     // Mode and connection.
     static bool ÄrSQLDatabas(std::string_view name);
     /// Looks the name up in DVSQLSvr.ini of the data folder (created empty when missing) and keeps its connect string.
     bool SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::string_view name);
     /// Opens the server database of the kept connect string; up to four tries, one second apart, events running.
-    bool SQLÖppnaServer(const std::function<void()>& letEventsRun);
+    bool SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile);
     /// "name TAB description" per registered server company; nothing when DVSQLSvr.ini is missing.
     static std::vector<std::string> SQLServerLista(const std::filesystem::path& dataFolder);
 
@@ -45,7 +52,9 @@ class SqlLayer {
                                               bool ordered);
     void SQLSättIndex(Recordset& recordset, std::string_view index);
     std::string SQLIndexSortering(const Recordset& recordset, std::string_view index);
+    /// The index's columns joined by ", "; "PrimaryKey" is "ID" unseen. Empty when there is no such table or index.
     std::string SQLIndexKolumner(std::string_view table, std::string_view index);
+    /// Server mode: visits the last record, so that the record count is true, and goes back to the first.
     void SQLFyllRs(Recordset& recordset);
 
     // Seeking.
@@ -53,22 +62,35 @@ class SqlLayer {
     void SQLSök(Recordset& recordset, std::string_view comparison, Keys keys, PassedOver& passedOver);
     /// Positions and tells whether nothing matched; in server mode the recordset is re-opened on the keys.
     bool SQLSökIngenTräff(std::unique_ptr<Recordset>& recordset, std::string_view comparison, Keys keys);
+    /// Table and order of a SELECT statement with a WHERE or an ORDER BY; nothing for any other text.
     static std::optional<std::pair<std::string, std::string>> SQLDelaSelect(std::string_view statement);
+    /// The criteria text of a seek: a term for each of the first five order columns that has a key. Throws
+    /// PlatformError for a column that the table lacks and for a key that is no literal of its column's type.
     std::string SQLVillkor(std::string_view table, std::string_view comparison, std::string_view orderColumns,
                            Keys keys);
 
     // Literals and statements.
+    /// Between single quotes, or between double quotes when the text holds an apostrophe. A text with both kinds is put
+    /// between single quotes with every apostrophe doubled; `SQLKör` hands such a text on as a parameter.
     static std::string SQLText(std::string_view value);
     static std::string SQLTalSng(float value);
     static std::string SQLTalDbl(double value);
     std::string SQLDatum(Date value) const;
+    /// The literal of a value for a field of that type. Throws PlatformError(kWrongType) when a number, Boolean or date
+    /// field is given something else: such a text would become part of the statement.
     std::string SQLLiteral(const Value& value, FieldType type) const;
     /// Runs an action statement; errors are noted, not raised. Returns whether it succeeded.
     bool SQLKör(std::string_view statement, PassedOver& passedOver);
+    /// The same with "?" parameters, for values that a statement's text cannot carry.
+    bool SQLKör(std::string_view statement, std::span<const Value> parameters, PassedOver& passedOver);
 
     const Locale& locale() const { return locale_; }
 
   private:
+    Database& database();  ///< FtgDB, or PlatformError when no company is open
+    std::string indexFields(std::string_view table, std::string_view index);
+    bool tryServer();
+
     Locale locale_;
     std::string connectString_;
     std::string lastStatement_;

@@ -1,0 +1,101 @@
+#include "db/companyschema.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "db/companyschema_text.h"
+#include "platform/error.h"
+#include "platform/lettercase.h"
+#include "platform/tsv.h"
+
+namespace kolmera {
+
+namespace {
+
+struct TypeName {
+    std::string_view name;
+    FieldType type;
+};
+
+constexpr std::array kTypes = std::to_array<TypeName>({
+    {"COUNTER", FieldType::Long},
+    {"BOOLEAN", FieldType::Boolean},
+    {"BYTE", FieldType::Byte},
+    {"INTEGER", FieldType::Integer},
+    {"LONG", FieldType::Long},
+    {"CURRENCY", FieldType::Currency},
+    {"SINGLE", FieldType::Single},
+    {"DOUBLE", FieldType::Double},
+    {"DATETIME", FieldType::Date},
+    {"TEXT", FieldType::Text},
+    {"MEMO", FieldType::Memo},
+});
+
+[[noreturn]] void malformed(const std::string& what) {
+    throw PlatformError(errors::kInternal, "Description of the tables: " + what);
+}
+
+int wholeNumber(std::string_view text) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) malformed("\"" + std::string(text) + "\" no number");
+    return number;
+}
+
+std::vector<std::vector<std::string>> rowsOf(std::string_view text) {
+    constexpr std::size_t kColumns = 4;
+    Tsv table = Tsv::parse(text);
+    if (table.columns.size() != kColumns) malformed("not four columns");
+    return std::move(table.rows);
+}
+
+/// "TEXT(20)", "DOUBLE NULL" ...
+FieldDef parseField(const std::string& name, std::string_view type) {
+    FieldDef fieldDef{.name = name};
+    constexpr std::string_view kNull = " NULL";
+    if (type.ends_with(kNull)) {
+        fieldDef.defaultNull = true;
+        type.remove_suffix(kNull.size());
+    }
+    if (const std::size_t bracket = type.find('('); bracket != std::string_view::npos && type.ends_with(')')) {
+        fieldDef.size = wholeNumber(type.substr(bracket + 1, type.size() - bracket - 2));
+        type = type.substr(0, bracket);
+    }
+    for (const TypeName& known : kTypes) {
+        if (known.name != type) continue;
+        fieldDef.type = known.type;
+        fieldDef.counter = type == "COUNTER";
+        return fieldDef;
+    }
+    malformed("unknown type of " + name);
+}
+
+void checkIndex(const TableDef& table, const IndexDef& index) {
+    for (const std::string& column : index.columns()) {
+        if (table.ordinal(column) < 0) malformed("index " + index.name + " of " + table.name + " lacks " + column);
+    }
+}
+
+}  // namespace
+
+std::vector<TableDef> parseSchema(std::string_view tables, std::string_view indexes) {
+    std::vector<TableDef> schema;
+    for (const auto& row : rowsOf(tables)) {
+        if (schema.empty() || schema.back().name != row[0]) schema.push_back({row[0], {}, {}});
+        std::vector<FieldDef>& fields = schema.back().fields;
+        if (wholeNumber(row[1]) != static_cast<int>(fields.size())) malformed("place of " + row[0] + "." + row[2]);
+        fields.push_back(parseField(row[2], row[3]));
+    }
+    for (const auto& row : rowsOf(indexes)) {
+        const auto table = std::ranges::find(schema, row[0], &TableDef::name);
+        if (table == schema.end()) malformed("index of the unknown table " + row[0]);
+        table->indexes.push_back({.name = row[1], .fields = row[2], .unique = row[3] == "1"});
+        checkIndex(*table, table->indexes.back());
+    }
+    return schema;
+}
+
+std::vector<TableDef> companySchema() { return parseSchema(kSchemaText, kIndexesText); }
+
+}  // namespace kolmera

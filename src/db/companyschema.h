@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "platform/engine/schema.h"
+
+namespace kolmera {
+
+/// The tables of a company database, with columns and indexes in their order. The descriptions that lie in data/schema
+/// are built into the program.
+std::vector<TableDef> companySchema();
+
+/// Reads descriptions of tables (columns table, ordinal, column, type) and of indexes (table, index, fields, unique).
+/// Types are those of `FieldType` by name, TEXT with its size, and COUNTER; NULL behind a type means no default. Throws
+/// PlatformError(kInternal) for an unknown type, a gap in the ordinals and an index of an unknown table or column.
+std::vector<TableDef> parseSchema(std::string_view tables, std::string_view indexes);
+
+}  // namespace kolmera

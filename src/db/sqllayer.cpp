@@ -1,0 +1,303 @@
+#include "db/sqllayer.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "db/conversions.h"
+#include "db/serverregister.h"
+#include "db/sqltexts.h"
+#include "platform/encodings.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+
+namespace {
+
+constexpr std::size_t kRegisteredNameLength = 50;
+constexpr std::size_t kMaxKeys = 5;
+constexpr std::string_view kColumnSeparator = ", ";
+
+/// Waits in short slices, so that a window stays alive meanwhile.
+void pauseFor(std::chrono::milliseconds time, const std::function<void()>& letEventsRun) {
+    constexpr std::chrono::milliseconds kSlice(20);
+    for (; time.count() > 0; time -= kSlice) {
+        if (letEventsRun) letEventsRun();
+        std::this_thread::sleep_for(std::min(time, kSlice));
+    }
+}
+
+/// Place of `wanted` (ASCII, upper case) in a text, letter case not counting.
+std::size_t findNoCase(std::string_view text, std::string_view wanted) {
+    const auto same = [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - ('a' - 'A') : a) == b; };
+    const auto found = std::ranges::search(text, wanted, same);
+    return found.empty() ? std::string_view::npos : static_cast<std::size_t>(found.begin() - text.begin());
+}
+
+}  // namespace
+
+Database& SqlLayer::database() {
+    if (!FtgDB) throw PlatformError(errors::kInternal, "No company database is open.");
+    return *FtgDB;
+}
+
+// Mode and connection.
+
+bool SqlLayer::ÄrSQLDatabas(std::string_view name) { return name.starts_with("SQL;"); }
+
+bool SqlLayer::SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::string_view name) {
+    const std::string_view wanted = trimmed(firstCharacters(name, kRegisteredNameLength));
+    PassedOverSilently passedOver;
+    bool found = false;
+    attempt(passedOver, "SQLServerSlåUpp", [&] {
+        for (const ServerCompany& server : registeredServers(dataFolder)) {
+            if (!equalNoCase(server.name, wanted)) continue;
+            connectString_ = server.connectString;
+            found = true;
+            return;
+        }
+    });
+    return found;
+}
+
+/// One try: the connection, unless an earlier try made it, and a look at a table that every company has.
+bool SqlLayer::tryServer() {
+    PassedOverSilently passedOver;
+    return attempt(passedOver, "SQLÖppnaServer", [&] {
+        if (!FtgDB) FtgDB = openServerDatabase(connectString_);
+        SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+    });
+}
+
+bool SqlLayer::SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile) {
+    if (!openServerDatabase) return false;
+    constexpr int kTries = 4;
+    FtgDB.reset();
+    for (int tries = 1; !tryServer(); ++tries) {
+        if (tries == kTries) {
+            FtgDB.reset();
+            return false;
+        }
+        pauseFor(std::chrono::milliseconds(1000), letEventsRunMeanwhile);
+    }
+    return true;
+}
+
+std::vector<std::string> SqlLayer::SQLServerLista(const std::filesystem::path& dataFolder) {
+    std::vector<std::string> rows;
+    if (!std::filesystem::exists(serverRegisterFile(dataFolder))) return rows;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "SQLServerLista", [&] {
+        for (const ServerCompany& server : registeredServers(dataFolder)) {
+            rows.push_back(server.name + "\t" + server.description);
+        }
+    });
+    return rows;
+}
+
+// Opening recordsets.
+
+std::unique_ptr<Recordset> SqlLayer::SQLÖppnaRs(std::string_view source, RecordsetType type, std::int32_t options) {
+    if (ÄrSQLFöretag) {
+        if (type == RecordsetType::Table) type = RecordsetType::Dynaset;
+        options |= options::kSeeChanges;
+    }
+    return database().open(source, type, options);
+}
+
+std::unique_ptr<Recordset> SqlLayer::SQLÖppnaDirekt(std::string_view statement, RecordsetType type,
+                                                    std::int32_t options) {
+    if (ÄrSQLFöretag) options |= options::kPassThrough;
+    return database().open(statement, type, options);
+}
+
+std::unique_ptr<Recordset> SqlLayer::SQLÖppnaTabell(std::string_view table, std::string_view index,
+                                                    std::int32_t options, bool ordered) {
+    if (ÄrSQLFöretag && ordered) {
+        lastStatement_ = "SELECT * FROM " + std::string(table) + " ORDER BY " + SQLIndexKolumner(table, index);
+        return SQLÖppnaRs(lastStatement_, RecordsetType::Dynaset, options);
+    }
+    std::unique_ptr<Recordset> recordset = SQLÖppnaRs(table, RecordsetType::Table, options);
+    SQLSättIndex(*recordset, index);
+    return recordset;
+}
+
+void SqlLayer::SQLSättIndex(Recordset& recordset, std::string_view index) {
+    if (ÄrSQLFöretag) {
+        recordset.setSort(SQLIndexSortering(recordset, index));
+    } else {
+        recordset.setIndex(index);
+    }
+}
+
+std::string SqlLayer::SQLIndexSortering(const Recordset& recordset, std::string_view index) {
+    return SQLIndexKolumner(recordset.name(), index);
+}
+
+/// The field list of an index. A server's engine may run out of resources for a moment and says so by error 7: the list
+/// is then read again, at once and up to four more times with a pause behind each failure. Every other error ends the
+/// look-up with an empty list.
+std::string SqlLayer::indexFields(std::string_view table, std::string_view index) {
+    constexpr int kOutOfResources = 7;
+    constexpr int kReads = 6;
+    for (int reads = 1; reads <= kReads; ++reads) {
+        try {
+            const IndexDef* found = database().table(table).index(index);
+            return found ? found->fields : std::string();
+        } catch (const PlatformError& error) {
+            if (error.number() != kOutOfResources) break;
+        }
+        if (reads > 2) pauseFor(std::chrono::milliseconds(100), letEventsRun);
+    }
+    return {};
+}
+
+std::string SqlLayer::SQLIndexKolumner(std::string_view table, std::string_view index) {
+    if (equalNoCase(index, "PrimaryKey")) return "ID";
+    const std::string fields = indexFields(table, index);
+    return replaceAll(replaceAll(fields, "+", ""), ";", kColumnSeparator);
+}
+
+void SqlLayer::SQLFyllRs(Recordset& recordset) {
+    if (!ÄrSQLFöretag || recordset.recordCount() == 0) return;
+    recordset.moveLast();
+    recordset.moveFirst();
+}
+
+// Seeking.
+
+void SqlLayer::SQLSök(Recordset& recordset, std::string_view comparison, Keys keys, PassedOver& passedOver) {
+    attempt(passedOver, "SQLSök", [&] {
+        if (ÄrSQLFöretag) {
+            recordset.findFirst(SQLVillkor(recordset.name(), comparison, recordset.sort(), keys));
+        } else {
+            recordset.seek(comparison, keys);
+        }
+    });
+}
+
+bool SqlLayer::SQLSökIngenTräff(std::unique_ptr<Recordset>& recordset, std::string_view comparison, Keys keys) {
+    if (!ÄrSQLFöretag) {
+        recordset->seek(comparison, keys);
+        return recordset->noMatch();
+    }
+    const auto& [table, order] =
+        SQLDelaSelect(recordset->name()).value_or(std::pair(recordset->name(), recordset->sort()));
+    lastStatement_ =
+        "SELECT * FROM " + table + " WHERE " + SQLVillkor(table, comparison, order, keys) + " ORDER BY " + order;
+    recordset = SQLÖppnaRs(lastStatement_, RecordsetType::Dynaset);
+    return recordset->recordCount() == 0;
+}
+
+std::optional<std::pair<std::string, std::string>> SqlLayer::SQLDelaSelect(std::string_view statement) {
+    constexpr std::string_view kFrom = "FROM ";
+    constexpr std::string_view kOrder = "ORDER BY ";
+    constexpr auto npos = std::string_view::npos;
+    const std::size_t from = findNoCase(statement, kFrom);
+    const std::size_t where = findNoCase(statement, "WHERE ");
+    const std::size_t order = findNoCase(statement, kOrder);
+    if (from == npos || (where == npos && order == npos)) return std::nullopt;
+    const std::size_t tableStart = from + kFrom.size();
+    const std::size_t tableEnd = (where != npos ? where : order) - 1;
+    if (tableEnd == npos || tableEnd < tableStart) return std::nullopt;
+    return std::pair(std::string(statement.substr(tableStart, tableEnd - tableStart)),
+                     order == npos ? std::string() : std::string(statement.substr(order + kOrder.size())));
+}
+
+std::string SqlLayer::SQLVillkor(std::string_view table, std::string_view comparison, std::string_view orderColumns,
+                                 Keys keys) {
+    const auto& [tableName, order] =
+        SQLDelaSelect(table).value_or(std::pair(std::string(table), std::string(orderColumns)));
+    if (order.empty()) return {};
+    const TableDef& definition = database().table(tableName);
+    const std::vector<std::string> columns = split(order, kColumnSeparator);
+    std::string criteria;
+    for (std::size_t i = 0; i < columns.size() && i < std::min(keys.size(), kMaxKeys); ++i) {
+        const int ordinal = definition.ordinal(columns[i]);
+        if (ordinal < 0) throw PlatformError(errors::kUnknownField, columns[i] + " is not a column of " + tableName);
+        const FieldType type = definition.fields[static_cast<std::size_t>(ordinal)].type;
+        if (i > 0) criteria += " AND ";
+        criteria += columns[i] + " " + std::string(comparison) + " " + SQLLiteral(keys[i], type);
+    }
+    return criteria;
+}
+
+// Literals and statements.
+
+std::string SqlLayer::SQLText(std::string_view value) {
+    const bool apostrophe = value.find('\'') != std::string_view::npos;
+    const bool quote = value.find('"') != std::string_view::npos;
+    if (apostrophe && quote) return "'" + replaceAll(value, "'", "''") + "'";
+    const char sign = apostrophe ? '"' : '\'';
+    return sign + std::string(value) + sign;
+}
+
+std::string SqlLayer::SQLTalSng(float value) { return Locale(Locale::Kind::English).formatSingle(value); }
+
+std::string SqlLayer::SQLTalDbl(double value) { return Locale(Locale::Kind::English).formatNumber(value); }
+
+std::string SqlLayer::SQLDatum(Date value) const { return "#" + locale_.formatDate(value) + "#"; }
+
+namespace {
+
+[[noreturn]] void refuse(const Value& value, const Locale& locale) {
+    throw PlatformError(errors::kWrongType, "\"" + TillText(value, locale) + "\" does not fit the type of the field.");
+}
+
+double numberOf(const Value& value, const Locale& locale) {
+    const bool unreadableText = std::holds_alternative<std::string>(value) && !locale.parseNumber(textOf(value));
+    if (isNull(value) || std::holds_alternative<Date>(value) || unreadableText) refuse(value, locale);
+    return TillDbl(value, locale);
+}
+
+Date dateOf(const Value& value, const Locale& locale) {
+    if (const auto* date = std::get_if<Date>(&value)) return *date;
+    const std::optional<Date> read = locale.parseDate(textOf(value));
+    if (!read) refuse(value, locale);
+    return *read;
+}
+
+/// The plain text of a Boolean or whole number.
+std::string plainText(const Value& value, const Locale& locale) {
+    const std::string text = TillText(value, locale);
+    if (!equalNoCase(text, "True") && !equalNoCase(text, "False")) numberOf(value, locale);
+    return text;
+}
+
+}  // namespace
+
+std::string SqlLayer::SQLLiteral(const Value& value, FieldType type) const {
+    switch (type) {
+        case FieldType::Boolean:
+        case FieldType::Byte:
+        case FieldType::Integer:
+        case FieldType::Long:
+            return plainText(value, locale_);
+        case FieldType::Single:
+            return SQLTalSng(static_cast<float>(numberOf(value, locale_)));
+        case FieldType::Double:
+            return SQLTalDbl(numberOf(value, locale_));
+        case FieldType::Date:
+            return SQLDatum(dateOf(value, locale_));
+        case FieldType::Currency:
+        case FieldType::Text:
+        case FieldType::Memo:
+            break;
+    }
+    return SQLText(TillText(value, locale_));
+}
+
+bool SqlLayer::SQLKör(std::string_view statement, PassedOver& passedOver) { return SQLKör(statement, {}, passedOver); }
+
+bool SqlLayer::SQLKör(std::string_view statement, std::span<const Value> parameters, PassedOver& passedOver) {
+    return attempt(passedOver, "SQLKör", [&] {
+        if (ÄrSQLFöretag) {
+            const BoundStatement bound = serverStatement(statement, parameters);
+            database().execute(bound.text, bound.parameters, options::kPassThrough);
+        } else {
+            database().execute(statement, parameters);
+        }
+    });
+}
+
+}  // namespace kolmera
