@@ -56,7 +56,7 @@ class RunMachinery {
     [[nodiscard]] bool prepare();
     /// Starts a command as the batch file EXPA@#01.BAT and waits until that file is gone or Cancel is pressed; both
     /// count as done.
-    [[nodiscard]] bool FörberedFil(std::string_view command);
+    [[nodiscard]] bool FörberedFil(const std::string& command);
     [[nodiscard]] bool findPriceFile();
     /// Opens the file that `findPriceFile` has found.
     [[nodiscard]] bool openPriceFile();
@@ -73,14 +73,13 @@ class RunMachinery {
     [[nodiscard]] bool progress(std::string_view label, std::int64_t count);
 
     // Stops.
-    void warn(std::string_view text, std::string_view title);
+    void warn(const std::string& text, const std::string& title);
     /// Yes/No question; on Yes `carryOut` opens the job's settings when the run has closed down.
-    void offerJobSettings(std::string_view text, std::string_view title);
+    void offerJobSettings(const std::string& text, const std::string& title);
     [[nodiscard]] bool wantsJobSettings() const { return wantsJobSettings_; }
 
   private:
-    [[nodiscard]] bool emptyTable(Recordset& table, int every, std::string_view status, std::string_view label);
-    [[nodiscard]] std::filesystem::path preparationFolder(std::string_view command) const;
+    [[nodiscard]] bool emptyTable(Recordset& table, int every, const std::string& status, const std::string& label);
     void waitForBatch(const std::filesystem::path& batch);
 
     ImportContext& context_;

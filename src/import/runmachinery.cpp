@@ -1,0 +1,232 @@
+#include "import/runmachinery.h"
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
+#include "db/conversions.h"
+#include "import/batchtransaction.h"
+#include "import/preparation.h"
+#include "import/pricefilepath.h"
+#include "platform/attempt.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kLineBreaks = "\r\n\r\n";
+
+}  // namespace
+
+RunMachinery::~RunMachinery() {
+    priceFile_.reset();
+    if (companyOpen_) {
+        sql().FtgDB.reset();
+        context_.companies.waitForLock = nullptr;
+    }
+    if (runMode_) Körläge(false);
+    port().hourglass(false);
+}
+
+// The job and its company.
+
+void RunMachinery::HämtaKolmeraData() {
+    if (auto job = JobFile(context_.state.dataFolder()).read(context_.JobbNr)) job_ = std::move(*job);
+    job_.company = properCase(job_.company);
+    job_.fromGroup = upperCase(job_.fromGroup);
+    job_.toGroup = upperCase(job_.toGroup);
+    progressLabel_ = texts().FormulärSträng("PrisMain", 29) + " ";
+}
+
+bool RunMachinery::openCompany() {
+    companyOpen_ = true;
+    context_.companies.waitForLock = [this] {
+        port().status(texts().ModulTextMed("KMR", 114, job_.company));
+        return !port().cancelled();
+    };
+    return context_.companies.ÖppnaDatabas(job_.company);
+}
+
+// Confirmation.
+
+std::string RunMachinery::heading(Recordset& settings) {
+    std::string name;
+    attempt(port(), "Syinställningar.FöretagsNamn",
+            [&] { name = TillText(settings.value("FöretagsNamn"), context_.state.locale); });
+    return name + " (" + job_.company + ")";
+}
+
+std::string RunMachinery::MeddelandeUtför(std::string_view heading) {
+    std::string text = job_.command.empty()
+                           ? texts().FormulärSträngMed2("PrisMain", 40, job_.priceFile, heading)
+                           : texts().FormulärSträngMed3("PrisMain", 39, job_.command, job_.priceFile, heading);
+    text += kLineBreaks;
+    const std::string& source = job_.command.empty() ? job_.priceFile : job_.command;
+    if (const auto diskette = disketteDrive(source, context_.state.drives)) {
+        text += texts().FormulärSträngMed1("PrisMain", 41, std::string_view(&*diskette, 1));
+        text += texts().FormulärSträng("PrisMain", 42);
+    }
+    return text;
+}
+
+bool RunMachinery::confirm(Recordset& products, std::string runText,
+                           std::optional<std::vector<std::string>> couplings) {
+    const bool hasProducts = !(products.bof() && products.eof());
+    Confirmation confirmation{.captionSuffix = " " + jobText_,
+                              .runText = std::move(runText),
+                              .emptyTablesSuffix = " " + job_.company,
+                              .emptyTablesEnabled = hasProducts,
+                              .couplings = {},
+                              .tradeFormat = couplings.has_value()};
+    if (couplings) confirmation.couplings = std::move(*couplings);
+    const ConfirmationAnswer answer = port().confirm(confirmation);
+    emptyTables_ = answer.emptyTables && hasProducts;
+    return answer.confirmed;
+}
+
+// The price file.
+
+bool RunMachinery::prepare() {
+    port().hourglass(true);
+    return job_.command.empty() || FörberedFil(job_.command);
+}
+
+bool RunMachinery::FörberedFil(const std::string& command) {
+    port().clearCancel();
+    std::filesystem::path batch;
+    try {
+        batch = startPreparation(context_.state, command);
+    } catch (const PlatformError& error) {
+        const std::string title = texts().FormulärSträng("PrisMain", 21);
+        warn(title + " " + command + "." + std::string(kLineBreaks) + error.description(), title);
+        return false;
+    }
+    Körläge(true);
+    port().status(texts().FormulärSträng("PrisMain", 22) + " " + command + " ...");
+    waitForBatch(batch);
+    return true;
+}
+
+void RunMachinery::waitForBatch(const std::filesystem::path& batch) {
+    constexpr auto kPause = std::chrono::milliseconds(10);
+    std::error_code unreadable;
+    while (std::filesystem::exists(batch, unreadable) && !port().cancelled()) std::this_thread::sleep_for(kPause);
+}
+
+bool RunMachinery::findPriceFile() {
+    const StartState& state = context_.state;
+    priceFilePath_ = kolmera::findPriceFile(job_.priceFile, state.drives, state.dataFolder(), state.programFolder());
+    std::error_code unreadable;
+    if (!priceFilePath_.empty() && std::filesystem::exists(priceFilePath_, unreadable)) return true;
+    const std::string title = texts().FormulärSträng("PrisMain", 26);
+    warn(title + " " + job_.priceFile + ".", title);
+    return false;
+}
+
+bool RunMachinery::openPriceFile() {
+    try {
+        priceFile_ = std::make_unique<PriceFile>(priceFilePath_);
+        return true;
+    } catch (const PlatformError& error) {
+        const std::string title = texts().FormulärSträng("PrisMain", 27);
+        warn(title + " " + job_.priceFile + "." + std::string(kLineBreaks) + error.description(), title);
+        return false;
+    }
+}
+
+// During the run.
+
+void RunMachinery::Körläge(bool on) {
+    runMode_ = on;
+    port().runMode(on);
+    port().letEventsRun();
+}
+
+bool RunMachinery::TömTabeller(Recordset& products, Recordset& supplierPriceList, Recordset& alternativeNumbers) {
+    return emptyTable(products, 25, texts().FormulärSträng("PrisMain", 50), texts().FormulärSträng("PrisMain", 51)) &&
+           emptyTable(supplierPriceList, 50, texts().FormulärSträng("PrisMain", 52),
+                      texts().FormulärSträng("PrisMain", 53)) &&
+           emptyTable(alternativeNumbers, 50, texts().FormulärSträng("PrisMain", 54),
+                      texts().FormulärSträng("PrisMain", 55));
+}
+
+bool RunMachinery::emptyTable(Recordset& table, int every, const std::string& status, const std::string& label) {
+    port().status(status);
+    BatchTransaction transaction(*sql().FtgDB);
+    for (std::int64_t deleted = 1; !table.eof(); ++deleted) {
+        attempt(port(), "TömTabeller", [&] { table.remove(); });
+        table.moveNext();
+        if (deleted % every != 0) continue;
+        if (!progress(label + " ", deleted)) return false;
+        transaction.next();
+    }
+    transaction.end();
+    return true;
+}
+
+bool RunMachinery::progress(std::int64_t count) {
+    port().progress(priceFile_->position(), priceFile_->size());
+    return progress(progressLabel_, count);
+}
+
+bool RunMachinery::progress(std::string_view label, std::int64_t count) {
+    port().status(std::string(label) + std::to_string(count) + " ....");
+    if (!port().cancelled()) return true;
+    summary_.cancelled = true;
+    return false;
+}
+
+// Stops.
+
+void RunMachinery::warn(const std::string& text, const std::string& title) {
+    port().hourglass(false);
+    context_.boxes.MeddelandeVarning(text, title);
+}
+
+void RunMachinery::offerJobSettings(const std::string& text, const std::string& title) {
+    port().hourglass(false);
+    Message question;
+    question.text = text;
+    question.title = title;
+    question.buttons = Buttons::YesNo;
+    wantsJobSettings_ = context_.boxes.VisaMeddelande(std::move(question)) == Answer::Yes;
+}
+
+namespace {
+
+void tellWhatEndedTheRun(ImportContext& context, const std::string& company, const PlatformError& error) {
+    LanguageTexts& texts = context.texts;
+    std::string text;
+    if (error.number() == errors::kDiskFull) {
+        text = texts.ModulTextMed("KMR", 112, error.description());
+    } else if (error.number() == errors::kLocked) {
+        text = texts.ModulTextMed("KMR", 113, company);
+    } else {
+        text = texts.ModulTextMed("KMR", 111, error.description());
+    }
+    context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 110));
+}
+
+}  // namespace
+
+RunSummary carryOut(ImportContext& context, std::string_view jobText, const std::function<void(RunMachinery&)>& steps) {
+    std::optional<PlatformError> ended;
+    std::optional<RunMachinery> run(std::in_place, context, jobText);
+    try {
+        run->HämtaKolmeraData();
+        steps(*run);
+    } catch (const PlatformError& error) {
+        // Giving up a lock that another program holds is how Cancel is obeyed there.
+        run->summary().cancelled = error.number() == errors::kLocked && context.port.cancelled();
+        if (!run->summary().cancelled) ended = error;
+    }
+    const RunSummary summary = run->summary();
+    const std::string company = run->job().company;
+    const bool jobSettings = run->wantsJobSettings();
+    run.reset();
+    if (ended) tellWhatEndedTheRun(context, company, *ended);
+    if (jobSettings) context.port.openJobSettings();
+    return summary;
+}
+
+}  // namespace kolmera
