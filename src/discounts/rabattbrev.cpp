@@ -1,0 +1,59 @@
+#include "discounts/rabattbrev.h"
+
+#include <array>
+
+#include "db/conversions.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kTable = "LevrabattBrev";
+constexpr std::array<std::string_view, kDiscountSteps> kColumns = {"1Rabatt", "2Rabatt", "3Rabatt", "4Rabatt",
+                                                                   "5Rabatt"};
+
+/// A price file may name any number of codes, most of them unknown.
+constexpr std::size_t kMostRemembered = 10'000;
+
+/// The part of a price that is left behind discounts in per cent, one after the other.
+template <typename Discounts>
+double remaining(const Discounts& discounts) {
+    double left = 1;
+    for (const double discount : discounts) {
+        if (discount != 0) left = (1 - discount / 100) * left;
+    }
+    return left;
+}
+
+}  // namespace
+
+double TotalRabatt(std::span<const float, kDiscountSteps> discounts) { return 100 - remaining(discounts) * 100; }
+
+Rabattbrev::Rabattbrev(SqlLayer& sql, PassedOver& passedOver) : sql_(sql), passedOver_(passedOver) {
+    attempt(passedOver_, "open LevrabattBrev",
+            [this] { letters_ = sql_.SQLÖppnaTabell(kTable, "Leverantör", options::kReadOnly, true); });
+}
+
+double Rabattbrev::BeräknaRabattbrev(std::string_view supplier, std::string_view discountCode) {
+    if (!letters_) return 0;
+    const std::uint64_t stamp = sql_.FtgDB->stamp(kTable);
+    if (stamp != stamp_ || remembered_.size() >= kMostRemembered) remembered_.clear();
+    stamp_ = stamp;
+    key_.assign(supplier).append(1, '\0').append(discountCode);
+    if (const auto known = remembered_.find(key_); known != remembered_.end()) return known->second;
+    double fraction = 0;
+    const bool read = attempt(passedOver_, "LevrabattBrev", [&] { fraction = readFraction(supplier, discountCode); });
+    if (read) remembered_.emplace(key_, fraction);
+    return fraction;
+}
+
+double Rabattbrev::readFraction(std::string_view supplier, std::string_view discountCode) {
+    const std::array<Value, 2> keys = {std::string(supplier), std::string(discountCode)};
+    if (sql_.SQLSökIngenTräff(letters_, "=", keys)) return 0;
+    std::array<double, kDiscountSteps> discounts{};
+    for (std::size_t step = 0; step < kColumns.size(); ++step) {
+        discounts[step] = TillDbl(letters_->value(kColumns[step]), sql_.locale());
+    }
+    return 1 - remaining(discounts);
+}
+
+}  // namespace kolmera

@@ -1,0 +1,257 @@
+#include "pricing/clsprisavrund.h"
+
+#include <limits>
+
+#include "db/conversions.h"
+#include "platform/lettercase.h"
+#include "pricing/rounding.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kNotCoupled = "-";
+constexpr std::string_view kInPrice = "I";
+constexpr std::string_view kWeightedInPrice = "V";
+constexpr std::string_view kListPlusVat = "M";
+
+struct TextSetting {
+    std::string_view column;
+    void (ClsPrisAvrund::*write)(std::string_view);
+};
+
+constexpr TextSetting kTexts[] = {{"PPrisAvrund", &ClsPrisAvrund::StrInställning},
+                                  {"PUtprisValuta", &ClsPrisAvrund::StrPUtprisValuta},
+                                  {"PUtprisKopplaMot", &ClsPrisAvrund::StrPUtprisKopplaMot},
+                                  {"PUtprisMomsMot", &ClsPrisAvrund::StrPUtprisMomsMot}};
+
+struct FlagSetting {
+    std::string_view column;
+    bool ClsPrisAvrund::*flag;
+};
+
+constexpr FlagSetting kFlags[] = {{"PUtprisFaktorTG", &ClsPrisAvrund::BoolPUtprisFaktorTG},
+                                  {"PAutoUppdatUtpris", &ClsPrisAvrund::BoolPAutoUppdatUtpris},
+                                  {"PAutoUppdatValuta", &ClsPrisAvrund::BoolPAutoUppdatValuta}};
+
+constexpr bool isPriceList(int index) { return index >= 1 && index <= kPriceLists; }
+
+/// The list that a coupling code names: one digit, 1 to 9.
+std::optional<int> listOf(std::string_view code) {
+    if (code.size() != 1 || code[0] < '1' || code[0] > '9') return std::nullopt;
+    return code[0] - '0';
+}
+
+}  // namespace
+
+ClsPrisAvrund::ClsPrisAvrund(SqlLayer& sql, PassedOver& passedOver) : sql_(sql), passedOver_(passedOver) {}
+
+// Settings.
+
+void ClsPrisAvrund::InitInstRS(Recordset& DsetInställningar2) {
+    const Locale& locale = sql_.locale();
+    const auto load = [&](std::string_view column, auto&& store) {
+        attempt(passedOver_, column, [&] { store(DsetInställningar2.value(column)); });
+    };
+    for (const TextSetting& row : kTexts) {
+        load(row.column, [&](const Value& value) { (this->*row.write)(TillText(value, locale)); });
+    }
+    UppdateraNumValues();
+    for (const FlagSetting& row : kFlags) {
+        load(row.column, [&](const Value& value) { this->*row.flag = TillBool(value, locale); });
+    }
+    load("PFaktorValuta", [&](const Value& value) { faktorValuta_ = TillBool(value, locale); });
+    load("PNoAvrundPLBM", [&](const Value& value) { setNoAvrund(TillLng(value, locale)); });
+}
+
+void ClsPrisAvrund::setNoAvrund(std::int32_t PNoAvrundPLBM) {
+    for (int index = 1; index <= kPriceLists; ++index) list(index).noAvrund = (PNoAvrundPLBM & (1 << index)) != 0;
+}
+
+// Rounding.
+
+std::string ClsPrisAvrund::StrInställning() const {
+    std::string text;
+    for (const Range& each : ranges_) {
+        if (&each != &ranges_.front()) text += kLineEnd;
+        text.append(each.from).append(kLineEnd).append(each.to);
+    }
+    return text;
+}
+
+void ClsPrisAvrund::StrInställning(std::string_view New_StrInställning) {
+    std::vector<std::string> lines = split(New_StrInställning, kLineEnd);
+    lines.resize(2 * ranges_.size());
+    for (std::size_t place = 0; place < ranges_.size(); ++place) {
+        ranges_[place].from = std::move(lines[2 * place]);
+        ranges_[place].to = std::move(lines[2 * place + 1]);
+    }
+}
+
+void ClsPrisAvrund::UppdateraNumValues() {
+    for (Range& each : ranges_) {
+        each.fromNum = numeric(each.from);
+        each.toNum = numeric(each.to);
+    }
+}
+
+void ClsPrisAvrund::StrFrom(int Index, std::string_view New_StrFrom) {
+    range(Index).from = New_StrFrom;
+    range(Index).fromNum = numeric(New_StrFrom);
+}
+
+void ClsPrisAvrund::StrTom(int Index, std::string_view New_StrTom) {
+    range(Index).to = New_StrTom;
+    range(Index).toNum = numeric(New_StrTom);
+}
+
+double ClsPrisAvrund::numeric(std::string_view text) const { return sql_.locale().parseNumber(text).value_or(0); }
+
+/// The first range that contains the price, from 1; 0 when none does.
+int ClsPrisAvrund::rangeOf(double price) const {
+    for (int index = 1; index <= kRanges; ++index) {
+        if (range(index).fromNum <= price && price <= range(index).toNum) return index;
+    }
+    return 0;
+}
+
+double ClsPrisAvrund::UtförAvrundning(double DblPris, std::uint8_t StdDecimaler, int IntPLIdx) const {
+    const bool byRange = !isPriceList(IntPLIdx) || !list(IntPLIdx).noAvrund;
+    switch (byRange ? rangeOf(DblPris) : 0) {
+        case 1:
+            return roundDecimals(DblPris, 1);
+        case 2:
+            return AvrundaHalvor(DblPris);
+        case 3:
+            return roundHalfEven(DblPris);
+        case 4:
+            return roundHalfEven(DblPris / 10) * 10;
+        case 5:
+            return roundHalfEven(DblPris / 100) * 100;
+        default:
+            return roundDecimals(DblPris, StdDecimaler);
+    }
+}
+
+/// The rate of a VAT code in per cent; nothing for codes other than 1 to 3. The rates are read once.
+std::optional<double> ClsPrisAvrund::vatRate(int momskod) {
+    constexpr std::array<std::string_view, 3> kColumns = {"1OMomsproc", "2OMomsproc", "3OMomsproc"};
+    if (momskod < 1 || momskod > static_cast<int>(kColumns.size())) return std::nullopt;
+    if (!vatRates_) {
+        vatRates_.emplace();
+        attempt(passedOver_, "open Syinställningar", [this, &kColumns] {
+            const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+            for (std::size_t place = 0; place < kColumns.size(); ++place) {
+                attempt(passedOver_, kColumns[place],
+                        [&] { (*vatRates_)[place] = TillDbl(settings->value(kColumns[place]), sql_.locale()); });
+            }
+        });
+    }
+    return (*vatRates_)[static_cast<std::size_t>(momskod - 1)];
+}
+
+double ClsPrisAvrund::VändMoms(int IntMomskod, double DblPris) {
+    const auto rate = vatRate(IntMomskod);
+    return rate ? DblPris - TBFrånPålägg(DblPris, *rate) : DblPris;
+}
+
+// Coupling.
+
+void ClsPrisAvrund::StrPUtprisKopplaMot(std::string_view New_StrPUtprisKopplaMot) {
+    kopplaMot_.read(New_StrPUtprisKopplaMot);
+    BoolKopplaMotFinns = false;
+    for (int index = 1; index <= kPriceLists; ++index) {
+        const std::string& code = kopplaMot_.of(index);
+        if (code != kNotCoupled && code != kInPrice) BoolKopplaMotFinns = true;
+    }
+}
+
+std::int16_t ClsPrisAvrund::MomsMotPL(int Index) const {
+    const double number = roundHalfEven(leadingNumber(momsMot_.of(Index)));
+    constexpr std::numeric_limits<std::int16_t> range;
+    const bool fits = number >= range.min() && number <= range.max();
+    return fits ? static_cast<std::int16_t>(number) : std::int16_t{0};
+}
+
+void ClsPrisAvrund::SetProdukt(Recordset& ProdTabell) {
+    const Locale& locale = sql_.locale();
+    for (int index = 1; index <= kPriceLists; ++index) {
+        list(index).utpris = TillDbl(ProdTabell.value(kUtprisPosition + index), locale);
+        list(index).pålägg = TillSng(ProdTabell.value(kPåläggPosition + index), locale);
+    }
+    attempt(passedOver_, "Momskod", [&] {
+        if (momskodOrdinal_ < 0) momskodOrdinal_ = ProdTabell.ordinal("Momskod");
+        IntProdMomskod = static_cast<std::int16_t>(TillLng(ProdTabell.value(momskodOrdinal_), locale));
+    });
+}
+
+bool ClsPrisAvrund::CheckFaktorTG(float SinPålägg, bool BoolNoMsgVidNoll) const {
+    if (BoolNoMsgVidNoll && SinPålägg == 0) return true;
+    if (!BoolPUtprisFaktorTG) return SinPålägg != 0;
+    return SinPålägg != 0 && SinPålägg >= -99 && SinPålägg <= 99;
+}
+
+void ClsPrisAvrund::UtförPriskoppling(int IntPrisFrånUtpris, bool BoolFrånFaktor) {
+    const int first = BoolFrånFaktor || IntPrisFrånUtpris <= 0 ? IntPrisFrånUtpris : IntPrisFrånUtpris + 1;
+    for (int index = 1; index <= kPriceLists; ++index) {
+        list(index).ändrad = index >= first && canBeRecomputed(index) && recompute(index);
+    }
+}
+
+bool ClsPrisAvrund::canBeRecomputed(int index) const {
+    const std::string& code = kopplaMot_.of(index);
+    if (code == kNotCoupled) return false;
+    if (CheckFaktorTG(list(index).pålägg, false) || code == kListPlusVat) return true;
+    return !faktorValuta_ && foreign(index);
+}
+
+bool ClsPrisAvrund::recompute(int index) {
+    const double base = baseOf(index);
+    if (base == 0) return false;
+    double price = newPrice(index, base);
+    if (foreign(index)) {
+        const ClsValuta& currency = lookUpCurrency(index);
+        price = price / currency.Kurs * currency.Faktor;
+    }
+    list(index).utpris = UtförAvrundning(price, ByteDecimaler, index);
+    return true;
+}
+
+/// What the new price of a list is computed from, in home currency.
+double ClsPrisAvrund::baseOf(int index) {
+    const std::string& code = kopplaMot_.of(index);
+    if (code == kWeightedInPrice) return DblVägtIP;
+    if (const auto other = listOf(code)) return homePrice(*other);
+    if (code != kListPlusVat) return DblIPEfterRabatt;
+    const int other = MomsMotPL(index);
+    return isPriceList(other) ? homePrice(other) : 0;
+}
+
+double ClsPrisAvrund::homePrice(int index) {
+    const double price = list(index).utpris;
+    if (!foreign(index)) return price;
+    const ClsValuta& currency = lookUpCurrency(index);
+    return price * currency.Kurs / currency.Faktor;
+}
+
+double ClsPrisAvrund::newPrice(int index, double base) {
+    if (kopplaMot_.of(index) == kListPlusVat) {
+        const auto rate = vatRate(IntProdMomskod);
+        return rate ? base * *rate / 100 + base : base;
+    }
+    const float pålägg = list(index).pålägg;
+    if (!CheckFaktorTG(pålägg, false)) return base;
+    if (BoolPUtprisFaktorTG) return PrisFrånTG(base, pålägg);
+    return static_cast<double>(pålägg) * base / 100 + base;
+}
+
+ClsValuta& ClsPrisAvrund::lookUpCurrency(int index) {
+    if (!Valuta) {
+        Valuta = std::make_unique<ClsValuta>(sql_, passedOver_);
+        Valuta->InitSQLCashe();
+    }
+    Valuta->KursOchFaktor(valutaKod_.of(index), ClsValuta::kKundreskontra);
+    return *Valuta;
+}
+
+}  // namespace kolmera

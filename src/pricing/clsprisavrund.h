@@ -1,0 +1,136 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "db/sqllayer.h"
+#include "platform/attempt.h"
+#include "pricing/clsvaluta.h"
+#include "pricing/listsetting.h"
+
+namespace kolmera {
+
+class ClsSyInställningar_2;
+
+/// Ordinals of the product's out prices and markups: this plus the price list (1-9).
+inline constexpr int kUtprisPosition = 23;
+inline constexpr int kPåläggPosition = 32;
+
+/// A company's rules for out prices: rounding by price ranges, and recomputing of the coupled price lists. Order:
+/// construct, `InitInstRS` (or `InitInstOBJ`), then round; to couple a product set `DblIPEfterRabatt`, `DblVägtIP`
+/// and `ByteDecimaler`, call `SetProdukt` and `UtförPriskoppling`, and read `Ändrad` and `Utpris`. A property is read
+/// by its name and written by the same name with the new value. Price lists and indexes count from 1.
+class ClsPrisAvrund {
+  public:
+    ClsPrisAvrund(SqlLayer& sql, PassedOver& passedOver);
+
+    bool BoolValutaFinns = false;
+    bool BoolKopplaMotFinns = false;     ///< some price list is coupled to something else than the in price
+    bool BoolPUtprisFaktorTG = false;    ///< markups are margins, per cent of the out price
+    bool BoolPAutoUppdatUtpris = false;  ///< the import recomputes coupled prices
+    bool BoolPAutoUppdatValuta = false;
+    std::unique_ptr<ClsValuta> Valuta;  ///< made when a price is first converted
+    double DblIPEfterRabatt = 0;        ///< in price after discount, home currency
+    double DblVägtIP = 0;               ///< weighted in price
+    std::uint8_t ByteDecimaler = 0;     ///< decimals of recomputed prices outside the ranges, at most 15
+    std::int16_t IntProdMomskod = 0;    ///< VAT code of the product
+
+    /// Loads the settings from the current record of "Syinställningar2"; a column that cannot be read leaves its
+    /// member as it was.
+    void InitInstRS(Recordset& DsetInställningar2);
+    void InitInstOBJ(ClsSyInställningar_2& ObjSyInställningar_2);
+
+    // Rounding.
+
+    /// The ranges as lines "From 1, To 1, ... From 5, To 5", separated by CR LF: always ten when read, at most ten
+    /// taken. Call `UppdateraNumValues` after writing.
+    [[nodiscard]] std::string StrInställning() const;
+    void StrInställning(std::string_view New_StrInställning);
+    /// The bounds as numbers in the user's locale; what is no number is 0.
+    void UppdateraNumValues();
+    [[nodiscard]] const std::string& StrFrom(int Index) const { return range(Index).from; }
+    void StrFrom(int Index, std::string_view New_StrFrom);
+    [[nodiscard]] const std::string& StrTom(int Index) const { return range(Index).to; }
+    void StrTom(int Index, std::string_view New_StrTom);
+    /// Rounds by the first range that contains the price, else to `StdDecimaler` (at most 15) decimals. Price lists
+    /// without rounding always get `StdDecimaler`.
+    [[nodiscard]] double UtförAvrundning(double DblPris, std::uint8_t StdDecimaler, int IntPLIdx) const;
+    /// The price without the VAT of that code (1-3); unchanged for other codes.
+    [[nodiscard]] double VändMoms(int IntMomskod, double DblPris);
+
+    // Coupling.
+
+    [[nodiscard]] std::string StrPUtprisValuta() const { return valutaKod_.write(); }
+    void StrPUtprisValuta(std::string_view New_StrPUtprisValuta) { valutaKod_.read(New_StrPUtprisValuta); }
+    [[nodiscard]] std::string StrPUtprisKopplaMot() const { return kopplaMot_.write(); }
+    /// Sets `BoolKopplaMotFinns`, too.
+    void StrPUtprisKopplaMot(std::string_view New_StrPUtprisKopplaMot);
+    [[nodiscard]] std::string StrPUtprisMomsMot() const { return momsMot_.write(); }
+    void StrPUtprisMomsMot(std::string_view New_StrPUtprisMomsMot) { momsMot_.read(New_StrPUtprisMomsMot); }
+    [[nodiscard]] const std::string& StrValuta(int Index) const { return valutaKod_.of(Index); }
+    void StrValuta(int Index, std::string_view New_StrValuta) { valutaKod_.set(Index, New_StrValuta); }
+    [[nodiscard]] const std::string& StrKopplaMot(int Index) const { return kopplaMot_.of(Index); }
+    void StrKopplaMot(int Index, std::string_view New_StrKopplaMot) { kopplaMot_.set(Index, New_StrKopplaMot); }
+    [[nodiscard]] std::int16_t MomsMotPL(int Index) const;
+    void MomsMotPL(int Index, std::int16_t New_MomsMotPL) { momsMot_.set(Index, std::to_string(New_MomsMotPL)); }
+    [[nodiscard]] double Utpris(int Index) const { return list(Index).utpris; }
+    void Utpris(int Index, double New_Utpris) { list(Index).utpris = New_Utpris; }
+    [[nodiscard]] float Pålägg(int Index) const { return list(Index).pålägg; }
+    void Pålägg(int Index, float New_Pålägg) { list(Index).pålägg = New_Pålägg; }
+    [[nodiscard]] bool Ändrad(int Index) const { return list(Index).ändrad; }
+
+    /// Takes out prices, markups and VAT code of the current product.
+    void SetProdukt(Recordset& ProdTabell);
+    /// Whether a markup can be used; as a margin it lies within 99 per cent and is not 0.
+    [[nodiscard]] bool CheckFaktorTG(float SinPålägg, bool BoolNoMsgVidNoll) const;
+    /// Recomputes the coupled price lists in the order 1 to 9, each seeing the new prices of the lists before it.
+    /// `IntPrisFrånUtpris` 0: all of them; else those behind that list, with `BoolFrånFaktor` that list, too.
+    void UtförPriskoppling(int IntPrisFrånUtpris, bool BoolFrånFaktor);
+
+  private:
+    struct Range {
+        std::string from, to;
+        double fromNum = 0, toNum = 0;
+    };
+    struct PriceList {
+        double utpris = 0;
+        float pålägg = 0;
+        bool ändrad = false;
+        bool noAvrund = false;
+    };
+    static constexpr int kRanges = 5;
+
+    Range& range(int index) { return ranges_.at(static_cast<std::size_t>(index - 1)); }
+    [[nodiscard]] const Range& range(int index) const { return ranges_.at(static_cast<std::size_t>(index - 1)); }
+    PriceList& list(int index) { return lists_.at(static_cast<std::size_t>(index - 1)); }
+    [[nodiscard]] const PriceList& list(int index) const { return lists_.at(static_cast<std::size_t>(index - 1)); }
+
+    void setNoAvrund(std::int32_t PNoAvrundPLBM);
+    [[nodiscard]] double numeric(std::string_view text) const;
+    [[nodiscard]] int rangeOf(double price) const;
+    [[nodiscard]] std::optional<double> vatRate(int momskod);
+    [[nodiscard]] bool canBeRecomputed(int index) const;
+    [[nodiscard]] double baseOf(int index);
+    [[nodiscard]] double homePrice(int index);
+    [[nodiscard]] double newPrice(int index, double base);
+    [[nodiscard]] bool foreign(int index) const { return valutaKod_.of(index) != kHomeCurrency; }
+    ClsValuta& lookUpCurrency(int index);
+    bool recompute(int index);
+
+    SqlLayer& sql_;
+    PassedOver& passedOver_;
+    std::array<Range, kRanges> ranges_;
+    std::array<PriceList, kPriceLists> lists_;
+    ListSetting valutaKod_{kHomeCurrency};
+    ListSetting kopplaMot_{"I"};
+    ListSetting momsMot_{"0"};
+    bool faktorValuta_ = false;  ///< PFaktorValuta: a markup of 0 is not enough in a foreign currency either
+    std::optional<std::array<double, 3>> vatRates_;
+    int momskodOrdinal_ = -1;
+};
+
+}  // namespace kolmera

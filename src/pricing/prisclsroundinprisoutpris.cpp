@@ -1,0 +1,106 @@
+#include "pricing/prisclsroundinprisoutpris.h"
+
+#include "db/conversions.h"
+#include "platform/error.h"
+#include "pricing/changedate.h"
+#include "pricing/clsprisavrund.h"
+#include "pricing/rounding.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::uint8_t kStandardDecimals = 2;
+constexpr int kMostDecimals = 15;  ///< of `roundDecimals`
+
+constexpr int kInprisPosition = 21;
+constexpr int kVägtinprisPosition = 23;
+
+std::uint8_t decimals(Recordset& settings, std::string_view column, const Locale& locale) {
+    const std::int32_t number = TillLng(settings.value(column), locale);
+    if (number < 0 || number > kMostDecimals) {
+        throw PlatformError(errors::kWrongType, std::string(column) + " is no number of decimals.");
+    }
+    return static_cast<std::uint8_t>(number);
+}
+
+}  // namespace
+
+PrisClsRoundInprisOUtpris::PrisClsRoundInprisOUtpris(SqlLayer& sql, PassedOver& passedOver, Date Idag,
+                                                     std::int32_t PPrisDatumBM)
+    : sql_(sql),
+      passedOver_(passedOver),
+      Idag_(Idag),
+      PPrisDatumBM_(PPrisDatumBM),
+      avrund_(std::make_unique<ClsPrisAvrund>(sql, passedOver)) {}
+
+PrisClsRoundInprisOUtpris::~PrisClsRoundInprisOUtpris() = default;
+
+void PrisClsRoundInprisOUtpris::Init() {
+    avrund_ = std::make_unique<ClsPrisAvrund>(sql_, passedOver_);
+    InprisDec = UtprisDec = kStandardDecimals;
+    attempt(passedOver_, "open Syinställningar2", [this] {
+        const auto settings = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
+        attempt(passedOver_, "PDecInpris, PDecUtpris", [&] {
+            const std::uint8_t inpris = decimals(*settings, "PDecInpris", sql_.locale());
+            UtprisDec = decimals(*settings, "PDecUtpris", sql_.locale());
+            InprisDec = inpris;
+        });
+        avrund_->InitInstRS(*settings);
+    });
+}
+
+double PrisClsRoundInprisOUtpris::Avrunda(int PositionIPost, double DblBelopp) const {
+    if (PositionIPost == kInprisPosition || PositionIPost == kVägtinprisPosition) {
+        return roundDecimals(DblBelopp, InprisDec);
+    }
+    const int list = PositionIPost - kUtprisPosition;
+    if (list < 1 || list > kPriceLists) return DblBelopp;
+    return avrund_->UtförAvrundning(DblBelopp, UtprisDec, list);
+}
+
+bool PrisClsRoundInprisOUtpris::KopplaMotFinns() const { return avrund_->BoolKopplaMotFinns; }
+
+void PrisClsRoundInprisOUtpris::Priskoppling(Recordset& ProdTabell, double DblIPEfterRabatt) {
+    if (!avrund_->BoolPAutoUppdatUtpris) return;
+    const bool loaded = attempt(passedOver_, "Priskoppling", [&] {
+        if (!columns_) {
+            columns_ = std::make_unique<ProductColumns>(ProductColumns{ProdTabell.ordinal("Vägtinpris"),
+                                                                       ProdTabell.ordinal("Prisändrdat"),
+                                                                       ProdTabell.ordinal(kFörändringsdatum)});
+        }
+        avrund_->DblIPEfterRabatt = DblIPEfterRabatt;
+        avrund_->DblVägtIP = TillDbl(ProdTabell.value(columns_->Vägtinpris), sql_.locale());
+        avrund_->ByteDecimaler = UtprisDec;
+        avrund_->SetProdukt(ProdTabell);
+    });
+    if (!loaded) return;
+    avrund_->UtförPriskoppling(0, false);
+    for (int list = 1; list <= kPriceLists; ++list) {
+        if (avrund_->Ändrad(list)) return saveCoupledPrices(ProdTabell, *columns_);
+    }
+}
+
+void PrisClsRoundInprisOUtpris::saveCoupledPrices(Recordset& ProdTabell, const ProductColumns& columns) {
+    if (!attempt(passedOver_, "Priskoppling: Edit", [&] { ProdTabell.edit(); })) return;
+    bool pricesChanged = false;
+    for (int list = 1; list <= kPriceLists; ++list) {
+        if (!avrund_->Ändrad(list)) continue;
+        attempt(passedOver_, "Priskoppling: Utpris", [&] {
+            const int position = kUtprisPosition + list;
+            const double price = avrund_->Utpris(list);
+            if (daterarPris(PPrisDatumBM_, list) &&
+                !NästanLika(TillDbl(ProdTabell.value(position), sql_.locale()), price)) {
+                pricesChanged = true;
+            }
+            ProdTabell.set(position, price);
+        });
+    }
+    if (pricesChanged) {
+        attempt(passedOver_, "Priskoppling: Prisändrdat", [&] { ProdTabell.set(columns.Prisändrdat, Idag_); });
+    }
+    attempt(passedOver_, "Priskoppling: Förändringsdatum",
+            [&] { SättÄndringsdatum(ProdTabell, columns.Förändringsdatum, Idag_); });
+    attempt(passedOver_, "Priskoppling: Update", [&] { ProdTabell.update(); });
+}
+
+}  // namespace kolmera
