@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,16 +19,27 @@ class CompanyRegister {
     CompanyRegister(StartState& state, LanguageTexts& texts, MessageBoxes& boxes)
         : state_(state), texts_(texts), boxes_(boxes) {}
 
-    /// Opens the company's database as `state.sql.FtgDB`. A failure is shown in a message box and returns false.
+    /// Opens the company's database as `state.sql.FtgDB`. A failure is shown in a message box and returns false; a
+    /// company that was open then stays open.
     bool ÖppnaDatabas(std::string_view name);
     /// Asked again and again while another session holds a lock; returns false to give up. Set by runs.
     std::function<bool()> waitForLock;
     /// The password of a company file from DVDefLog.bin, or empty.
     std::string LösenFör(std::string_view name);
-    /// Rows "company name TAB database file" of all company files in the data folder; new ones join the register.
+    /// Rows "company name TAB database file" of all company files in the data folder, by file name; new ones join the
+    /// register. A file that cannot be opened is shown in a message box and left out.
     std::vector<std::string> FyllFöretagsLista();
 
   private:
+    std::unique_ptr<Database> openFile(std::string_view name, bool readOnly);
+    [[nodiscard]] OpenOptions openOptions(std::string_view name);
+    bool openServer(std::string_view name);
+    std::optional<std::string> registeredName(const std::string& file);
+    std::optional<std::string> newCompany(const std::string& file);
+    std::optional<std::string> repairedCompany(const std::string& file);
+    std::string companyName(const std::string& file);
+    void showFailure(const std::string& file, const PlatformError& error);
+
     StartState& state_;
     LanguageTexts& texts_;
     MessageBoxes& boxes_;

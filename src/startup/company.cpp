@@ -1,0 +1,153 @@
+#include "startup/company.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "db/conversions.h"
+#include "platform/attempt.h"
+#include "platform/lettercase.h"
+#include "startup/companyfile.h"
+#include "startup/passwordfile.h"
+
+namespace kolmera {
+
+namespace {
+
+constexpr int kCannotOpen = 3300;
+constexpr std::string_view kModule = "KMR";
+constexpr int kNotACompany = 15;
+constexpr int kAskToRepair = 16;
+constexpr int kNotRepaired = 18;
+
+bool isCompanyFile(const std::string& upperName) { return upperName.starts_with("FTG") && upperName.ends_with(".MDB"); }
+
+/// The names, in upper case, of the files "FTG*.mdb" of a folder, sorted: a folder of this system has no order.
+std::vector<std::string> companyFiles(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = upperCase(entry->path().filename().string());
+        std::error_code unreadable;
+        if (isCompanyFile(name) && !entry->is_directory(unreadable)) names.push_back(name);
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+}  // namespace
+
+std::string CompanyRegister::LösenFör(std::string_view name) { return PasswordFile(state_.dataFolder()).find(name); }
+
+OpenOptions CompanyRegister::openOptions(std::string_view name) {
+    OpenOptions result;
+    result.locale = state_.locale;
+    result.password = LösenFör(name);
+    result.wait = waitForLock;
+    return result;
+}
+
+std::unique_ptr<Database> CompanyRegister::openFile(std::string_view name, bool readOnly) {
+    OpenOptions options = openOptions(name);
+    options.readOnly = readOnly;
+    return openFileDatabase(state_.drives.resolve(name, state_.dataFolder()), options);
+}
+
+/// Whether the name is that of a registered server company and its database could be opened.
+bool CompanyRegister::openServer(std::string_view name) {
+    SqlLayer& sql = state_.sql;
+    sql.ÄrSQLFöretag = SqlLayer::ÄrSQLDatabas(upperCase(name));
+    if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLServerSlåUpp(state_.dataFolder(), name);
+    if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLÖppnaServer([this] { boxes_.port().letEventsRun(); });
+    return sql.ÄrSQLFöretag;
+}
+
+bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
+    if (openServer(name)) return true;
+    try {
+        state_.sql.FtgDB = openFile(name, false);
+        return true;
+    } catch (const PlatformError& error) {
+        boxes_.port().hourglass(false);
+        const std::string title = texts_.ResText(kCannotOpen);
+        boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + std::to_string(error.number()) +
+                                     "\r\n" + error.description(),
+                                 title);
+        return false;
+    }
+}
+
+std::vector<std::string> CompanyRegister::FyllFöretagsLista() {
+    std::vector<std::string> rows;
+    for (const std::string& file : companyFiles(state_.dataFolder())) {
+        std::optional<std::string> company = registeredName(file);
+        if (!company) company = newCompany(file);
+        if (company) rows.push_back(*company + "\t" + file);
+    }
+    boxes_.port().hourglass(false);
+    return rows;
+}
+
+std::optional<std::string> CompanyRegister::registeredName(const std::string& file) {
+    std::optional<std::string> company;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "DORVIK.FTG", [&] { company = CompanyFile(state_.dataFolder()).find(file); });
+    return company;
+}
+
+/// The name of a company that the register does not know, which it joins; nothing when the file cannot be used.
+std::optional<std::string> CompanyRegister::newCompany(const std::string& file) {
+    try {
+        return companyName(file);
+    } catch (const PlatformError& error) {
+        if (error.number() == errors::kDamaged) return repairedCompany(file);
+        showFailure(file, error);
+        return std::nullopt;
+    }
+}
+
+/// Reads the company's name from its settings and adds it to the register.
+std::string CompanyRegister::companyName(const std::string& file) {
+    std::string name;
+    {
+        const std::unique_ptr<Database> database = openFile(file, true);
+        const auto settings = database->open("Syinställningar", RecordsetType::Snapshot);
+        name = TillText(settings->value("Företagsnamn"), state_.locale);
+    }
+    PassedOverSilently passedOver;
+    attempt(passedOver, "DORVIK.FTG", [&] { CompanyFile(state_.dataFolder()).append(file, name); });
+    return name;
+}
+
+std::optional<std::string> CompanyRegister::repairedCompany(const std::string& file) {
+    boxes_.port().hourglass(false);
+    const std::string question =
+        texts_.ResText(kCannotOpen) + " " + file + "." + texts_.ModulTextMed(kModule, kAskToRepair, file);
+    if (boxes_.MeddelandeJaNej(question) != Answer::Yes) return std::nullopt;
+    boxes_.port().hourglass(true);
+    try {
+        repairFileDatabase(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
+    } catch (const PlatformError&) {
+        boxes_.port().hourglass(false);
+        boxes_.MeddelandeVarning(texts_.ModulText(kModule, kNotRepaired));
+        return std::nullopt;
+    }
+    try {
+        return companyName(file);
+    } catch (const PlatformError& error) {
+        showFailure(file, error);
+        return std::nullopt;
+    }
+}
+
+void CompanyRegister::showFailure(const std::string& file, const PlatformError& error) {
+    boxes_.port().hourglass(false);
+    const std::string cannotOpen = texts_.ResText(kCannotOpen);
+    if (error.number() == errors::kInternal) {
+        boxes_.MeddelandeVarning(cannotOpen + ". " + file + texts_.ModulText(kModule, kNotACompany));
+    } else {
+        boxes_.MeddelandeVarning(cannotOpen + " " + file + ".\r\n" + error.description());
+    }
+}
+
+}  // namespace kolmera

@@ -1,0 +1,110 @@
+#include "startup/datafolder.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "db/companyschema.h"
+#include "definitions/jobfile.h"
+#include "platform/engine/database.h"
+#include "platform/error.h"
+#include "platform/paths.h"
+#include "startup/inifile.h"
+#include "startup/passwordfile.h"
+
+namespace kolmera {
+
+namespace {
+
+// The records of DORVIK.INI that are read, with a key for whoever looks into the file. Blank values mean: suite font,
+// sign-in by the form.
+struct IniLine {
+    const char* key;
+    std::string_view value;
+};
+constexpr IniLine kIniLines[] = {
+    {"", ""}, {"Företag", kFirstCompany}, {"", ""}, {"", ""}, {"", ""}, {"", ""}, {"", ""}, {"", ""}, {"Tahoma", ""},
+    {"", ""}, {"Inloggning", ""}};
+
+struct TradeJob {
+    const char* name;
+    const char* kind;
+};
+constexpr TradeJob kTradeJobs[] = {{"(EIO)", "E"}, {"(RSK)", "R"}, {"(FINFO)", "F"}};
+
+constexpr const char* kEmptyFiles[] = {"DORVIK.FTG", "PRISMASK.TXT", "PRISMPOS.TXT", "PRISLEV.TXT"};
+
+constexpr int kPriceDecimals = 2;
+
+/// Makes a file of length 0, unless there is one whatever the case of its letters.
+void ensureFile(const std::filesystem::path& folder, const std::string& name) {
+    const std::filesystem::path file = findWithoutCase(folder, name);
+    const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        throw PlatformError(errors::kFileNotFound, file.string() + ": " + std::generic_category().message(errno));
+    }
+    ::close(descriptor);
+}
+
+void ensureSettings(const std::filesystem::path& folder) {
+    const std::filesystem::path file = findWithoutCase(folder, "DORVIK.INI");
+    if (std::filesystem::exists(file)) return;
+    int number = 0;
+    for (const IniLine& line : kIniLines) writeIniValue(file, ++number, line.key, std::string(line.value));
+}
+
+void ensureTradeJobs(const std::filesystem::path& folder) {
+    JobFile jobs(folder);
+    for (const TradeJob& trade : kTradeJobs) {
+        if (jobs.find(trade.name)) continue;
+        Job job;
+        job.name = trade.name;
+        job.kind = trade.kind;
+        job.company = kFirstCompany;
+        jobs.save(job);
+    }
+}
+
+void writeSettings(const std::filesystem::path& file, const std::string& companyName, const std::string& password) {
+    OpenOptions openOptions;
+    openOptions.password = password;
+    const std::unique_ptr<Database> database = openFileDatabase(file, openOptions);
+    const auto settings = database->open("Syinställningar", RecordsetType::Table);
+    settings->addNew();
+    settings->set("Företagsnamn", companyName);
+    settings->update();
+    const auto settings2 = database->open("Syinställningar2", RecordsetType::Table);
+    settings2->addNew();
+    settings2->set("PDecInpris", std::int64_t{kPriceDecimals});
+    settings2->set("PDecUtpris", std::int64_t{kPriceDecimals});
+    settings2->update();
+}
+
+}  // namespace
+
+void createDataFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) throw PlatformError(errors::kFileNotFound, folder.string() + ": " + error.message());
+    ensureSettings(folder);
+    for (const char* name : kEmptyFiles) ensureFile(folder, name);
+    ensureTradeJobs(folder);
+}
+
+void createCompany(const std::filesystem::path& folder, const std::string& fileName, const std::string& companyName,
+                   const std::string& password) {
+    const std::filesystem::path file = findWithoutCase(folder, fileName);
+    createFileDatabase(file, companySchema(), password);
+    try {
+        writeSettings(file, companyName, password);
+        if (!password.empty()) PasswordFile(folder).save(fileName, password);
+    } catch (const PlatformError&) {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+        throw;
+    }
+}
+
+}  // namespace kolmera

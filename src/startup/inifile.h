@@ -1,0 +1,15 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace kolmera {
+
+/// The value of record `number` of DVKlient.ini or DORVIK.INI, trimmed; blank beyond the end. A missing file is created
+/// empty. Throws PlatformError when it can be neither read nor made.
+std::string iniValue(const std::filesystem::path& file, int number);
+
+/// Writes key and value of a record. Throws PlatformError.
+void writeIniValue(const std::filesystem::path& file, int number, const std::string& key, const std::string& value);
+
+}  // namespace kolmera

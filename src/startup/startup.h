@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "lang/languagetexts.h"
+#include "startup/startstate.h"
+
+namespace kolmera {
+
+/// Finds the program's and the suite's folders: sets `ProgramMapp`, `DataMapp` and `EjKlientIni`. `programFolder` is
+/// the folder of the program file. Without DVKlient.ini, or when the folder that it names cannot be entered, the
+/// program works alone on the files in its own folder.
+void LäsKlientIni(StartState& state, std::string programFolder);
+
+/// Sets `StandardFöretag`, `TypsnittTahoma` and `InloggningsLäge` from DORVIK.INI of the data folder, which is created
+/// empty when missing. A value that cannot be read leaves its member as it was.
+void LäsDorvikIni(StartState& state);
+
+/// Signs the user in: sets `FinnsAnvändare` and `Signatur`. Given by the program; called behind LäsDorvikIni and never
+/// when the program works alone.
+using SignIn = std::function<void(StartState& state)>;
+
+/// The start sequence up to the first window: folders, language, suite settings, sign-in, decimal sign. A step that
+/// fails leaves its members as they were. The window system is prepared before, the main window shown behind it.
+///
+/// A program without windows passes no `signIn`: whoever may run it and read the data folder may import, nobody is
+/// signed in, and `Signatur` stays empty as it does where the user file asks for no sign-in.
+void startUp(StartState& state, LanguageTexts& texts, const std::string& programFolder, const SignIn& signIn = {});
+
+}  // namespace kolmera
