@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,11 +9,13 @@ namespace kolmera {
 /// The single-byte character sets of the suite's files. Positions and widths are counted in their bytes.
 enum class CodePage { Windows1252, Oem850, Oem437 };
 
-/// Bytes of a code page as UTF-8. Never fails: bytes without a character become U+FFFD.
+/// Bytes of a code page as UTF-8. Never fails: the five bytes that Windows-1252 leaves open (81, 8D, 8F, 90, 9D) become
+/// the control characters of the same number, so that every text comes back from `fromUtf8` as the bytes it was.
 std::string toUtf8(std::string_view bytes, CodePage page);
-/// The same into a text that is reused; for loops over many records.
+/// The same into a text that is reused, without an allocation when it is large enough; for loops over many records.
+/// `bytes` must not be part of `out`.
 void toUtf8(std::string_view bytes, CodePage page, std::string& out);
-/// UTF-8 as bytes of a code page; characters that it lacks become "?".
+/// UTF-8 as bytes of a code page; a character that it lacks and a malformed byte become "?".
 std::string fromUtf8(std::string_view text, CodePage page);
 
 /// Number of characters (code points) of a UTF-8 text; malformed bytes count one each.

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/descriptor.h"
 
 namespace kolmera {
 
@@ -17,10 +20,9 @@ class PriceFile {
     explicit PriceFile(const std::filesystem::path& file);
     PriceFile(const PriceFile&) = delete;
     PriceFile& operator=(const PriceFile&) = delete;
-    ~PriceFile();
 
     [[nodiscard]] bool atEnd();
-    /// The next line without its end; valid until the next call. At the end of the file an empty line.
+    /// The next line without its end; valid until the next call (of `atEnd` too). At the end of the file an empty line.
     std::string_view line();
     /// The next `count` bytes, fewer at the end of the file; valid until the next call.
     std::string_view bytes(std::size_t count);
@@ -29,14 +31,15 @@ class PriceFile {
     [[nodiscard]] std::uint64_t position() const;               ///< bytes read so far, for progress
 
   private:
-    bool fill();
-    int descriptor_ = -1;
+    bool fill();  ///< reads on behind end_; false at the end of the file. Moves what is not yet read to the front.
+
+    Descriptor descriptor_;
     std::uint64_t size_ = 0;
     std::uint64_t fileRead_ = 0;
     std::vector<char> buffer_;
     std::size_t begin_ = 0;
     std::size_t end_ = 0;
-    bool lastBlock_ = false;
+    bool lastBlock_ = false;  ///< the end of the file has been seen
 };
 
 }  // namespace kolmera

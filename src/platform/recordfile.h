@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/descriptor.h"
+
 namespace kolmera {
 
 /// One field of a fixed record: bytes counted from 0.
@@ -51,11 +53,11 @@ class Record {
 
     /// UTF-8 without blanks and NUL at both ends.
     [[nodiscard]] std::string text(RecordField field) const;
-    /// The leading number of the trimmed text, 0 when there is none ("007" and "7  " are 7).
+    /// The leading number of the trimmed text, rounded half to even, 0 when there is none ("007" and "7  " are 7).
     [[nodiscard]] int number(RecordField field) const;
     /// Left-aligned, padded with blanks, cut to the width.
     void setText(RecordField field, std::string_view utf8);
-    /// Decimal digits, zero-padded to the width.
+    /// Decimal digits, zero-padded to the width. Throws kTextTooLong for a negative number and one with more digits.
     void setNumber(RecordField field, int number);
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
 
@@ -64,15 +66,17 @@ class Record {
 };
 
 /// A random-access file of fixed-length records numbered from 1, as the suite keeps its settings and definitions.
-/// Open, use and close within one operation; there is no locking. Errors are PlatformError.
+/// The name is found without regard to letter case. Open, use and close within one operation; there is no locking.
+/// Errors are PlatformError with the system's text.
 class RecordFile {
   public:
-    enum class Mode { Read, ReadWrite };  ///< both create a missing file empty where the folder can be written
+    /// Both create a missing file empty. Where the folder cannot be written, it reads as empty in mode Read and is an
+    /// error in mode ReadWrite; a folder that does not exist is an error in both.
+    enum class Mode { Read, ReadWrite };
 
     RecordFile(const std::filesystem::path& file, const RecordLayout& layout, Mode mode = Mode::ReadWrite);
     RecordFile(const RecordFile&) = delete;
     RecordFile& operator=(const RecordFile&) = delete;
-    ~RecordFile();
 
     /// Whole records in the file (length / record length; a partial record at the end is ignored).
     [[nodiscard]] int count() const;
@@ -80,20 +84,21 @@ class RecordFile {
     [[nodiscard]] int surplus() const;
     /// Record n; one beyond the end reads as blanks.
     [[nodiscard]] Record read(int number) const;
+    /// Leaves all other records as they are, and a partial one at the end. `number` is 1 or more.
     void write(int number, const Record& record);
-    /// Writes behind the last whole record and returns the new number.
+    /// Writes behind the last whole record, over a partial one, and returns the new number.
     int append(const Record& record);
 
   private:
-    int descriptor_ = -1;
+    Descriptor descriptor_;  ///< none for a missing file that cannot be made
     const RecordLayout& layout_;
-    std::filesystem::path file_;
 };
 
 /// Rewrites a file: `keep` sees every record with its number, may change it, and says whether it stays. The kept
 /// records go to BUFFER.TXT in the file's folder (begun empty), which is synced and then renamed over the file, so
 /// that no moment exists in which the data is only in the buffer. Numbers behind a removed record move down by one.
-/// Returns the number of records removed. On an error the old file stays as it was.
+/// The bytes of a partial record at the end stay at the end. Returns the number of records removed. On an error, of
+/// `keep` too, the old file stays as it was and the buffer is removed.
 int rewriteRecords(const std::filesystem::path& file, const RecordLayout& layout,
                    const std::function<bool(int number, Record& record)>& keep);
 

@@ -1,0 +1,224 @@
+#include "platform/batchprocess.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string_view>
+#include <vector>
+
+#include "platform/descriptor.h"
+#include "platform/encodings.h"
+#include "platform/lettercase.h"
+
+extern char** environ;
+
+namespace kolmera {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string shellQuoted(const std::string& text) { return fmt::format("'{}'", replaceAll(text, "'", "'\\''")); }
+
+/// The words of a line: between blanks, or between double quotes.
+std::vector<std::string> wordsOf(std::string_view line) {
+    std::vector<std::string> words;
+    bool inQuotes = false;
+    bool inWord = false;
+    for (const char c : line) {
+        if (c == '"') inQuotes = !inQuotes;
+        const bool separates = !inQuotes && (c == ' ' || c == '\t');
+        if (!separates && !inWord) words.emplace_back();
+        inWord = !separates;
+        if (inWord && c != '"') words.back().push_back(c);
+    }
+    return words;
+}
+
+/// A file name with "*" and "?" as a pattern of the shell that takes ASCII letters in both cases. "*.*" is every file.
+std::string patternOf(const std::string& name) {
+    if (name == "*.*") return "*";
+    std::string pattern;
+    for (const char c : name) {
+        const std::string one(1, c);
+        const std::string lower = lowerCase(one);
+        const std::string upper = upperCase(one);
+        if (c == '*' || c == '?') {
+            pattern += c;
+        } else {
+            pattern += lower == upper ? shellQuoted(one) : fmt::format("[{}{}]", lower, upper);
+        }
+    }
+    return pattern;
+}
+
+/// Turns the lines of a batch file into lines for /bin/sh. The commands of the batch language that are known here take
+/// Windows paths; any other line is the shell's as it is, in a shell of its own, so that nothing in it (an error in its
+/// quotes, an "exit") keeps the later lines from running.
+class ShellScript {
+  public:
+    ShellScript(const fs::path& folder, const DriveMap& drives) : folder_(folder), drives_(drives) {}
+
+    void add(std::string_view line) {
+        line = trimmed(line);
+        if (line.starts_with('@')) line = trimmed(line.substr(1));
+        const Arguments words = argumentsOf(line);
+        if (words.empty()) return;
+        for (const Command& command : kCommands) {
+            if (!equalNoCase(words.front(), command.name)) continue;
+            (this->*command.translate)({words.begin() + 1, words.end()});
+            return;
+        }
+        addLine("( eval {} )", shellQuoted(std::string(line)));
+    }
+
+    /// Adds the removal of a file whatever folder the lines before have gone to.
+    void removeAtEnd(const fs::path& file) { addLine("rm -f -- {}", shellQuoted(file.string())); }
+
+    [[nodiscard]] const std::string& text() const { return script_; }
+
+  private:
+    using Arguments = std::vector<std::string>;
+    struct Command {
+        std::string_view name;
+        void (ShellScript::*translate)(const Arguments&);
+    };
+    static const Command kCommands[9];
+
+    template <typename... Values>
+    void addLine(fmt::format_string<Values...> format, Values&&... values) {
+        fmt::format_to(std::back_inserter(script_), format, std::forward<Values>(values)...);
+        script_ += '\n';
+    }
+
+    /// Words without switches ("/Y") and without what follows a redirection ("> NUL").
+    static Arguments argumentsOf(std::string_view line) {
+        Arguments words = wordsOf(line);
+        const auto redirected = std::ranges::find_if(words, [](const std::string& word) {
+            return word.starts_with('>') || word.starts_with("1>") || word.starts_with("2>");
+        });
+        words.erase(redirected, words.end());
+        std::erase_if(words, [](const std::string& word) {
+            return word.starts_with('/') && (word.size() == 2 || word.starts_with("/-")) && !fs::exists(word);
+        });
+        return words;
+    }
+
+    [[nodiscard]] fs::path resolved(const std::string& path) const { return drives_.resolve(path, folder_); }
+
+    /// The file or files of an argument for a command of the shell.
+    [[nodiscard]] std::string filesOf(const std::string& argument) const {
+        const fs::path path = resolved(argument);
+        if (argument.find_first_of("*?") == std::string::npos) return shellQuoted(path.string());
+        return shellQuoted(path.parent_path().string()) + "/" + patternOf(path.filename().string());
+    }
+
+    void remove(const Arguments& names) {
+        for (const std::string& name : names) addLine("rm -f -- {}", filesOf(name));
+    }
+
+    void copy(const Arguments& names) {
+        if (names.empty()) return;
+        const fs::path to = names.size() > 1 ? resolved(names[1]) : folder_;
+        addLine("cp -f -- {} {}", filesOf(names[0]), shellQuoted(to.string()));
+    }
+
+    /// An existing file of the new name stays, and the old one too.
+    void rename(const Arguments& names) {
+        if (names.size() < 2) return;
+        const fs::path from = resolved(names[0]);
+        const std::string to = shellQuoted(drives_.resolve(names[1], from.parent_path()).string());
+        addLine("[ -e {0} ] || mv -- {1} {0}", to, shellQuoted(from.string()));
+    }
+
+    void changeFolder(const Arguments& names) {
+        if (names.empty()) return;
+        const fs::path wanted = resolved(names[0]);
+        std::error_code ignored;
+        if (!fs::is_directory(wanted, ignored)) return;
+        folder_ = wanted;
+        addLine("cd -- {}", shellQuoted(folder_.string()));
+    }
+
+    void echo(const Arguments& words) {
+        if (words.size() == 1 && (equalNoCase(words[0], "off") || equalNoCase(words[0], "on"))) return;
+        std::string text;
+        for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+        addLine("printf '%s\\n' {}", shellQuoted(text));
+    }
+
+    void nothing(const Arguments&) {}
+
+    fs::path folder_;
+    const DriveMap& drives_;
+    std::string script_;
+};
+
+constexpr ShellScript::Command ShellScript::kCommands[9] = {
+    {"del", &ShellScript::remove},         {"erase", &ShellScript::remove},  {"copy", &ShellScript::copy},
+    {"ren", &ShellScript::rename},         {"rename", &ShellScript::rename}, {"cd", &ShellScript::changeFolder},
+    {"chdir", &ShellScript::changeFolder}, {"rem", &ShellScript::nothing},   {"echo", &ShellScript::echo},
+};
+
+/// What the shell starts with: no input of ours, its own session, no signal ignored or blocked.
+class SpawnSettings {
+  public:
+    explicit SpawnSettings(const fs::path& folder) {
+        posix_spawn_file_actions_init(&actions);
+        posix_spawnattr_init(&attributes);
+        posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_adddup2(&actions, 2, 1);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&attributes, &signals);
+        sigfillset(&signals);
+        posix_spawnattr_setsigdefault(&attributes, &signals);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+    ~SpawnSettings() {
+        posix_spawnattr_destroy(&attributes);
+        posix_spawn_file_actions_destroy(&actions);
+    }
+
+    posix_spawn_file_actions_t actions{};
+    posix_spawnattr_t attributes{};
+};
+
+/// Starts a script as a process that is nobody's child here: the shell that is started puts it in the background and
+/// ends at once.
+void startDetached(const std::string& script, const fs::path& folder) {
+    std::string shell = "/bin/sh";
+    std::string option = "-c";
+    std::string background = fmt::format("(\n{}) &", script);
+    char* arguments[] = {shell.data(), option.data(), background.data(), nullptr};
+    const SpawnSettings settings(folder);
+    pid_t process = 0;
+    const int error = posix_spawn(&process, shell.c_str(), &settings.actions, &settings.attributes, arguments, environ);
+    if (error != 0) throwSystemError(error);
+    while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+}  // namespace
+
+void startBatch(const fs::path& folder, const std::string& batchName, const std::string& command,
+                const DriveMap& drives) {
+    const fs::path batch = folder / batchName;
+    const std::string content = fmt::format("{}\r\nDEL {}\r\n", command, batchName);
+    Descriptor(batch, O_WRONLY | O_CREAT | O_TRUNC).writeAt(0, fromUtf8(content, CodePage::Windows1252));
+
+    ShellScript script(folder, drives);
+    for (const std::string& line : split(replaceAll(command, "\r", ""), "\n")) script.add(line);
+    script.removeAtEnd(batch);
+    startDetached(script.text(), folder);
+}
+
+}  // namespace kolmera

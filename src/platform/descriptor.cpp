@@ -1,0 +1,116 @@
+#include "platform/descriptor.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "platform/error.h"
+
+namespace kolmera {
+
+namespace {
+
+/// Repeats a system call that a signal broke off.
+template <typename Call>
+ssize_t retried(Call call) {
+    for (;;) {
+        const ssize_t result = call();
+        if (result >= 0) return result;
+        if (errno != EINTR) throwSystemError(errno);
+    }
+}
+
+struct stat statusOf(int descriptor) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) throwSystemError(errno);
+    return status;
+}
+
+}  // namespace
+
+void throwSystemError(int systemError) {
+    const std::string text = std::generic_category().message(systemError);
+    switch (systemError) {
+        case ENOENT:
+        case ENOTDIR:
+            throw PlatformError(errors::kFileNotFound, text);
+        case ENOSPC:
+        case EDQUOT:
+            throw PlatformError(errors::kDiskFull, text);
+        default:
+            throw PlatformError(errors::kInternal, text);
+    }
+}
+
+Descriptor::Descriptor(const std::filesystem::path& file, int flags)
+    : descriptor_(static_cast<int>(retried([&] { return open(file.c_str(), flags | O_CLOEXEC, 0666); }))) {
+    struct stat status {};
+    const int failure = fstat(descriptor_, &status) != 0 ? errno : S_ISDIR(status.st_mode) ? EISDIR : 0;
+    if (failure == 0) return;
+    close(descriptor_);
+    throwSystemError(failure);
+}
+
+Descriptor::Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+}
+
+Descriptor::~Descriptor() {
+    if (isOpen()) close(descriptor_);
+}
+
+std::size_t Descriptor::size() const { return static_cast<std::size_t>(statusOf(descriptor_).st_size); }
+
+std::size_t Descriptor::read(char* bytes, std::size_t count) const {
+    return static_cast<std::size_t>(retried([&] { return ::read(descriptor_, bytes, count); }));
+}
+
+std::size_t Descriptor::readAt(std::size_t offset, char* bytes, std::size_t count) const {
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t got =
+            retried([&] { return pread(descriptor_, bytes + done, count - done, static_cast<off_t>(offset + done)); });
+        if (got == 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+void Descriptor::writeAt(std::size_t offset, std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t written =
+            retried([&] { return pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset)); });
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+        offset += static_cast<std::size_t>(written);
+    }
+}
+
+void Descriptor::copyRights(const Descriptor& other) const {
+    const struct stat status = statusOf(other.descriptor_);
+    // Only the system's administrator may give a file away. The owner comes first: changing it takes rights back.
+    if (fchown(descriptor_, status.st_uid, status.st_gid) != 0 && errno != EPERM) throwSystemError(errno);
+    if (fchmod(descriptor_, status.st_mode & 07777) != 0 && errno != EPERM) throwSystemError(errno);
+}
+
+void Descriptor::sync() const {
+    if (fsync(descriptor_) != 0) throwSystemError(errno);
+}
+
+void moveOver(const Descriptor& finished, const std::filesystem::path& from, const std::filesystem::path& to) {
+    finished.sync();
+    if (rename(from.c_str(), to.c_str()) != 0) throwSystemError(errno);
+    // Some network file systems cannot sync a folder; the rename has happened all the same.
+    const int folder = open(to.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) return;
+    fsync(folder);
+    close(folder);
+}
+
+}  // namespace kolmera

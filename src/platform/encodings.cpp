@@ -1,0 +1,180 @@
+#include "platform/encodings.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+
+namespace kolmera {
+
+namespace {
+
+// The characters of the bytes 0x80 to 0xFF, a row of 16 each.
+using HighHalf = char16_t[129];
+
+constexpr HighHalf kWindows1252 =
+    u"€\u0081‚ƒ„…†‡ˆ‰Š‹Œ\u008dŽ\u008f"
+    u"\u0090‘’“”•–—˜™š›œ\u009džŸ"
+    u"\u00a0¡¢£¤¥¦§¨©ª«¬\u00ad®¯"
+    u"°±²³´µ¶·¸¹º»¼½¾¿"
+    u"ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏ"
+    u"ÐÑÒÓÔÕÖ×ØÙÚÛÜÝÞß"
+    u"àáâãäåæçèéêëìíîï"
+    u"ðñòóôõö÷øùúûüýþÿ";
+
+constexpr HighHalf kOem850 =
+    u"ÇüéâäàåçêëèïîìÄÅ"
+    u"ÉæÆôöòûùÿÖÜø£Ø×ƒ"
+    u"áíóúñÑªº¿®¬½¼¡«»"
+    u"░▒▓│┤ÁÂÀ©╣║╗╝¢¥┐"
+    u"└┴┬├─┼ãÃ╚╔╩╦╠═╬¤"
+    u"ðÐÊËÈıÍÎÏ┘┌█▄¦Ì▀"
+    u"ÓßÔÒõÕµþÞÚÛÙýÝ¯´"
+    u"\u00ad±‗¾¶§÷¸°¨·¹³²■\u00a0";
+
+constexpr HighHalf kOem437 =
+    u"ÇüéâäàåçêëèïîìÄÅ"
+    u"ÉæÆôöòûùÿÖÜ¢£¥₧ƒ"
+    u"áíóúñÑªº¿⌐¬½¼¡«»"
+    u"░▒▓│┤╡╢╖╕╣║╗╝╜╛┐"
+    u"└┴┬├─┼╞╟╚╔╩╦╠═╬╧"
+    u"╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀"
+    u"αßΓπΣσµτΦΘΩδ∞φε∩"
+    u"≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00a0";
+
+/// One high byte in both directions.
+struct Utf8Character {
+    std::array<char, 3> bytes;
+    std::uint8_t length;
+};
+struct Reverse {
+    char16_t character;
+    char byte;
+};
+struct Table {
+    std::array<Utf8Character, 128> toUtf8;
+    std::array<Reverse, 128> fromUnicode;  ///< by character
+};
+
+constexpr Utf8Character encoded(char16_t c) {
+    if (c < 0x800) return {{static_cast<char>(0xC0 | c >> 6), static_cast<char>(0x80 | (c & 0x3F)), '\0'}, 2};
+    return {{static_cast<char>(0xE0 | c >> 12), static_cast<char>(0x80 | (c >> 6 & 0x3F)),
+             static_cast<char>(0x80 | (c & 0x3F))},
+            3};
+}
+
+consteval Table tableOf(const HighHalf& characters) {
+    Table table{};
+    for (std::size_t i = 0; i < 128; ++i) {
+        table.toUtf8[i] = encoded(characters[i]);
+        table.fromUnicode[i] = {characters[i], static_cast<char>(0x80 + i)};
+    }
+    std::ranges::sort(table.fromUnicode, {}, &Reverse::character);
+    return table;
+}
+
+constexpr Table kTables[] = {tableOf(kWindows1252), tableOf(kOem850), tableOf(kOem437)};
+
+const Table& tableFor(CodePage page) { return kTables[static_cast<std::size_t>(page)]; }
+
+/// The length of the run of ASCII at the start of a text.
+std::size_t asciiRun(std::string_view text) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080;
+    std::size_t at = 0;
+    for (; at + 8 <= text.size(); at += 8) {
+        std::uint64_t block = 0;
+        std::memcpy(&block, text.data() + at, 8);
+        if ((block & kHighBits) != 0) break;
+    }
+    while (at < text.size() && static_cast<std::uint8_t>(text[at]) < 0x80) ++at;
+    return at;
+}
+
+struct Decoded {
+    std::optional<char32_t> character;  ///< nothing for a malformed byte
+    std::size_t length = 1;
+};
+
+/// The character at the start of a text that begins with a byte above 0x7F.
+Decoded decodeFirst(std::string_view text) {
+    constexpr char32_t kLowest[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto first = static_cast<std::uint8_t>(text[0]);
+    const auto length = static_cast<std::size_t>(std::countl_one(first));
+    if (length < 2 || length > 4 || text.size() < length) return {};
+    char32_t character = first & (0x7Fu >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        const auto next = static_cast<std::uint8_t>(text[i]);
+        if ((next & 0xC0) != 0x80) return {};
+        character = character << 6 | (next & 0x3F);
+    }
+    const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
+    if (character < kLowest[length] || character > 0x10FFFF || surrogate) return {};
+    return {character, length};
+}
+
+char byteOf(std::optional<char32_t> character, const Table& table) {
+    if (!character) return '?';
+    const auto* found = std::ranges::lower_bound(table.fromUnicode, *character, {}, &Reverse::character);
+    return found != table.fromUnicode.end() && found->character == *character ? found->byte : '?';
+}
+
+}  // namespace
+
+std::string toUtf8(std::string_view bytes, CodePage page) {
+    std::string result;
+    toUtf8(bytes, page, result);
+    return result;
+}
+
+void toUtf8(std::string_view bytes, CodePage page, std::string& out) {
+    const Table& table = tableFor(page);
+    out.clear();
+    for (;;) {
+        const std::size_t run = asciiRun(bytes);
+        out.append(bytes.substr(0, run));
+        if (run == bytes.size()) return;
+        const Utf8Character& character = table.toUtf8[static_cast<std::uint8_t>(bytes[run]) - 0x80u];
+        out.append(character.bytes.data(), character.length);
+        bytes.remove_prefix(run + 1);
+    }
+}
+
+std::string fromUtf8(std::string_view text, CodePage page) {
+    const Table& table = tableFor(page);
+    std::string result;
+    for (;;) {
+        const std::size_t run = asciiRun(text);
+        result.append(text.substr(0, run));
+        text.remove_prefix(run);
+        if (text.empty()) return result;
+        const Decoded decoded = decodeFirst(text);
+        result.push_back(byteOf(decoded.character, table));
+        text.remove_prefix(decoded.length);
+    }
+}
+
+std::size_t characterCount(std::string_view text) {
+    std::size_t count = 0;
+    for (;;) {
+        const std::size_t run = asciiRun(text);
+        count += run;
+        text.remove_prefix(run);
+        if (text.empty()) return count;
+        text.remove_prefix(decodeFirst(text).length);
+        ++count;
+    }
+}
+
+std::string_view firstCharacters(std::string_view text, std::size_t count) {
+    if (text.size() <= count) return text;
+    std::size_t at = 0;
+    for (; count > 0 && at < text.size(); --count) {
+        const bool ascii = static_cast<std::uint8_t>(text[at]) < 0x80;
+        at += ascii ? 1 : decodeFirst(text.substr(at)).length;
+    }
+    return text.substr(0, at);
+}
+
+}  // namespace kolmera

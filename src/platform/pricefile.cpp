@@ -1,0 +1,76 @@
+#include "platform/pricefile.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace kolmera {
+
+namespace {
+constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr char kEndMark = 0x1A;
+}  // namespace
+
+PriceFile::PriceFile(const std::filesystem::path& file) : descriptor_(file, O_RDONLY), buffer_(kBufferSize) {
+    size_ = descriptor_.size();
+}
+
+bool PriceFile::fill() {
+    if (lastBlock_) return false;
+    if (begin_ > 0) {
+        std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+        end_ -= begin_;
+        begin_ = 0;
+    }
+    if (end_ == buffer_.size()) buffer_.resize(buffer_.size() * 2);
+    const std::size_t got = descriptor_.read(buffer_.data() + end_, buffer_.size() - end_);
+    fileRead_ += got;
+    end_ += got;
+    if (got > 0) return true;
+    lastBlock_ = true;
+    if (end_ > begin_ && buffer_[end_ - 1] == kEndMark) --end_;
+    return false;
+}
+
+bool PriceFile::atEnd() {
+    // A single byte may be the end mark that is dropped; only the end of the file tells.
+    while (end_ - begin_ < 2 && fill()) {
+    }
+    return begin_ == end_;
+}
+
+std::string_view PriceFile::line() {
+    std::size_t length = 0;
+    for (;;) {
+        const char* const start = buffer_.data() + begin_;
+        const auto* found = static_cast<const char*>(std::memchr(start + length, '\r', end_ - begin_ - length));
+        // The byte behind the CR decides, and it may be in the next block.
+        if (found != nullptr && found + 1 < buffer_.data() + end_) {
+            length = static_cast<std::size_t>(found - start);
+            break;
+        }
+        length = found != nullptr ? static_cast<std::size_t>(found - start) : end_ - begin_;
+        if (!fill()) {
+            length = std::min(length, end_ - begin_);  // without the end mark
+            break;
+        }
+    }
+    const std::string_view result(buffer_.data() + begin_, length);
+    begin_ += length;
+    if (begin_ < end_) ++begin_;  // CR
+    if (begin_ < end_ && result.data()[length + 1] == '\n') ++begin_;
+    return result;
+}
+
+std::string_view PriceFile::bytes(std::size_t count) {
+    while (end_ - begin_ <= count && fill()) {
+    }
+    const std::string_view result(buffer_.data() + begin_, std::min(count, end_ - begin_));
+    begin_ += result.size();
+    return result;
+}
+
+std::uint64_t PriceFile::position() const { return fileRead_ - (end_ - begin_); }
+
+}  // namespace kolmera
