@@ -30,8 +30,8 @@ void pauseFor(std::chrono::milliseconds time, const std::function<void()>& letEv
 /// Place of `wanted` (ASCII, upper case) in a text, letter case not counting.
 std::size_t findNoCase(std::string_view text, std::string_view wanted) {
     const auto same = [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - ('a' - 'A') : a) == b; };
-    const auto found = std::ranges::search(text, wanted, same);
-    return found.empty() ? std::string_view::npos : static_cast<std::size_t>(found.begin() - text.begin());
+    const auto found = std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), same);
+    return found == text.end() ? std::string_view::npos : static_cast<std::size_t>(found - text.begin());
 }
 
 }  // namespace
