@@ -1,0 +1,113 @@
+#include "import/tradeformats/finfo.h"
+
+#include "import/fieldconversion.h"
+#include "platform/encodings.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::size_t kGroupCharacters = 5;  ///< of the group prefix, in column "Grupp"
+constexpr double kHundredths = 100;
+constexpr double kMillionths = 1'000'000;
+
+std::string text(std::string_view line, Columns columns) { return toUtf8(cut(line, columns), CodePage::Oem850); }
+
+}  // namespace
+
+LineUse Finfo::takeLine(std::string_view line) {
+    std::string group = text(line, columns(kFinfo, "varugrupp"));
+    if (!inGroupRange(group)) return LineUse::PassedOver;
+    const CoupledSupplier* supplier = parts_.suppliers.find(cut(line, columns(kFinfo, "leverantörskod")));
+    if (!supplier) return LineUse::PassedOver;
+    std::string number = text(line, columns(kFinfo, "produktnr"));
+    if (number.empty()) return LineUse::PassedOver;
+    // A price that the line does not reach is 0; a damaged one must not put 0 over a good one.
+    const Digits purchasePrice = cutDigits(line, columns(kFinfo, "inpris"), kHundredths);
+    const Digits salesPrice = cutDigits(line, columns(kFinfo, "utpris"), kHundredths);
+    if (purchasePrice.unreadable() || salesPrice.unreadable()) return LineUse::PassedOver;
+
+    const Article article{
+        .line = line,
+        .supplier = *supplier,
+        .number = std::move(number),
+        .group = std::move(group),
+        .purchasePrice = purchasePrice.number,
+        .salesPrice = salesPrice.number,
+        .priceDate = TolkaDatum(text(line, columns(kFinfo, "prisdatum")), parts_.Idag, parts_.locale)};
+    if (!writeProduct(article)) return LineUse::PassedOver;
+    writeSupplierPrice(article);
+    writeAlternatives(article);
+    return LineUse::Written;
+}
+
+bool Finfo::inGroupRange(std::string_view group) const {
+    const std::string upper = upperCase(group);
+    return upper >= parts_.job.fromGroup && upper <= parts_.job.toGroup;
+}
+
+bool Finfo::writeProduct(const Article& article) {
+    const RowWriter::Row found = parts_.tables.editOrAddProduct(article.number);
+    if (found == RowWriter::Row::Unreachable) return false;
+    ProductRows& products = parts_.tables.products();
+    RowWriter& row = products.row;
+    row.write(products.Nummer, article.number);
+    row.write(products.Benämning, text(article.line, columns(kFinfo, "benämning")));
+    const std::string unit = text(article.line, columns(kFinfo, "enhet"));
+    for (const Column* column : {&products.InköpsEnhet, &products.Försäljenhet, &products.Statistikenhet}) {
+        row.write(*column, unit);
+    }
+    row.write(products.Grupp, firstCharacters(article.group, kGroupCharacters));
+    writePackage(products, article.line);
+    row.write(products.Leverantör, article.supplier.number);
+    row.write(products.Levartikelnr, text(article.line, columns(kFinfo, "levartikelnr")));
+    row.write(products.Prisändrdat, article.priceDate);
+    row.write(products.Inpris, parts_.tables.roundedInpris(article.purchasePrice));
+    row.write(products.Utpris(1), parts_.tables.roundedUtpris(levelOnePrice(article, found), 1));
+    row.write(products.Försäljning, std::string_view());
+    parts_.tables.saveProduct(found);
+    return true;
+}
+
+void Finfo::writePackage(ProductRows& products, std::string_view line) {
+    const double quantity = cutDigits(line, columns(kFinfo, "förpackningsantal"), kMillionths).number;
+    if (quantity == 1) return;
+    const std::string unit = text(line, columns(kFinfo, "förpackningsenhet"));
+    products.row.write(products.Antal1, quantity);
+    products.row.write(products.Rubrik0, unit);
+    products.row.write(products.Rubrik1, unit);
+}
+
+double Finfo::levelOnePrice(const Article& article, RowWriter::Row row) {
+    if (article.salesPrice != 0 || row == RowWriter::Row::New) return article.salesPrice;
+    ProductRows& products = parts_.tables.products();
+    return products.markedUp(products.netCost(article.purchasePrice), 1);
+}
+
+void Finfo::writeSupplierPrice(const Article& article) {
+    TradeTables& tables = parts_.tables;
+    // The lines name no discount code: what may apply is the letter of the job's supplier under the empty code.
+    const double discount = tables.discount(parts_.job.supplier, {});
+    SupplierPriceRows& prices = tables.supplierPrices();
+    if (!prices.editOrAdd(article.number, article.supplier.number)) return;
+    prices.row.write(prices.Datum, article.priceDate);
+    prices.row.write(prices.RabattKod, std::string_view());
+    prices.row.write(prices.Inpris, tables.roundedInpris(article.purchasePrice - article.purchasePrice * discount));
+    prices.row.write(prices.InprisFöreRabatt, tables.roundedInpris(article.purchasePrice));
+    prices.row.write(prices.Utpris1, tables.roundedUtpris(article.salesPrice, 1));
+    tables.saveSupplierPrice();
+}
+
+void Finfo::writeAlternatives(const Article& article) {
+    const struct {
+        int heading;
+        Columns columns;
+    } alternatives[] = {{parts_.job.heading1, columns(kFinfo, "micronicnr")},
+                        {parts_.job.heading2, columns(kFinfo, "EAN")}};
+    for (const auto& alternative : alternatives) {
+        if (alternative.heading == 0) continue;
+        parts_.tables.putAlternative(article.number, alternative.heading, text(article.line, alternative.columns));
+    }
+}
+
+}  // namespace kolmera

@@ -1,0 +1,50 @@
+#include "import/tradeformats/rowwriter.h"
+
+#include <utility>
+
+#include "db/conversions.h"
+
+namespace kolmera {
+
+RowWriter::RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view table, std::string_view index)
+    : sql_(sql), passedOver_(passedOver), table_(table), rows_(sql.SQLÖppnaTabell(table, index, 0, true)) {}
+
+Column RowWriter::column(std::string_view name) const { return columnAt(rows_->ordinal(name)); }
+
+Column RowWriter::columnAt(int ordinal) const {
+    return {ordinal, table_ + "." + rows_->fields().at(static_cast<std::size_t>(ordinal)).name};
+}
+
+RowWriter::Row RowWriter::editOrAdd(Keys key) {
+    Row row = Row::Unreachable;
+    attempt(passedOver_, table_, [&] {
+        if (sql_.SQLSökIngenTräff(rows_, "=", key)) {
+            rows_->addNew();
+            row = Row::New;
+        } else {
+            rows_->edit();
+            row = Row::Existing;
+        }
+    });
+    return row;
+}
+
+void RowWriter::set(const Column& column, Value value) {
+    attempt(passedOver_, column.statement, [&] { rows_->set(column.ordinal, std::move(value)); });
+}
+
+void RowWriter::write(const Column& column, const std::optional<Date>& date) {
+    set(column, date ? Value(*date) : Value(std::string()));
+}
+
+double RowWriter::number(const Column& column) {
+    double number = 0;
+    attempt(passedOver_, column.statement, [&] { number = TillDbl(rows_->value(column.ordinal), sql_.locale()); });
+    return number;
+}
+
+bool RowWriter::save() {
+    return attempt(passedOver_, table_, [&] { rows_->update(); });
+}
+
+}  // namespace kolmera

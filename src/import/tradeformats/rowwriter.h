@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "db/sqllayer.h"
+#include "platform/attempt.h"
+#include "platform/engine/recordset.h"
+
+namespace kolmera {
+
+/// A column found by its name or position, once for a run, and what its statements are called when they fail.
+struct Column {
+    int ordinal;
+    std::string statement;  ///< "Produkt.Inpris"
+};
+
+/// The rows of one table as a trade-format run writes them, statement by statement: what the engine refuses is noted
+/// and leaves the column, or the row, as it was. Order: `editOrAdd`, then `write`, then `save`.
+class RowWriter {
+  public:
+    enum class Row { Existing, New, Unreachable };
+
+    /// Opens the table with the index that rows are found by; the engine's errors reach the caller.
+    RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view table, std::string_view index);
+
+    /// Throws PlatformError(kUnknownField).
+    [[nodiscard]] Column column(std::string_view name) const;
+    [[nodiscard]] Column columnAt(int ordinal) const;
+
+    /// Edits the row that has this key, or begins a new one. When neither succeeds the row is unreachable, and nothing
+    /// is to be written.
+    Row editOrAdd(Keys key);
+    void write(const Column& column, std::string_view text) { set(column, std::string(text)); }
+    void write(const Column& column, double number) { set(column, number); }
+    void write(const Column& column, std::int64_t number) { set(column, number); }
+    /// A date column refuses the empty text that stands for an unreadable date: the old date stays.
+    void write(const Column& column, const std::optional<Date>& date);
+    /// The number in the row that is being edited or added; 0 when it holds none.
+    [[nodiscard]] double number(const Column& column);
+    /// Whether the row was saved.
+    bool save();
+
+    [[nodiscard]] Recordset& rows() { return *rows_; }
+
+  private:
+    void set(const Column& column, Value value);
+
+    SqlLayer& sql_;
+    PassedOver& passedOver_;
+    std::string table_;
+    std::unique_ptr<Recordset> rows_;
+};
+
+}  // namespace kolmera

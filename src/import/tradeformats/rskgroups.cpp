@@ -1,0 +1,78 @@
+#include "import/tradeformats/rskgroups.h"
+
+#include <memory>
+#include <string>
+
+#include "import/batchtransaction.h"
+#include "import/defaults.h"
+#include "import/tradeformats/rowwriter.h"
+#include "platform/encodings.h"
+#include "platform/paths.h"
+#include "platform/pricefile.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::int64_t kLinesPerBatch = 50;
+
+std::unique_ptr<PriceFile> openGroups(const std::filesystem::path& priceFile) {
+    try {
+        return std::make_unique<PriceFile>(findWithoutCase(priceFile.parent_path(), "RKOD.DAT"));
+    } catch (const PlatformError&) {
+        return nullptr;  // The run does without groups.
+    }
+}
+
+/// "Prodgrupp" as it is written here.
+class GroupRows {
+  public:
+    GroupRows(RunMachinery& run, Recordset& settings)
+        : settings_(settings), passedOver_(run.port()), row_(run.sql(), run.port(), "Prodgrupp", "Nummer") {}
+
+    void put(const std::string& number, std::string_view name) {
+        const Value key[] = {number};
+        const RowWriter::Row found = row_.editOrAdd(key);
+        if (found == RowWriter::Row::Unreachable) return;
+        if (found == RowWriter::Row::New) SättGruppKonton(row_.rows(), settings_, passedOver_);
+        row_.write(Nummer_, number);
+        row_.write(Benämning_, name);
+        row_.save();
+    }
+
+  private:
+    Recordset& settings_;
+    PassedOver& passedOver_;
+    RowWriter row_;
+    const Column Nummer_ = row_.column("Nummer");
+    const Column Benämning_ = row_.column("Benämning");
+};
+
+}  // namespace
+
+bool LäsInproduktGrupperRSK(RunMachinery& run, Recordset& settings) {
+    const auto file = openGroups(run.priceFilePath());
+    if (!file) return true;
+    const std::string label = run.texts().FormulärSträng("PrisMain", 57) + " ";
+    run.port().status(run.texts().FormulärSträng("PrisMain", 56));
+    run.port().letEventsRun();
+
+    GroupRows groups(run, settings);
+    BatchTransaction transaction(*run.sql().FtgDB);
+    bool goesOn = true;
+    for (std::int64_t lines = 1; goesOn && !file->atEnd(); ++lines) {
+        const std::string_view line = file->line();
+        const std::string number = toUtf8(cut(line, columns(kRskGroup, "gruppnr")), CodePage::Oem850);
+        if (number.empty()) {
+            ++run.summary().skipped;
+        } else {
+            groups.put(number, toUtf8(cut(line, columns(kRskGroup, "benämning")), CodePage::Oem850));
+        }
+        if (lines % kLinesPerBatch != 0) continue;
+        goesOn = run.progress(label, lines);
+        if (goesOn) transaction.next();
+    }
+    transaction.end();
+    return goesOn;
+}
+
+}  // namespace kolmera

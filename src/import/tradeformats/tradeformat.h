@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string_view>
+
+#include "definitions/jobfile.h"
+#include "import/tradeformats/suppliercouplings.h"
+#include "import/tradeformats/tradetables.h"
+#include "platform/date.h"
+#include "platform/locale.h"
+
+namespace kolmera {
+
+/// What became of a line of the price file.
+enum class LineUse {
+    Noted,       ///< remembered for the lines behind it
+    Written,     ///< a price record that went to the tables
+    PassedOver,  ///< nothing that can be used
+};
+
+/// A trade format: takes the lines of a price file one by one, without their ends and before decoding, and writes the
+/// price records among them. It knows neither the file nor who runs it.
+class TradeFormat {
+  public:
+    virtual ~TradeFormat() = default;
+    virtual LineUse takeLine(std::string_view line) = 0;
+};
+
+/// What a format works with; all of it outlives the format.
+struct TradeFormatParts {
+    TradeTables& tables;
+    SupplierLookup& suppliers;
+    const Job& job;  ///< product groups in upper case
+    const Locale& locale;
+    Date Idag;
+};
+
+}  // namespace kolmera

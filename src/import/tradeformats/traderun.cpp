@@ -1,0 +1,153 @@
+#include "import/tradeformats/traderun.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "definitions/couplingfile.h"
+#include "import/batchtransaction.h"
+#include "import/runmachinery.h"
+#include "import/tradeformats/eio.h"
+#include "import/tradeformats/finfo.h"
+#include "import/tradeformats/rsk.h"
+#include "import/tradeformats/rskgroups.h"
+
+namespace kolmera {
+namespace {
+
+template <typename Format>
+std::unique_ptr<TradeFormat> make(const TradeFormatParts& parts) {
+    return std::make_unique<Format>(parts);
+}
+
+/// The job of a trade format, and where its run differs from the others'.
+struct TradeJob {
+    std::string_view name;
+    CodePage page;
+    bool readsGroups;
+    bool writesAlternatives;
+    std::unique_ptr<TradeFormat> (*format)(const TradeFormatParts& parts);
+};
+
+constexpr TradeJob kEio{"(EIO)", CodePage::Windows1252, false, false, make<Eio>};
+constexpr TradeJob kRsk{"(RSK)", CodePage::Oem850, true, false, make<Rsk>};
+constexpr TradeJob kFinfoJob{"(FINFO)", CodePage::Oem850, false, true, make<Finfo>};
+
+std::unique_ptr<Recordset> openSettings(SqlLayer& sql, std::string_view table) {
+    return sql.SQLÖppnaTabell(table, "PrimaryKey", options::kReadOnly, true);
+}
+
+/// What is open before the user is asked.
+struct CompanyTables {
+    explicit CompanyTables(RunMachinery& run)
+        : settings(openSettings(run.sql(), "Syinställningar")),
+          settings2(openSettings(run.sql(), "Syinställningar2")) {}
+
+    std::unique_ptr<Recordset> settings, settings2;
+};
+
+void warnNoCoupling(RunMachinery& run, std::string_view heading) {
+    run.warn(run.texts().FormulärSträngMed2("PrisMain", 24, heading, run.jobText()),
+             run.texts().FormulärSträng("PrisMain", 25));
+}
+
+/// Empties the tables that the run writes. False when cancelled.
+bool emptyTables(RunMachinery& run, ProductRows& products, SupplierPriceRows& supplierPrices,
+                 std::optional<AlternativeRows>& alternatives) {
+    if (alternatives) return run.TömTabeller(products.row.rows(), supplierPrices.row.rows(), alternatives->row.rows());
+    AlternativeRows opened(run.sql(), run.port());
+    return run.TömTabeller(products.row.rows(), supplierPrices.row.rows(), opened.row.rows());
+}
+
+/// Whether the run goes on behind a line.
+bool goesOn(RunMachinery& run, std::int64_t lines) {
+    constexpr std::int64_t kLinesPerStatus = 50;
+    if (lines % kLinesPerStatus == 0) return run.progress(lines);
+    // Cancel is heard behind every line: over a slow line to a server, fifty of them take long.
+    if (!run.port().cancelled()) return true;
+    run.summary().cancelled = true;
+    return false;
+}
+
+void readLines(RunMachinery& run, TradeFormat& format) {
+    constexpr std::int64_t kRecordsPerBatch = 25;
+    RunSummary& summary = run.summary();
+    PriceFile& file = run.priceFile();
+    BatchTransaction transaction(*run.sql().FtgDB);
+    std::int64_t written = 0;
+    while (!file.atEnd()) {
+        const LineUse use = format.takeLine(file.line());
+        if (use == LineUse::PassedOver) ++summary.skipped;
+        if (use == LineUse::Written && ++written % kRecordsPerBatch == 0) transaction.next();
+        if (!goesOn(run, ++summary.records)) break;
+    }
+    transaction.end();
+}
+
+/// The part of the run that shows itself in run mode. Left early when cancelled.
+void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products, CompanyTables& company,
+                   std::vector<CoupledSupplier> suppliers) {
+    SqlLayer& sql = run.sql();
+    run.Körläge(true);
+    run.port().clearCancel();
+    SupplierPriceRows supplierPrices(sql, run.port());
+    Rabattbrev discountLetters(sql, run.port());
+    std::optional<AlternativeRows> alternatives;
+    if (job.writesAlternatives) alternatives.emplace(sql, run.port());
+
+    if (run.emptyTables() && !emptyTables(run, products, supplierPrices, alternatives)) return;
+    if (job.readsGroups && !LäsInproduktGrupperRSK(run, *company.settings)) return;
+
+    run.port().status(run.texts().FormulärSträng("PrisMain", 28));
+    const Date Idag = run.context().Idag;
+    PrisClsRoundInprisOUtpris prices(sql, run.port(), Idag);
+    prices.Init();
+    NewProductDefaults defaults(*company.settings, *company.settings2, sql.locale(), run.port());
+    TradeTables tables({.products = products,
+                        .supplierPrices = supplierPrices,
+                        .alternatives = alternatives ? &*alternatives : nullptr,
+                        .defaults = defaults,
+                        .discountLetters = discountLetters,
+                        .prices = prices,
+                        .summary = run.summary(),
+                        .Idag = Idag});
+    SupplierLookup lookup(std::move(suppliers), job.page);
+    const auto format =
+        job.format({.tables = tables, .suppliers = lookup, .job = run.job(), .locale = sql.locale(), .Idag = Idag});
+    readLines(run, *format);
+}
+
+void runTradeFormat(RunMachinery& run, const TradeJob& job) {
+    if (!run.openCompany()) return;
+    CompanyTables company(run);
+    const std::string heading = run.heading(*company.settings);
+    auto suppliers =
+        coupledSuppliers(CouplingFile(run.context().state.dataFolder()).ofJob(job.name), run.sql(), run.port());
+    if (suppliers.empty()) return warnNoCoupling(run, heading);
+
+    ProductRows products(run.sql(), run.port());
+    auto rows = couplingRows(suppliers, run.texts().FormulärSträng("PrisUtFa", 3));
+    if (!run.confirm(products.row.rows(), run.MeddelandeUtför(heading), std::move(rows))) return;
+    if (!run.prepare() || !run.findPriceFile() || !run.openPriceFile()) return;
+    readPriceFile(run, job, products, company, std::move(suppliers));
+    run.summary().completed = true;
+}
+
+RunSummary carryOutJob(ImportContext& context, std::string_view jobText, const TradeJob& job) {
+    if (jobText != job.name) return {};
+    return carryOut(context, jobText, [&job](RunMachinery& run) { runTradeFormat(run, job); });
+}
+
+}  // namespace
+
+RunSummary LäsEioRsk(ImportContext& context, std::string_view jobText) {
+    return carryOutJob(context, jobText, jobText == kEio.name ? kEio : kRsk);
+}
+
+RunSummary LäsFinfo(ImportContext& context, std::string_view jobText) {
+    return carryOutJob(context, jobText, kFinfoJob);
+}
+
+}  // namespace kolmera

@@ -1,0 +1,92 @@
+#include "import/tradeformats/tradetables.h"
+
+#include <string>
+#include <utility>
+
+#include "platform/locale.h"
+#include "pricing/clsprisavrund.h"
+
+namespace kolmera {
+namespace {
+
+constexpr int kInprisPosition = 21;
+
+template <std::size_t... level>
+std::array<Column, sizeof...(level)> levelColumns(const RowWriter& row, int before, std::index_sequence<level...>) {
+    return {row.columnAt(before + 1 + static_cast<int>(level))...};
+}
+
+constexpr auto kLevels = std::make_index_sequence<kPriceLists>();
+
+}  // namespace
+
+ProductRows::ProductRows(SqlLayer& sql, PassedOver& passedOver)
+    : row(sql, passedOver, "Produkt", "Nummer"),
+      Utpris_(levelColumns(row, kUtprisPosition, kLevels)),
+      Pålägg_(levelColumns(row, kPåläggPosition, kLevels)) {}
+
+double ProductRows::netCost(double purchasePrice) {
+    return purchasePrice - purchasePrice * row.number(InprisProc) / 100;
+}
+
+double ProductRows::markedUp(double netCost, int level) { return netCost * (1 + row.number(Pålägg(level)) / 100); }
+
+SupplierPriceRows::SupplierPriceRows(SqlLayer& sql, PassedOver& passedOver)
+    : row(sql, passedOver, "Levprislista", "Produktnr") {}
+
+bool SupplierPriceRows::editOrAdd(std::string_view product, std::string_view supplier) {
+    const Value key[] = {std::string(product), std::string(supplier)};
+    const RowWriter::Row found = row.editOrAdd(key);
+    if (found == RowWriter::Row::New) {
+        row.write(Produktnr, product);
+        row.write(Leverantör, supplier);
+        row.write(Levartikelnr, product);
+    }
+    return found != RowWriter::Row::Unreachable;
+}
+
+AlternativeRows::AlternativeRows(SqlLayer& sql, PassedOver& passedOver)
+    : row(sql, passedOver, "Prodaltprodnr", "Produktnr") {}
+
+bool AlternativeRows::put(std::string_view product, int heading, std::string_view alternative) {
+    const Value key[] = {std::string(product), std::int64_t{heading}};
+    const RowWriter::Row found = row.editOrAdd(key);
+    if (found == RowWriter::Row::Unreachable) return false;
+    if (found == RowWriter::Row::New) {
+        row.write(Nummer, std::int64_t{heading});
+        row.write(Produktnr, product);
+    }
+    row.write(Alternativnr, alternative);
+    return row.save();
+}
+
+double TradeTables::roundedInpris(double price) const { return parts_.prices.Avrunda(kInprisPosition, price); }
+
+double TradeTables::roundedUtpris(double price, int level) const {
+    return parts_.prices.Avrunda(kUtprisPosition + level, price);
+}
+
+RowWriter::Row TradeTables::editOrAddProduct(std::string_view number) {
+    const Value key[] = {std::string(number)};
+    RowWriter& row = parts_.products.row;
+    const RowWriter::Row found = row.editOrAdd(key);
+    if (found == RowWriter::Row::New) parts_.defaults.SättNyProduktStandard(row.rows());
+    return found;
+}
+
+void TradeTables::saveProduct(RowWriter::Row row) {
+    ProductRows& products = parts_.products;
+    products.row.write(products.Förändringsdatum, parts_.Idag);
+    if (!products.row.save()) return;
+    ++(row == RowWriter::Row::New ? parts_.summary.newProducts : parts_.summary.changed);
+}
+
+void TradeTables::saveSupplierPrice() {
+    if (parts_.supplierPrices.row.save()) ++parts_.summary.priceList;
+}
+
+void TradeTables::putAlternative(std::string_view product, int heading, std::string_view alternative) {
+    if (parts_.alternatives && parts_.alternatives->put(product, heading, alternative)) ++parts_.summary.alternatives;
+}
+
+}  // namespace kolmera
