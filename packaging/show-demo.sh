@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # show-demo.sh BIN DEMO: runs every job of the demo and shows what it changed: some products before and after.
 set -euo pipefail
+export LC_ALL=sv_SE.UTF-8  # the demo's price files are Swedish; only the name counts, the locale need not exist
 bin=$1
 demo=$2
 

@@ -133,8 +133,8 @@ Locale Locale::ofUser() {
         const char* value = std::getenv(name);
         if (value == nullptr || *value == '\0') continue;
         const std::string_view locale = value;
-        const bool english = locale.starts_with("en") || locale == "C" || locale.starts_with("C.");
-        return Locale(english ? Kind::English : Kind::Swedish);
+        if (locale == "C" || locale.starts_with("C.") || locale == "POSIX") continue;
+        return Locale(locale.starts_with("en") ? Kind::English : Kind::Swedish);
     }
     return Locale(Kind::Swedish);
 }

@@ -16,7 +16,8 @@ class Locale {
 
     explicit Locale(Kind kind = Kind::Swedish) : kind_(kind) {}
 
-    /// From LC_ALL, LC_NUMERIC, LANG in this order: "sv..." is Swedish, "en..." and "C" are English, others Swedish.
+    /// From LC_ALL, LC_NUMERIC, LANG in this order: "en..." is English, everything else Swedish. "C" and "POSIX" say
+    /// nothing about the user, only that a service or a schedule set none: a price of "12,50" must not become 0 there.
     static Locale ofUser();
 
     [[nodiscard]] Kind kind() const { return kind_; }
