@@ -4,16 +4,15 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/paths.h"
 #include "platform/recordfile.h"
 
 namespace kolmera {
 
 /// What the files of definitions have in common.
 
-/// The file of that layout in the data folder; other programs of the suite may have written its name in other cases.
+/// The file of that layout in the data folder.
 inline std::filesystem::path definitionFile(const std::filesystem::path& dataFolder, const RecordLayout& layout) {
-    return findWithoutCase(dataFolder, std::string(layout.file));
+    return dataFolder / layout.file;
 }
 
 /// A field of one letter; a blank when it was never written.
