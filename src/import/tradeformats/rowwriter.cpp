@@ -7,7 +7,12 @@
 namespace kolmera {
 
 RowWriter::RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view table, std::string_view index)
-    : sql_(sql), passedOver_(passedOver), table_(table), rows_(sql.SQLÖppnaTabell(table, index, 0, true)) {}
+    : sql_(sql),
+      passedOver_(passedOver),
+      table_(table),
+      search_(table_ + ": search"),
+      save_(table_ + ": save"),
+      rows_(sql.SQLÖppnaTabell(table, index, 0, true)) {}
 
 Column RowWriter::column(std::string_view name) const { return columnAt(rows_->ordinal(name)); }
 
@@ -15,10 +20,10 @@ Column RowWriter::columnAt(int ordinal) const {
     return {ordinal, table_ + "." + rows_->fields().at(static_cast<std::size_t>(ordinal)).name};
 }
 
-RowWriter::Row RowWriter::editOrAdd(Keys key) {
+RowWriter::Row RowWriter::editOrAdd(Keys keys) {
     Row row = Row::Unreachable;
-    attempt(passedOver_, table_, [&] {
-        if (sql_.SQLSökIngenTräff(rows_, "=", key)) {
+    attempt(passedOver_, search_, [&] {
+        if (sql_.SQLSökIngenTräff(rows_, "=", keys)) {
             rows_->addNew();
             row = Row::New;
         } else {
@@ -44,7 +49,7 @@ double RowWriter::number(const Column& column) {
 }
 
 bool RowWriter::save() {
-    return attempt(passedOver_, table_, [&] { rows_->update(); });
+    return attempt(passedOver_, save_, [&] { rows_->update(); });
 }
 
 }  // namespace kolmera

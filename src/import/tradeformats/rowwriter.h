@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "db/sqllayer.h"
+#include "import/seekkeys.h"
 #include "platform/attempt.h"
 #include "platform/engine/recordset.h"
 
@@ -33,7 +34,9 @@ class RowWriter {
 
     /// Edits the row that has this key, or begins a new one. When neither succeeds the row is unreachable, and nothing
     /// is to be written.
-    Row editOrAdd(Keys key);
+    Row editOrAdd(std::string_view key) { return editOrAdd(keys_.of(key)); }
+    Row editOrAdd(std::string_view key, std::string_view second) { return editOrAdd(keys_.of(key, second)); }
+    Row editOrAdd(std::string_view key, std::int64_t second) { return editOrAdd(keys_.of(key, second)); }
     void write(const Column& column, std::string_view text) { set(column, std::string(text)); }
     void write(const Column& column, double number) { set(column, number); }
     void write(const Column& column, std::int64_t number) { set(column, number); }
@@ -47,12 +50,15 @@ class RowWriter {
     [[nodiscard]] Recordset& rows() { return *rows_; }
 
   private:
+    Row editOrAdd(Keys keys);
     void set(const Column& column, Value value);
 
     SqlLayer& sql_;
     PassedOver& passedOver_;
     std::string table_;
+    std::string search_, save_;  ///< statements
     std::unique_ptr<Recordset> rows_;
+    SeekKeys keys_;
 };
 
 }  // namespace kolmera

@@ -30,8 +30,7 @@ class GroupRows {
         : settings_(settings), passedOver_(run.port()), row_(run.sql(), run.port(), "Prodgrupp", "Nummer") {}
 
     void put(const std::string& number, std::string_view name) {
-        const Value key[] = {number};
-        const RowWriter::Row found = row_.editOrAdd(key);
+        const RowWriter::Row found = row_.editOrAdd(number);
         if (found == RowWriter::Row::Unreachable) return;
         if (found == RowWriter::Row::New) SättGruppKonton(row_.rows(), settings_, passedOver_);
         row_.write(Nummer_, number);

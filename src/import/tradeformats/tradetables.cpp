@@ -35,8 +35,7 @@ SupplierPriceRows::SupplierPriceRows(SqlLayer& sql, PassedOver& passedOver)
     : row(sql, passedOver, "Levprislista", "Produktnr") {}
 
 bool SupplierPriceRows::editOrAdd(std::string_view product, std::string_view supplier) {
-    const Value key[] = {std::string(product), std::string(supplier)};
-    const RowWriter::Row found = row.editOrAdd(key);
+    const RowWriter::Row found = row.editOrAdd(product, supplier);
     if (found == RowWriter::Row::New) {
         row.write(Produktnr, product);
         row.write(Leverantör, supplier);
@@ -49,8 +48,7 @@ AlternativeRows::AlternativeRows(SqlLayer& sql, PassedOver& passedOver)
     : row(sql, passedOver, "Prodaltprodnr", "Produktnr") {}
 
 bool AlternativeRows::put(std::string_view product, int heading, std::string_view alternative) {
-    const Value key[] = {std::string(product), std::int64_t{heading}};
-    const RowWriter::Row found = row.editOrAdd(key);
+    const RowWriter::Row found = row.editOrAdd(product, std::int64_t{heading});
     if (found == RowWriter::Row::Unreachable) return false;
     if (found == RowWriter::Row::New) {
         row.write(Nummer, std::int64_t{heading});
@@ -67,9 +65,8 @@ double TradeTables::roundedUtpris(double price, int level) const {
 }
 
 RowWriter::Row TradeTables::editOrAddProduct(std::string_view number) {
-    const Value key[] = {std::string(number)};
     RowWriter& row = parts_.products.row;
-    const RowWriter::Row found = row.editOrAdd(key);
+    const RowWriter::Row found = row.editOrAdd(number);
     if (found == RowWriter::Row::New) parts_.defaults.SättNyProduktStandard(row.rows());
     return found;
 }
