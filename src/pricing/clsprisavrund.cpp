@@ -5,6 +5,7 @@
 #include "db/conversions.h"
 #include "platform/lettercase.h"
 #include "pricing/rounding.h"
+#include "startup/syinstallningar2.h"
 
 namespace kolmera {
 namespace {
@@ -62,6 +63,14 @@ void ClsPrisAvrund::InitInstRS(Recordset& DsetInställningar2) {
     }
     load("PFaktorValuta", [&](const Value& value) { faktorValuta_ = TillBool(value, locale); });
     load("PNoAvrundPLBM", [&](const Value& value) { setNoAvrund(TillLng(value, locale)); });
+}
+
+void ClsPrisAvrund::InitInstOBJ(ClsSyInställningar_2& ObjSyInställningar_2) {
+    for (const TextSetting& row : kTexts) (this->*row.write)(ObjSyInställningar_2.TxtVal(row.column));
+    UppdateraNumValues();
+    for (const FlagSetting& row : kFlags) this->*row.flag = ObjSyInställningar_2.BoolVal(row.column);
+    faktorValuta_ = ObjSyInställningar_2.BoolVal("PFaktorValuta");
+    setNoAvrund(ObjSyInställningar_2.LngVal("PNoAvrundPLBM"));
 }
 
 void ClsPrisAvrund::setNoAvrund(std::int32_t PNoAvrundPLBM) {

@@ -221,22 +221,32 @@ TEST(MaskFile, RemovingRenumbersTheRelations) {
         int removed;
         const char* left;
     } cases[] = {
-        {"relations of later masks not lowered", "B", 1, "A: 1>1II \nC: 3>3II \nA: 4>4II \n"},
-        {"second mask of the name keeps or loses wrong relations", "A", 2, "B: 2>2II \nC: 3>3II \n"},
-        {"letter case passed over", "b", 0, "A: 1>1II \nB: 2>2II \nC: 3>3II \nA: 4>4II \n"},
+        {"relations of later masks not lowered", "B", 1, "A: 1>1II \nC: 3>3II \nA: 4>4II \nD: 5>5II \n"},
+        {"second mask of the name keeps or loses wrong relations", "A", 2, "B: 2>2II \nC: 3>3II \nD: 5>5II \n"},
+        {"letter case passed over", "b", 0, "A: 1>1II \nB: 2>2II \nC: 3>3II \nA: 4>4II \nD: 5>5II \n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
         const TemporaryFolder folder;
         MaskFile masks(folder.path());
         int place = 0;
-        for (const char* name : {"A", "B", "C", "A"}) {
+        for (const char* name : {"A", "B", "C", "A", "D"}) {
             ++place;
             masks.save(mask(name), {{.Källa = place, .Mål = place}});
         }
         EXPECT_EQ(masks.remove(c.name), c.removed);
         EXPECT_EQ(text(masks), c.left);
     }
+}
+
+TEST(MaskFile, NumbersThatDoNotFitBecomeTheNearest) {
+    const TemporaryFolder folder;
+    MaskFile masks(folder.path());
+    masks.save(mask("A"), {{.Källa = 1, .Mål = -1, .FrånPos = 12345, .Längd = 9999}});
+    const Relation relation = masks.relations(1).at(0);
+    EXPECT_EQ(relation.Mål, 0);
+    EXPECT_EQ(relation.FrånPos, 9999);
+    EXPECT_EQ(relation.Längd, 9999);
 }
 
 TEST(MaskFile, RefusesWhatTheFileCannotHold) {

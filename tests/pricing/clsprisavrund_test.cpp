@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "startup/syinstallningar2.h"
 #include "support/testcompany.h"
 
 namespace kolmera {
@@ -248,6 +249,32 @@ TEST(ClsPrisAvrund, KnowsWhetherAListIsCoupled) {
         none.prices.StrPUtprisKopplaMot("1=V");
         none.prices.StrPUtprisKopplaMot(c.setting);
         EXPECT_EQ(none.prices.BoolKopplaMotFinns, c.expected);
+    }
+}
+
+TEST(ClsPrisAvrund, LoadsTheSameSettingsThroughTheSettingsObject) {
+    CoupledCompany company;
+    const ClsPrisAvrund byRow = company.prices({{"PPrisAvrund", "0\r\n100"},
+                                                {"PUtprisKopplaMot", "1=V"},
+                                                {"PUtprisValuta", "2=EUR"},
+                                                {"PUtprisMomsMot", "3=4"},
+                                                {"PUtprisFaktorTG", true},
+                                                {"PAutoUppdatUtpris", true},
+                                                {"PAutoUppdatValuta", true},
+                                                {"PNoAvrundPLBM", 4}});
+    ClsSyInställningar_2 settings(company.sql);
+    ClsPrisAvrund byObject(company.sql, company.passedOver);
+    byObject.InitInstOBJ(settings);
+    for (const ClsPrisAvrund* prices : {&byRow, static_cast<const ClsPrisAvrund*>(&byObject)}) {
+        EXPECT_EQ(prices->UtförAvrundning(4.567, 2, 1), 4.6);
+        EXPECT_EQ(prices->UtförAvrundning(4.567, 2, 2), 4.57);
+        EXPECT_EQ(prices->StrPUtprisKopplaMot(), "1=V");
+        EXPECT_TRUE(prices->BoolKopplaMotFinns);
+        EXPECT_EQ(prices->StrPUtprisValuta(), "2=EUR");
+        EXPECT_EQ(prices->MomsMotPL(3), 4);
+        EXPECT_TRUE(prices->BoolPUtprisFaktorTG);
+        EXPECT_TRUE(prices->BoolPAutoUppdatUtpris);
+        EXPECT_TRUE(prices->BoolPAutoUppdatValuta);
     }
 }
 
