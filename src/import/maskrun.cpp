@@ -1,0 +1,165 @@
+#include "import/maskrun.h"
+
+#include "definitions/maskfile.h"
+#include "import/batchtransaction.h"
+#include "import/loadedmask.h"
+#include "import/recordimport.h"
+#include "import/recordreader.h"
+#include "import/runmachinery.h"
+
+namespace kolmera {
+namespace {
+
+/// The steps of one mask run. A step that answers false has told why; the run ends there.
+class MaskRun {
+  public:
+    explicit MaskRun(RunMachinery& machinery)
+        : machinery_(machinery), job_(machinery.job()), sql_(machinery.sql()), texts_(machinery.texts()) {}
+
+    void run();
+
+  private:
+    [[nodiscard]] bool loadMask();
+    [[nodiscard]] bool checkMask();
+    [[nodiscard]] bool checkSupplier();
+    void openProducts();
+    [[nodiscard]] bool confirm();
+    void enterRunMode();
+    void removeEmptyAlternatives();
+    void openTables();
+    [[nodiscard]] bool emptyTables();
+    void readRecords();
+
+    [[nodiscard]] bool supplierExists();
+
+    RunMachinery& machinery_;
+    const Job& job_;
+    SqlLayer& sql_;
+    LanguageTexts& texts_;
+    LoadedMask mask_;
+    MaskTables tables_;
+};
+
+void MaskRun::run() {
+    if (!loadMask() || !checkMask()) return;
+    if (!machinery_.openCompany() || !checkSupplier()) return;
+    openProducts();
+    if (!confirm()) return;
+    if (!machinery_.prepare() || !machinery_.findPriceFile()) return;
+    enterRunMode();
+    removeEmptyAlternatives();
+    if (!machinery_.openPriceFile()) return;
+    openTables();
+    if (emptyTables()) readRecords();
+    machinery_.summary().completed = true;
+}
+
+bool MaskRun::loadMask() {
+    const MaskFile masks(machinery_.context().state.dataFolder());
+    if (const auto mask = masks.find(job_.mask)) {
+        mask_ = LoadedMask(*mask, masks.relations(mask->number));
+        return true;
+    }
+    machinery_.offerJobSettings(texts_.FormulärSträngMed1("PrisMain", 30, job_.mask),
+                                texts_.FormulärSträng("PrisMain", 31));
+    return false;
+}
+
+bool MaskRun::checkMask() {
+    const std::string title = texts_.FormulärSträng("PrisMain", 33);
+    if (mask_.relations.empty()) {
+        machinery_.warn(texts_.FormulärSträngMed1("PrisMain", 32, job_.mask), title);
+        return false;
+    }
+    if (!mask_.hasKey) {
+        machinery_.warn(texts_.FormulärSträngMed1("PrisMain", 34, job_.mask), title);
+        return false;
+    }
+    if (mask_.emptyRecords()) {
+        const bool lines = mask_.layout == LoadedMask::Layout::Lines;
+        machinery_.warn(lines ? texts_.ModulTextMed("KMR", 101, job_.mask) : texts_.ModulTextMed("KMR", 102, job_.mask),
+                        texts_.ModulText("KMR", 100));
+        return false;
+    }
+    if (mask_.tooManyRelations) machinery_.warn(texts_.ModulTextMed("KMR", 104, job_.mask), title);
+    return true;
+}
+
+bool MaskRun::checkSupplier() {
+    if (!mask_.UppdatLev) return true;
+    std::string reason;
+    if (job_.supplier.empty()) {
+        reason = texts_.FormulärSträng("PrisMain", 36);
+    } else if (!supplierExists()) {
+        reason = texts_.FormulärSträng("PrisMain", 38);
+    } else {
+        return true;
+    }
+    machinery_.offerJobSettings(texts_.FormulärSträngMed1("PrisMain", 35, job_.mask) + "\r\n\r\n" + reason,
+                                texts_.FormulärSträng("PrisMain", 37));
+    return false;
+}
+
+bool MaskRun::supplierExists() {
+    const auto suppliers = sql_.SQLÖppnaTabell("Leverantör", "Nummer", options::kReadOnly, false);
+    const Value number = job_.supplier;
+    sql_.SQLSök(*suppliers, "=", Keys(&number, 1), machinery_.port());
+    return !suppliers->noMatch();
+}
+
+void MaskRun::openProducts() {
+    // Rows with one article number are walked in their order; on a server the statement has to ask for it.
+    const bool walked = mask_.keyTarget == target::kLevartikelnr;
+    tables_.products = sql_.SQLÖppnaTabell("Produkt", ProductMatcher::index(mask_.keyTarget), 0, walked);
+    tables_.settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+    tables_.settings2 = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
+}
+
+bool MaskRun::confirm() {
+    const std::string heading = machinery_.heading(*tables_.settings);
+    return machinery_.confirm(*tables_.products, machinery_.MeddelandeUtför(heading));
+}
+
+void MaskRun::enterRunMode() {
+    machinery_.Körläge(true);
+    machinery_.port().status(texts_.FormulärSträng("PrisMain", 20));
+}
+
+void MaskRun::removeEmptyAlternatives() {
+    sql_.SQLKör("DELETE FROM Prodaltprodnr WHERE Alternativnr = ''", machinery_.port());
+}
+
+void MaskRun::openTables() {
+    tables_.alternatives = openAlternatives(sql_);
+    if (mask_.UppdatLev || machinery_.emptyTables()) {
+        tables_.priceList = sql_.SQLÖppnaTabell("Levprislista", "Produktnr", 0, false);
+    }
+}
+
+bool MaskRun::emptyTables() {
+    if (!machinery_.emptyTables()) return true;
+    return machinery_.TömTabeller(*tables_.products, *tables_.priceList, *tables_.alternatives);
+}
+
+void MaskRun::readRecords() {
+    constexpr int kBatch = 25;
+    machinery_.port().status(texts_.FormulärSträng("PrisMain", 28));
+    RecordImport import(mask_, job_.supplier, machinery_.context(), tables_, machinery_.summary());
+    RecordReader reader(machinery_.priceFile(), mask_);
+    BatchTransaction transaction(*sql_.FtgDB);
+    while (reader.next()) {
+        import.import(reader.entries());
+        if (reader.count() % kBatch != 0) continue;
+        transaction.next();
+        if (!machinery_.progress(reader.count())) break;
+    }
+    transaction.end();
+}
+
+}  // namespace
+
+RunSummary LäsMedMask(ImportContext& context, std::string_view jobText) {
+    return carryOut(context, jobText, [](RunMachinery& machinery) { MaskRun(machinery).run(); });
+}
+
+}  // namespace kolmera

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "import/alternativenumbers.h"
+#include "import/columnwriter.h"
+#include "import/defaults.h"
+#include "import/documentwriter.h"
+#include "import/importcontext.h"
+#include "import/pricelistwriter.h"
+#include "import/productcoupling.h"
+#include "import/productmatcher.h"
+
+namespace kolmera {
+
+/// The tables that a mask run opens before its record loop.
+struct MaskTables {
+    std::unique_ptr<Recordset> products;  ///< by the index of the search key
+    std::unique_ptr<Recordset> settings, settings2;
+    std::unique_ptr<Recordset> alternatives;  ///< by product
+    std::unique_ptr<Recordset> priceList;     ///< by product and supplier; when the mask has UppdatLev
+};
+
+/// What a mask run does with each record: finds or creates the product, writes its columns, recomputes coupled prices,
+/// and brings alternative numbers, supplier price list and document in line. Counts into the run's summary.
+class RecordImport {
+  public:
+    /// Opens what else is needed. The tables' owner keeps products and settings; the others go to their writers.
+    RecordImport(const LoadedMask& mask, std::string_view jobSupplier, ImportContext& context, MaskTables& tables,
+                 RunSummary& summary);
+
+    /// Nothing that the database refuses stops a record but the error that ends the run: a refused value leaves its
+    /// column, a failed search or save the record.
+    void import(const EntryList& entries);
+
+  private:
+    [[nodiscard]] ProductMatch match(const EntryList& entries);
+    bool importProduct(const ProductMatch& match, const EntryList& entries);
+    bool importPriceListOnly(const ProductMatch& match, const EntryList& entries);
+    [[nodiscard]] bool saveProduct(bool newProduct, const EntryList& entries, std::optional<double>& discount);
+    void completeNewProduct();
+    void takeProductNumber();
+
+    const LoadedMask& mask_;
+    SqlLayer& sql_;
+    RunPort& port_;
+    RunSummary& summary_;
+    Date Idag_;
+    std::unique_ptr<Recordset>& products_;
+    int Vägtinpris_, Prisändrdat_, Förändringsdatum_;
+    ColumnSettings settings_;
+    PrisClsRoundInprisOUtpris prices_;
+    ColumnWriter columns_;
+    NewProductDefaults defaults_;
+    ProductMatcher matcher_;
+    ProductCoupling coupling_;
+    std::optional<AlternativeNumbers> alternatives_;
+    std::optional<PriceListWriter> priceList_;
+    std::optional<DocumentWriter> documents_;
+    std::string productNumber_;  ///< of the product saved last
+};
+
+}  // namespace kolmera
