@@ -24,8 +24,8 @@ using SignIn = std::function<void(StartState& state)>;
 /// The start sequence up to the first window: folders, language, suite settings, sign-in, decimal sign. A step that
 /// fails leaves its members as they were. The window system is prepared before, the main window shown behind it.
 ///
-/// A program without windows passes no `signIn`: whoever may run it and read the data folder may import, nobody is
-/// signed in, and `Signatur` stays empty as it does where the user file asks for no sign-in.
+/// A program without windows passes no `signIn`: whoever may run it and read the data folder may import. Nobody is
+/// signed in then, and `Signatur` stays as it was.
 void startUp(StartState& state, LanguageTexts& texts, const std::string& programFolder, const SignIn& signIn = {});
 
 }  // namespace kolmera

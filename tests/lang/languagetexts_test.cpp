@@ -1,0 +1,140 @@
+#include "lang/languagetexts.h"
+
+#include <gtest/gtest.h>
+
+#include "lang/wordtable.h"
+#include "platform/error.h"
+#include "support/temporaryfolder.h"
+
+namespace kolmera::test {
+namespace {
+
+constexpr const char* kTexts =
+    "key\tSE\tEN\n"
+    "# a comment\n"
+    "RES_228\tTvå<CRLF>rader\tTwo<CRLF>lines\n"
+    "RES_7\tBara svenska\t\n"
+    "RES_5000\tBörja\tStart\n"
+    "SP_FRM_PrisRab\tRabattbrev<TAB>\tLetters\n"
+    "SP_FRM_PrisRab_String007\t<VAR1> av <VAR2> och <VAR3>, <VAR1>\tx\n"
+    "SP_FRM_PrisRab_String1234\tlångt\tx\n"
+    "SP_MOD_KMR_007\t<SP>och <VAR1>\tx\n"
+    "RGA_Produkt_021\tInpris\tPurchase price\n";
+
+class LanguageTextsTest : public ::testing::Test {
+  protected:
+    LanguageTextsTest() {
+        folder.write("texts.tsv", kTexts);
+        buildLanguageDatabase(folder / "texts.tsv", folder / "dvlang.SYS");
+        texts.ÖppnaSpråk(folder.path(), {});
+    }
+    TemporaryFolder folder;
+    LanguageTexts texts;
+};
+
+TEST_F(LanguageTextsTest, BuildsKeysAndFillsPlaceholders) {
+    const struct {
+        const char* fault;
+        std::string text, expected;
+    } cases[] = {
+        {"marker not decoded", texts.ResText(228), "Två\r\nrader"},
+        {"letter case of the key counts", texts.SpråkText("res_228"), "Två\r\nrader"},
+        {"missing key not empty", texts.ResText(229), ""},
+        {"caption", texts.FormulärText("PrisRab"), "Rabattbrev\t"},
+        {"number not of three digits", texts.FormulärSträng("PrisRab", 7), "<VAR1> av <VAR2> och <VAR3>, <VAR1>"},
+        {"number of four digits cut", texts.FormulärSträng("PrisRab", 1234), "långt"},
+        {"only the first placeholder filled", texts.FormulärSträngMed1("PrisRab", 7, "A"), "A av <VAR2> och <VAR3>, A"},
+        {"second value not filled", texts.FormulärSträngMed2("PrisRab", 7, "A", "B"), "A av B och <VAR3>, A"},
+        {"third value not filled", texts.FormulärSträngMed3("PrisRab", 7, "A", "B", "C"), "A av B och C, A"},
+        {"module text", texts.ModulText("KMR", 7), " och <VAR1>"},
+        {"module text with a value", texts.ModulTextMed("KMR", 7, "X"), " och X"},
+        {"register text", texts.RegisterText("Produkt", 21), "Inpris"},
+        {"markers in the wrong order", LanguageTexts::AvkodaPlatshållare("<LF><CRLF><TAB><SP><lf>"), "\n\r\n\t <lf>"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(c.text, c.expected) << c.fault;
+    EXPECT_EQ(texts.storedText("SP_FRM_PrisRab"), "Rabattbrev<TAB>") << "decoded for form translation";
+    EXPECT_EQ(texts.storedText("SP_FRM_Annan"), std::nullopt);
+}
+
+TEST_F(LanguageTextsTest, GoesByLanguage) {
+    EXPECT_EQ(texts.startMessage(5000), "") << "read before the language is known";
+    texts.InitSpråkOrd("EN");
+    EXPECT_EQ(texts.ResText(228), "Two\r\nlines");
+    EXPECT_EQ(texts.ResText(7), "") << "a text in the other language instead of none";
+    EXPECT_EQ(texts.startMessage(5000), "Start");
+    EXPECT_EQ(texts.Ordtabell(45), "offer submission");
+    texts.InitSpråkOrd("en");
+    EXPECT_EQ(texts.ResText(228), "Två\r\nrader") << "letter case of the language does not count";
+    EXPECT_EQ(texts.startMessage(5000), "Börja");
+    for (const char* code : {"", "SE", "en", "EN ", "DE"})
+        EXPECT_EQ(LanguageTexts::NormaliseraSpråk(code), "SE") << code;
+    EXPECT_EQ(LanguageTexts::NormaliseraSpråk("EN"), "EN");
+}
+
+TEST_F(LanguageTextsTest, MissingFilesGiveEmptyTexts) {
+    LanguageTexts none;
+    EXPECT_EQ(none.ResText(228), "") << "never opened";
+    none.ÖppnaSpråk(folder / "nowhere", {});
+    EXPECT_EQ(none.ResText(228), "");
+    none.ÖppnaSpråk(folder / "nowhere", folder.path());
+    EXPECT_EQ(none.ResText(228), "Två\r\nrader") << "the server folder not looked into";
+    folder.write("bad/../DVLang.sys", "no database");
+    none.StängSpråk();
+    EXPECT_EQ(none.ResText(228), "") << "still open";
+    none.ÖppnaSpråk(folder.path(), {});
+    EXPECT_EQ(none.ResText(228), "") << "a damaged file is reported, or read";
+}
+
+TEST_F(LanguageTextsTest, TwoProgramsReadAtOnceEvenWithoutTheRightToWrite) {
+    LanguageTexts second;
+    std::filesystem::permissions(folder.path(),
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    second.ÖppnaSpråk(folder.path(), {});
+    EXPECT_EQ(second.ResText(228), "Två\r\nrader");
+    EXPECT_EQ(texts.ResText(228), "Två\r\nrader");
+    second.StängSpråk();
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_all);
+}
+
+TEST(LanguageBuild, RefusesMalformedTables) {
+    const TemporaryFolder folder;
+    folder.write("DVLang.sys", "old");
+    const struct {
+        const char* fault;
+        std::string table;
+    } cases[] = {
+        {"a key twice", "key\tSE\tEN\nRES_1\ta\tb\nres_1\tc\td\n"},
+        {"a tab inside a text", "key\tSE\tEN\nRES_1\ta\tb\tc\n"},
+        {"another language", "key\tSE\tDE\nRES_1\ta\tb\n"},
+        {"empty file", ""},
+    };
+    for (const auto& c : cases) {
+        folder.write("texts.tsv", c.table);
+        EXPECT_THROW(buildLanguageDatabase(folder / "texts.tsv", folder / "DVLang.sys"), PlatformError) << c.fault;
+        EXPECT_EQ(folder.read("DVLang.sys"), "old") << c.fault;
+    }
+    EXPECT_THROW(buildLanguageDatabase(folder / "none.tsv", folder / "DVLang.sys"), PlatformError);
+}
+
+TEST(WordTable, DerivedEntriesFollowTheirWords) {
+    const struct {
+        const char* fault;
+        std::size_t entry;
+        std::string swedish, english;
+    } cases[] = {
+        {"blanks of a word lost", 1, " för ", " for "},
+        {"entry 16 is not entry 12 in lower case", 16, "inga", "no"},
+        {"a word left out before", 30, " Sid ", " Page "},
+        {"entry 38", 38, "kund", "customer"},
+        {"entry 39", 39, "produkt", "product"},
+        {"entry 40", 40, "leverantör", "supplier"},
+        {"last entry", 48, "kassaorder", "cash register order"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(wordTable("SE").at(c.entry), c.swedish) << c.fault;
+        EXPECT_EQ(wordTable("EN").at(c.entry), c.english) << c.fault;
+    }
+}
+
+}  // namespace
+}  // namespace kolmera::test

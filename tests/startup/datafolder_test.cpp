@@ -1,0 +1,77 @@
+#include "startup/datafolder.h"
+
+#include "definitions/jobfile.h"
+#include "platform/engine/database.h"
+#include "platform/error.h"
+#include "startup/startup.h"
+#include "startworld.h"
+
+namespace kolmera::test {
+namespace {
+
+TEST(DataFolder, ANewFolderHasTheSuitesFiles) {
+    StartWorld world;
+    const std::filesystem::path folder = world.root / "new/data";
+    createDataFolder(folder);
+    for (const char* name : {"DORVIK.FTG", "PRISMASK.TXT", "PRISMPOS.TXT", "PRISLEV.TXT"}) {
+        EXPECT_TRUE(std::filesystem::exists(folder / name) && std::filesystem::file_size(folder / name) == 0) << name;
+    }
+    std::string jobs;
+    for (const Job& job : JobFile(folder).all()) jobs += job.name + job.kind + " " + job.company + "\n";
+    EXPECT_EQ(jobs, "(EIO)E FTG1.mdb\n(RSK)R FTG1.mdb\n(FINFO)F FTG1.mdb\n");
+    EXPECT_EQ(std::filesystem::file_size(folder / "KOLMERA.TXT"), 3U * 534U);
+
+    StartState state = world.state();
+    state.DataMapp = folder.string() + "/";
+    LäsDorvikIni(state);
+    EXPECT_EQ(state.StandardFöretag, "FTG1.MDB");
+    EXPECT_TRUE(state.TypsnittTahoma);
+    EXPECT_EQ(state.InloggningsLäge, 0);
+    EXPECT_EQ(std::filesystem::file_size(folder / "DORVIK.INI"), 11U * 72U);
+}
+
+TEST(DataFolder, WhatIsThereStays) {
+    StartWorld world;
+    world.write(world.data / "dorvik.ini", iniFile({"", "FTG7.MDB"}));
+    world.write(world.data / "prismask.txt", "mask");
+    Job eio;
+    eio.name = "(EIO)";
+    eio.company = "FTG7.mdb";
+    JobFile(world.data).save(eio);
+    createDataFolder(world.data);
+    EXPECT_EQ(world.root.read("data/dorvik.ini"), iniFile({"", "FTG7.MDB"}));
+    EXPECT_EQ(world.root.read("data/prismask.txt"), "mask");
+    EXPECT_FALSE(std::filesystem::exists(world.data / "PRISMASK.TXT"));
+    std::string jobs;
+    for (const Job& job : JobFile(world.data).all()) jobs += job.name + " " + job.company + "\n";
+    EXPECT_EQ(jobs, "(EIO) FTG7.mdb\n(RSK) FTG1.mdb\n(FINFO) FTG1.mdb\n");
+
+    world.root.write("file", "");
+    EXPECT_THROW(createDataFolder(world.root / "file"), PlatformError);
+}
+
+TEST(NewCompany, HasOneRowOfSettings) {
+    const TemporaryFolder folder;
+    createCompany(folder.path(), "FTG1.mdb", "Åhus Rör AB");
+    const auto database = openFileDatabase(folder / "FTG1.mdb", OpenOptions());
+    const auto settings = database->open("Syinställningar", RecordsetType::Table);
+    EXPECT_EQ(settings->recordCount(), 1);
+    EXPECT_EQ(textOf(settings->value("Företagsnamn")), "Åhus Rör AB");
+    const auto settings2 = database->open("Syinställningar2", RecordsetType::Table);
+    EXPECT_EQ(settings2->recordCount(), 1);
+    EXPECT_EQ(settings2->value("PDecUtpris"), Value(std::int64_t{2}));
+}
+
+TEST(NewCompany, AFailureLeavesNothingBehind) {
+    const TemporaryFolder folder;
+    EXPECT_THROW(createCompany(folder.path(), "FTG1.mdb", std::string(51, 'x')), PlatformError);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+    EXPECT_THROW(createCompany(folder.path(), "FTG1.mdb", "One", "a password of many characters"), PlatformError);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+    createCompany(folder.path(), "FTG1.mdb", "One");
+    EXPECT_THROW(createCompany(folder.path(), "ftg1.MDB", "Two"), PlatformError) << "an existing company replaced";
+    EXPECT_TRUE(std::filesystem::exists(folder / "FTG1.mdb"));
+}
+
+}  // namespace
+}  // namespace kolmera::test
