@@ -67,11 +67,12 @@ class ShellScript {
     void add(std::string_view line) {
         line = trimmed(line);
         if (line.starts_with('@')) line = trimmed(line.substr(1));
-        const Arguments words = argumentsOf(line);
+        const Arguments words = wordsOf(line);
         if (words.empty()) return;
-        for (const Command& command : kCommands) {
-            if (!equalNoCase(words.front(), command.name)) continue;
-            (this->*command.translate)({words.begin() + 1, words.end()});
+        const auto* command = std::ranges::find_if(
+            kCommands, [&words](const Command& row) { return equalNoCase(row.name, words.front()); });
+        if (command != std::end(kCommands) && std::ranges::none_of(words, isShellOperator)) {
+            (this->*command->translate)(argumentsOf(words));
             return;
         }
         addLine("( eval {} )", shellQuoted(std::string(line)));
@@ -88,7 +89,7 @@ class ShellScript {
         std::string_view name;
         void (ShellScript::*translate)(const Arguments&);
     };
-    static const Command kCommands[9];
+    static const Command kCommands[8];
 
     template <typename... Values>
     void addLine(fmt::format_string<Values...> format, Values&&... values) {
@@ -96,9 +97,14 @@ class ShellScript {
         script_ += '\n';
     }
 
-    /// Words without switches ("/Y") and without what follows a redirection ("> NUL").
-    static Arguments argumentsOf(std::string_view line) {
-        Arguments words = wordsOf(line);
+    /// Several commands in one line are written for the shell.
+    static bool isShellOperator(std::string_view word) {
+        return word == "&&" || word == "&" || word == "||" || word == "|" || word == ";" || word.ends_with(';');
+    }
+
+    /// The words behind the command, without switches ("/Y") and without what follows a redirection ("> NUL").
+    static Arguments argumentsOf(Arguments words) {
+        words.erase(words.begin());
         const auto redirected = std::ranges::find_if(words, [](const std::string& word) {
             return word.starts_with('>') || word.starts_with("1>") || word.starts_with("2>");
         });
@@ -145,24 +151,17 @@ class ShellScript {
         addLine("cd -- {}", shellQuoted(folder_.string()));
     }
 
-    void echo(const Arguments& words) {
-        if (words.size() == 1 && (equalNoCase(words[0], "off") || equalNoCase(words[0], "on"))) return;
-        std::string text;
-        for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-        addLine("printf '%s\\n' {}", shellQuoted(text));
-    }
-
     void nothing(const Arguments&) {}
 
     fs::path folder_;
     const DriveMap& drives_;
-    std::string script_;
+    std::string script_ = "ECHO() { echo \"$@\"; }\n";
 };
 
-constexpr ShellScript::Command ShellScript::kCommands[9] = {
+constexpr ShellScript::Command ShellScript::kCommands[8] = {
     {"del", &ShellScript::remove},         {"erase", &ShellScript::remove},  {"copy", &ShellScript::copy},
     {"ren", &ShellScript::rename},         {"rename", &ShellScript::rename}, {"cd", &ShellScript::changeFolder},
-    {"chdir", &ShellScript::changeFolder}, {"rem", &ShellScript::nothing},   {"echo", &ShellScript::echo},
+    {"chdir", &ShellScript::changeFolder}, {"rem", &ShellScript::nothing},
 };
 
 /// What the shell starts with: no input of ours, its own session, no signal ignored or blocked.

@@ -128,7 +128,8 @@ std::optional<Date> dateInOrder(const std::array<Part, 3>& parts, Order order) {
     return Date::fromCivil(fullYear(year), month.number, day.number);
 }
 
-/// The orders in which a date of numbers is tried. In Swedish "/" and "." stand in day/month, "-" in year-month-day.
+/// The orders in which a date is tried; the first that gives one counts. In Swedish "/" and "." stand in day/month, "-"
+/// in year-month-day.
 Orders ordersOf(const Spelling& spelling, Locale::Kind kind) {
     using enum Order;
     const auto& parts = spelling.parts;
@@ -136,8 +137,8 @@ Orders ordersOf(const Spelling& spelling, Locale::Kind kind) {
     if (parts[0].digits == 4) return {YearMonthDay, None, None};
     if (parts[1].digits == 0) return {DayMonthYear, YearMonthDay, None};
     if (kind == Locale::Kind::English) return {MonthDayYear, DayMonthYear, YearMonthDay};
-    if (spelling.separator == '-') return {YearMonthDay, DayMonthYear, None};
-    return {DayMonthYear, YearMonthDay, None};
+    if (spelling.separator == '-') return {YearMonthDay, DayMonthYear, MonthDayYear};
+    return {DayMonthYear, YearMonthDay, MonthDayYear};
 }
 
 }  // namespace

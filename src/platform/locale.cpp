@@ -119,11 +119,12 @@ std::optional<double> convertedText(std::string_view number, char decimalSign) {
 template <typename... Format>
 std::string written(double value, char decimalSign, Format... format) {
     std::array<char, 512> text;
-    if (value == 0) value = 0;  // never "-0"
     char* const end = std::to_chars(text.data(), text.data() + text.size(), value, format...).ptr;
     std::replace(text.data(), end, '.', decimalSign);
     std::replace(text.data(), end, 'e', 'E');
-    return {text.data(), end};
+    const bool isZero = std::none_of(text.data(), end, [](char c) { return c >= '1' && c <= '9'; });
+    const bool signedZero = text[0] == '-' && isZero;  // "-0,00" would puzzle
+    return {text.data() + (signedZero ? 1 : 0), end};
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ struct Drive {
     char letter;
     std::filesystem::path folder;
     DriveKind kind = DriveKind::Fixed;
-    std::string share;  ///< \\server\share of a network drive
+    std::string share = {};  ///< \\server\share of a network drive
 };
 
 /// Drive letters and how the suite's Windows paths become paths of this system.

@@ -31,12 +31,12 @@ std::size_t offsetOf(const RecordLayout& layout, int number) {
 
 /// Opens for reading; nothing when the file is missing and cannot be made in a folder that can only be read.
 std::optional<Descriptor> openForReading(const fs::path& file) {
-    std::error_code ignored;
-    if (fs::exists(file, ignored)) return Descriptor(file, O_RDONLY);
+    std::error_code error;
+    if (fs::exists(file, error) || error) return Descriptor(file, O_RDONLY);
     try {
         return Descriptor(file, O_RDWR | O_CREAT);
     } catch (const PlatformError&) {
-        if (!fs::is_directory(file.parent_path(), ignored)) throw;
+        if (!fs::is_directory(file.parent_path(), error)) throw;
         return std::nullopt;
     }
 }

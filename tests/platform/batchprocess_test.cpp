@@ -1,0 +1,113 @@
+#include "platform/batchprocess.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "platform/error.h"
+#include "support/temporaryfolder.h"
+
+namespace kolmera {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kBatch = "EXPA@#01.BAT";
+
+struct BatchTest : testing::Test {
+    test::TemporaryFolder folder;
+    DriveMap drives{{{'A', folder / "a"}}};
+    fs::path work = folder / "Filer";
+
+    BatchTest() {
+        fs::create_directories(work);
+        fs::create_directories(folder / "a");
+    }
+    void start(const std::string& command) { startBatch(work, kBatch, command, drives); }
+    bool ends() {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (fs::exists(work / kBatch)) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        return true;
+    }
+    bool runs(const std::string& command) {
+        start(command);
+        return ends();
+    }
+};
+
+TEST_F(BatchTest, WritesTheBatchByteForByte) {
+    folder.write(std::string("Filer/") + kBatch, std::string(100, 'x'));
+    start("while [ ! -e go ]; do sleep 0.01; done # å€");
+    EXPECT_EQ(folder.read(std::string("Filer/") + kBatch),
+              "while [ ! -e go ]; do sleep 0.01; done # \xE5\x80\r\nDEL EXPA@#01.BAT\r\n");
+    folder.write("Filer/go", "");
+    EXPECT_TRUE(ends());
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(BatchTest, EndsWhateverTheCommandDoes) {
+    for (const char* command : {"false", "no-such-program", "echo 'no end of the quote", "exit 3", "cd /", "CD /", ")",
+                                "REM nothing", "cat", "", "set -e; false"}) {
+        EXPECT_TRUE(runs(command)) << command;
+    }
+}
+
+TEST_F(BatchTest, RunsTheCommandInItsFolder) {
+    EXPECT_TRUE(runs("ECHO 'å it''s' > result.txt\r"));
+    EXPECT_EQ(folder.read("Filer/result.txt"), "å its\n");
+}
+
+TEST_F(BatchTest, CommandsOfTheBatchLanguage) {
+    const struct {
+        const char* fault;
+        const char* command;
+        const char* present;
+        const char* absent;
+    } cases[] = {
+        {"copy from a drive into the folder", R"(COPY A:\prices.TXT)", "Filer/Prices.txt", "Filer/prices.TXT"},
+        {"copy to a new name", R"(copy /Y "a:\it's.txt" new.txt > NUL)", "Filer/new.txt", "Filer/NUL"},
+        {"copy several", R"(@Copy A:\*.TXT .)", "Filer/it's.txt", "Filer/*.TXT"},
+        {"copy all", R"(COPY A:\*.*)", "Filer/other.dat", nullptr},
+        {"rename", "REN OLD.txt new.txt", "Filer/new.txt", "Filer/old.txt"},
+        {"rename over a file", "REN OLD.txt keep.txt", "Filer/old.txt", nullptr},
+        {"rename in another folder", R"(rename A:\prices.txt new.txt)", "a/new.txt", "Filer/new.txt"},
+        {"delete", "DEL Old.TXT", "Filer/keep.txt", "Filer/old.txt"},
+        {"delete several", "erase *.T?T", "a/Prices.txt", "Filer/keep.txt"},
+        {"lines after another", "CD A:\\\r\nDEL prices.txt\r\ntouch here", "a/here", "a/Prices.txt"},
+        {"several commands of the shell in one line", "cd ../a && touch here", "a/here", nullptr},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        for (const char* file : {"Filer/old.txt", "Filer/keep.txt", "a/Prices.txt", "a/it's.txt", "a/other.dat"}) {
+            folder.write(file, file);
+        }
+        EXPECT_TRUE(runs(c.command));
+        EXPECT_TRUE(fs::exists(folder / c.present));
+        EXPECT_FALSE(c.absent != nullptr && fs::exists(folder / c.absent));
+        EXPECT_EQ(folder.read("Filer/keep.txt") == "Filer/old.txt", false) << "an existing file was replaced";
+        for (const fs::path& part : {work, folder / "a"}) {
+            fs::remove_all(part);
+            fs::create_directory(part);
+        }
+    }
+}
+
+TEST_F(BatchTest, RefusesAFolderThatIsNotThere) {
+    try {
+        startBatch(folder / "none", kBatch, "true", drives);
+        FAIL();
+    } catch (const PlatformError& error) {
+        EXPECT_EQ(error.number(), errors::kFileNotFound);
+        EXPECT_EQ(error.description(), "No such file or directory");
+    }
+}
+
+}  // namespace
+}  // namespace kolmera
