@@ -1,0 +1,52 @@
+#include "support/scriptedport.h"
+
+#include <gtest/gtest.h>
+
+namespace kolmera::test {
+
+ScriptedPort::~ScriptedPort() {
+    for (const Expected& message : expected_) ADD_FAILURE() << "this message never came: " << message.text;
+}
+
+void ScriptedPort::expect(const std::string& text, const std::string& title, Answer answer) {
+    expected_.push_back({text, title, answer});
+}
+
+Answer ScriptedPort::show(const Message& message) {
+    if (expected_.empty()) {
+        ADD_FAILURE() << "nobody expected this message: " << message.title << ": " << message.text;
+        return message.buttons == Buttons::YesNo ? Answer::No : Answer::OK;
+    }
+    const Expected expected = expected_.front();
+    expected_.pop_front();
+    EXPECT_EQ(message.text, expected.text);
+    EXPECT_EQ(message.title, expected.title);
+    EXPECT_EQ(message.buttons == Buttons::YesNo, expected.answer != Answer::OK) << message.text;
+    EXPECT_FALSE(hourglassShown) << "the hourglass stands over " << message.text;
+    return expected.answer;
+}
+
+void ScriptedPort::letEventsRun() {
+    if (onEvents) onEvents();
+}
+
+void ScriptedPort::note(std::string_view what, const PlatformError& error) {
+    passedOver.push_back(std::string(what) + ": " + std::to_string(error.number()));
+}
+
+void ScriptedPort::status(std::string_view text) {
+    statuses.emplace_back(text);
+    if (text == cancelAtStatus) pressCancel();
+}
+
+bool ScriptedPort::cancelled() {
+    letEventsRun();
+    return cancelled_;
+}
+
+ConfirmationAnswer ScriptedPort::confirm(const Confirmation& asked) {
+    confirmations.push_back(asked);
+    return confirmation;
+}
+
+}  // namespace kolmera::test

@@ -1,0 +1,168 @@
+#include "support/world.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "db/companyschema.h"
+#include "db/conversions.h"
+#include "definitions/couplingfile.h"
+#include "import/dispatcher.h"
+#include "platform/encodings.h"
+#include "platform/lettercase.h"
+#include "startup/datafolder.h"
+
+namespace kolmera::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kMask = "Testmask";
+
+const std::vector<TableDef>& schema() {
+    static const std::vector<TableDef> tables = companySchema();
+    return tables;
+}
+
+int ordinalOf(std::string_view table, std::string_view column) {
+    for (const TableDef& candidate : schema()) {
+        if (candidate.name == table) return candidate.ordinal(column);
+    }
+    return -1;
+}
+
+int targetCode(std::string_view target) {
+    if (target.starts_with("Alternativ ")) return 137 + std::atoi(target.substr(11).data());
+    if (!target.empty() && target.find_first_not_of("0123456789") == std::string_view::npos) {
+        return std::atoi(std::string(target).c_str());
+    }
+    const int ordinal = ordinalOf("Produkt", target);
+    EXPECT_GT(ordinal, 0) << target;
+    return ordinal > 137 ? ordinal + 63 : ordinal;
+}
+
+/// The language database is the same for all worlds, and made once.
+const fs::path& languageFolder() {
+    static const TemporaryFolder folder;
+    static const fs::path path = [] {
+        buildLanguageDatabase(fs::path(KOLMERA_SOURCE_DIR) / "data/lang/texts.tsv", folder / "DVLang.sys");
+        return folder.path();
+    }();
+    return path;
+}
+
+/// An empty company is copied, which is quicker than to make it again.
+void copyCompany(const fs::path& target) {
+    static const TemporaryFolder folder;
+    static const bool made = [] {
+        createCompany(folder.path(), "FTG1.mdb", "Testbolaget");
+        return true;
+    }();
+    EXPECT_TRUE(made);
+    fs::copy_file(folder / "FTG1.mdb", target);
+}
+
+std::string shown(const Value& value) {
+    if (isNull(value)) return "-";
+    if (const auto* date = std::get_if<Date>(&value)) return date->iso();
+    return TillText(value, Locale(Locale::Kind::English));
+}
+
+}  // namespace
+
+World::World(Locale::Kind locale) : state(SettingsStore(folder_ / "settings.ini"), Locale(locale)) {
+    fs::create_directories(program());
+    createDataFolder(data());
+    copyCompany(company());
+    state.ProgramMapp = (program() / "").string();
+    state.DataMapp = (data() / "").string();
+    texts_.ÖppnaSpråk(languageFolder(), {});
+    texts_.InitSpråkOrd("SE");
+    job.name = "Test";
+    job.priceFile = "pris.txt";
+    job.mask = kMask;
+    job.company = "FTG1.MDB";
+}
+
+std::unique_ptr<Database> World::open() const {
+    return openFileDatabase(company(), {.locale = state.locale, .password = {}, .wait = {}});
+}
+
+void World::add(std::string_view table, const Row& row) {
+    const auto database = open();
+    const auto records = database->open(table, RecordsetType::Table);
+    records->addNew();
+    for (const auto& [column, value] : row) records->set(column, value);
+    records->update();
+}
+
+void World::setting(std::string_view column, const Value& value) {
+    const auto database = open();
+    const std::string_view table = ordinalOf("Syinställningar", column) >= 0 ? "Syinställningar" : "Syinställningar2";
+    const auto records = database->open(table, RecordsetType::Table);
+    records->edit();
+    records->set(column, value);
+    records->update();
+}
+
+void World::mask(const MaskSpec& spec) {
+    Mask mask;
+    mask.Namn = kMask;
+    mask.FilTyp = spec.structure;
+    mask.Tecken = spec.oem ? 'J' : 'N';
+    mask.SkapaNya = spec.createNew ? 'J' : 'N';
+    mask.UppdatLev = spec.supplierPrices ? 'J' : 'N';
+    mask.AntalRader = std::to_string(spec.lines);
+    mask.Postlängd = std::to_string(spec.length);
+    mask.AntalKolumner = spec.columns;
+    std::vector<Relation> relations;
+    for (const Link& link : spec.relations) {
+        relations.push_back({.Källa = link.source,
+                             .Mål = targetCode(link.target),
+                             .FrånPos = link.FrånPos,
+                             .Längd = link.Längd,
+                             .TypKod = link.TypKod,
+                             .Division = link.Division});
+    }
+    MaskFile(data()).save(mask, relations);
+}
+
+void World::priceFile(std::string_view text, CodePage page) {
+    std::ofstream(data() / "pris.txt", std::ios::binary) << fromUtf8(text, page);
+}
+
+void World::coupling(const std::string& code, const std::string& supplier, bool main) {
+    CouplingFile(data()).save({.job = job.name, .code = code, .supplier = supplier, .mainSupplier = main});
+}
+
+RunSummary World::run() {
+    JobFile jobs(data());
+    const auto existing = jobs.find(job.name);
+    job.number = existing ? existing->number : 0;
+    job.number = jobs.save(job);
+    MessageBoxes boxes(port, {});
+    CompanyRegister companies(state, texts_, boxes);
+    ImportContext context{state, texts_, boxes, companies, port, Idag, job.number};
+    const RunSummary summary = Utför(context, job.name);
+    EXPECT_FALSE(port.inRunMode);
+    EXPECT_FALSE(port.hourglassShown);
+    EXPECT_EQ(state.sql.FtgDB, nullptr) << "the run has left the company open";
+    return summary;
+}
+
+std::string World::rows(std::string_view table, std::string_view columns) const {
+    const auto database = open();
+    const auto records = database->open(table, RecordsetType::Dynaset, options::kReadOnly);
+    std::vector<int> ordinals;
+    for (const std::string& column : split(columns, ", ")) ordinals.push_back(records->ordinal(column));
+    std::string text;
+    for (; !records->eof(); records->moveNext()) {
+        for (const int ordinal : ordinals)
+            text += (&ordinal == ordinals.data() ? "" : " ") + shown(records->value(ordinal));
+        text += '\n';
+    }
+    return text;
+}
+
+}  // namespace kolmera::test

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "definitions/jobfile.h"
+#include "definitions/maskfile.h"
+#include "import/importcontext.h"
+#include "platform/encodings.h"
+#include "support/scriptedport.h"
+#include "support/temporaryfolder.h"
+
+namespace kolmera::test {
+
+/// One relation of a mask. The target is a column of Produkt, "Alternativ 3" for a heading, or a code.
+struct Link {
+    int source = 0;
+    std::string_view target{};
+    char Division = 'I';
+    char TypKod = 'U';
+    int FrånPos = 0;
+    int Längd = 0;
+};
+
+struct MaskSpec {
+    char structure = 'T';
+    int lines = 1;    ///< F
+    int length = 10;  ///< P
+    int columns = 0;  ///< T; 0: never read from a sample
+    bool oem = false;
+    bool createNew = true;
+    bool supplierPrices = false;
+    std::vector<Link> relations{};
+};
+
+/// A data folder with a company, a job and its price file, in which whole runs are carried out. The first job is a
+/// mask job "Test" into "Testbolaget" (FTG1.mdb); tests change `job` before they run it.
+class World {
+  public:
+    using Row = std::vector<std::pair<std::string_view, Value>>;
+
+    explicit World(Locale::Kind locale = Locale::Kind::Swedish);
+
+    // What the world is like before the run.
+    void add(std::string_view table, const Row& row);
+    /// Writes settings of the company, each in the settings table that has the column.
+    void setting(std::string_view column, const Value& value);
+    void mask(const MaskSpec& spec);
+    /// The bytes of the price file; UTF-8 is stored as Windows-1252 or, for a DOS file, as code page 850.
+    void priceFile(std::string_view text, CodePage page = CodePage::Windows1252);
+    void coupling(const std::string& code, const std::string& supplier, bool main = false);
+    Job job;
+
+    RunSummary run();
+
+    /// The rows of a table in the order in which they were made, one a line: values separated by blanks, numbers with
+    /// a point, Null as "-".
+    [[nodiscard]] std::string rows(std::string_view table, std::string_view columns) const;
+    /// A text of the main window.
+    [[nodiscard]] std::string text(int number) const { return texts_.FormulärSträng("PrisMain", number); }
+    [[nodiscard]] LanguageTexts& texts() const { return texts_; }
+    [[nodiscard]] std::filesystem::path company() const { return data() / "FTG1.mdb"; }
+    [[nodiscard]] std::filesystem::path data() const { return folder_ / "data"; }
+    [[nodiscard]] std::filesystem::path program() const { return folder_ / "program"; }
+    [[nodiscard]] std::unique_ptr<Database> open() const;
+
+    ScriptedPort port;
+    StartState state;
+    Date Idag = *Date::fromIso("2026-11-22");
+
+  private:
+    TemporaryFolder folder_;
+    mutable LanguageTexts texts_;
+};
+
+}  // namespace kolmera::test
