@@ -12,6 +12,7 @@
 #include "platform/engine/recordset.h"
 #include "platform/engine/schema.h"
 #include "platform/locale.h"
+#include "platform/paths.h"
 
 namespace kolmera {
 
@@ -58,6 +59,8 @@ struct OpenOptions {
     /// Called again and again while another session holds a lock; lets events run and returns false to give up (then
     /// the statement ends with kLocked, ending the run). Without it a lock is waited for 10 seconds.
     std::function<bool()> wait;
+    /// Tells the folders that lie on network file systems; such files are worked on with another kind of journal.
+    std::function<bool(const std::filesystem::path& folder)> onNetwork = onNetworkFileSystem;
 };
 
 /// Opens a company file. Throws kFileNotFound, kNotADatabase, kDamaged, kWrongPassword, kLocked.

@@ -1,0 +1,230 @@
+#include "platform/engine/sqliteconnection.h"
+
+#include <sqlite3.h>
+
+#include <thread>
+
+#include "platform/engine/collation.h"
+#include "platform/engine/sqlitestatement.h"
+#include "platform/error.h"
+
+namespace kolmera {
+
+namespace {
+
+constexpr auto kLockPause = std::chrono::milliseconds(20);
+constexpr auto kLockPatience = std::chrono::seconds(10);
+
+/// Nobody asks SQLite how much memory it uses, and counting it costs a mutex for every allocation. Has to be said once,
+/// before the library is used for the first time; later it is refused, which does no harm.
+void leaveMemoryUncounted() { static const int result [[maybe_unused]] = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0); }
+
+/// Error numbers of SQLite's primary result codes; what is not listed is kInternal.
+constexpr struct {
+    int code, number;
+} kErrorNumbers[] = {
+    {SQLITE_BUSY, errors::kLocked},         {SQLITE_LOCKED, errors::kLocked},
+    {SQLITE_FULL, errors::kDiskFull},       {SQLITE_CORRUPT, errors::kDamaged},
+    {SQLITE_NOTADB, errors::kNotADatabase}, {SQLITE_CANTOPEN, errors::kFileNotFound},
+    {SQLITE_TOOBIG, errors::kTextTooLong},
+};
+
+int numberOfConstraint(int extendedCode) {
+    const bool unique = extendedCode == SQLITE_CONSTRAINT_UNIQUE || extendedCode == SQLITE_CONSTRAINT_PRIMARYKEY ||
+                        extendedCode == SQLITE_CONSTRAINT_ROWID;
+    return unique ? errors::kDuplicateKey : errors::kWrongType;
+}
+
+/// SQLite has no code of its own for unknown names, only a text.
+int numberOfStatementError(std::string_view text) {
+    if (text.starts_with("no such table")) return errors::kUnknownTable;
+    if (text.starts_with("no such column")) return errors::kUnknownField;
+    if (text.find("has no column named") != std::string_view::npos) return errors::kUnknownField;
+    return errors::kInternal;
+}
+
+int errorNumber(int extendedCode, std::string_view text) {
+    const int code = extendedCode & 0xFF;
+    if (code == SQLITE_CONSTRAINT) return numberOfConstraint(extendedCode);
+    if (code == SQLITE_ERROR) return numberOfStatementError(text);
+    for (const auto& row : kErrorNumbers) {
+        if (row.code == code) return row.number;
+    }
+    return errors::kInternal;
+}
+
+/// The name of a file as a URI that says that the file cannot change.
+std::string immutableUri(const std::filesystem::path& file) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string uri = "file:";
+    for (const char c : std::filesystem::absolute(file).string()) {
+        const bool plain = c != '?' && c != '#' && c != '%' && static_cast<unsigned char>(c) > 0x20;
+        if (plain) {
+            uri += c;
+        } else {
+            uri += '%';
+            uri += digits[static_cast<unsigned char>(c) >> 4];
+            uri += digits[static_cast<unsigned char>(c) & 0xF];
+        }
+    }
+    return uri + "?immutable=1";
+}
+
+bool hasLog(std::filesystem::path file) {
+    file += "-wal";
+    std::error_code none;
+    const auto size = std::filesystem::file_size(file, none);
+    return !none && size > 0;
+}
+
+}  // namespace
+
+SqliteConnection::SqliteConnection(const std::filesystem::path& file, ConnectionOptions options)
+    : options_(std::move(options)) {
+    leaveMemoryUncounted();
+    try {
+        open(file);
+    } catch (...) {
+        sqlite3_close_v2(handle_);
+        throw;
+    }
+}
+
+SqliteConnection::~SqliteConnection() { close(); }
+
+void SqliteConnection::open(const std::filesystem::path& file) {
+    int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI | SQLITE_OPEN_EXRESCODE;
+    flags |= options_.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (options_.create) flags |= SQLITE_OPEN_CREATE;
+    const std::string name = "file:" + file.string();
+    int code = sqlite3_open_v2(file.c_str(), &handle_, flags & ~SQLITE_OPEN_URI, nullptr);
+    // The log of a file in a folder that cannot be written cannot be opened; the file itself can when the log is empty.
+    if (code == SQLITE_OK && options_.readOnly && !hasLog(file)) {
+        code = sqlite3_exec(handle_, "PRAGMA schema_version", nullptr, nullptr, nullptr);
+        if ((code & 0xFF) == SQLITE_CANTOPEN) {
+            sqlite3_close_v2(handle_);
+            code = sqlite3_open_v2(immutableUri(file).c_str(), &handle_, flags, nullptr);
+        } else {
+            code = SQLITE_OK;
+        }
+    }
+    if (code != SQLITE_OK) raise(code);
+    if (sqlite3_busy_handler(handle_, waitForLock, this) != SQLITE_OK) raise(sqlite3_errcode(handle_));
+    if (registerSwedishCollation(handle_) != SQLITE_OK) raise(sqlite3_errcode(handle_));
+}
+
+void SqliteConnection::close() noexcept {
+    dataVersionQuery_ = SqliteStatement();
+    sqlite3_busy_handler(handle_, nullptr, nullptr);  // closing waits for nobody
+    if (transactionOpen_) sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+    if (!options_.readOnly) {
+        sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    }
+    sqlite3_close_v2(handle_);
+}
+
+void SqliteConnection::prepareForWork() {
+    run("PRAGMA cache_size=-65536");
+    run("PRAGMA temp_store=MEMORY");
+    if (options_.readOnly) return;
+    if (options_.exclusive) takeExclusively();
+    if (options_.onNetwork) {
+        useRollbackJournal();
+    } else {
+        useWriteAheadLog();
+    }
+}
+
+void SqliteConnection::takeExclusively() {
+    run("PRAGMA locking_mode=EXCLUSIVE");
+    run("BEGIN EXCLUSIVE");
+    run("COMMIT");
+}
+
+/// The log needs memory that all sessions share, which no network file system gives: a file that comes with a log is
+/// taken over alone, without shared memory, and gets its journal.
+void SqliteConnection::useRollbackJournal() {
+    if (!options_.exclusive) run("PRAGMA locking_mode=EXCLUSIVE");
+    const std::string journal = text("PRAGMA journal_mode=DELETE");
+    if (!options_.exclusive) {
+        run("PRAGMA locking_mode=NORMAL");
+        number("PRAGMA schema_version");  // gives the lock back
+    }
+    if (journal != "delete") {
+        throw PlatformError(errors::kLocked,
+                            "the database is open elsewhere with a log that a network drive cannot share");
+    }
+    run("PRAGMA synchronous=FULL");
+}
+
+void SqliteConnection::useWriteAheadLog() {
+    const std::string journal = text("PRAGMA journal_mode=WAL");
+    run(journal == "wal" ? "PRAGMA synchronous=NORMAL" : "PRAGMA synchronous=FULL");
+    run("PRAGMA wal_autocheckpoint=16000");
+}
+
+void SqliteConnection::run(const std::string& statement) { SqliteStatement(*this, statement).run(); }
+
+std::int64_t SqliteConnection::number(const std::string& statement) {
+    SqliteStatement query(*this, statement);
+    return query.step() ? query.integer(0) : 0;
+}
+
+std::string SqliteConnection::text(const std::string& statement) {
+    SqliteStatement query(*this, statement);
+    return query.step() ? std::string(query.text(0)) : std::string();
+}
+
+void SqliteConnection::begin() {
+    run("BEGIN IMMEDIATE");
+    transactionOpen_ = true;
+    lookForOthers();
+}
+
+void SqliteConnection::commit() {
+    run("COMMIT");
+    transactionOpen_ = false;
+}
+
+void SqliteConnection::rollback() {
+    transactionOpen_ = false;
+    startEpoch();
+    run("ROLLBACK");
+}
+
+void SqliteConnection::lookForOthers() {
+    if (!dataVersionQuery_.prepared()) dataVersionQuery_ = SqliteStatement(*this, "PRAGMA data_version");
+    const StatementUse use(dataVersionQuery_);
+    const std::int64_t version = dataVersionQuery_.step() ? dataVersionQuery_.integer(0) : 0;
+    if (version != dataVersion_) startEpoch();
+    dataVersion_ = version;
+}
+
+void SqliteConnection::raise(int code) {
+    const std::string text = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
+    const int number = errorNumber(code, text);
+    bool endsRun = number == errors::kLocked;
+    if (transactionOpen_ && sqlite3_get_autocommit(handle_) != 0) {
+        transactionOpen_ = false;
+        startEpoch();
+        endsRun = true;
+    }
+    throw PlatformError(number, text, endsRun);
+}
+
+int SqliteConnection::waitForLock(void* self, int calls) {
+    return static_cast<SqliteConnection*>(self)->keepWaiting(calls) ? 1 : 0;
+}
+
+bool SqliteConnection::keepWaiting(int calls) {
+    if (calls == 0) waitBegan_ = std::chrono::steady_clock::now();
+    if (options_.wait) {
+        if (!options_.wait()) return false;
+    } else if (std::chrono::steady_clock::now() - waitBegan_ > kLockPatience) {
+        return false;
+    }
+    std::this_thread::sleep_for(kLockPause);
+    return true;
+}
+
+}  // namespace kolmera
