@@ -1,25 +1,24 @@
 #include "import/dispatcher.h"
 
-#include <array>
-
 #include "import/maskrun.h"
+#include "import/tradeformats/traderun.h"
 
 namespace kolmera {
 namespace {
 
 /// A trade format is known by the name of its job, whatever its kind letter says.
-struct TradeFormat {
+struct TradeRoutine {
     std::string_view job;
     RunSummary (*run)(ImportContext& context, std::string_view jobText);
 };
-constexpr std::array<TradeFormat, 0> kTradeFormats{};
+constexpr TradeRoutine kTradeRoutines[] = {{"(EIO)", LäsEioRsk}, {"(RSK)", LäsEioRsk}, {"(FINFO)", LäsFinfo}};
 
 }  // namespace
 
 RunSummary Utför(ImportContext& context, std::string_view jobText) {
     if (context.JobbNr == 0) return {};
-    for (const TradeFormat& format : kTradeFormats) {
-        if (format.job == jobText) return format.run(context, jobText);
+    for (const TradeRoutine& routine : kTradeRoutines) {
+        if (routine.job == jobText) return routine.run(context, jobText);
     }
     return LäsMedMask(context, jobText);
 }

@@ -12,7 +12,7 @@ RowWriter::RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view tab
       table_(table),
       search_(table_ + ": search"),
       save_(table_ + ": save"),
-      rows_(sql.SQLÖppnaTabell(table, index, 0, true)) {}
+      rows_(sql.SQLÖppnaTabell(table, index, 0, false)) {}
 
 Column RowWriter::column(std::string_view name) const { return columnAt(rows_->ordinal(name)); }
 

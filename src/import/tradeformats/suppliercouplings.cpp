@@ -8,7 +8,7 @@ namespace kolmera {
 
 std::vector<CoupledSupplier> coupledSuppliers(const std::vector<Coupling>& couplings, SqlLayer& sql,
                                               PassedOver& passedOver) {
-    auto rows = sql.SQLÖppnaTabell("Leverantör", "Nummer", 0, true);
+    auto rows = sql.SQLÖppnaTabell("Leverantör", "Nummer", options::kReadOnly, false);
     std::vector<CoupledSupplier> suppliers;
     for (const Coupling& coupling : couplings) {
         attempt(passedOver, "Leverantör", [&] {

@@ -36,7 +36,7 @@ constexpr TradeJob kRsk{"(RSK)", CodePage::Oem850, true, false, make<Rsk>};
 constexpr TradeJob kFinfoJob{"(FINFO)", CodePage::Oem850, false, true, make<Finfo>};
 
 std::unique_ptr<Recordset> openSettings(SqlLayer& sql, std::string_view table) {
-    return sql.SQLÖppnaTabell(table, "PrimaryKey", options::kReadOnly, true);
+    return sql.SQLÖppnaRs(table, RecordsetType::Dynaset, options::kReadOnly);
 }
 
 /// What is open before the user is asked.
