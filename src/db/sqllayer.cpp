@@ -1,5 +1,7 @@
 #include "db/sqllayer.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -114,7 +116,7 @@ std::unique_ptr<Recordset> SqlLayer::SQLÖppnaDirekt(std::string_view statement,
 std::unique_ptr<Recordset> SqlLayer::SQLÖppnaTabell(std::string_view table, std::string_view index,
                                                     std::int32_t options, bool ordered) {
     if (ÄrSQLFöretag && ordered) {
-        lastStatement_ = "SELECT * FROM " + std::string(table) + " ORDER BY " + SQLIndexKolumner(table, index);
+        lastStatement_ = fmt::format("SELECT * FROM {} ORDER BY {}", table, SQLIndexKolumner(table, index));
         return SQLÖppnaRs(lastStatement_, RecordsetType::Dynaset, options);
     }
     std::unique_ptr<Recordset> recordset = SQLÖppnaRs(table, RecordsetType::Table, options);
@@ -184,7 +186,7 @@ bool SqlLayer::SQLSökIngenTräff(std::unique_ptr<Recordset>& recordset, std::st
     const auto& [table, order] =
         SQLDelaSelect(recordset->name()).value_or(std::pair(recordset->name(), recordset->sort()));
     lastStatement_ =
-        "SELECT * FROM " + table + " WHERE " + SQLVillkor(table, comparison, order, keys) + " ORDER BY " + order;
+        fmt::format("SELECT * FROM {} WHERE {} ORDER BY {}", table, SQLVillkor(table, comparison, order, keys), order);
     recordset = SQLÖppnaRs(lastStatement_, RecordsetType::Dynaset);
     return recordset->recordCount() == 0;
 }
@@ -217,7 +219,7 @@ std::string SqlLayer::SQLVillkor(std::string_view table, std::string_view compar
         if (ordinal < 0) throw PlatformError(errors::kUnknownField, columns[i] + " is not a column of " + tableName);
         const FieldType type = definition.fields[static_cast<std::size_t>(ordinal)].type;
         if (i > 0) criteria += " AND ";
-        criteria += columns[i] + " " + std::string(comparison) + " " + SQLLiteral(keys[i], type);
+        criteria += fmt::format("{} {} {}", columns[i], comparison, SQLLiteral(keys[i], type));
     }
     return criteria;
 }
@@ -227,21 +229,21 @@ std::string SqlLayer::SQLVillkor(std::string_view table, std::string_view compar
 std::string SqlLayer::SQLText(std::string_view value) {
     const bool apostrophe = value.find('\'') != std::string_view::npos;
     const bool quote = value.find('"') != std::string_view::npos;
-    if (apostrophe && quote) return "'" + replaceAll(value, "'", "''") + "'";
-    const char sign = apostrophe ? '"' : '\'';
-    return sign + std::string(value) + sign;
+    if (apostrophe && quote) return fmt::format("'{}'", replaceAll(value, "'", "''"));
+    return apostrophe ? fmt::format("\"{}\"", value) : fmt::format("'{}'", value);
 }
 
 std::string SqlLayer::SQLTalSng(float value) { return Locale(Locale::Kind::English).formatSingle(value); }
 
 std::string SqlLayer::SQLTalDbl(double value) { return Locale(Locale::Kind::English).formatNumber(value); }
 
-std::string SqlLayer::SQLDatum(Date value) const { return "#" + locale_.formatDate(value) + "#"; }
+std::string SqlLayer::SQLDatum(Date value) const { return fmt::format("#{}#", locale_.formatDate(value)); }
 
 namespace {
 
 [[noreturn]] void refuse(const Value& value, const Locale& locale) {
-    throw PlatformError(errors::kWrongType, "\"" + TillText(value, locale) + "\" does not fit the type of the field.");
+    throw PlatformError(errors::kWrongType,
+                        fmt::format("\"{}\" does not fit the type of the field.", TillText(value, locale)));
 }
 
 double numberOf(const Value& value, const Locale& locale) {

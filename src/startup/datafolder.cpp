@@ -67,13 +67,13 @@ void ensureTradeJobs(const std::filesystem::path& folder) {
     }
 }
 
-void writeSettings(const std::filesystem::path& file, const std::string& companyName, const std::string& password) {
+void writeSettings(const std::filesystem::path& file, std::string_view companyName, const std::string& password) {
     OpenOptions openOptions;
     openOptions.password = password;
     const std::unique_ptr<Database> database = openFileDatabase(file, openOptions);
     const auto settings = database->open("Syinställningar", RecordsetType::Table);
     settings->addNew();
-    settings->set("Företagsnamn", companyName);
+    settings->set("Företagsnamn", std::string(companyName));
     settings->update();
     const auto settings2 = database->open("Syinställningar2", RecordsetType::Table);
     settings2->addNew();
@@ -93,9 +93,9 @@ void createDataFolder(const std::filesystem::path& folder) {
     ensureTradeJobs(folder);
 }
 
-void createCompany(const std::filesystem::path& folder, const std::string& fileName, const std::string& companyName,
+void createCompany(const std::filesystem::path& folder, std::string_view fileName, std::string_view companyName,
                    const std::string& password) {
-    const std::filesystem::path file = findWithoutCase(folder, fileName);
+    const std::filesystem::path file = findWithoutCase(folder, std::string(fileName));
     createFileDatabase(file, companySchema(), password);
     try {
         writeSettings(file, companyName, password);

@@ -16,7 +16,7 @@ void createDataFolder(const std::filesystem::path& folder);
 /// Makes the database of a new company in the data folder: all tables, and one row of settings with the company's name
 /// and prices of two decimals. `password` (up to 10 characters) also goes into DVDefLog.bin. Throws PlatformError, also
 /// when the file exists; nothing is left behind then.
-void createCompany(const std::filesystem::path& folder, const std::string& fileName, const std::string& companyName,
+void createCompany(const std::filesystem::path& folder, std::string_view fileName, std::string_view companyName,
                    const std::string& password = {});
 
 }  // namespace kolmera
