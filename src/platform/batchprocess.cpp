@@ -2,20 +2,20 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
 #include "platform/descriptor.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
-
-extern char** environ;
 
 namespace kolmera {
 

@@ -173,7 +173,7 @@ std::string Locale::formatFixed(double value, int decimals) const {
 }
 
 std::string Locale::formatDate(Date date) const {
-    const std::string iso = date.iso();
+    std::string iso = date.iso();
     if (kind_ == Kind::Swedish) return iso;
     const auto number = [&iso](std::size_t at) { return std::to_string((iso[at] - '0') * 10 + (iso[at + 1] - '0')); };
     return number(iso.size() - 5) + "/" + number(iso.size() - 2) + "/" + iso.substr(0, iso.size() - 6);

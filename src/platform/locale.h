@@ -31,27 +31,30 @@ class Locale {
     [[nodiscard]] std::string formatNumber(double value) const;
     /// At most 7 significant digits, for 32-bit values.
     [[nodiscard]] std::string formatSingle(float value) const;
-    /// The pattern "##########0.00" for 2 decimals: fixed decimals, no digit groups, halves to even... as printf
-    /// rounds.
+    /// The pattern "##########0.00" for 2 decimals: `decimals` (0-15) digits behind the sign, no digit groups. Rounds
+    /// the exact binary value, as printf does; what rounds to zero has no minus sign.
     [[nodiscard]] std::string formatFixed(double value, int decimals) const;
 
     /// The short date: "2026-11-22" in Swedish, "11/22/2026" in English.
     [[nodiscard]] std::string formatDate(Date date) const;
     /// A date in any spelling that users of this locale write ("2026-11-22", "22/11 2026", "22 nov 2026",
-    /// "11/22/2026" ...); nothing when it is none.
+    /// "11/22/2026", "Nov 22, 2026" ...), names of months in both languages. A time of day behind it is left out. Of
+    /// the orders that give a date, the locale's own comes first. A year has four digits, or two for 1930 to 2029.
+    /// Nothing for other texts, among them a day without year and digits without separators.
     [[nodiscard]] std::optional<Date> parseDate(std::string_view text) const;
 
   private:
     Kind kind_;
 };
 
-/// The number at the start of a text, read with "." as the only decimal point; blanks are passed over, and a text
-/// that does not begin with a number gives 0 ("12,5 kr" gives 12).
+/// The number at the start of a text, read with "." as the only decimal point; blanks are passed over, within it too
+/// ("1 200 kr" gives 1200), and a text that does not begin with a number gives 0 ("12,5 kr" gives 12).
 double leadingNumber(std::string_view text);
 
 /// Rounds to whole units, halves to the even neighbour.
 double roundHalfEven(double value);
 /// Rounds to n decimals (0-15): x * 10^n in double arithmetic, half to even, divided by 10^n. No other correction.
+/// A value too large to be multiplied has no decimals and stays.
 double roundDecimals(double value, int decimals);
 
 }  // namespace kolmera

@@ -110,7 +110,7 @@ fs::path DriveMap::resolve(std::string_view path, const fs::path& base) const {
 }
 
 fs::path findWithoutCase(const fs::path& folder, const std::string& name) {
-    const fs::path exact = folder / name;
+    fs::path exact = folder / name;
     if (isThere(exact)) return exact;
     fs::path best;
     std::error_code error;

@@ -8,7 +8,7 @@
 namespace kolmera {
 
 namespace {
-constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr std::size_t kBufferSize = 262'144;
 constexpr char kEndMark = 0x1A;
 }  // namespace
 

@@ -45,8 +45,9 @@ std::optional<Descriptor> openForReading(const fs::path& file) {
 
 Record::Record(const RecordLayout& layout) : bytes_(lengthOf(layout), ' ') {
     const auto fill = [this](const RecordField& field, std::string_view with) {
-        for (int i = 0; i < field.width; ++i) {
-            bytes_[static_cast<std::size_t>(field.offset + i)] = with[static_cast<std::size_t>(i) % with.size()];
+        const auto width = static_cast<std::size_t>(field.width);
+        for (std::size_t i = 0; i < width; ++i) {
+            bytes_[static_cast<std::size_t>(field.offset) + i] = with[i % with.size()];
         }
     };
     for (const RecordField& field : layout.fields) {

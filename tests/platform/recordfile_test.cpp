@@ -1,8 +1,9 @@
 #include "platform/recordfile.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
+
+#include <csignal>
 
 #include "platform/error.h"
 #include "platform/readonlyfolder.h"
@@ -17,7 +18,7 @@ constexpr RecordLayout kLayout = {"PEOPLE.TXT", 13, kFields, true};
 constexpr RecordField kName = field(kFields, "Namn");
 constexpr RecordField kNumber = field(kFields, "Nummer");
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 Record person(std::string_view name, int number = 0) {
     Record record(kLayout);
@@ -114,7 +115,7 @@ TEST_F(RecordFileTest, KeepsItsGridBehindAPartialRecord) {
 }
 
 TEST_F(RecordFileTest, OpensMissingFiles) {
-    RecordFile(folder / "NEW.TXT", kLayout, RecordFile::Mode::Read);
+    EXPECT_EQ(RecordFile(folder / "NEW.TXT", kLayout, RecordFile::Mode::Read).count(), 0);
     EXPECT_TRUE(std::filesystem::exists(folder / "NEW.TXT"));
     EXPECT_EQ(errorOf([&] { RecordFile(folder / "none/NEW.TXT", kLayout, RecordFile::Mode::Read); }),
               errors::kFileNotFound);
