@@ -1,28 +1,38 @@
 #!/usr/bin/env bash
-# show-demo.sh BIN DEMO: runs every job of the demo and shows what it changed: some products before and after.
+# show-demo.sh BIN DEMO: runs every job of the demo and shows some of the products that it changed or made.
 set -euo pipefail
-export LC_ALL=sv_SE.UTF-8  # the demo's price files are Swedish; only the name counts, the locale need not exist
 bin=$1
 demo=$2
+before=$(mktemp -d)
+trap 'rm -rf "$before"' EXIT
 
-sql() { sqlite3 -readonly -header -column "$demo/FTG1.mdb" -cmd ".load $bin/svenska" "$@"; }
+# The demo's price files are Swedish; only the locale's name counts, it need not exist on the machine.
+kolmera() { LC_ALL=sv_SE.UTF-8 "$bin/kolmera-cli" "$@"; }
 
-count() { sql -noheader "SELECT count(*) FROM Produkt"; }
+# Queries over the company as it is (main) and as it was before the job (old).
+sql() {
+    sqlite3 -readonly "$demo/FTG1.mdb" -cmd ".load $bin/svenska" -cmd "ATTACH '$before/FTG1.mdb' AS old" \
+        -cmd '.mode column' -cmd '.headers on' "$1"
+}
 
-"$bin/kolmera-cli" jobs --data "$demo"
+changed='SELECT n.Nummer, n.Benämning,
+    printf("%.2f -> %.2f", o.Inpris, n.Inpris) AS "purchase price", printf("%.2f -> %.2f", o."1Utpris", n."1Utpris") AS "level 1",
+    printf("%.2f -> %.2f", o."2Utpris", n."2Utpris") AS "level 2"
+    FROM Produkt n JOIN old.Produkt o ON o.ID = n.ID WHERE n.Inpris <> o.Inpris OR n."1Utpris" <> o."1Utpris" ORDER BY n.Nummer LIMIT 5'
+made='SELECT Nummer, Benämning, Inpris AS "new at", "1Utpris" AS "level 1", "2Utpris" AS "level 2", Leverantör
+    FROM Produkt WHERE ID > (SELECT coalesce(max(ID), 0) FROM old.Produkt) ORDER BY Nummer LIMIT 3'
+
+kolmera jobs --data "$demo"
 while IFS= read -r job; do
-    echo
-    echo "== $job"
-    before=$(mktemp)
-    sql -noheader -separator '|' -list "SELECT Nummer, Benämning, Inpris, \"1Utpris\", \"2Utpris\", Prisändrdat FROM Produkt ORDER BY Nummer" >"$before"
+    printf '\n== %s\n' "$job"
+    cp "$demo/FTG1.mdb" "$before/FTG1.mdb"
     status=0
-    "$bin/kolmera-cli" run "$job" --data "$demo" || status=$?
+    kolmera run "$job" --data "$demo" || status=$?
     [ "$status" -eq 0 ] || [ "$status" -eq 3 ] || exit "$status"
     echo
-    echo "   a few of the products that changed (number|name|purchase price|level 1|level 2|price date):"
-    sql -noheader -separator '|' -list "SELECT Nummer, Benämning, Inpris, \"1Utpris\", \"2Utpris\", Prisändrdat FROM Produkt ORDER BY Nummer" |
-        diff "$before" - | grep '^[<>]' | sed 's/^</   before /; s/^>/   after  /' | head -n 8 || true
-    rm -f "$before"
-done < <("$bin/kolmera-cli" jobs --data "$demo" --json | sed -n 's/^ *"job": "\(.*\)",$/\1/p')
-echo
-echo "$(count) products in the demo company. Start again from the beginning: rm -r demo; ./run"
+    sql "$changed"
+    sql "$made"
+done < <(kolmera jobs --data "$demo" --json | sed -n 's/^ *"job": "\(.*\)",$/\1/p')
+
+printf '\n%s products in the demo company. To start again from the beginning: rm -r demo; ./run\n' \
+    "$(sqlite3 -readonly "$demo/FTG1.mdb" 'SELECT count(*) FROM Produkt')"
