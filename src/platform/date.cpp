@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <chrono>
-#include <cstdio>
 #include <ctime>
 
 namespace kolmera {
@@ -23,6 +22,11 @@ int digits(std::string_view text) {
         number = number * 10 + (c - '0');
     }
     return number;
+}
+
+/// Puts a number of so many digits into a text, from a place on.
+void writeDigits(std::string& text, std::size_t at, std::size_t digitCount, unsigned number) {
+    for (std::size_t i = digitCount; i-- > 0; number /= 10) text[at + i] = static_cast<char>('0' + number % 10);
 }
 
 }  // namespace
@@ -51,10 +55,11 @@ int Date::year() const { return static_cast<int>(civil(*this).year()); }
 
 std::string Date::iso() const {
     const std::chrono::year_month_day date = civil(*this);
-    char text[32];
-    const int length = std::snprintf(text, sizeof text, "%04d-%02u-%02u", static_cast<int>(date.year()),
-                                     static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
-    return {text, static_cast<std::size_t>(length)};
+    std::string text = "0000-00-00";
+    writeDigits(text, 0, 4, static_cast<unsigned>(static_cast<int>(date.year())));
+    writeDigits(text, 5, 2, static_cast<unsigned>(date.month()));
+    writeDigits(text, 8, 2, static_cast<unsigned>(date.day()));
+    return text;
 }
 
 }  // namespace kolmera

@@ -56,11 +56,14 @@ SqliteStatement::SqliteStatement(SqliteConnection& connection, std::string_view 
 }
 
 SqliteStatement::SqliteStatement(SqliteStatement&& other) noexcept
-    : connection_(other.connection_), statement_(std::exchange(other.statement_, nullptr)) {}
+    : connection_(other.connection_),
+      statement_(std::exchange(other.statement_, nullptr)),
+      dates_(std::move(other.dates_)) {}
 
 SqliteStatement& SqliteStatement::operator=(SqliteStatement&& other) noexcept {
     std::swap(connection_, other.connection_);
     std::swap(statement_, other.statement_);
+    std::swap(dates_, other.dates_);
     return *this;
 }
 
@@ -78,8 +81,7 @@ void SqliteStatement::bind(int parameter, const Value& value) {
         } else if constexpr (std::is_same_v<Held, double>) {
             return sqlite3_bind_double(statement_, parameter, held);
         } else if constexpr (std::is_same_v<Held, Date>) {
-            const std::string iso = held.iso();
-            return sqlite3_bind_text(statement_, parameter, iso.data(), static_cast<int>(iso.size()), SQLITE_TRANSIENT);
+            return bindDate(parameter, held);
         } else if constexpr (std::is_same_v<Held, std::string>) {
             return sqlite3_bind_text(statement_, parameter, held.data(), static_cast<int>(held.size()), SQLITE_STATIC);
         } else {
@@ -88,6 +90,16 @@ void SqliteStatement::bind(int parameter, const Value& value) {
     };
     const int code = std::visit(bindOne, value);
     if (code != SQLITE_OK) connection_->raise(code);
+}
+
+/// The text has to stay until the statement is reset.
+int SqliteStatement::bindDate(int parameter, Date date) {
+    if (dates_.empty()) dates_.resize(static_cast<std::size_t>(parameters()));
+    const auto place = static_cast<std::size_t>(parameter) - 1;
+    if (place >= dates_.size()) return SQLITE_RANGE;
+    DateText& text = dates_[place];
+    date.iso().copy(text.data(), text.size());
+    return sqlite3_bind_text(statement_, parameter, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
 }
 
 void SqliteStatement::bind(int parameter, std::int64_t value) {

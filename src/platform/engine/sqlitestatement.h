@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "platform/engine/value.h"
 
@@ -51,10 +53,14 @@ class SqliteStatement {
     [[nodiscard]] sqlite3_stmt* handle() const { return statement_; }
 
   private:
+    using DateText = std::array<char, 10>;
+
+    int bindDate(int parameter, Date date);
     void readText(int column, FieldType type, Value& into) const;
 
     SqliteConnection* connection_ = nullptr;
     sqlite3_stmt* statement_ = nullptr;
+    std::vector<DateText> dates_;  ///< the dates that are bound, by parameter
 };
 
 /// Resets a statement when it goes out of scope.
