@@ -158,8 +158,10 @@ std::string World::rows(std::string_view table, std::string_view columns) const 
     for (const std::string& column : split(columns, ", ")) ordinals.push_back(records->ordinal(column));
     std::string text;
     for (; !records->eof(); records->moveNext()) {
-        for (const int ordinal : ordinals)
-            text += (&ordinal == ordinals.data() ? "" : " ") + shown(records->value(ordinal));
+        for (const int ordinal : ordinals) {
+            if (&ordinal != ordinals.data()) text += ' ';
+            text += shown(records->value(ordinal));
+        }
         text += '\n';
     }
     return text;
