@@ -158,9 +158,11 @@ std::string World::rows(std::string_view table, std::string_view columns) const 
     for (const std::string& column : split(columns, ", ")) ordinals.push_back(records->ordinal(column));
     std::string text;
     for (; !records->eof(); records->moveNext()) {
+        std::string_view separator;
         for (const int ordinal : ordinals) {
-            if (&ordinal != ordinals.data()) text += ' ';
+            text += separator;
             text += shown(records->value(ordinal));
+            separator = " ";
         }
         text += '\n';
     }

@@ -38,6 +38,8 @@ struct MaskSpec {
 /// A data folder with a company, a job and its price file, in which whole runs are carried out. The first job is a
 /// mask job "Test" into "Testbolaget" (FTG1.mdb); tests change `job` before they run it.
 class World {
+    TemporaryFolder folder_;
+
   public:
     using Row = std::vector<std::pair<std::string_view, Value>>;
 
@@ -71,7 +73,6 @@ class World {
     Date Idag = *Date::fromIso("2026-11-22");
 
   private:
-    TemporaryFolder folder_;
     mutable LanguageTexts texts_;
 };
 
