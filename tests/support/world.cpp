@@ -153,7 +153,8 @@ RunSummary World::run() {
 
 std::string World::rows(std::string_view table, std::string_view columns) const {
     const auto database = open();
-    const auto records = database->open(table, RecordsetType::Dynaset, options::kReadOnly);
+    const auto records = database->open("SELECT * FROM " + std::string(table) + " ORDER BY ID", RecordsetType::Dynaset,
+                                        options::kReadOnly);
     std::vector<int> ordinals;
     for (const std::string& column : split(columns, ", ")) ordinals.push_back(records->ordinal(column));
     std::string text;
