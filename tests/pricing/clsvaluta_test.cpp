@@ -99,10 +99,10 @@ TEST_F(ClsValutaTest, CopyOfTheTable) {
 TEST_F(ClsValutaTest, WithoutTheTableEveryRateIsOne) {
     company.sql.FtgDB->execute("DROP TABLE Syvaluta");
     ClsValuta currency(company.sql, company.passedOver);
-    EXPECT_EQ(company.passedOver.notes.size(), 1U);
     currency.KursOchFaktor("EUR", 0);
     EXPECT_EQ(currency.Kurs, 1);
     EXPECT_EQ(currency.Faktor, 1);
+    EXPECT_EQ(company.passedOver.notes.size(), 1U);
 }
 
 }  // namespace

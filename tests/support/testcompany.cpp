@@ -38,7 +38,8 @@ std::string TestCompany::select(std::string_view statement) {
         for (int column = 0; column < static_cast<int>(records->fields().size()); ++column) {
             const Value& value = records->value(column);
             const auto* date = std::get_if<Date>(&value);
-            text += (column > 0 ? " " : "") + (date ? date->iso() : TillText(value, withPoint));
+            if (column > 0) text += ' ';
+            text += date ? date->iso() : TillText(value, withPoint);
         }
         text += '\n';
     }
