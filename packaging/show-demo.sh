@@ -34,5 +34,4 @@ while IFS= read -r job; do
     sql "$made"
 done < <(kolmera jobs --data "$demo" --json | sed -n 's/^ *"job": "\(.*\)",$/\1/p')
 
-printf '\n%s products in the demo company. To start again from the beginning: rm -r demo; ./run\n' \
-    "$(sqlite3 -readonly "$demo/FTG1.mdb" 'SELECT count(*) FROM Produkt')"
+printf '\nThe demo company is in %s. To start again from the beginning: rm -r %s; ./run\n' "$demo/FTG1.mdb" "$demo"

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/commandline.h"
+#include "platform/engine/database.h"
+#include "support/temporaryfolder.h"
+
+namespace kolmera::test {
+
+/// Runs command lines in the process, with buffers for the terminal and an own settings store.
+class CliMachine {
+  public:
+    int run(const std::vector<std::string>& arguments) {
+        out_.str("");
+        err_.str("");
+        return cli::runCommandLine(arguments, {.out = out_,
+                                               .err = err_,
+                                               .programFolder = KOLMERA_BIN_DIR,
+                                               .settingsFile = folder_ / "settings.ini",
+                                               .locale = Locale(Locale::Kind::Swedish),
+                                               .cancel = cancel});
+    }
+
+    [[nodiscard]] std::string out() const { return out_.str(); }
+    [[nodiscard]] std::string err() const { return err_.str(); }
+    [[nodiscard]] std::string data() const { return (folder_ / "data").string(); }
+    [[nodiscard]] std::filesystem::path company() const { return folder_ / "data" / "FTG1.mdb"; }
+    [[nodiscard]] std::unique_ptr<Database> open() const {
+        const OpenOptions options;
+        return openFileDatabase(company(), options);
+    }
+    [[nodiscard]] std::string file(std::string_view name) const { return (folder_ / name).string(); }
+
+    std::atomic<bool> cancel{false};
+
+  private:
+    TemporaryFolder folder_;
+    std::ostringstream out_;
+    std::ostringstream err_;
+};
+
+}  // namespace kolmera::test

@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/climachine.h"
+#include "cli/progressbar.h"
+#include "definitions/jobfile.h"
+#include "platform/engine/database.h"
+#include "platform/tsv.h"
+
+namespace kolmera::test {
+namespace {
+
+bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+std::int32_t products(const CliMachine& machine) {
+    const auto database = machine.open();
+    return database->open("Produkt", RecordsetType::Table)->recordCount();
+}
+
+}  // namespace
+
+TEST(CommandLine, WrongUseEndsWithTwo) {
+    CliMachine machine;
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{}, {"frobnicate"}, {"new"}, {"run", "Job"}, {"jobs"}, {"jobs", "--data"}}) {
+        SCOPED_TRACE(arguments.empty() ? "" : arguments[0]);
+        EXPECT_EQ(machine.run(arguments), cli::exitcode::kUsage);
+        EXPECT_NE(machine.err(), "");
+    }
+    EXPECT_EQ(machine.run({"--help"}), cli::exitcode::kDone);
+}
+
+TEST(CommandLine, NewMakesAFolderOnce) {
+    CliMachine machine;
+    EXPECT_EQ(machine.run({"new", machine.data(), "--company", "Provbolaget"}), cli::exitcode::kDone);
+    {
+        const auto database = machine.open();
+        const auto settings = database->open("Syinställningar", RecordsetType::Snapshot);
+        EXPECT_EQ(settings->value("Företagsnamn"), Value("Provbolaget"));
+    }
+    EXPECT_EQ(machine.run({"jobs", "--data", machine.data(), "--json"}), cli::exitcode::kDone);
+    const auto jobs = nlohmann::json::parse(machine.out());
+    ASSERT_EQ(jobs.size(), 3U);
+    EXPECT_EQ(jobs[2]["job"], "(FINFO)");
+    EXPECT_EQ(jobs[2]["company"], "FTG1.mdb");
+
+    EXPECT_EQ(machine.run({"new", machine.data()}), cli::exitcode::kStopped) << "a folder in use was taken again";
+    EXPECT_EQ(machine.run({"demo", machine.data()}), cli::exitcode::kStopped);
+}
+
+TEST(CommandLine, RunStopsWithAMessage) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    std::filesystem::remove(std::filesystem::path(machine.data()) / "Prisfiler" / "VERKTYG.TXT");
+    const struct {
+        const char* fault;
+        std::vector<std::string> arguments;
+        const char* message;
+    } cases[] = {
+        {"an unknown job", {"run", "Finns ej", "--data", machine.data()}, "Finns ej"},
+        {"no data folder", {"run", "(EIO)", "--data", machine.file("none")}, "none"},
+        {"the price file is missing", {"run", "Smedhult verktyg", "--data", machine.data()}, "VERKTYG.TXT"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        EXPECT_EQ(machine.run(c.arguments), cli::exitcode::kStopped);
+        EXPECT_TRUE(contains(machine.err(), c.message)) << machine.err();
+    }
+}
+
+TEST(CommandLine, CancelKeepsWhatWasRead) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    const std::int32_t before = products(machine);
+    machine.cancel = true;
+    EXPECT_EQ(machine.run({"run", "Smedhult verktyg", "--data", machine.data(), "--summary", machine.file("s.json")}),
+              cli::exitcode::kCancelled);
+    const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
+    EXPECT_EQ(summary["cancelled"], true);
+    EXPECT_EQ(summary["records"], 25) << "Cancel is looked at behind every 25th record";
+    EXPECT_EQ(products(machine), before + summary["new"].get<std::int32_t>());
+}
+
+TEST(CommandLine, EmptyDeletesTheProductsFirst) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    EXPECT_EQ(machine.run({"run", "Smedhult verktyg", "--data", machine.data(), "--empty", "--summary",
+                           machine.file("s.json")}),
+              cli::exitcode::kPassedOver);
+    const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
+    EXPECT_EQ(products(machine), summary["new"].get<std::int32_t>());
+}
+
+TEST(CommandLine, SummaryThatCannotBeWrittenIsTold) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    EXPECT_EQ(machine.run({"run", "Pärmnäs kontor", "--data", machine.data(), "--summary", machine.file("no/s.json")}),
+              cli::exitcode::kStopped);
+    EXPECT_TRUE(contains(machine.err(), "s.json")) << machine.err();
+}
+
+TEST(ProgressBar, FitsTheTerminal) {
+    const struct {
+        const char* fault;
+        std::uint64_t position, size;
+        const char* text;
+        int width;
+        const char* expected;
+    } cases[] = {
+        {"half way", 50, 100, "Lästa poster: 25", 80, "[###############...............]  50 %  Lästa poster: 25"},
+        {"an empty file divides by nothing", 0, 0, "", 80, "[##############################] 100 %"},
+        {"the file grew behind our back", 120, 100, "", 80, "[##############################] 100 %"},
+        {"letters of two bytes are one column", 0, 1, "ååååå", 41, "[..............................]   0 %"},
+        {"a narrow terminal keeps the share", 1, 4, "text", 20, " 25 %  text"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        EXPECT_EQ(cli::ProgressBar::line(c.position, c.size, c.text, c.width), c.expected);
+    }
+}
+
+}  // namespace kolmera::test

@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/climachine.h"
+#include "platform/engine/database.h"
+#include "platform/tsv.h"
+
+namespace kolmera::test {
+namespace {
+
+// What the jobs of the demo do when they are run in the order of the list, worked out by hand from the price files
+// (their wrong records are listed in data/demo/README.md).
+struct DemoJob {
+    const char* job;
+    int exitCode;
+    std::int64_t records, newProducts, changed, skipped, priceList, alternatives, documents, passedOver;
+};
+
+constexpr DemoJob kDemoJobs[] = {
+    {"(EIO)", 3, 575, 207, 115, 22, 322, 0, 0, 3},
+    {"(RSK)", 3, 606, 220, 120, 20, 340, 0, 0, 15},
+    {"(FINFO)", 3, 211, 181, 9, 21, 190, 380, 0, 4},
+    {"Smedhult verktyg", 3, 254, 243, 10, 1, 0, 244, 51, 4},
+    {"Bruknäs skruv och beslag", 3, 242, 234, 8, 0, 242, 0, 0, 1},
+    {"Lindåsby färg", 3, 214, 206, 7, 1, 213, 208, 0, 2},
+    {"Tassby julkampanj", 3, 201, 0, 183, 18, 183, 0, 0, 6},
+    {"Pärmnäs kontor", 0, 214, 207, 7, 0, 0, 0, 0, 0},
+    {"Direktimport", 3, 293, 286, 7, 0, 293, 0, 0, 3},
+    {"Fjordhamna prisjustering", 3, 209, 0, 158, 48, 161, 0, 0, 2},
+};
+
+double price(Recordset& product, const char* column) { return std::get<double>(product.value(column)); }
+
+}  // namespace
+
+TEST(Demo, JobsDoWhatTheirFilesSay) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    for (const DemoJob& expected : kDemoJobs) {
+        SCOPED_TRACE(expected.job);
+        EXPECT_EQ(
+            machine.run({"run", expected.job, "--data", machine.data(), "--summary", machine.file("summary.json")}),
+            expected.exitCode);
+        const auto summary = nlohmann::json::parse(readWholeFile(machine.file("summary.json")));
+        EXPECT_EQ(summary["job"], expected.job);
+        EXPECT_EQ(summary["records"], expected.records);
+        EXPECT_EQ(summary["new"], expected.newProducts);
+        EXPECT_EQ(summary["changed"], expected.changed);
+        EXPECT_EQ(summary["skipped"], expected.skipped);
+        EXPECT_EQ(summary["pricelist"], expected.priceList);
+        EXPECT_EQ(summary["alternatives"], expected.alternatives);
+        EXPECT_EQ(summary["documents"], expected.documents);
+        EXPECT_EQ(summary["passed_over"], expected.passedOver);
+        EXPECT_EQ(summary["cancelled"], false);
+    }
+}
+
+// Worked out by hand from the settings of the demo company.
+TEST(Demo, PricesAreRight) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    machine.run({"run", "(EIO)", "--data", machine.data()});
+
+    const auto database = machine.open();
+    const auto product = database->open("Produkt", RecordsetType::Table);
+    product->setIndex("Nummer");
+    const Value number = "0400203";
+    product->seek("=", {&number, 1});
+    ASSERT_FALSE(product->noMatch());
+    EXPECT_EQ(price(*product, "Inpris"), 582.35);
+    EXPECT_EQ(price(*product, "1Utpris"), 844);     // 45 per cent: 844.4075, to whole units in its range
+    EXPECT_EQ(price(*product, "2Utpris"), 669.70);  // 15 per cent: 669.7025, not rounded by ranges
+}
+
+}  // namespace kolmera::test
