@@ -164,14 +164,13 @@ constexpr ShellScript::Command ShellScript::kCommands[8] = {
     {"chdir", &ShellScript::changeFolder}, {"rem", &ShellScript::nothing},
 };
 
-/// What the shell starts with: no input of ours, its own session, no signal ignored or blocked.
+/// What the shell starts with: its own session, no signal ignored or blocked.
 class SpawnSettings {
   public:
     explicit SpawnSettings(const fs::path& folder) {
         posix_spawn_file_actions_init(&actions);
         posix_spawnattr_init(&attributes);
         posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
-        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_adddup2(&actions, 2, 1);
         sigset_t signals;
         sigemptyset(&signals);
@@ -191,8 +190,8 @@ class SpawnSettings {
     posix_spawnattr_t attributes{};
 };
 
-/// Starts a script as a process that is nobody's child here: the shell that is started puts it in the background and
-/// ends at once.
+/// Starts a script as a process that is nobody's child here: the shell that is started puts it in the background,
+/// where it has no input, and ends at once.
 void startDetached(const std::string& script, const fs::path& folder) {
     std::string shell = "/bin/sh";
     std::string option = "-c";

@@ -62,7 +62,7 @@ int monthNumber(std::string_view word) {
 
 std::optional<Part> takePart(std::string_view& text) {
     if (const std::string_view digits = takeWhile(text, isDigit); !digits.empty()) {
-        if (digits.size() == 3 || digits.size() > 4) return std::nullopt;
+        if (digits.size() > 4) return std::nullopt;
         int number = 0;
         for (const char c : digits) number = number * 10 + (c - '0');
         return Part{number, digits.size()};

@@ -78,7 +78,7 @@ TEST_F(BatchTest, CommandsOfTheBatchLanguage) {
         {"rename", "REN OLD.txt new.txt", "Filer/new.txt", "Filer/old.txt"},
         {"rename over a file", "REN OLD.txt keep.txt", "Filer/old.txt", nullptr},
         {"rename in another folder", R"(rename A:\prices.txt new.txt)", "a/new.txt", "Filer/new.txt"},
-        {"delete", "DEL Old.TXT", "Filer/keep.txt", "Filer/old.txt"},
+        {"delete, not the file of a redirection", "DEL Old.TXT > keep.txt", "Filer/keep.txt", "Filer/old.txt"},
         {"delete several", "erase *.T?T", "a/Prices.txt", "Filer/keep.txt"},
         {"lines after another", "CD A:\\\r\nDEL prices.txt\r\ntouch here", "a/here", "a/Prices.txt"},
         {"several commands of the shell in one line", "cd ../a && touch here", "a/here", nullptr},

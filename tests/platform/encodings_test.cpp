@@ -43,7 +43,7 @@ TEST(Encodings, CharactersWhereThePagesDiffer) {
 TEST(Encodings, LackingAndMalformedBecomeQuestionMarks) {
     EXPECT_EQ(fromUtf8("a€b", CodePage::Oem850), "a?b");
     EXPECT_EQ(fromUtf8("日😀", CodePage::Windows1252), "??");
-    EXPECT_EQ(fromUtf8("\xE5", CodePage::Windows1252), "?") << "cut in the middle of a character";
+    EXPECT_EQ(fromUtf8(std::string_view("å").substr(0, 1), CodePage::Windows1252), "?") << "cut in the middle";
     EXPECT_EQ(fromUtf8("\xC1\x81", CodePage::Windows1252), "??") << "an overlong A";
     EXPECT_EQ(fromUtf8("\xED\xA0\x80", CodePage::Windows1252), "???") << "half of a surrogate pair";
 }

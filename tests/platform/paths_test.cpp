@@ -18,7 +18,9 @@ struct PathsTest : testing::Test {
         fs::create_directories(folder / "c");
         folder.write("srv/Priser/Åkerö/LISTA.TXT", "");
         folder.write("srv/Priser/lista.txt", "");
-        folder.write("srv/Priser/Lista.txt", "");
+        for (const char* name : {"lISTA.txt", "listA.txt", "LiSTA.txt", "Lista.txt", "LiStA.txt", "lista.TXt"}) {
+            folder.write(std::string("srv/Priser/") + name, "");
+        }
     }
 };
 
@@ -31,7 +33,7 @@ TEST_F(PathsTest, Resolves) {
         {"letter case of the drive and the folders", R"(X:\PRISER\åKERÖ\lista.TXT)",
          top + "/srv/Priser/Åkerö/LISTA.TXT"},
         {"the exact name passed over", R"(X:\priser\lista.txt)", top + "/srv/Priser/lista.txt"},
-        {"several names: the order of the folder", R"(X:\priser\LISTA.txt)", top + "/srv/Priser/Lista.txt"},
+        {"several names: the order of the folder", R"(X:\priser\LISTA.txt)", top + "/srv/Priser/LiSTA.txt"},
         {"new names changed", R"(X:\priser\Ny Mapp\Ny.txt)", top + "/srv/Priser/Ny Mapp/Ny.txt"},
         {"slashes behind a drive", "x:/priser//.\\åkerö\\", top + "/srv/Priser/Åkerö"},
         {"a drive without folder", "C:", top + "/c"},
@@ -39,8 +41,8 @@ TEST_F(PathsTest, Resolves) {
         {"out of the drive's root", R"(X:\..\priser\..\..\c)", top + "/srv/c"},
         {"an unknown drive", R"(Q:\a\b)", "/Q:/a/b"},
         {"a share path for a path of this system", R"(\\srv\data\a)", R"(/\\srv\data\a)"},
-        {"a plain path", top + "/srv/priser/LISTA.txt", top + "/srv/Priser/Lista.txt"},
-        {"a plain path with a suite's file name behind it", top + R"(/srv\priser\Lista.TXT )",
+        {"a plain path", top + "/srv/priser/Lista.txt", top + "/srv/Priser/Lista.txt"},
+        {"a plain path with a suite's file name behind it", top + R"(/srv\priser\Lista.txt )",
          top + "/srv/Priser/Lista.txt"},
         {"relative", R"(priser\åkerö)", top + "/srv/Priser/Åkerö"},
         {"relative upwards", R"(..\c)", top + "/srv/../c"},

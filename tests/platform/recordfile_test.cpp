@@ -6,7 +6,7 @@
 #include <csignal>
 
 #include "platform/error.h"
-#include "platform/readonlyfolder.h"
+#include "platform/restrictedpath.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera {
@@ -126,7 +126,7 @@ TEST_F(RecordFileTest, OpensMissingFiles) {
 
 TEST_F(RecordFileTest, ReadsInAFolderThatCannotBeWritten) {
     fill({"Bo"});
-    const test::ReadOnlyFolder readOnly(folder.path());
+    const test::RestrictedPath readOnly(folder.path(), 0555);
     const std::filesystem::path missing = folder / "NEW.TXT";
     EXPECT_EQ(names(), "Bo ");
     EXPECT_EQ(RecordFile(missing, kLayout, RecordFile::Mode::Read).count(), 0);
@@ -134,6 +134,12 @@ TEST_F(RecordFileTest, ReadsInAFolderThatCannotBeWritten) {
     EXPECT_EQ(errorOf([&] { RecordFile(missing, kLayout); }), errors::kInternal);
     EXPECT_EQ(errorOf([&] { rewriteRecords(path, kLayout, [](int, Record&) { return false; }); }), errors::kInternal);
     EXPECT_EQ(names(), "Bo ");
+}
+
+TEST_F(RecordFileTest, AFolderThatCannotBeEnteredIsNotEmpty) {
+    fill({"Bo"});
+    const test::RestrictedPath closed(folder.path(), 0);
+    EXPECT_EQ(errorOf([&] { RecordFile(path, kLayout, RecordFile::Mode::Read); }), errors::kInternal);
 }
 
 TEST_F(RecordFileTest, RewriteDropsAndChanges) {

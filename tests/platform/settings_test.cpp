@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "platform/error.h"
-#include "platform/readonlyfolder.h"
+#include "platform/restrictedpath.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera {
@@ -22,6 +22,7 @@ TEST(Settings, ReadsWhatPeopleWrite) {
     EXPECT_EQ(store.get("sökvägar", "Server"), "/srv/a=b");
     EXPECT_EQ(store.get("Start", "Server", "none"), "none");
     EXPECT_EQ(store.section("SÖKVÄGAR").size(), 1U);
+    EXPECT_EQ(store.section("Start").size(), 2U) << "a comment was taken for a key";
     EXPECT_EQ(SettingsStore(folder / "missing.ini").get("Start", "Lang", "SE"), "SE");
 }
 
@@ -66,11 +67,18 @@ TEST(Settings, AFailedSetLeavesTheFileAndTheStore) {
     folder.write("settings.ini", "[Start]\nLang=SE\n");
     SettingsStore store(folder / "settings.ini");
     {
-        const test::ReadOnlyFolder readOnly(folder.path());
+        const test::RestrictedPath readOnly(folder.path(), 0555);
         EXPECT_THROW(store.set("Start", "Lang", "EN"), PlatformError);
     }
     EXPECT_EQ(store.get("Start", "Lang"), "SE");
     EXPECT_EQ(folder.read("settings.ini"), "[Start]\nLang=SE\n");
+
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
+    {
+        const test::RestrictedPath unreadable(folder / "settings.ini", 0);
+        EXPECT_THROW(SettingsStore(folder / "settings.ini").set("Start", "Lang", "EN"), PlatformError);
+    }
+    EXPECT_EQ(folder.read("settings.ini"), "[Start]\nLang=SE\n") << "an unreadable file was taken for an empty one";
 }
 
 TEST(Settings, SetKeepsALink) {
