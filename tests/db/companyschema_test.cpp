@@ -13,7 +13,7 @@ std::string typeText(const FieldDef& field) {
     constexpr const char* kNames[] = {"",       "BOOLEAN",  "BYTE", "INTEGER", "LONG", "CURRENCY", "SINGLE",
                                       "DOUBLE", "DATETIME", "",     "TEXT",    "",     "MEMO"};
     std::string text = field.counter ? "COUNTER" : kNames[static_cast<int>(field.type)];
-    if (field.size > 0) text += "(" + std::to_string(field.size) + ")";
+    if (field.size > 0) text.append("(").append(std::to_string(field.size)).append(")");
     if (field.defaultNull) text += " NULL";
     return text;
 }

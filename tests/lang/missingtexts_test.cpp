@@ -21,14 +21,20 @@ namespace fs = std::filesystem;
 
 const fs::path kSource(KOLMERA_SOURCE_DIR);
 
-/// A look-up whose number is not written in the call.
+/// A look-up whose name or number is not written in the call.
 struct Indirect {
     const char* file;
     const char* argument;
-    std::vector<int> numbers;  ///< empty for a wrapper, whose own calls are found
+    std::vector<int> numbers;  ///< empty for a wrapper: its callers are searched, or the forms name their own texts
 };
 const std::vector<Indirect> kIndirect = {
     {"src/cli/session.h", "number", {}},
+    {"src/cli/newcommand.cpp", "doneText", {230, 231}},
+    {"src/cli/runcommand.cpp", "line.label", {201, 202, 203, 204, 205, 206, 207, 208}},
+    {"src/ui/qtmessageport.cpp", "row.text", {140, 141, 142, 143}},
+    {"src/ui/qtmessageport.cpp", "kOK.text", {140}},
+    {"src/ui/translation.cpp", "fromQt(form.objectName())", {}},
+    {"src/ui/translation.cpp", "controlKey(formOf(control), control)", {}},
 };
 
 /// Texts that are looked up without a number in the code.
@@ -132,23 +138,22 @@ struct Asked {
         std::string name = lookUp.name;
         if (lookUp.named) {
             const auto value = source.valueOf(arguments.front());
-            if (!value) return note(source, lookUp, arguments.front());
+            if (!value) return addIndirect(source, lookUp, name, arguments.front());
             name = *value;
             arguments.erase(arguments.begin());
         }
-        if (lookUp.key == Key::Form || lookUp.key == Key::Literal) {
-            keys.insert(keyOf(lookUp.key, name, 0));
-            return;
-        }
-        const std::string number = arguments.empty() ? "" : arguments.front();
-        if (const auto value = source.valueOf(number)) {
-            keys.insert(keyOf(lookUp.key, name, std::stoi(*value)));
-            return;
-        }
-        const auto indirect = std::ranges::find_if(
-            kIndirect, [&](const Indirect& row) { return row.file == source.name && row.argument == number; });
-        if (indirect == kIndirect.end()) return note(source, lookUp, number);
-        for (const int value : indirect->numbers) keys.insert(keyOf(lookUp.key, name, value));
+        const bool numbered = lookUp.key != Key::Form && lookUp.key != Key::Literal;
+        const std::string number = numbered && !arguments.empty() ? arguments.front() : "0";
+        const auto value = source.valueOf(number);
+        if (!value) return addIndirect(source, lookUp, name, number);
+        keys.insert(keyOf(lookUp.key, name, std::stoi(*value)));
+    }
+    void addIndirect(const SourceFile& source, const LookUp& lookUp, const std::string& name,
+                     const std::string& argument) {
+        const auto row = std::ranges::find_if(
+            kIndirect, [&](const Indirect& known) { return known.file == source.name && known.argument == argument; });
+        if (row == kIndirect.end()) return note(source, lookUp, argument);
+        for (const int number : row->numbers) keys.insert(keyOf(lookUp.key, name, number));
     }
     void note(const SourceFile& source, const LookUp& lookUp, const std::string& argument) {
         unreadable.push_back(source.name + ": " + lookUp.function + " is given " + argument);

@@ -21,7 +21,7 @@ TEST(LäsKlientIni, FindsTheDataFolder) {
         {"folder on a mapped drive", {"", " X:\\PROG"}, "X:\\PROG\\", false},
         {"share path not mapped to its drive", {"", "\\\\srv\\data\\prog"}, "X:\\prog\\", false},
         {"share path without a drive", {"", "\\\\annan\\data"}, alone, true},
-        {"folder below the program's", {"", "below"}, alone + "below\\", false},
+        {"folder below the program's", {"", "below"}, alone + "below/", false},
         {"blank record 2 taken for a folder", {"", ""}, alone, true},
         {"record 2 missing", {""}, alone, true},
         {"value of another record", {world.data.string(), "", world.data.string()}, alone, true},
