@@ -159,6 +159,12 @@ std::map<std::string, std::string> SettingsStore::section(const std::string& nam
     return entries == sections_.end() ? std::map<std::string, std::string>{} : entries->second;
 }
 
+std::vector<std::string> SettingsStore::sectionNames() const {
+    std::vector<std::string> names;
+    for (const auto& [name, entries] : sections_) names.push_back(name);
+    return names;
+}
+
 void SettingsStore::takeOver(const std::vector<std::string>& lines) {
     sections_.clear();
     std::string section;

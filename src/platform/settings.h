@@ -26,6 +26,8 @@ class SettingsStore {
     void set(const std::string& section, const std::string& key, const std::string& value);
     /// All keys of a section with their values.
     [[nodiscard]] std::map<std::string, std::string> section(const std::string& name) const;
+    /// The names of all sections, in upper case.
+    [[nodiscard]] std::vector<std::string> sectionNames() const;
 
   private:
     void takeOver(const std::vector<std::string>& lines);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/messages.h"
+#include "ui/program.h"
+
+class QWidget;
+
+namespace kolmera {
+
+/// The hourglass while a form loads.
+class Hourglass {
+  public:
+    explicit Hourglass(MessagePort& port) : port_(port) { port_.hourglass(true); }
+    ~Hourglass() { port_.hourglass(false); }
+    Hourglass(const Hourglass&) = delete;
+    Hourglass& operator=(const Hourglass&) = delete;
+
+  private:
+    MessagePort& port_;
+};
+
+/// What every form does when its controls are made: translates the form, gives controls without a label their tool tip
+/// as the name that screen readers say, and applies the font option.
+void loadForm(Program& program, QWidget& form);
+
+/// Shows a form, with the hourglass until it stands. A modal one (a QDialog) is closed when this returns; what it
+/// answered is asked of the form. False when memory does not suffice, which the user is then told.
+bool VisaFormulär(Program& program, QWidget& form, bool modal);
+
+/// With the font option on, the form's controls are written in Tahoma (where it is installed).
+void SättTypsnitt(QWidget& form, bool TypsnittTahoma);
+void SättTypsnittKontroll(QWidget& control, bool TypsnittTahoma);
+
+void centreOnScreen(QWidget& form);
+
+/// Returns after that time; events run meanwhile.
+void Vänta(int milliseconds);
+
+}  // namespace kolmera

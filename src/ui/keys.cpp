@@ -1,0 +1,104 @@
+#include "ui/keys.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QShortcut>
+#include <functional>
+
+#include "ui/qttext.h"
+#include "ui/rules/keyrules.h"
+
+namespace kolmera {
+namespace {
+
+class EnterSomTab final : public QObject {
+  public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress) return false;
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter) return false;
+        const Qt::KeyboardModifiers shift = key.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
+        if (shift == Qt::NoModifier) {
+            QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier, QStringLiteral("\t"));
+            QCoreApplication::sendEvent(watched, &tab);
+        } else if (shift == Qt::ShiftModifier) {
+            QKeyEvent backtab(QEvent::KeyPress, Qt::Key_Backtab, Qt::ShiftModifier);
+            QCoreApplication::sendEvent(watched, &backtab);
+        }
+        return true;
+    }
+};
+
+/// Passes typed characters through a rule that answers 0 for those to be dropped.
+class KeyGate final : public QObject {
+  public:
+    KeyGate(QLineEdit& field, std::function<int(const std::string& text, int key)> rule)
+        : QObject(&field), field_(field), rule_(std::move(rule)) {
+        field.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress) return false;
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        const QString typed = key.text();
+        // Keys without a printable character (arrows, Ctrl+C ...) are the field's own.
+        if (typed.size() != 1 || !typed[0].isPrint()) return false;
+        return rule_(textThatStays(), typed[0].unicode()) == keys::kRejected;
+    }
+
+  private:
+    // A selection is replaced by what is typed: its decimal sign does not count.
+    [[nodiscard]] std::string textThatStays() const {
+        QString text = field_.text();
+        if (field_.hasSelectedText()) {
+            text.remove(field_.selectionStart(), field_.selectionLength());
+        }
+        return fromQt(text);
+    }
+
+    QLineEdit& field_;
+    std::function<int(const std::string&, int)> rule_;
+};
+
+bool isField(const QWidget& control) {
+    return dynamic_cast<const QLineEdit*>(&control) != nullptr || dynamic_cast<const QComboBox*>(&control) != nullptr ||
+           dynamic_cast<const QCheckBox*>(&control) != nullptr ||
+           dynamic_cast<const QRadioButton*>(&control) != nullptr;
+}
+
+}  // namespace
+
+void installEnterSomTab(QWidget& form) {
+    auto* filter = new EnterSomTab(&form);
+    for (QWidget* control : form.findChildren<QWidget*>()) {
+        if (isField(*control)) control->installEventFilter(filter);
+    }
+}
+
+void installEnterSomTabOn(QWidget& control) { control.installEventFilter(new EnterSomTab(&control)); }
+
+void allowNumbersOnly(QLineEdit& field, char Decimaltecken, bool allowDecimal, bool allowMinus) {
+    new KeyGate(field, [=](const std::string& text, int key) {
+        return NumeriskTangent(text, key, Decimaltecken, allowDecimal, allowMinus);
+    });
+}
+
+void blockKeys(QLineEdit& field) {
+    new KeyGate(field, [](const std::string& /*text*/, int key) { return SpärraTangent(key); });
+}
+
+void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button) {
+    auto* shortcut = new QShortcut(key, &form);
+    QObject::connect(shortcut, &QShortcut::activated, &button, [&button] {
+        if (button.isVisible()) button.click();
+    });
+}
+
+}  // namespace kolmera

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QKeySequence>
+#include <QObject>
+
+class QAbstractButton;
+class QLineEdit;
+class QWidget;
+
+namespace kolmera {
+
+/// Enter moves to the next field and Shift+Enter back, as Tab does. Installed on the form's text boxes, lists of
+/// choices, check boxes and option buttons; push buttons and row lists keep their Enter. Call when the controls exist.
+void installEnterSomTab(QWidget& form);
+/// The same for one control, a row list for example.
+void installEnterSomTabOn(QWidget& control);
+
+/// Lets a text box take the keys of NumeriskTangent only.
+void allowNumbersOnly(QLineEdit& field, char Decimaltecken, bool allowDecimal, bool allowMinus);
+/// Keeps the keys that SpärraTangent stops out of a text box.
+void blockKeys(QLineEdit& field);
+
+/// A key that presses a button as the mouse would: only while the button is shown and enabled.
+void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button);
+
+}  // namespace kolmera

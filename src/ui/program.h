@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "lang/languagetexts.h"
+#include "startup/company.h"
+#include "startup/messageboxes.h"
+#include "startup/startstate.h"
+#include "ui/rules/theme.h"
+
+class QWidget;
+
+namespace kolmera {
+
+/// What the forms share: made in `main`, handed to every form by reference. The windows that one form opens and another
+/// subsystem owns are members here, so that a test can put its own in their place.
+struct Program {
+    StartState& state;
+    LanguageTexts& texts;
+    MessageBoxes& boxes;
+    CompanyRegister& companies;
+    Theme theme{};
+
+    /// Opens the job settings modally for a job number (0: a new job). Answers the number of the job that was saved
+    /// (SvarOK), or nothing.
+    std::function<std::optional<int>(QWidget* parent, int JobbNr, bool ÄrStandardJobb)> showPrisStyr{};
+    /// Opens the discount letters modally.
+    std::function<void(QWidget* parent, int JobbNr)> showPrisRab{};
+};
+
+}  // namespace kolmera

@@ -1,0 +1,117 @@
+#include "ui/qtmessageport.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QUrl>
+#include <span>
+
+#include "ui/qttext.h"
+
+namespace kolmera {
+namespace {
+
+/// A button: its answer, the number of its text, the designed text, and its part in the box.
+struct ButtonRow {
+    Answer answer;
+    int text;
+    const char* designed;
+    QMessageBox::ButtonRole role;
+};
+
+constexpr ButtonRow kOK{Answer::OK, 140, "OK", QMessageBox::AcceptRole};
+constexpr ButtonRow kCancel{Answer::Cancel, 141, "Avbryt", QMessageBox::RejectRole};
+constexpr ButtonRow kYes{Answer::Yes, 142, "&Ja", QMessageBox::YesRole};
+constexpr ButtonRow kNo{Answer::No, 143, "&Nej", QMessageBox::NoRole};
+constexpr int kHelpText = 144;
+constexpr int kHelpMissingText = 145;
+
+constexpr ButtonRow kJustOK[] = {kOK};
+constexpr ButtonRow kOKCancel[] = {kOK, kCancel};
+constexpr ButtonRow kYesNo[] = {kYes, kNo};
+
+std::span<const ButtonRow> buttonsOf(Buttons buttons) {
+    switch (buttons) {
+        case Buttons::OKCancel:
+            return kOKCancel;
+        case Buttons::YesNo:
+            return kYesNo;
+        default:
+            return kJustOK;
+    }
+}
+
+QMessageBox::Icon iconOf(Icon icon) {
+    switch (icon) {
+        case Icon::Information:
+            return QMessageBox::Information;
+        case Icon::Question:
+            return QMessageBox::Question;
+        default:
+            return QMessageBox::Warning;
+    }
+}
+
+QString withLineFeeds(const std::string& text) { return toQt(text).replace("\r\n", "\n"); }
+
+QString textOr(const std::string& text, const char* designed) {
+    return text.empty() ? QString::fromUtf8(designed) : toQt(text);
+}
+
+}  // namespace
+
+Answer QtMessagePort::show(const Message& message) {
+    hourglass(false);
+    QMessageBox box(QApplication::activeWindow());
+    box.setObjectName(QStringLiteral("Meddelanderuta"));
+    box.setWindowTitle(withLineFeeds(message.title));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(withLineFeeds(message.text));
+    box.setIcon(iconOf(message.icon));
+    const std::span<const ButtonRow> rows = buttonsOf(message.buttons);
+    std::vector<QPushButton*> buttons;
+    for (const ButtonRow& row : rows) {
+        buttons.push_back(box.addButton(textOr(texts_.ModulText("KMR", row.text), row.designed), row.role));
+    }
+    box.setDefaultButton(message.secondIsDefault && buttons.size() > 1 ? buttons[1] : buttons[0]);
+    box.setEscapeButton(buttons.back());
+    if (message.helpButton) addHelp(box, message);
+    box.exec();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (box.clickedButton() == buttons[i]) return rows[i].answer;
+    }
+    return rows.back().answer;
+}
+
+void QtMessagePort::addHelp(QMessageBox& box, const Message& message) {
+    QPushButton* help = box.addButton(textOr(texts_.ModulText("KMR", kHelpText), "&Hjälp"), QMessageBox::HelpRole);
+    // The box stays while the help is read: its own connection would close it.
+    help->disconnect(&box);
+    QObject::connect(help, &QPushButton::clicked, &box, [&] { openHelp(message, box); });
+}
+
+void QtMessagePort::openHelp(const Message& message, QMessageBox& box) {
+    const QString file = toQt(message.helpFile);
+    if (QFileInfo::exists(file) && QDesktopServices::openUrl(QUrl::fromLocalFile(file))) return;
+    QMessageBox missing(QMessageBox::Warning, box.windowTitle(),
+                        toQt(texts_.ModulTextMed("KMR", kHelpMissingText, message.helpFile)), QMessageBox::NoButton,
+                        &box);
+    missing.addButton(textOr(texts_.ModulText("KMR", kOK.text), kOK.designed), kOK.role);
+    missing.exec();
+}
+
+void QtMessagePort::hourglass(bool on) {
+    if (on == hourglass_) return;
+    hourglass_ = on;
+    if (on) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void QtMessagePort::letEventsRun() { QCoreApplication::processEvents(); }
+
+}  // namespace kolmera

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string_view>
+
+#include "lang/languagetexts.h"
+
+class QWidget;
+
+namespace kolmera {
+
+// Texts are found by object names: a form's "PrisMain", a control's "Ny", a member of a control array "Lbl_3" (index
+// behind the last "_"). A form is the window (or child widget) whose object name is the form's.
+
+/// Places the language's texts on a form; a form is designed in Swedish, so for "SE" nothing is done. Every form calls
+/// it (by `loadForm`) when its controls are made.
+void ÖversättFormulär(QWidget& form, LanguageTexts& texts);
+/// The form's caption, then the captions and tool tips of its controls that have one. Text boxes are never touched, a
+/// missing key leaves the designed text, and texts are placed as stored.
+void ÖversättFormulärAlltid(QWidget& form, LanguageTexts& texts);
+
+/// The form's caption from the language texts, with `suffix` behind it.
+void SättFormulärRubrik(QWidget& form, LanguageTexts& texts, std::string_view suffix);
+/// The control's caption from the language texts.
+void SättKontrollText(QWidget& control, LanguageTexts& texts);
+/// The same with `suffix` behind it.
+void SättKontrollTextMed(QWidget& control, LanguageTexts& texts, std::string_view suffix);
+
+}  // namespace kolmera

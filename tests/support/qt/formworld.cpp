@@ -1,0 +1,118 @@
+#include "support/qt/formworld.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPixmap>
+#include <QTest>
+#include <QTimer>
+
+#include "cli/democompany.h"
+#include "startup/datafolder.h"
+#include "ui/qttext.h"
+
+namespace kolmera::test {
+namespace {
+
+constexpr int kPatience = 5000;  ///< milliseconds
+
+std::filesystem::path made(const std::filesystem::path& folder) {
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
+QString captionOf(const QWidget& control) {
+    if (const auto* label = dynamic_cast<const QLabel*>(&control)) return label->text();
+    if (const auto* button = dynamic_cast<const QAbstractButton*>(&control)) return button->text();
+    if (const auto* group = dynamic_cast<const QGroupBox*>(&control)) return group->title();
+    return {};
+}
+
+void expectText(LanguageTexts& texts, const std::string& key, const QString& shown) {
+    if (const auto stored = texts.storedText(key)) {
+        EXPECT_EQ(fromQt(shown), *stored) << key;
+    }
+}
+
+}  // namespace
+
+Answer ScriptedBoxes::show(const Message& message) {
+    shown.push_back(message.title + "|" + message.text);
+    if (answers.empty()) {
+        ADD_FAILURE() << "unexpected message: " << shown.back();
+        return message.buttons == Buttons::YesNo ? Answer::No : Answer::OK;
+    }
+    const Answer answer = answers.front();
+    answers.erase(answers.begin());
+    return answer;
+}
+
+void ScriptedBoxes::letEventsRun() { QCoreApplication::processEvents(); }
+
+FormWorld::FormWorld(Data kind, std::string_view language)
+    : state(SettingsStore(folder / "settings.ini"), Locale(Locale::Kind::Swedish)),
+      boxes(boxPort, "Dorvik.chm"),
+      companies(state, texts, boxes),
+      program{.state = state, .texts = texts, .boxes = boxes, .companies = companies} {
+    made(data);
+    state.ProgramMapp = (made(folder / "program") / "").string();
+    state.DataMapp = (data / "").string();
+    state.Språkkod = language;
+    texts.ÖppnaSpråk(KOLMERA_BIN_DIR, {});
+    texts.InitSpråkOrd(language);
+    if (kind == Data::Empty) return;
+    createDataFolder(data);
+    createCompany(data, std::string(kFirstCompany), "Demoföretaget");
+    cli::fillDemoCompany(std::filesystem::path(KOLMERA_SOURCE_DIR) / "data" / "demo", data, data / kFirstCompany,
+                         state.locale);
+    state.StandardFöretag = "FTG1.MDB";
+}
+
+FormWorld::~FormWorld() { EXPECT_TRUE(boxPort.answers.empty()) << "a message that was expected never came"; }
+
+bool eventually(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, kPatience); }
+
+WhenShown::WhenShown(const char* form, std::function<void(QDialog&)> act) {
+    auto* timer = new QTimer(qApp);
+    QElapsedTimer waited;
+    waited.start();
+    QObject::connect(timer, &QTimer::timeout, qApp,
+                     [timer, waited, name = QString::fromUtf8(form), act = std::move(act), came = came_] {
+                         auto* dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+                         if (dialog == nullptr || dialog->objectName() != name) {
+                             if (waited.elapsed() > kPatience) timer->deleteLater();
+                             return;
+                         }
+                         timer->stop();
+                         timer->deleteLater();
+                         *came = true;
+                         act(*dialog);
+                         EXPECT_FALSE(dialog->isVisible()) << "left open: " << fromQt(name);
+                         if (dialog->isVisible()) dialog->reject();
+                     });
+    timer->start(10);
+}
+
+void expectTextsInBothLanguages(QWidget& form, FormWorld& world) {
+    const std::string formKey = "SP_FRM_" + fromQt(form.objectName());
+    expectText(world.texts, formKey, form.windowTitle());
+    for (QWidget* child : form.findChildren<QWidget*>()) {
+        const std::string name = fromQt(child->objectName());
+        const QString caption = captionOf(*child);
+        if (name.empty() || name.starts_with("qt_")) continue;
+        expectText(world.texts, formKey + "_" + name, caption);
+        expectText(world.texts, formKey + "_" + name + "_TT", child->toolTip());
+        if (child->isVisibleTo(&form) && !caption.isEmpty() && dynamic_cast<QGroupBox*>(child) == nullptr) {
+            EXPECT_GE(child->width(), child->minimumSizeHint().width()) << "cut off: " << name;
+        }
+    }
+}
+
+void takePicture(QWidget& form, const std::string& name) {
+    const QString folder = qEnvironmentVariable("KOLMERA_PICTURES");
+    if (!folder.isEmpty()) form.grab().save(folder + "/" + toQt(name) + ".png");
+}
+
+}  // namespace kolmera::test
