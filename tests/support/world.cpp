@@ -89,18 +89,21 @@ std::unique_ptr<Database> World::open() const {
     return openFileDatabase(company(), {.locale = state.locale, .password = {}, .wait = {}});
 }
 
+Database& World::database() const {
+    if (!database_) database_ = open();
+    return *database_;
+}
+
 void World::add(std::string_view table, const Row& row) {
-    const auto database = open();
-    const auto records = database->open(table, RecordsetType::Table);
+    const auto records = database().open(table, RecordsetType::Table);
     records->addNew();
     for (const auto& [column, value] : row) records->set(column, value);
     records->update();
 }
 
 void World::setting(std::string_view column, const Value& value) {
-    const auto database = open();
     const std::string_view table = ordinalOf("Syinställningar", column) >= 0 ? "Syinställningar" : "Syinställningar2";
-    const auto records = database->open(table, RecordsetType::Table);
+    const auto records = database().open(table, RecordsetType::Table);
     records->edit();
     records->set(column, value);
     records->update();
@@ -137,6 +140,7 @@ void World::coupling(const std::string& code, const std::string& supplier, bool 
 }
 
 RunSummary World::run() {
+    database_.reset();
     JobFile jobs(data());
     const auto existing = jobs.find(job.name);
     job.number = existing ? existing->number : 0;

@@ -66,6 +66,7 @@ class World {
     [[nodiscard]] std::filesystem::path company() const { return data() / "FTG1.mdb"; }
     [[nodiscard]] std::filesystem::path data() const { return folder_ / "data"; }
     [[nodiscard]] std::filesystem::path program() const { return folder_ / "program"; }
+    /// A session of another program on the company.
     [[nodiscard]] std::unique_ptr<Database> open() const;
 
     ScriptedPort port;
@@ -73,6 +74,9 @@ class World {
     Date Idag = *Date::fromIso("2026-11-22");
 
   private:
+    Database& database() const;
+
+    mutable std::unique_ptr<Database> database_;  ///< open between runs, while a test states or reads rows
     mutable LanguageTexts texts_;
 };
 
