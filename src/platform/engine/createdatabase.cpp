@@ -1,5 +1,6 @@
 #include <system_error>
 
+#include "platform/engine/companylayout.h"
 #include "platform/engine/database.h"
 #include "platform/engine/password.h"
 #include "platform/engine/sqliteconnection.h"
@@ -11,14 +12,17 @@ namespace kolmera {
 
 namespace {
 
-void makeTables(SqliteConnection& connection, std::span<const TableDef> tables) {
+std::vector<LayoutEntry> layoutOf(std::span<const TableDef> tables) {
+    std::vector<LayoutEntry> layout;
     for (const TableDef& table : tables) {
-        connection.run(createTableStatement(table));
+        layout.push_back({"table", table.name, createTableStatement(table)});
         for (const IndexDef& index : table.indexes) {
-            const std::string statement = createIndexStatement(table, index);
-            if (!statement.empty()) connection.run(statement);
+            std::string statement = createIndexStatement(table, index);
+            if (statement.empty()) continue;
+            layout.push_back({"index", indexNameInFile(table, index), std::move(statement)});
         }
     }
+    return layout;
 }
 
 void makeFile(const std::filesystem::path& file, std::span<const TableDef> tables, const std::string& password) {
@@ -27,7 +31,9 @@ void makeFile(const std::filesystem::path& file, std::span<const TableDef> table
     connection.begin();
     connection.run("PRAGMA application_id = " + std::to_string(kApplicationId));
     connection.run("PRAGMA user_version = " + std::to_string(kUserVersion));
-    makeTables(connection, tables);
+    const std::vector<LayoutEntry> layout = layoutOf(tables);
+    writeLayoutCopy(connection, layout);
+    for (const LayoutEntry& entry : layout) connection.run(entry.statement);
     if (!password.empty()) storePassword(connection, password);
     connection.commit();
 }

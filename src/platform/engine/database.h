@@ -52,13 +52,13 @@ class Database {
 
 /// What opening a database needs from its surroundings.
 struct OpenOptions {
-    Locale locale;
-    std::string password;  ///< UTF-8; compared with the hash in the file
+    Locale locale = Locale();
+    std::string password = {};  ///< UTF-8; compared with the hash in the file
     bool readOnly = false;
     bool exclusive = false;
     /// Called again and again while another session holds a lock; lets events run and returns false to give up (then
     /// the statement ends with kLocked, ending the run). Without it a lock is waited for 10 seconds.
-    std::function<bool()> wait;
+    std::function<bool()> wait = {};
     /// Tells the folders that lie on network file systems; such files are worked on with another kind of journal.
     std::function<bool(const std::filesystem::path& folder)> onNetwork = onNetworkFileSystem;
 };
@@ -74,6 +74,7 @@ void createFileDatabase(const std::filesystem::path& file, std::span<const Table
 struct RepairReport {
     std::filesystem::path original;                          ///< where the damaged file was kept
     std::vector<std::pair<std::string, std::int64_t>> rows;  ///< per table, rows saved
+    std::int64_t dropped = 0;                                ///< readable rows left out: their key was there already
 };
 
 /// Rebuilds a damaged file: every readable row of every table goes into a new file, then the indexes are made, and

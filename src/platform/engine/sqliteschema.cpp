@@ -78,6 +78,8 @@ std::vector<IndexDef> readIndexes(SqliteConnection& connection, const TableDef& 
 
 }  // namespace
 
+std::string indexNameInFile(const TableDef& table, const IndexDef& index) { return table.name + "." + index.name; }
+
 std::string createTableStatement(const TableDef& table) {
     std::string statement = "CREATE TABLE " + identifier(table.name) + " (";
     for (const FieldDef& field : table.fields) {
@@ -91,7 +93,7 @@ std::string createIndexStatement(const TableDef& table, const IndexDef& index) {
     const std::vector<std::string> columns = index.columns();
     if (columns.size() == 1 && isCounter(table, columns.front())) return {};
     std::string statement = index.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
-    statement += identifier(table.name + "." + index.name) + " ON " + identifier(table.name) + " (";
+    statement += identifier(indexNameInFile(table, index)) + " ON " + identifier(table.name) + " (";
     for (const std::string& part : split(index.fields, ";")) {
         if (statement.back() != '(') statement += ", ";
         const bool marked = part.starts_with('+') || part.starts_with('-');

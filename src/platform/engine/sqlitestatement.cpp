@@ -113,9 +113,12 @@ void SqliteStatement::bind(int parameter, std::string_view text) {
     if (code != SQLITE_OK) connection_->raise(code);
 }
 
-void SqliteStatement::bindBytes(int parameter, std::span<const std::byte> bytes) {
-    const int code =
-        sqlite3_bind_blob(statement_, parameter, bytes.data(), static_cast<int>(bytes.size()), SQLITE_STATIC);
+void SqliteStatement::bind(int parameter, const StoredValue& value) {
+    if (const auto* text = std::get_if<std::string_view>(&value)) return bind(parameter, *text);
+    if (const auto* whole = std::get_if<std::int64_t>(&value)) return bind(parameter, *whole);
+    const auto* number = std::get_if<double>(&value);
+    const int code = number != nullptr ? sqlite3_bind_double(statement_, parameter, *number)
+                                       : sqlite3_bind_null(statement_, parameter);
     if (code != SQLITE_OK) connection_->raise(code);
 }
 
@@ -171,19 +174,6 @@ void SqliteStatement::readText(int column, FieldType type, Value& into) const {
         }
     }
     setText(into, stored);
-}
-
-Value SqliteStatement::stored(int column) const {
-    switch (sqlite3_column_type(statement_, column)) {
-        case SQLITE_NULL:
-            return Null{};
-        case SQLITE_INTEGER:
-            return integer(column);
-        case SQLITE_FLOAT:
-            return sqlite3_column_double(statement_, column);
-        default:
-            return std::string(text(column));
-    }
 }
 
 }  // namespace kolmera

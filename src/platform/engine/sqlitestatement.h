@@ -2,10 +2,10 @@
 
 #include <array>
 #include <cstdint>
-#include <span>
 #include <string_view>
 #include <vector>
 
+#include "platform/engine/storedvalue.h"
 #include "platform/engine/value.h"
 
 struct sqlite3_stmt;
@@ -32,7 +32,7 @@ class SqliteStatement {
     void bind(int parameter, const Value& value);
     void bind(int parameter, std::int64_t value);
     void bind(int parameter, std::string_view text);
-    void bindBytes(int parameter, std::span<const std::byte> bytes);
+    void bind(int parameter, const StoredValue& value);
 
     /// Goes to the next row; false at the end. An error resets the statement and throws.
     bool step();
@@ -47,9 +47,6 @@ class SqliteStatement {
     /// Reads a column as a value of a field type. What is stored in another form comes as it is stored. A text keeps
     /// the memory that `into` already has.
     void read(int column, FieldType type, Value& into) const;
-    /// The value in the form in which it is stored.
-    [[nodiscard]] Value stored(int column) const;
-
     [[nodiscard]] sqlite3_stmt* handle() const { return statement_; }
 
   private:
