@@ -18,9 +18,7 @@ constexpr std::size_t kMostRemembered = 10'000;
 template <typename Discounts>
 double remaining(const Discounts& discounts) {
     double left = 1;
-    for (const double discount : discounts) {
-        if (discount != 0) left = (1 - discount / 100) * left;
-    }
+    for (const double discount : discounts) left *= 1 - discount / 100;
     return left;
 }
 

@@ -201,7 +201,7 @@ bool ClsPrisAvrund::CheckFaktorTG(float SinPålägg, bool BoolNoMsgVidNoll) cons
 }
 
 void ClsPrisAvrund::UtförPriskoppling(int IntPrisFrånUtpris, bool BoolFrånFaktor) {
-    const int first = BoolFrånFaktor || IntPrisFrånUtpris <= 0 ? IntPrisFrånUtpris : IntPrisFrånUtpris + 1;
+    const int first = BoolFrånFaktor ? IntPrisFrånUtpris : IntPrisFrånUtpris + 1;
     for (int index = 1; index <= kPriceLists; ++index) {
         list(index).ändrad = index >= first && canBeRecomputed(index) && recompute(index);
     }

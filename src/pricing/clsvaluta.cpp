@@ -95,6 +95,7 @@ const ClsValuta::Rates* ClsValuta::lookUp(std::string_view code) {
         const auto cached = std::ranges::find(cache_, upperCase(code), &Rates::code);
         return cached == cache_.end() ? nullptr : &*cached;
     }
+    if (!ValutaTabell) return nullptr;
     const std::uint64_t stamp = sql_.FtgDB->stamp("Syvaluta");
     if (stamp != stamp_ || remembered_.size() >= kMostRemembered) remembered_.clear();
     stamp_ = stamp;

@@ -71,7 +71,7 @@ TEST_F(RabattbrevTest, SeesAChangedLetter) {
 }
 
 TEST_F(RabattbrevTest, WithoutTheTableThereAreNoDiscounts) {
-    company.sql.FtgDB->execute("DROP TABLE LevrabattBrev");
+    company.sql.FtgDB.reset();
     Rabattbrev letters(company.sql, company.passedOver);
     EXPECT_EQ(letters.BeräknaRabattbrev("7", "A1"), 0);
     EXPECT_EQ(company.passedOver.notes.size(), 1U);

@@ -12,18 +12,12 @@ using test::TestCompany;
 class NewProductDefaultsTest : public testing::Test {
   protected:
     NewProductDefaultsTest() {
-        company.add("Syinställningar", {{"PGrupp", "10"},
-                                        {"PInköpsfaktor", 2},
-                                        {"PInköpsenhet", "ST"},
-                                        {"PFaktor1", 25},
-                                        {"PFaktor9", 12.5},
-                                        {"PMomsKod", "1"},
-                                        {"PLagervärde", "T"},
-                                        {"PLagervärdeproc", 80},
-                                        {"PPrislista", true},
-                                        {"PAvgift", "P"},
-                                        {"PMomskod1", 2611},
-                                        {"PRabattKonto", 3731}});
+        company.add("Syinställningar",
+                    {{"PGrupp", "10"},     {"PInköpsfaktor", 2}, {"PInköpsenhet", "ST"}, {"PFaktor1", 25},
+                     {"PFaktor9", 12.5},   {"PMomsKod", "1"},    {"PLagervärde", "T"},   {"PLagervärdeproc", 80},
+                     {"PPrislista", true}, {"PAvgift", "P"},     {"PMomskod1", 1},       {"PMomskod2", 2},
+                     {"PMomskod3", 3},     {"PMomsfritt", 4},    {"PUtförselEU", 5},     {"PExport", 6},
+                     {"PLagerkonto", 7},   {"PVarukostnad", 8},  {"PInternUttag", 9},    {"PRabattKonto", 10}});
         company.add("Syinställningar2", {{"PPrisGrupp", "G1"}, {"PWebshop", true}});
     }
 
@@ -98,7 +92,7 @@ TEST_F(NewProductDefaultsTest, AccountsOfANewGroup) {
     groups->set("Nummer", "G");
     SättGruppKonton(*groups, *settings, company.passedOver);
     groups->update();
-    EXPECT_EQ(company.select("SELECT Momskonto1, Momskonto2, Rabattkonto FROM Prodgrupp"), "2611 0 3731\n");
+    EXPECT_EQ(company.select("SELECT * FROM Prodgrupp"), "1 G   0 0 False 1 2 3 4 5 6 7 0 8 0 0 0 9 10 \n");
     EXPECT_EQ(company.passedOver.notes, std::vector<std::string>{});
 }
 

@@ -33,6 +33,7 @@ TEST(ClsPrisAvrund, RoundsByTheFirstRangeThatContainsThePrice) {
     RoundingOnly overlapping("0\r\n100\r\n0\r\n1000");
     RoundingOnly points("0\r\n9.99");
     RoundingOnly empty("");
+    RoundingOnly narrow("12,34\r\n20");
     const struct {
         const char* fault;
         const ClsPrisAvrund& prices;
@@ -41,6 +42,7 @@ TEST(ClsPrisAvrund, RoundsByTheFirstRangeThatContainsThePrice) {
         {"range 1 rounded to two decimals", standard.prices, 4.567, 4.6},
         {"range 1 halves away from even", standard.prices, 4.25, 4.2},
         {"upper bound left out", standard.prices, 9.99, 10},
+        {"lower bound left out", narrow.prices, 12.34, 12.3},
         {"gap between ranges taken by a range", standard.prices, 9.994, 9.99},
         {"0.30 sent down instead of to the half", standard.prices, 12.30, 12.5},
         {"0.80 kept at the half", standard.prices, 12.80, 13},
@@ -59,6 +61,8 @@ TEST(ClsPrisAvrund, RoundsByTheFirstRangeThatContainsThePrice) {
         SCOPED_TRACE(c.fault);
         EXPECT_EQ(c.prices.UtförAvrundning(c.price, 2, 1), c.expected);
     }
+    EXPECT_EQ(standard.prices.UtförAvrundning(4.567, 2, 0), 4.6) << "no price list";
+    EXPECT_EQ(standard.prices.UtförAvrundning(4.567, 2, 10), 4.6) << "no price list";
 }
 
 TEST(ClsPrisAvrund, RangesReadBackAsTenLines) {
@@ -146,6 +150,7 @@ TEST(ClsPrisAvrund, RecomputesCoupledLists) {
          {{1, 100}, {2, 100}, {3, 100}}},
         {"margin computed as markup", "", "", "", true, {{1, 25}}, {{1, 106.67}}},
         {"margin of 100 or more used", "", "", "", true, {{1, 100}, {2, 99.5F}, {3, -99.5F}}, {}},
+        {"unusable margin used in a foreign list", "", "1=EUR", "", true, {{1, 100}}, {{1, 8}}},
         {"negative margin refused", "", "", "", true, {{1, -99}}, {{1, 40.2}}},
         {"markup beyond 99 refused as if it were a margin", "", "", "", false, {{1, 150}}, {{1, 200}}},
         {"home list without markup recomputed", "", "", "", false, {}, {}},

@@ -52,6 +52,7 @@ TEST_F(ClsValutaTest, KursOchFaktor) {
 
 TEST_F(ClsValutaTest, SeesAChangedRate) {
     ClsValuta currency(company.sql, company.passedOver);
+    currency.InitSQLCashe();  // does nothing for a company in a file
     currency.KursOchFaktor("EUR", 0);
     company.change("Syvaluta", {{"Kundreskontra", 12}});
     currency.KursOchFaktor("EUR", 0);
@@ -80,6 +81,7 @@ TEST_F(ClsValutaTest, OtherLookUps) {
     TestCompany empty;
     ClsValuta(empty.sql, empty.passedOver).FyllCombo(codes);
     EXPECT_EQ(codes, std::vector<std::string>{});
+    EXPECT_EQ(empty.passedOver.notes, std::vector<std::string>{});
 }
 
 // The copy is for companies on a server; here the flag alone is set, behind an open file.
@@ -97,7 +99,7 @@ TEST_F(ClsValutaTest, CopyOfTheTable) {
 }
 
 TEST_F(ClsValutaTest, WithoutTheTableEveryRateIsOne) {
-    company.sql.FtgDB->execute("DROP TABLE Syvaluta");
+    company.sql.FtgDB.reset();
     ClsValuta currency(company.sql, company.passedOver);
     currency.KursOchFaktor("EUR", 0);
     EXPECT_EQ(currency.Kurs, 1);

@@ -75,10 +75,13 @@ TEST_F(PriceFacade, TwoDecimalsWhenTheSettingsCannotBeRead) {
         {"no row", "DELETE FROM Syinställningar2"},
         {"no table", "DROP TABLE Syinställningar2"},
     };
+    PrisClsRoundInprisOUtpris prices = facade();
+    prices.Init();
+    EXPECT_EQ(prices.InprisDec, 3);
+    EXPECT_EQ(prices.UtprisDec, 1);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
         company.sql.FtgDB->execute(c.statement);
-        PrisClsRoundInprisOUtpris prices = facade();
         prices.Init();
         EXPECT_EQ(prices.InprisDec, 2);
         EXPECT_EQ(prices.UtprisDec, 2);
@@ -106,6 +109,15 @@ TEST_F(PriceFacade, WritesCoupledPricesAndDatesThem) {
         EXPECT_EQ(coupled(prices, c.inpris), c.expected);
     }
     EXPECT_EQ(company.passedOver.notes, std::vector<std::string>{});
+}
+
+TEST_F(PriceFacade, TakesPricesMarkupsAndVatCodeOfTheProduct) {
+    company.add("Syinställningar", {{"2OMomsproc", 12}});
+    company.change("Syinställningar2", {{"PUtprisKopplaMot", "1=9;2=V;3=M"}, {"PUtprisMomsMot", "3=9"}});
+    company.change("Produkt", {{"9Utpris", 90}, {"Momskod", "2"}});
+    PrisClsRoundInprisOUtpris prices = facade();
+    EXPECT_EQ(coupled(prices, 80), "112.5 75 100.8 2026-11-22 2026-11-22\n");
+    EXPECT_TRUE(prices.KopplaMotFinns());
 }
 
 TEST_F(PriceFacade, NearlyEqualPriceIsWrittenButDoesNotDate) {
