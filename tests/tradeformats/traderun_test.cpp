@@ -1,4 +1,6 @@
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 #include "tradeformats/tradeworld.h"
 
@@ -93,6 +95,29 @@ TEST(TradeRun, CancelIsHeardBehindEveryLine) {
     EXPECT_EQ(world.run().records, 6);
     // The rest of an unfinished batch is kept.
     EXPECT_EQ(world.rows("Produkt", "Nummer"), "1000001\n1000002\n1000003\n");
+}
+
+TEST(TradeRun, IsNotStoppedByAnOldCancel) {
+    TradeWorld world("(EIO)");
+    world.priceFile(eioFile(1));
+    world.port.pressCancel();
+    EXPECT_FALSE(world.run().cancelled);
+}
+
+TEST(TradeRun, CommitsEveryTwentyFivePriceRecords) {
+    TradeWorld world("(EIO)");
+    world.priceFile(eioFile(30));
+    int events = 0;
+    std::string seenByOthers;
+    world.port.onEvents = [&] {
+        ++events;
+        // Long enough for the next commit not to be joined with a later one.
+        if (events == 10) std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        if (events == 1 + 54) seenByOthers = world.rows("Produkt", "Nummer");
+    };
+    world.run();
+    EXPECT_EQ(count(seenByOthers), 25);
+    EXPECT_EQ(count(world.rows("Produkt", "Nummer")), 30);
 }
 
 TEST(TradeRun, ShowsEveryFiftiethLine) {
