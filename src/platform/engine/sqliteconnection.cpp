@@ -96,7 +96,6 @@ void SqliteConnection::open(const std::filesystem::path& file) {
     int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI | SQLITE_OPEN_EXRESCODE;
     flags |= options_.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     if (options_.create) flags |= SQLITE_OPEN_CREATE;
-    const std::string name = "file:" + file.string();
     int code = sqlite3_open_v2(file.c_str(), &handle_, flags & ~SQLITE_OPEN_URI, nullptr);
     // The log of a file in a folder that cannot be written cannot be opened; the file itself can when the log is empty.
     if (code == SQLITE_OK && options_.readOnly && !hasLog(file)) {
@@ -109,6 +108,8 @@ void SqliteConnection::open(const std::filesystem::path& file) {
         }
     }
     if (code != SQLITE_OK) raise(code);
+    // An unknown column between double quotes is an error, not a text.
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     if (sqlite3_busy_handler(handle_, waitForLock, this) != SQLITE_OK) raise(sqlite3_errcode(handle_));
     if (registerSwedishCollation(handle_) != SQLITE_OK) raise(sqlite3_errcode(handle_));
 }
