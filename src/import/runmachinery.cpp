@@ -7,7 +7,7 @@
 #include "db/conversions.h"
 #include "import/batchtransaction.h"
 #include "import/preparation.h"
-#include "import/pricefilepath.h"
+#include "definitions/pricefilepath.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
@@ -212,6 +212,7 @@ void tellWhatEndedTheRun(ImportContext& context, const std::string& company, con
 RunSummary carryOut(ImportContext& context, std::string_view jobText, const std::function<void(RunMachinery&)>& steps) {
     std::optional<PlatformError> ended;
     std::optional<RunMachinery> run(std::in_place, context, jobText);
+    context.port.clearCancel();  // what was cancelled before is not this run
     try {
         run->HämtaKolmeraData();
         steps(*run);

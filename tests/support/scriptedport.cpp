@@ -9,7 +9,11 @@ ScriptedPort::~ScriptedPort() {
 }
 
 void ScriptedPort::expect(const std::string& text, const std::string& title, Answer answer) {
-    expected_.push_back({text, title, answer});
+    expected_.push_back({text, title, answer, false});
+}
+
+void ScriptedPort::expectBeginning(const std::string& text, const std::string& title, Answer answer) {
+    expected_.push_back({text, title, answer, true});
 }
 
 Answer ScriptedPort::show(const Message& message) {
@@ -19,7 +23,7 @@ Answer ScriptedPort::show(const Message& message) {
     }
     const Expected expected = expected_.front();
     expected_.pop_front();
-    EXPECT_EQ(message.text, expected.text);
+    EXPECT_EQ(expected.beginning ? message.text.substr(0, expected.text.size()) : message.text, expected.text);
     EXPECT_EQ(message.title, expected.title);
     EXPECT_EQ(message.buttons == Buttons::YesNo, expected.answer != Answer::OK) << message.text;
     EXPECT_FALSE(hourglassShown) << "the hourglass stands over " << message.text;

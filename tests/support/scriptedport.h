@@ -19,6 +19,8 @@ class ScriptedPort final : public RunPort {
     // The script.
     /// The next message has this text and title.
     void expect(const std::string& text, const std::string& title, Answer answer = Answer::OK);
+    /// The same with the beginning of the text only, where the system's own words follow.
+    void expectBeginning(const std::string& text, const std::string& title, Answer answer = Answer::OK);
     ConfirmationAnswer confirmation{.confirmed = true};
     /// Cancel is pressed as soon as the status line shows this text.
     std::string cancelAtStatus;
@@ -51,6 +53,7 @@ class ScriptedPort final : public RunPort {
     struct Expected {
         std::string text, title;
         Answer answer;
+        bool beginning;
     };
     std::deque<Expected> expected_;
     bool cancelled_ = false;

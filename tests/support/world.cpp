@@ -131,9 +131,9 @@ void World::mask(const MaskSpec& spec) {
     MaskFile(data()).save(mask, relations);
 }
 
-void World::priceFile(std::string_view text, CodePage page) {
-    std::ofstream(data() / "pris.txt", std::ios::binary) << fromUtf8(text, page);
-}
+void World::priceFile(std::string_view text, CodePage page) { rawPriceFile(fromUtf8(text, page)); }
+
+void World::rawPriceFile(std::string_view bytes) { std::ofstream(data() / "pris.txt", std::ios::binary) << bytes; }
 
 void World::coupling(const std::string& code, const std::string& supplier, bool main) {
     CouplingFile(data()).save({.job = job.name, .code = code, .supplier = supplier, .mainSupplier = main});

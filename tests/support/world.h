@@ -50,8 +50,9 @@ class World {
     /// Writes settings of the company, each in the settings table that has the column.
     void setting(std::string_view column, const Value& value);
     void mask(const MaskSpec& spec);
-    /// The bytes of the price file; UTF-8 is stored as Windows-1252 or, for a DOS file, as code page 850.
+    /// The price file as UTF-8; stored in Windows-1252 or, for a DOS file, in code page 850.
     void priceFile(std::string_view text, CodePage page = CodePage::Windows1252);
+    void rawPriceFile(std::string_view bytes);
     void coupling(const std::string& code, const std::string& supplier, bool main = false);
     Job job;
 

@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include "support/world.h"
+
+namespace kolmera::test {
+namespace {
+
+using namespace std::string_view_literals;
+
+const MaskSpec kTabs{.relations = {{1, "Nummer", 'S'}, {2, "Benämning"}}};
+const MaskSpec kLines{.structure = 'F', .lines = 2, .relations = {{1, "Nummer", 'S'}, {2, "Benämning"}}};
+const MaskSpec kFixed{
+    .structure = 'P', .length = 6, .relations = {{1, "Nummer", 'S', 'U', 1, 2}, {2, "Benämning", 'I', 'U', 3, 4}}};
+
+TEST(BadFiles, GiveWhatCanBeRead) {
+    const struct {
+        const char* fault;
+        const MaskSpec& mask;
+        std::string_view file;
+        std::string_view expected;  // Nummer, Benämning
+        int records;
+    } cases[] = {
+        {"empty", kTabs, "", "", 0},
+        {"only an end of file", kTabs, "\x1A", "", 0},
+        {"only a line end: a record without key", kTabs, "\r\n", "", 1},
+        {"no final line end", kTabs, "A\tSpik", "A Spik\n", 1},
+        {"CR only", kTabs, "A\tSpik\rB\tSkruv\r", "A Spik\nB Skruv\n", 2},
+        {"LF only: one line", kTabs, "A\tSpik\nB\tSkruv\n", "A Skruv\n\n", 1},
+        {"NUL within and around texts", kTabs, "A\0\tSpi\0k\0\r\n"sv, "A Spi\0k\n"sv, 1},
+        {"an end of file within", kTabs, "A\tSpik\x1A\r\nB\tSkruv\r\n\x1A", "A Spik\x1A\nB Skruv\n", 2},
+        {"ends within a record of lines", kLines, "A\r\nSpik\r\nB\r\n", "A Spik\nB Spik\n", 2},
+        {"ends within a fixed record", kFixed, "A Spik\nB Sk", "A Spik\nB Sk\n", 2},
+        {"bytes that are no characters", kTabs, "A\t\x81\x8D\r\n", "A \xC2\x81\xC2\x8D\n", 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        World world;
+        world.mask(c.mask);
+        world.rawPriceFile(c.file);
+        const RunSummary summary = world.run();
+        EXPECT_EQ(summary.records, c.records);
+        EXPECT_EQ(summary.records, summary.newProducts + summary.changed + summary.skipped);
+        EXPECT_TRUE(summary.completed);
+        EXPECT_EQ(world.rows("Produkt", "Nummer, Benämning"), c.expected);
+    }
+}
+
+TEST(BadFiles, TextsThatLookLikeStatements) {
+    World world;
+    world.mask({.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Alternativ 1"}, {3, "0", 'R'}}});
+    world.add("Leverantör", {{"Nummer", "L1"}});
+    world.job.supplier = "L1";
+    const std::string nasty = "O'Neil \"x\" #1; --";
+    std::string file = nasty;
+    file += "\t" + nasty + "\t'\"#\r\n";
+    file += nasty + "\tnext\t'\"#\r\n";
+    world.priceFile(file);
+    const RunSummary summary = world.run();
+    EXPECT_EQ(summary.newProducts, 1);
+    EXPECT_EQ(summary.changed, 1);
+    EXPECT_EQ(world.rows("Produkt", "Nummer"), nasty + "\n");
+    EXPECT_EQ(world.rows("Prodaltprodnr", "Produktnr, Alternativnr"), nasty + " next\n");
+    EXPECT_TRUE(world.port.passedOver.empty());
+}
+
+}  // namespace
+}  // namespace kolmera::test

@@ -1,0 +1,130 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <thread>
+
+#include "support/world.h"
+
+namespace kolmera::test {
+namespace {
+
+using ::testing::IsEmpty;
+
+/// Another session that writes to the company until it is told to let go.
+class Occupier {
+  public:
+    explicit Occupier(const World& world) : database_(world.open()) {
+        database_->begin();
+        database_->execute("UPDATE Syinställningar SET Produktnummer = '1'");
+    }
+    void letGo() { database_->commit(); }
+
+  private:
+    std::unique_ptr<Database> database_;
+};
+
+struct BusyWorld : World {
+    BusyWorld() {
+        mask({.relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}});
+        priceFile("A\t5\r\n");
+    }
+};
+
+TEST(LockedCompany, IsWaitedFor) {
+    BusyWorld world;
+    Occupier other(world);
+    int waits = 0;
+    world.port.onEvents = [&] {
+        if (++waits == 20) other.letGo();
+    };
+    const RunSummary summary = world.run();
+    EXPECT_TRUE(summary.completed);
+    EXPECT_GE(waits, 20) << "the run did not wait";
+    EXPECT_EQ(world.rows("Produkt", "Nummer, Vikt"), "A 5\n");
+    EXPECT_THAT(world.port.passedOver, IsEmpty());
+    EXPECT_THAT(world.port.statuses, ::testing::Contains(world.texts().ModulTextMed("KMR", 114, "Ftg1.Mdb")));
+}
+
+TEST(LockedCompany, CancelEndsTheWait) {
+    BusyWorld world;
+    const Occupier other(world);
+    int waits = 0;
+    world.port.onEvents = [&] {
+        if (++waits == 20) world.port.pressCancel();
+    };
+    const RunSummary summary = world.run();
+    EXPECT_TRUE(summary.cancelled);
+    EXPECT_FALSE(summary.completed);
+    EXPECT_EQ(summary.records, 0);
+}
+
+TEST(BrokenCompany, ATableThatIsMissingEndsTheRun) {
+    BusyWorld world;
+    world.open()->execute("DROP TABLE Prodaltprodnr");
+    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 20),
+                               world.texts().ModulText("KMR", 110));
+    EXPECT_FALSE(world.run().completed);
+}
+
+/// Thousands of records with long texts, into a company that has no room for them.
+struct TightWorld : World {
+    TightWorld() {
+        mask({.relations = {{1, "Nummer", 'S'}, {2, "Anteckning"}}});
+        std::string file;
+        for (int line = 0; line < 4000; ++line) file += std::to_string(line) + "\t" + std::string(4000, 'x') + "\r\n";
+        rawPriceFile(file);
+        // So slow that batches reach the disk before it is full.
+        port.onEvents = [] { std::this_thread::sleep_for(std::chrono::milliseconds(30)); };
+    }
+    /// What the run kept is whole batches, and fewer than all records.
+    void expectWholeBatches(const RunSummary& summary) const {
+        EXPECT_FALSE(summary.completed);
+        EXPECT_LT(summary.records, 4000);
+        const std::string numbers = rows("Produkt", "Nummer");
+        const auto kept = std::ranges::count(numbers, '\n');
+        EXPECT_GT(kept, 0);
+        EXPECT_LE(kept, summary.records);
+        EXPECT_EQ(kept % 25, 0) << kept << " products";
+    }
+};
+
+TEST(FullDisk, KeepsWholeBatches) {
+    TightWorld world;
+    const TemporaryFolder small;
+    if (mount("tmpfs", small.path().c_str(), "tmpfs", 0, "size=4m") != 0) {
+        GTEST_SKIP() << "a small disk cannot be mounted here: " << std::strerror(errno);
+    }
+    const std::filesystem::path company = small / "FTG1.mdb";
+    std::filesystem::copy_file(world.company(), company);
+    std::filesystem::remove(world.company());
+    std::filesystem::create_symlink(company, world.company());
+    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 112, "").substr(0, 15),
+                               world.texts().ModulText("KMR", 110));
+    world.expectWholeBatches(world.run());
+    EXPECT_EQ(umount2(small.path().c_str(), MNT_DETACH), 0);
+}
+
+TEST(FullDisk, AFileThatMayNotGrow) {
+    TightWorld world;
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    rlimit tight = old;
+    tight.rlim_cur = 2'000'000;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tight), 0);
+    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 15),
+                               world.texts().ModulText("KMR", 110));
+    const RunSummary summary = world.run();
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &old), 0);
+    std::signal(SIGXFSZ, oldHandler);
+    world.expectWholeBatches(summary);
+}
+
+}  // namespace
+}  // namespace kolmera::test

@@ -1,0 +1,216 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "import/dispatcher.h"
+#include "support/world.h"
+
+namespace kolmera::test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::Not;
+
+const MaskSpec kSimple{.relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}};
+
+std::string priceLines(int count) {
+    std::string text;
+    for (int line = 1; line <= count; ++line) text += "N" + std::to_string(line) + "\t5\r\n";
+    return text;
+}
+
+std::size_t lines(const std::string& rows) { return static_cast<std::size_t>(std::ranges::count(rows, '\n')); }
+
+TEST(Confirmation, SaysWhatIsGoingToBeRead) {
+    const struct {
+        const char* fault;
+        const char* command;
+        const char* priceFile;
+        bool diskette;
+    } cases[] = {
+        {"a plain file", "", "pris.txt", false},
+        {"a file on a diskette", "", "a:\\pris.txt", true},
+        {"a name that begins with A", "", "Apris.txt", false},
+        {"a command", "true", "A:\\pris.txt", false},
+        {"a command on a diskette", "B:\\pris.exe", "pris.txt", true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        World world;
+        world.mask(kSimple);
+        world.job.command = c.command;
+        world.job.priceFile = c.priceFile;
+        world.port.confirmation.confirmed = false;
+        world.run();
+        ASSERT_EQ(world.port.confirmations.size(), 1U);
+        const Confirmation& asked = world.port.confirmations[0];
+        EXPECT_EQ(asked.captionSuffix, " Test");
+        EXPECT_EQ(asked.emptyTablesSuffix, " Ftg1.Mdb");
+        EXPECT_FALSE(asked.tradeFormat);
+        LanguageTexts& texts = world.texts();
+        const char* heading = "Testbolaget (Ftg1.Mdb)";
+        std::string expected = *c.command ? texts.FormulärSträngMed3("PrisMain", 39, c.command, c.priceFile, heading)
+                                          : texts.FormulärSträngMed2("PrisMain", 40, c.priceFile, heading);
+        expected += "\r\n\r\n";
+        const std::string letter = *c.command ? "B" : "A";
+        if (c.diskette) expected += texts.FormulärSträngMed1("PrisMain", 41, letter) + world.text(42);
+        EXPECT_EQ(asked.runText, expected);
+    }
+}
+
+TEST(Preparation, RunsBesideTheProgram) {
+    const struct {
+        const char* fault;
+        const char* command;
+        const char* folder;  // in which the price file is made
+    } cases[] = {
+        {"not in Filer", "printf 'A\\t5\\r\\n' > pris.txt", "program/Filer"},
+        {"a command that names Filer itself does not run above it", "printf 'A\\t5\\r\\n' > pris.txt # \\filer",
+         "program"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        World world;
+        world.mask(kSimple);
+        world.job.command = c.command;
+        EXPECT_TRUE(world.run().completed);
+        EXPECT_TRUE(std::filesystem::exists(world.data().parent_path() / c.folder / "pris.txt"));
+        EXPECT_FALSE(std::filesystem::exists(world.data().parent_path() / c.folder / "EXPA@#01.BAT"));
+        EXPECT_EQ(world.rows("Produkt", "Nummer"), "A\n");
+        EXPECT_THAT(world.port.statuses, Contains(world.text(22) + " " + c.command + " ..."));
+    }
+}
+
+TEST(Preparation, UsesTheDataFolderWhenTheProgramCannotBeWritten) {
+    World world;
+    world.mask(kSimple);
+    std::ofstream(world.data() / "file") << "no folder";
+    world.state.ProgramMapp = (world.data() / "file" / "program" / "").string();
+    world.priceFile("A\t5\r\n");
+    world.job.command = "printf 'A\\t7\\r\\n' > ../pris.txt";
+    world.run();
+    EXPECT_EQ(world.rows("Produkt", "Nummer, Vikt"), "A 7\n");
+}
+
+TEST(Preparation, CancelEndsTheWaitAndThenTheRun) {
+    World world;
+    world.mask(kSimple);
+    world.priceFile(priceLines(60));
+    world.job.command = "sleep 2";
+    world.port.cancelAtStatus = world.text(22) + " sleep 2 ...";
+    const RunSummary summary = world.run();
+    EXPECT_TRUE(summary.completed);
+    EXPECT_TRUE(summary.cancelled);
+    EXPECT_EQ(summary.records, 25) << "the file is not read, or to its end";
+}
+
+TEST(Progress, IsShownEvery25Records) {
+    World world;
+    world.mask(kSimple);
+    const std::string label = world.text(29) + " ";
+    world.priceFile(priceLines(24));
+    world.run();
+    EXPECT_THAT(world.port.statuses, ElementsAre(world.text(20), world.text(28)));
+    world.priceFile(priceLines(60));
+    world.port.statuses.clear();
+    world.run();
+    EXPECT_THAT(world.port.statuses, ElementsAre(world.text(20), world.text(28), label + "25 ....", label + "50 ...."));
+}
+
+TEST(Cancel, KeepsWhatWasRead) {
+    World world;
+    world.mask(kSimple);
+    world.priceFile(priceLines(60));
+    world.port.cancelAtStatus = world.text(29) + " 50 ....";
+    const RunSummary summary = world.run();
+    EXPECT_TRUE(summary.cancelled);
+    EXPECT_TRUE(summary.completed);
+    EXPECT_EQ(summary.records, 50);
+    EXPECT_EQ(lines(world.rows("Produkt", "Nummer")), 50U);
+
+    world.port.cancelAtStatus.clear();
+    EXPECT_FALSE(world.run().cancelled) << "the Cancel of the run before counts";
+    EXPECT_EQ(lines(world.rows("Produkt", "Nummer")), 60U);
+}
+
+struct FullWorld : World {
+    FullWorld() {
+        const auto database = open();
+        database->begin();
+        fill(*database, "Produkt", "Nummer", 60);
+        fill(*database, "Levprislista", "Produktnr", 110);
+        fill(*database, "Prodaltprodnr", "Produktnr", 110);
+        database->commit();
+        mask({.relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}});
+        priceFile("A\t5\r\n");
+        port.confirmation.emptyTables = true;
+    }
+    static void fill(Database& database, std::string_view table, std::string_view column, int count) {
+        const auto rows = database.open(table, RecordsetType::Table);
+        for (int row = 1; row <= count; ++row) {
+            rows->addNew();
+            rows->set(column, "N" + std::to_string(row));
+            rows->update();
+        }
+    }
+    [[nodiscard]] std::vector<std::size_t> counts() const {
+        return {lines(rows("Produkt", "Nummer")), lines(rows("Levprislista", "Produktnr")),
+                lines(rows("Prodaltprodnr", "Produktnr"))};
+    }
+};
+
+TEST(EmptyTables, DeletesAllThree) {
+    FullWorld world;
+    const RunSummary summary = world.run();
+    EXPECT_TRUE(world.port.confirmations.at(0).emptyTablesEnabled);
+    EXPECT_EQ(summary.newProducts, 1);
+    EXPECT_THAT(world.counts(), ElementsAre(1U, 0U, 0U));
+    EXPECT_THAT(world.port.statuses,
+                ElementsAre(world.text(20), world.text(50), world.text(51) + " 25 ....", world.text(51) + " 50 ....",
+                            world.text(52), world.text(53) + " 50 ....", world.text(53) + " 100 ....", world.text(54),
+                            world.text(55) + " 50 ....", world.text(55) + " 100 ....", world.text(28)));
+}
+
+TEST(EmptyTables, CancelReadsNothing) {
+    const struct {
+        const char* fault;
+        int label;
+        const char* count;
+        std::vector<std::size_t> left;
+    } cases[] = {{"goes on with the products or with the next table", 51, " 25 ....", {35, 110, 110}},
+                 {"goes on with the price list", 53, " 50 ....", {0, 60, 110}},
+                 {"goes on with the alternatives", 55, " 100 ....", {0, 0, 10}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        FullWorld world;
+        world.port.cancelAtStatus = world.text(c.label) + c.count;
+        const RunSummary summary = world.run();
+        EXPECT_TRUE(summary.cancelled);
+        EXPECT_EQ(summary.records, 0);
+        EXPECT_EQ(world.counts(), c.left);
+    }
+}
+
+TEST(EmptyTables, NotWithoutProducts) {
+    World world;
+    world.add("Levprislista", {{"Produktnr", "A"}});
+    world.mask(kSimple);
+    world.priceFile("A\t5\r\n");
+    world.port.confirmation.emptyTables = true;
+    world.run();
+    EXPECT_FALSE(world.port.confirmations.at(0).emptyTablesEnabled);
+    EXPECT_EQ(lines(world.rows("Levprislista", "Produktnr")), 1U);
+}
+
+TEST(Dispatcher, JobNumberZeroRunsNothing) {
+    World world;
+    MessageBoxes boxes(world.port, {});
+    CompanyRegister companies(world.state, world.texts(), boxes);
+    ImportContext context{world.state, world.texts(), boxes, companies, world.port, world.Idag, 0};
+    EXPECT_FALSE(Utför(context, "Test").completed);
+}
+
+}  // namespace
+}  // namespace kolmera::test
