@@ -1,10 +1,9 @@
-#include "import/joblist.h"
-
 #include <sys/stat.h>
 
 #include <ctime>
 
-#include "import/pricefilepath.h"
+#include "definitions/pricefilepath.h"
+#include "import/joblist.h"
 
 namespace kolmera {
 namespace {

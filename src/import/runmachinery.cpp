@@ -1,13 +1,12 @@
-#include "import/runmachinery.h"
-
 #include <chrono>
 #include <thread>
 #include <utility>
 
 #include "db/conversions.h"
+#include "definitions/pricefilepath.h"
 #include "import/batchtransaction.h"
 #include "import/preparation.h"
-#include "definitions/pricefilepath.h"
+#include "import/runmachinery.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 

@@ -1,4 +1,4 @@
-#include "import/pricefilepath.h"
+#include "definitions/pricefilepath.h"
 
 #include "platform/lettercase.h"
 
