@@ -34,7 +34,6 @@ bool VisaFormulär(Program& program, QWidget& form, bool modal) {
         {
             const Hourglass loading(program.boxes.port());
             form.ensurePolished();
-            form.adjustSize();
         }
         auto* dialog = dynamic_cast<QDialog*>(&form);
         if (modal && dialog != nullptr) {

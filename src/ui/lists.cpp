@@ -94,6 +94,11 @@ void SorteraKolumn(QTreeView& list, int column) {
     list.sortByColumn(column, reverse ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
+void sortByHeaderClicks(QTreeView& list) {
+    list.header()->setSortIndicator(kNone, Qt::AscendingOrder);
+    list.setSortingEnabled(true);
+}
+
 void setTabStops(QAbstractItemView& list, std::vector<int> dialogUnits) {
     list.setItemDelegate(new TabStopDelegate(list, std::move(dialogUnits)));
 }

@@ -37,6 +37,8 @@ void VäljListradEfterKod(QComboBox& list, std::string_view code);
 
 /// Sorts by a column: ascending, or in reverse when the list is sorted by it already.
 void SorteraKolumn(QTreeView& list, int column);
+/// Lets clicks on the column headers do the same; the list begins unsorted.
+void sortByHeaderClicks(QTreeView& list);
 
 /// Lets a list show the tabs of its rows as columns. A stop is given in dialog units, a quarter of the average letter's
 /// width each; a column that is wider than its stops pushes the following ones to the right, so that nothing is cut.

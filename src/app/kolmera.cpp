@@ -1,0 +1,105 @@
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
+#include <exception>
+#include <filesystem>
+
+#include "import/prismain.h"
+#include "platform/systemuser.h"
+#include "signin/loggain.h"
+#include "signin/signin.h"
+#include "startup/startup.h"
+#include "ui/forms.h"
+#include "ui/qtmessageport.h"
+#include "ui/qttext.h"
+#if __has_include("definitions/prisstyr.h")
+#include "definitions/prisstyr.h"
+#endif
+#if __has_include("discounts/prisrab.h")
+#include "discounts/prisrab.h"
+#endif
+
+namespace kolmera {
+namespace {
+
+/// Tells of a fault of ours instead of ending the program: what is open can still be saved.
+class KolmeraApplication final : public QApplication {
+  public:
+    using QApplication::QApplication;
+    Program* program = nullptr;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::exception& fault) {
+            if (program == nullptr) throw;
+            program->boxes.MeddelandeVarning(program->texts.ModulTextMed("KMR", 255, fault.what()));
+            return true;
+        }
+    }
+};
+
+void openWindowsOfOthers([[maybe_unused]] Program& program) {
+#if __has_include("definitions/prisstyr.h")
+    program.showPrisStyr = [&program](QWidget* parent, int JobbNr, bool ÄrStandardJobb) {
+        return visaPrisStyr(program, parent, JobbNr, ÄrStandardJobb);
+    };
+#endif
+#if __has_include("discounts/prisrab.h")
+    program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
+#endif
+}
+
+/// The window system's own texts (file dialogs) in the language of the program.
+void translateWindowSystem(QApplication& application, const LanguageTexts& texts) {
+    auto* translator = new QTranslator(&application);
+    const QString language = texts.language() == "EN" ? QStringLiteral("en") : QStringLiteral("sv");
+    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    for (const char* catalogue : {"qtbase_", "qt_"}) {
+        if (!translator->load(QLatin1String(catalogue) + language, folder)) continue;
+        QApplication::installTranslator(translator);
+        return;
+    }
+}
+
+int run(KolmeraApplication& application) {
+    std::error_code unknown;
+    const auto programFile = std::filesystem::read_symlink("/proc/self/exe", unknown);
+    StartState state(SettingsStore(SettingsStore::userFile()), Locale::ofUser());
+    LanguageTexts texts;
+    QtMessagePort port(texts);
+    MessageBoxes boxes(port, (programFile.parent_path() / "Dorvik.chm").string());
+    CompanyRegister companies(state, texts, boxes);
+    Program program{.state = state, .texts = texts, .boxes = boxes, .companies = companies};
+    application.program = &program;
+
+    bool signInCancelled = false;
+    startUp(state, texts, programFile.parent_path().string(), [&](StartState&) {
+        signIn(state, SystemUser::current(), [&](std::span<const User> users) {
+            Loggain form(program, users);
+            VisaFormulär(program, form, true);
+            signInCancelled = form.result() != QDialog::Accepted;
+        });
+    });
+    if (signInCancelled) return 0;
+    translateWindowSystem(application, texts);
+
+    cRegTool registry(state.settings);
+    program.theme = InitXP(DesktopFacts{}, registry);
+    openWindowsOfOthers(program);
+    PrisMain prisMain(program);
+    if (!VisaFormulär(program, prisMain, false)) return 1;
+    state.Svar = 1;
+    const int result = QApplication::exec();
+    application.program = nullptr;
+    return result;
+}
+
+}  // namespace
+}  // namespace kolmera
+
+int main(int argc, char** argv) {
+    QApplication::setApplicationName(QStringLiteral("Kolmera"));
+    kolmera::KolmeraApplication application(argc, argv);
+    return kolmera::run(application);
+}

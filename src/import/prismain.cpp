@@ -1,0 +1,247 @@
+#include "import/prismain.h"
+
+#include <QCloseEvent>
+#include <QEvent>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTreeView>
+#include <QVBoxLayout>
+#include <array>
+#include <string>
+
+#include "import/dispatcher.h"
+#include "import/jobicons.h"
+#include "import/joblistmodel.h"
+#include "import/runpanel.h"
+#include "platform/attempt.h"
+#include "ui/forms.h"
+#include "ui/keys.h"
+#include "ui/lists.h"
+#include "ui/qttext.h"
+#include "ui/ucfadeline.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kForm = "PrisMain";
+constexpr std::array<const char*, JobTable::kColumns> kDesignedHeaders{"Inläsning", "Typ", "Prisfil", "Fildatum"};
+constexpr int kDeleteText = 23;
+constexpr int kSaveFailedText = 124;  ///< of the program's own module
+
+QPushButton* button(QWidget& form, const char* name, const char* caption) {
+    auto* made = new QPushButton(QString::fromUtf8(caption), &form);
+    made->setObjectName(QString::fromUtf8(name));
+    return made;
+}
+
+}  // namespace
+
+PrisMain::PrisMain(Program& program)
+    : program_(program),
+      Idag_(Date::today()),
+      jobs_(program.state.locale),
+      model_(new JobListModel(jobs_, this)),
+      lista_(new QTreeView(this)),
+      runPanel_(new RunPanel(program, this)) {
+    setObjectName(toQt(kForm));
+    setWindowTitle(QStringLiteral("Kolmera - Inläsning av prisfiler"));
+    buildControls();
+    buildList();
+    layOut();
+    loadForm(program_, *this);
+    nameColumns();
+    drawIcons();
+    FyllJobbLista(0);
+    setSizes();
+    centreOnScreen(*this);
+}
+
+void PrisMain::buildControls() {
+    ny_ = button(*this, "Ny", "&Ny inläsning...");
+    öppna_ = button(*this, "Öppna", "&Öppna inläsning...");
+    taBort_ = button(*this, "TaBort", "&Ta bort inläsning");
+    utför_ = button(*this, "Utför", "&Utför...");
+    rabattbrev_ = button(*this, "CmdRabattbrev", "&Rabattbrev...");
+    avsluta_ = button(*this, "Avsluta", "&Avsluta");
+    connect(ny_, &QPushButton::clicked, this, [this] { ny(); });
+    connect(öppna_, &QPushButton::clicked, this, [this] { öppna(); });
+    connect(taBort_, &QPushButton::clicked, this, [this] { taBort(); });
+    connect(utför_, &QPushButton::clicked, this, [this] { utför(); });
+    connect(rabattbrev_, &QPushButton::clicked, this, [this] { rabattbrev(); });
+    connect(avsluta_, &QPushButton::clicked, this, [this] { close(); });
+    pressOnKey(*this, QKeySequence(Qt::Key_F9), *taBort_);
+    pressOnKey(*this, QKeySequence(Qt::Key_F12), *avsluta_);
+    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, [this] {
+        if (running_) runPanel_->cancel();
+    });
+    runPanel_->onRunMode = [this] { centreOnScreen(*this); };
+    runPanel_->onOpenJobSettings = [this] { öppna(); };
+}
+
+void PrisMain::buildList() {
+    lista_->setObjectName(QStringLiteral("Lista"));
+    lista_->setToolTip(QStringLiteral("Inläsningar"));
+    lista_->setModel(model_);
+    lista_->setRootIsDecorated(false);
+    lista_->setUniformRowHeights(true);
+    lista_->setAllColumnsShowFocus(true);
+    lista_->setTextElideMode(Qt::ElideMiddle);
+    lista_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    QHeaderView& header = *lista_->header();
+    header.setStretchLastSection(false);
+    header.setSectionResizeMode(JobTable::kPriceFile, QHeaderView::Stretch);
+    sortByHeaderClicks(*lista_);
+    connect(lista_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this](const QModelIndex& row) {
+        jobs_.select(row.row());
+        present();
+    });
+    connect(lista_, &QTreeView::doubleClicked, this, [this] { öppna(); });
+    for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* shortcut = new QShortcut(enter, lista_);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, [this] { öppna(); });
+    }
+}
+
+void PrisMain::nameColumns() {
+    std::array<QString, JobTable::kColumns> headers;
+    for (std::size_t column = 0; column < headers.size(); ++column) {
+        const std::string text = program_.texts.FormulärSträng(kForm, static_cast<int>(column) + 1);
+        headers.at(column) = text.empty() ? QString::fromUtf8(kDesignedHeaders.at(column)) : toQt(text);
+    }
+    model_->setHeaders(headers);
+}
+
+void PrisMain::setSizes() {
+    constexpr int kNameLetters = 32, kWindowLetters = 120, kWindowLines = 28;
+    const QFontMetrics metrics = fontMetrics();
+    lista_->setColumnWidth(JobTable::kName, kNameLetters * metrics.averageCharWidth());
+    for (const int column : {JobTable::kKind, JobTable::kFileState}) lista_->resizeColumnToContents(column);
+    resize(kWindowLetters * metrics.averageCharWidth(), kWindowLines * metrics.lineSpacing());
+}
+
+void PrisMain::layOut() {
+    auto* buttons = new QVBoxLayout;
+    for (QPushButton* each : {ny_, öppna_, taBort_}) buttons->addWidget(each);
+    buttons->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing) * 2);
+    buttons->addWidget(utför_);
+    buttons->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing) * 2);
+    buttons->addWidget(rabattbrev_);
+    buttons->addStretch(1);
+    buttons->addWidget(avsluta_);
+    auto* upper = new QHBoxLayout;
+    upper->addWidget(lista_, 1);
+    upper->addLayout(buttons);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(upper, 1);
+    layout->addWidget(new UCFadeLine(this));
+    layout->addWidget(runPanel_);
+}
+
+void PrisMain::drawIcons() {
+    model_->setIcons(maskJobIcon(palette()), tradeFormatJobIcon(palette()));
+    setWindowIcon(maskJobIcon(palette()));
+}
+
+void PrisMain::FyllJobbLista(int JobbNr) {
+    const StartState& state = program_.state;
+    const std::filesystem::path programFolder = state.programFolder();
+    std::vector<JobRow> rows;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "FyllJobbLista", [&] {
+        rows = jobRows(program_.texts, {.drives = state.drives,
+                                        .dataFolder = state.dataFolder(),
+                                        .programFolder = programFolder,
+                                        .locale = state.locale});
+    });
+    model_->fill(std::move(rows), JobbNr, state.settings.get("Start", "Kolmera"));
+    showSelection();
+    present();
+}
+
+// The view shows the row that the table has selected.
+void PrisMain::showSelection() { selectRow(*lista_, jobs_.selected()); }
+
+// The one place that enables: while a run is on, only its Cancel button acts.
+void PrisMain::present() {
+    lista_->setEnabled(!running_);
+    ny_->setEnabled(!running_);
+    öppna_->setEnabled(!running_ && jobs_.canOpen());
+    taBort_->setEnabled(!running_ && jobs_.canDelete());
+    utför_->setEnabled(!running_ && jobs_.canRun());
+    rabattbrev_->setEnabled(!running_);
+    avsluta_->setEnabled(!running_);
+}
+
+void PrisMain::ny() { openSettings(0, false); }
+
+void PrisMain::öppna() {
+    if (jobs_.canOpen()) openSettings(jobs_.JobbNr(), ÄrStandardFormat(jobs_.jobName()));
+}
+
+void PrisMain::openSettings(int JobbNr, bool ÄrStandardJobb) {
+    if (!program_.showPrisStyr) return;
+    if (const auto saved = program_.showPrisStyr(this, JobbNr, ÄrStandardJobb)) FyllJobbLista(*saved);
+}
+
+void PrisMain::taBort() {
+    if (!jobs_.canDelete()) return;
+    const std::string title = program_.texts.FormulärSträng(kForm, kDeleteText);
+    const std::string name = jobs_.jobName();
+    if (program_.boxes.MeddelandeJaNejNej(title + " " + name + " ?", title) != Answer::Yes) return;
+    try {
+        JobFile(program_.state.dataFolder()).remove(name);
+    } catch (const PlatformError& error) {
+        program_.boxes.MeddelandeVarning(
+            program_.texts.ModulText("KMR", kSaveFailedText) + " KOLMERA.TXT.\r\n\r\n" + error.description(), title);
+    }
+    FyllJobbLista(0);
+}
+
+void PrisMain::utför() {
+    if (!jobs_.canRun() || running_) return;
+    ImportContext context{.state = program_.state,
+                          .texts = program_.texts,
+                          .boxes = program_.boxes,
+                          .companies = program_.companies,
+                          .port = *runPanel_,
+                          .Idag = Idag_,
+                          .JobbNr = jobs_.JobbNr()};
+    running_ = true;
+    present();
+    runPanel_->clearCancel();
+    Utför(context, jobs_.jobName());
+    running_ = false;
+    if (runPanel_->isVisible()) runPanel_->runMode(false);
+    present();
+    lista_->setFocus();
+    if (closeAfterRun_) close();
+}
+
+void PrisMain::rabattbrev() {
+    if (program_.showPrisRab) program_.showPrisRab(this, jobs_.JobbNr());
+}
+
+void PrisMain::closeEvent(QCloseEvent* event) {
+    if (running_) {
+        // The run is cancelled first; what it has read is closed properly.
+        runPanel_->cancel();
+        closeAfterRun_ = true;
+        event->ignore();
+        return;
+    }
+    if (const std::string name = jobs_.jobName(); !name.empty()) {
+        PassedOverSilently passedOver;
+        attempt(passedOver, "Kolmera", [&] { program_.state.settings.set("Start", "Kolmera", name); });
+    }
+    program_.texts.StängSpråk();
+    QWidget::closeEvent(event);
+}
+
+void PrisMain::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) drawIcons();
+    QWidget::changeEvent(event);
+}
+
+}  // namespace kolmera

@@ -1,0 +1,10 @@
+#include "import/prisutfo.h"
+
+namespace kolmera {
+
+PrisUtfö::PrisUtfö(Program& program, const Confirmation& confirmation, QWidget* parent)
+    : ConfirmationForm(program, "PrisUtfö", confirmation, parent) {
+    load(confirmation);
+}
+
+}  // namespace kolmera
