@@ -261,7 +261,7 @@ Date dateOf(const Value& value, const Locale& locale) {
 
 /// The plain text of a Boolean or whole number.
 std::string plainText(const Value& value, const Locale& locale) {
-    const std::string text = TillText(value, locale);
+    std::string text = TillText(value, locale);
     if (!equalNoCase(text, "True") && !equalNoCase(text, "False")) numberOf(value, locale);
     return text;
 }

@@ -4,6 +4,7 @@
 
 #include "lang/wordtable.h"
 #include "platform/error.h"
+#include "platform/restrictedpath.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera::test {
@@ -88,13 +89,10 @@ TEST_F(LanguageTextsTest, MissingFilesGiveEmptyTexts) {
 
 TEST_F(LanguageTextsTest, TwoProgramsReadAtOnceEvenWithoutTheRightToWrite) {
     LanguageTexts second;
-    std::filesystem::permissions(folder.path(),
-                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    const RestrictedPath readOnly(folder.path(), 0555);
     second.ÖppnaSpråk(folder.path(), {});
     EXPECT_EQ(second.ResText(228), "Två\r\nrader");
     EXPECT_EQ(texts.ResText(228), "Två\r\nrader");
-    second.StängSpråk();
-    std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_all);
 }
 
 TEST(LanguageBuild, RefusesMalformedTables) {

@@ -21,18 +21,21 @@ namespace fs = std::filesystem;
 
 const fs::path kSource(KOLMERA_SOURCE_DIR);
 
-/// A look-up whose name or number is not written in the call.
+/// An argument of a look-up that is not written in the call, and the values that it takes; none in a wrapper, whose
+/// callers are searched themselves, or whose forms name their own texts.
 struct Indirect {
     const char* file;
     const char* argument;
-    std::vector<int> numbers;  ///< empty for a wrapper: its callers are searched, or the forms name their own texts
+    std::vector<std::string> values;
 };
 const std::vector<Indirect> kIndirect = {
     {"src/cli/session.h", "number", {}},
-    {"src/cli/newcommand.cpp", "doneText", {230, 231}},
-    {"src/cli/runcommand.cpp", "line.label", {201, 202, 203, 204, 205, 206, 207, 208}},
-    {"src/ui/qtmessageport.cpp", "row.text", {140, 141, 142, 143}},
-    {"src/ui/qtmessageport.cpp", "kOK.text", {140}},
+    {"src/cli/newcommand.cpp", "doneText", {"230", "231"}},
+    {"src/cli/runcommand.cpp", "line.label", {"201", "202", "203", "204", "205", "206", "207", "208"}},
+    {"src/import/confirmationform.cpp", "form", {"PrisUtfö", "PrisUtFa"}},
+    {"src/import/prismain.cpp", "static_cast<int>(column) + 1", {"1", "2", "3", "4"}},
+    {"src/ui/qtmessageport.cpp", "row.text", {"140", "141", "142", "143"}},
+    {"src/ui/qtmessageport.cpp", "kOK.text", {"140"}},
     {"src/ui/translation.cpp", "fromQt(form.objectName())", {}},
     {"src/ui/translation.cpp", "controlKey(formOf(control), control)", {}},
 };
@@ -101,8 +104,16 @@ struct SourceFile {
         if (std::regex_match(argument, match, std::regex("\"(.*)\""))) return match[1];
         if (std::regex_match(argument, std::regex("[0-9]+"))) return argument;
         if (!std::regex_match(argument, std::regex("k[A-Za-z0-9_\x80-\xff]+"))) return std::nullopt;
-        const std::regex constant(R"(constexpr [A-Za-z_:* ]+[ *])" + argument + R"((?:\[\])? ?[={] ?"?([^";}]*))");
+        const std::regex constant("constexpr [^;]*\\b" + argument + R"((?:\[\])? ?[={] ?"?([^",;}]*))");
         return std::regex_search(constants, match, constant) ? std::optional<std::string>(match[1]) : std::nullopt;
+    }
+    /// Every value that an argument takes; nothing when that cannot be read.
+    std::optional<std::vector<std::string>> valuesOf(const std::string& argument) const {
+        if (const auto value = valueOf(argument)) return std::vector{*value};
+        for (const Indirect& row : kIndirect) {
+            if (row.file == name && row.argument == argument) return row.values;
+        }
+        return std::nullopt;
     }
     std::string name, text, constants;
 };
@@ -135,28 +146,19 @@ struct Asked {
     std::vector<std::string> unreadable;
 
     void add(const SourceFile& source, const LookUp& lookUp, std::vector<std::string> arguments) {
-        std::string name = lookUp.name;
-        if (lookUp.named) {
-            const auto value = source.valueOf(arguments.front());
-            if (!value) return addIndirect(source, lookUp, name, arguments.front());
-            name = *value;
-            arguments.erase(arguments.begin());
-        }
         const bool numbered = lookUp.key != Key::Form && lookUp.key != Key::Literal;
-        const std::string number = numbered && !arguments.empty() ? arguments.front() : "0";
-        const auto value = source.valueOf(number);
-        if (!value) return addIndirect(source, lookUp, name, number);
-        keys.insert(keyOf(lookUp.key, name, std::stoi(*value)));
-    }
-    void addIndirect(const SourceFile& source, const LookUp& lookUp, const std::string& name,
-                     const std::string& argument) {
-        const auto row = std::ranges::find_if(
-            kIndirect, [&](const Indirect& known) { return known.file == source.name && known.argument == argument; });
-        if (row == kIndirect.end()) return note(source, lookUp, argument);
-        for (const int number : row->numbers) keys.insert(keyOf(lookUp.key, name, number));
-    }
-    void note(const SourceFile& source, const LookUp& lookUp, const std::string& argument) {
-        unreadable.push_back(source.name + ": " + lookUp.function + " is given " + argument);
+        arguments.resize(2);
+        const std::string name = lookUp.named ? arguments[0] : '"' + std::string(lookUp.name) + '"';
+        const std::string number = numbered ? arguments[lookUp.named ? 1 : 0] : "0";
+        const auto names = source.valuesOf(name);
+        const auto numbers = source.valuesOf(number);
+        if (!names || !numbers) {
+            unreadable.push_back(source.name + ": " + lookUp.function + " is given " + (names ? number : name));
+            return;
+        }
+        for (const std::string& one : *names) {
+            for (const std::string& text : *numbers) keys.insert(keyOf(lookUp.key, one, std::stoi(text)));
+        }
     }
 };
 
