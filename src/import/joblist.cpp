@@ -1,9 +1,10 @@
+#include "import/joblist.h"
+
 #include <sys/stat.h>
 
 #include <ctime>
 
 #include "definitions/pricefilepath.h"
-#include "import/joblist.h"
 
 namespace kolmera {
 namespace {

@@ -1,3 +1,5 @@
+#include "import/runmachinery.h"
+
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -6,7 +8,6 @@
 #include "definitions/pricefilepath.h"
 #include "import/batchtransaction.h"
 #include "import/preparation.h"
-#include "import/runmachinery.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
