@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "tradeformats/tradeworld.h"
 
 namespace kolmera::test {

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "tradeformats/tradeworld.h"
 
 namespace kolmera::test {
@@ -5,7 +7,7 @@ namespace {
 
 /// The texts of a FINFO line, with what is ordinary filled in.
 struct FinfoLine {
-    std::string_view code = "AB", article = "ART-1", product = "15001234", micronic = "", ean = "", name = "Penna",
+    std::string_view code = "AB", article = "ART-1", product = "15001234", micronic{}, ean{}, name = "Penna",
                      purchasePrice = "00010000", unit = "ST", date = "20260105", quantity = "00001000000",
                      packageUnit = "KRT", salesPrice = "00015000";
 };

@@ -1,5 +1,7 @@
 #include "import/tradeformats/linelayout.h"
 
+#include <gtest/gtest.h>
+
 #include "import/tradeformats/eio.h"
 #include "import/tradeformats/finfo.h"
 #include "import/tradeformats/rsk.h"

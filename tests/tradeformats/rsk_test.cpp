@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include <fstream>
 
 #include "platform/encodings.h"
