@@ -28,13 +28,24 @@ struct Indirect {
     const char* argument;
     std::vector<std::string> values;
 };
+
+std::vector<std::string> numbers(int first, int last) {
+    std::vector<std::string> values;
+    for (int number = first; number <= last; ++number) values.push_back(std::to_string(number));
+    return values;
+}
+
 const std::vector<Indirect> kIndirect = {
     {"src/cli/session.h", "number", {}},
     {"src/cli/newcommand.cpp", "doneText", {"230", "231"}},
-    {"src/cli/runcommand.cpp", "line.label", {"201", "202", "203", "204", "205", "206", "207", "208"}},
+    {"src/cli/runcommand.cpp", "line.label", numbers(201, 208)},
+    {"src/definitions/rulelists.cpp",
+     "number",
+     {"11", "12", "15", "20", "21", "25", "26", "31", "32", "33", "34", "35"}},
+    {"src/definitions/targetlist.cpp", "place", numbers(0, 155)},
     {"src/import/confirmationform.cpp", "form", {"PrisUtfö", "PrisUtFa"}},
-    {"src/import/prismain.cpp", "static_cast<int>(column) + 1", {"1", "2", "3", "4"}},
-    {"src/ui/qtmessageport.cpp", "row.text", {"140", "141", "142", "143"}},
+    {"src/import/prismain.cpp", "static_cast<int>(column) + 1", numbers(1, 4)},
+    {"src/ui/qtmessageport.cpp", "row.text", numbers(140, 143)},
     {"src/ui/qtmessageport.cpp", "kOK.text", {"140"}},
     {"src/ui/translation.cpp", "fromQt(form.objectName())", {}},
     {"src/ui/translation.cpp", "controlKey(formOf(control), control)", {}},
