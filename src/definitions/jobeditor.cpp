@@ -1,0 +1,227 @@
+#include "definitions/jobeditor.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "db/conversions.h"
+#include "definitions/pricefilepath.h"
+#include "platform/attempt.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kForm = "PrisStyr";
+constexpr std::string_view kModule = "KMR";
+constexpr int kCannotSave = 124;
+enum FormText {
+    kCaption = 2,
+    kCouplingCaption = 10,
+    kNoHeading = 15,
+    kNoSample = 20,
+    kNoSampleTitle = 21,
+    kNoFile = 30,
+    kNoCompany = 31,
+    kNoName = 32,
+    kReservedName = 33,
+    kNoMask = 34,
+    kAskToDeleteMask = 40,
+    kDeleteMaskTitle = 41
+};
+
+bool empty(const std::string& text) { return trimmed(text).empty(); }
+
+/// The company name and the database name of a row of the company list.
+std::pair<std::string, std::string> splitRow(const std::string& row) {
+    const auto tab = row.find('\t');
+    if (tab == std::string::npos) return {std::string(trimmed(row)), ""};
+    return {std::string(trimmed(std::string_view(row).substr(0, tab))),
+            std::string(trimmed(std::string_view(row).substr(tab + 1)))};
+}
+
+int rowOfDatabase(const std::vector<std::string>& rows, std::string_view database) {
+    const auto found = std::ranges::find_if(
+        rows, [&](const std::string& row) { return equalNoCase(splitRow(row).second, trimmed(database)); });
+    return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
+}
+
+}  // namespace
+
+JobEditor::JobEditor(StartState& state, LanguageTexts& texts, MessageBoxes& boxes, CompanyRegister& companies)
+    : couplings(texts, boxes, state.dataFolder()), state_(state), texts_(texts), boxes_(boxes), register_(companies) {}
+
+JobEditor::~JobEditor() { closeCompany(); }
+
+void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
+    tradeFormat_ = ÄrStandardJobb;
+    companyRows_ = register_.FyllFöretagsLista();
+    PassedOverSilently passedOver;
+    attempt(passedOver, "KOLMERA.TXT", [&] { job = JobFile(state_.dataFolder()).read(JobbNr).value_or(Job{}); });
+    couplings.setJob(job.name);
+    if (!tradeFormat_) {
+        readMasks();
+        const auto mask = std::ranges::find(masks_, job.mask, &Mask::Namn);
+        maskRow_ = mask == masks_.end() ? -1 : static_cast<int>(mask - masks_.begin());
+    }
+    const int row = rowOfDatabase(companyRows_, job.number == 0 ? state_.StandardFöretag : job.company);
+    if (row >= 0) chooseCompany(row);
+}
+
+std::string JobEditor::caption() const {
+    return job.number == 0 ? std::string() : texts_.FormulärSträng(kForm, kCaption) + job.name;
+}
+
+bool JobEditor::chooseCompany(int row) {
+    companyRow_ = row;
+    std::tie(companyName_, job.company) = splitRow(companyRows_.at(static_cast<std::size_t>(row)));
+    suppliers_.clear();
+    headings_.clear();
+    closeCompany();
+    if (!openCompany()) return false;
+    PassedOverSilently passedOver;
+    attempt(passedOver, job.company, [this] { readCompany(); });
+    return true;
+}
+
+bool JobEditor::openCompany() { return state_.sql.FtgDB != nullptr || register_.ÖppnaDatabas(job.company); }
+
+// What the company showed must go before it: another one may not be opened under open recordsets.
+void JobEditor::closeCompany() {
+    couplings.close();
+    state_.sql.FtgDB.reset();
+}
+
+void JobEditor::readCompany() {
+    if (!tradeFormat_) {
+        suppliers_ = readSuppliers(state_.sql);
+        return;
+    }
+    couplings.setCompany(state_.sql, job.company);
+    if (isFinfo()) readHeadings();
+}
+
+void JobEditor::readHeadings() {
+    headings_.push_back({0, texts_.FormulärSträng(kForm, kNoHeading)});
+    const auto records =
+        state_.sql.SQLÖppnaRs("SELECT * FROM Prodaltrubrik WHERE Rubrik IS NOT NULL AND Nummer < 100 ORDER BY Nummer",
+                              RecordsetType::Snapshot);
+    for (; !records->eof(); records->moveNext()) {
+        const int number = TillLng(records->value("Nummer"), state_.locale);
+        headings_.push_back(
+            {number, fmt::format(" {:2} {}", number, TillText(records->value("Rubrik"), state_.locale))});
+    }
+}
+
+int JobEditor::headingRow(int number) const {
+    const auto found = std::ranges::find(headings_, number, &HeadingChoice::number);
+    return found == headings_.end() ? 0 : static_cast<int>(found - headings_.begin());
+}
+
+std::string JobEditor::supplierCaption(std::string_view label) const {
+    if (companyRow_ < 0) return std::string(label);
+    return fmt::format("{} {} ({})", label, replaceAll(companyName_, "&", "&&"), properCase(job.company));
+}
+
+std::string JobEditor::couplingCaption() const {
+    const std::string company = companyRow_ < 0 ? "Dorvik" : companyName_;
+    return texts_.FormulärSträngMed1(kForm, kCouplingCaption, job.name) + company;
+}
+
+void JobEditor::readMasks() {
+    PassedOverSilently passedOver;
+    masks_.clear();
+    attempt(passedOver, "PRISMASK.TXT", [this] { masks_ = MaskFile(state_.dataFolder()).all(); });
+}
+
+void JobEditor::chooseMask(int row) { maskRow_ = row >= 0 && row < static_cast<int>(masks_.size()) ? row : -1; }
+
+void JobEditor::chooseSupplier(int row) {
+    if (row >= 0 && row < static_cast<int>(suppliers_.size())) {
+        job.supplier = suppliers_[static_cast<std::size_t>(row)].number;
+    }
+}
+
+bool JobEditor::canMakeMask() const { return companyRow_ >= 0 && !job.company.empty() && !empty(job.priceFile); }
+
+std::optional<std::filesystem::path> JobEditor::sampleForMask() {
+    if (!canMakeMask()) return std::nullopt;
+    const std::filesystem::path sample =
+        findPriceFile(job.priceFile, state_.drives, state_.dataFolder(), state_.programFolder());
+    std::error_code unreadable;
+    if (!std::filesystem::is_regular_file(sample, unreadable)) {
+        boxes_.MeddelandeVarning(texts_.FormulärSträngMed1(kForm, kNoSample, job.priceFile),
+                                 texts_.FormulärSträng(kForm, kNoSampleTitle));
+        return std::nullopt;
+    }
+    if (!openCompany()) return std::nullopt;
+    return sample;
+}
+
+void JobEditor::maskSaved(int number, bool isNew) {
+    readMasks();
+    if (isNew) chooseMask(number - 1);
+}
+
+void JobEditor::deleteMask() {
+    if (!canDeleteMask()) return;
+    const std::string name = masks_[static_cast<std::size_t>(maskRow_)].Namn;
+    if (boxes_.MeddelandeJaNejNej(texts_.FormulärSträngMed1(kForm, kAskToDeleteMask, name),
+                                  texts_.FormulärSträng(kForm, kDeleteMaskTitle)) != Answer::Yes) {
+        return;
+    }
+    try {
+        MaskFile(state_.dataFolder()).remove(name);
+    } catch (const PlatformError& error) {
+        const std::string title = texts_.ModulText(kModule, kCannotSave);
+        boxes_.MeddelandeVarning(title + " PRISMASK.TXT.\r\n\r\n" + error.description(), title);
+    }
+    maskRow_ = -1;
+    readMasks();
+}
+
+/// The text and the control of the first check that fails.
+std::optional<std::pair<int, JobEditor::Control>> JobEditor::missing() const {
+    const struct {
+        bool fails, inTradeFormat;
+        int text;
+        Control focus;
+    } checks[] = {
+        {empty(job.name), false, kNoName, Control::Namn},
+        {ÄrStandardFormat(trimmed(job.name)), false, kReservedName, Control::Namn},
+        {empty(job.priceFile), true, kNoFile, Control::FilNamn},
+        {maskRow_ < 0, false, kNoMask, Control::Mask_Lista},
+        {companyRow_ < 0, true, kNoCompany, Control::FTG_Lista},
+    };
+    for (const auto& check : checks) {
+        if (check.fails && (check.inTradeFormat || !tradeFormat_)) return std::pair(check.text, check.focus);
+    }
+    return std::nullopt;
+}
+
+JobEditor::Outcome JobEditor::save() {
+    if (const auto first = missing()) {
+        boxes_.MeddelandeInfo(texts_.FormulärSträng(kForm, first->first));
+        return {.focus = first->second};
+    }
+    if (!tradeFormat_) {
+        job.mask = masks_[static_cast<std::size_t>(maskRow_)].Namn;
+        job.kind.clear();
+        // A supplier of another company must not stay behind unseen.
+        if (state_.sql.FtgDB && chosenSupplier() < 0) job.supplier.clear();
+    }
+    if (!headings_.empty()) {
+        for (int* heading : {&job.heading1, &job.heading2}) {
+            *heading = headings_[static_cast<std::size_t>(headingRow(*heading))].number;
+        }
+    }
+    try {
+        return {.JobbNr = JobFile(state_.dataFolder()).save(job)};
+    } catch (const PlatformError& error) {
+        const std::string title = texts_.ModulText(kModule, kCannotSave);
+        boxes_.MeddelandeVarning(title + " KOLMERA.TXT.\r\n\r\n" + error.description(), title);
+        return {};
+    }
+}
+
+}  // namespace kolmera

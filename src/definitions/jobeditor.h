@@ -1,0 +1,103 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "definitions/couplingeditor.h"
+#include "definitions/jobfile.h"
+#include "definitions/maskfile.h"
+#include "definitions/supplierlist.h"
+#include "startup/company.h"
+
+namespace kolmera {
+
+/// An alternative-number heading that FINFO can write to; 0 is none.
+struct HeadingChoice {
+    int number = 0;
+    std::string text;
+};
+
+/// What the job window shows and does, without its window. Rows are counted from 0, -1 is none. `open` first.
+class JobEditor {
+  public:
+    JobEditor(StartState& state, LanguageTexts& texts, MessageBoxes& boxes, CompanyRegister& companies);
+    /// Closes the company database.
+    ~JobEditor();
+    JobEditor(const JobEditor&) = delete;
+    JobEditor& operator=(const JobEditor&) = delete;
+
+    /// Begins with the job of that number, 0 for a new one, and chooses its company.
+    void open(int JobbNr, bool ÄrStandardJobb);
+
+    [[nodiscard]] bool isTradeFormat() const { return tradeFormat_; }
+    [[nodiscard]] bool isFinfo() const { return tradeFormat_ && job.name == "(FINFO)"; }
+    Job job;  ///< the settings as typed; mask, company and supplier follow the choices below
+
+    /// The window's caption for a job that exists, empty for a new one.
+    [[nodiscard]] std::string caption() const;
+
+    // Company.
+    [[nodiscard]] const std::vector<std::string>& companies() const { return companyRows_; }
+    [[nodiscard]] int chosenCompany() const { return companyRow_; }
+    /// Opens the company and reads what the window shows of it. False when it cannot be opened; the user is told.
+    bool chooseCompany(int row);
+    [[nodiscard]] std::string supplierCaption(std::string_view label) const;
+
+    // Mask job: masks and suppliers.
+    [[nodiscard]] const std::vector<Mask>& masks() const { return masks_; }
+    [[nodiscard]] int chosenMask() const { return maskRow_; }
+    void chooseMask(int row);
+    [[nodiscard]] const std::vector<SupplierRow>& suppliers() const { return suppliers_; }
+    [[nodiscard]] int chosenSupplier() const { return rowOfSupplier(suppliers_, job.supplier); }
+    void chooseSupplier(int row);
+    [[nodiscard]] bool canDeleteMask() const { return maskRow_ >= 0; }
+    [[nodiscard]] bool canMakeMask() const;
+    [[nodiscard]] bool canOpenMask() const { return canDeleteMask() && canMakeMask(); }
+    /// The price file that the mask editor is shown against, with the company open. Nothing when it does not exist or
+    /// the company cannot be opened; the user is told.
+    [[nodiscard]] std::optional<std::filesystem::path> sampleForMask();
+    /// Lists the masks anew, after the editor saved one; a new one becomes the chosen one.
+    void maskSaved(int number, bool isNew);
+    /// Deletes the chosen mask, when the user agrees.
+    void deleteMask();
+
+    // Trade-format job: couplings and, for FINFO, headings.
+    CouplingEditor couplings;
+    [[nodiscard]] std::string couplingCaption() const;
+    [[nodiscard]] const std::vector<HeadingChoice>& headings() const { return headings_; }
+    /// Row of a heading in both lists; the first row when it is not there.
+    [[nodiscard]] int headingRow(int number) const;
+
+    enum class Control { None, Namn, FilNamn, Mask_Lista, FTG_Lista };
+    struct Outcome {
+        std::optional<int> JobbNr{};    ///< of the saved job
+        Control focus = Control::None;  ///< what the user has to fill in first
+    };
+    /// Checks and writes the job; tells the user what is missing.
+    Outcome save();
+
+  private:
+    void readCompany();
+    void readHeadings();
+    void readMasks();
+    bool openCompany();
+    [[nodiscard]] std::optional<std::pair<int, Control>> missing() const;
+    void closeCompany();
+
+    StartState& state_;
+    LanguageTexts& texts_;
+    MessageBoxes& boxes_;
+    CompanyRegister& register_;
+    bool tradeFormat_ = false;
+    std::vector<std::string> companyRows_;
+    int companyRow_ = -1;
+    std::string companyName_;
+    std::vector<Mask> masks_;
+    int maskRow_ = -1;
+    std::vector<SupplierRow> suppliers_;
+    std::vector<HeadingChoice> headings_;
+};
+
+}  // namespace kolmera

@@ -1,0 +1,266 @@
+#include "definitions/maskeditor.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/attempt.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kForm = "PrisMTyp";
+constexpr std::string_view kModule = "KMR";
+constexpr std::string_view kLineBreaks = "\r\n\r\n";
+
+enum FormText { kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41 };
+enum ModuleText { kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124 };
+
+bool within(int row, std::size_t count) { return row >= 0 && static_cast<std::size_t>(row) < count; }
+
+/// The letter of the entry at that place. A letter that the target's list does not offer has no place.
+char letterAt(const RuleEntries& entries, int place) {
+    return within(place, entries.size()) ? entries[static_cast<std::size_t>(place)].letter : 'I';
+}
+
+std::string ruleText(const RuleEntries& entries, char letter) {
+    const int place = placeOf(entries, letter);
+    return place < 0 ? std::string(1, letter) : entries[static_cast<std::size_t>(place)].text;
+}
+
+}  // namespace
+
+std::int64_t EditedRelation::identity() const {
+    constexpr std::int64_t kThreeDigits = 1000;
+    return ((kThreeDigits + slot) * kThreeDigits + relation.Källa) * kThreeDigits + relation.Mål;
+}
+
+MaskEditor::MaskEditor(LanguageTexts& texts, MessageBoxes& boxes, std::filesystem::path dataFolder,
+                       std::filesystem::path sample)
+    : texts_(texts), boxes_(boxes), dataFolder_(std::move(dataFolder)), sample_(std::move(sample)) {}
+
+bool MaskEditor::open(SqlLayer& sql, int maskNumber) {
+    try {
+        targets_ = readTargets(sql, texts_);
+        load(maskNumber);
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(error.description());
+        return false;
+    }
+    readSources();
+    if (targets_.headingsLeftOut) boxes_.MeddelandeInfo(texts_.ModulText(kModule, kHeadingsLeftOut));
+    return true;
+}
+
+void MaskEditor::load(int maskNumber) {
+    const MaskFile masks(dataFolder_);
+    if (auto stored = masks.read(maskNumber)) {
+        mask_ = std::move(*stored);
+        for (const Relation& relation : masks.relations(maskNumber)) {
+            if (relations_.size() == std::size_t{kMostRelations}) break;
+            relations_.push_back({static_cast<int>(relations_.size()) + 1, relation});
+        }
+    } else {
+        mask_.AntalRader = "10";
+        mask_.Postlängd = "100";
+    }
+    if (mask_.FilTyp != 'F' && mask_.FilTyp != 'T') mask_.FilTyp = 'P';
+}
+
+std::string MaskEditor::caption() const {
+    if (mask_.number != 0) return {};
+    return texts_.FormulärSträngMed1(kForm, kNewMaskCaption, sample_.filename().string());
+}
+
+void MaskEditor::setFilTyp(char structure) {
+    mask_.FilTyp = structure;
+    FrånPos_.clear();
+    Längd_.clear();
+    readSources();
+}
+
+void MaskEditor::setTecken(char characterSet) {
+    mask_.Tecken = characterSet;
+    readSources();
+}
+
+void MaskEditor::setAntalRader(std::string typed) {
+    mask_.AntalRader = std::move(typed);
+    if (mask_.FilTyp == 'F') readSources();
+}
+
+void MaskEditor::setPostlängd(std::string typed) {
+    mask_.Postlängd = std::move(typed);
+    if (mask_.FilTyp == 'P') readSources();
+}
+
+std::vector<Piece> MaskEditor::pieces() const {
+    std::vector<const EditedRelation*> bySlot;
+    for (const EditedRelation& edited : relations_) bySlot.push_back(&edited);
+    std::ranges::sort(bySlot, {}, &EditedRelation::slot);
+    std::vector<Piece> pieces;
+    for (const EditedRelation* edited : bySlot) pieces.push_back({edited->relation.FrånPos, edited->relation.Längd});
+    return pieces;
+}
+
+// A run cuts piece i for relation i, so a relation's source is its own piece: after a removal the later ones move up.
+void MaskEditor::numberPieces() {
+    if (mask_.FilTyp != 'P') return;
+    for (EditedRelation& edited : relations_) {
+        edited.relation.Källa = 1 + static_cast<int>(std::ranges::count_if(
+                                        relations_, [&](const auto& other) { return other.slot < edited.slot; }));
+    }
+}
+
+SourceFields MaskEditor::cutSample() {
+    const CodePage page = mask_.Tecken == 'J' ? CodePage::Oem850 : CodePage::Windows1252;
+    switch (mask_.FilTyp) {
+        case 'F':
+            return linesOf(sample_, typedNumber(mask_.AntalRader), page);
+        case 'T':
+            return columnsOf(sample_, page);
+        default:
+            return piecesOf(sample_, typedNumber(mask_.Postlängd), pieces(), page);
+    }
+}
+
+void MaskEditor::readSources() {
+    sources_.clear();
+    chosen_.source = -1;
+    if (sample_.empty()) return;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "sample", [this] { sources_ = cutSample(); });
+    if (mask_.FilTyp == 'T' && !sources_.empty()) mask_.AntalKolumner = static_cast<int>(sources_.size());
+    if (mask_.FilTyp == 'P') chooseSource(static_cast<int>(sources_.size()) - 1);
+}
+
+void MaskEditor::showPositions(Piece piece) {
+    FrånPos_ = std::to_string(piece.FrånPos);
+    Längd_ = std::to_string(piece.Längd);
+}
+
+void MaskEditor::chooseSource(int row) {
+    chosen_.source = within(row, sources_.size()) ? row : -1;
+    if (chosen_.source >= 0 && showsPositions()) showPositions(sources_[static_cast<std::size_t>(row)].piece);
+}
+
+void MaskEditor::offerRules(const Target& target) {
+    updateRules_ = kolmera::updateRules(target, texts_);
+    divisions_ = kolmera::divisions(target, texts_);
+}
+
+void MaskEditor::chooseTarget(int row) {
+    chosen_.target = within(row, targets().size()) ? row : -1;
+    updateRules_.clear();
+    divisions_.clear();
+    chosen_.updateRule = chosen_.division = -1;
+    if (chosen_.target < 0) return;
+    const Target& target = targets()[static_cast<std::size_t>(row)];
+    offerRules(target);
+    chosen_.updateRule = 0;
+    chosen_.division = target.keyCapable() && hasSearchKey() ? 1 : 0;
+}
+
+void MaskEditor::chooseRelation(int row) {
+    chosen_.relation = within(row, relations_.size()) ? row : -1;
+    if (chosen_.relation < 0) return;
+    const Relation& relation = relations_[static_cast<std::size_t>(row)].relation;
+    chooseSource(relation.Källa - 1);
+    chooseTarget(targets_.row(relation.Mål));
+    chosen_.updateRule = placeOf(updateRules_, relation.TypKod);
+    chosen_.division = placeOf(divisions_, relation.Division);
+}
+
+std::string MaskEditor::relationText(const EditedRelation& edited) const {
+    constexpr std::size_t kSourceLetters = 12;
+    const Relation& relation = edited.relation;
+    const std::string source = within(relation.Källa - 1, sources_.size())
+                                   ? sources_[static_cast<std::size_t>(relation.Källa - 1)].text
+                                   : fmt::format("{:2}.\t", relation.Källa);
+    const int row = targets_.row(relation.Mål);
+    // A column that this company does not have is shown by its code.
+    const Target target = row < 0 ? Target{.code = relation.Mål, .text = std::to_string(relation.Mål) + ".\t"}
+                                  : targets()[static_cast<std::size_t>(row)];
+    return fmt::format("{}..\t-->  {}\t{}\t{}", firstCharacters(source, kSourceLetters), target.text,
+                       ruleText(kolmera::updateRules(target, texts_), relation.TypKod),
+                       ruleText(kolmera::divisions(target, texts_), relation.Division));
+}
+
+bool MaskEditor::hasTarget(int code) const {
+    return std::ranges::any_of(relations_, [code](const auto& edited) { return edited.relation.Mål == code; });
+}
+
+bool MaskEditor::hasSearchKey() const {
+    return std::ranges::any_of(relations_, [](const auto& edited) { return edited.relation.Division == 'S'; });
+}
+
+int MaskEditor::freeSlot() const {
+    int slot = 1;
+    while (std::ranges::find(relations_, slot, &EditedRelation::slot) != relations_.end()) ++slot;
+    return slot;
+}
+
+void MaskEditor::dropRelation(int row) {
+    relations_.erase(relations_.begin() + row);
+    chosen_.relation = -1;
+}
+
+Relation MaskEditor::newRelation() const {
+    return {.Källa = chosen_.source + 1,
+            .Mål = targets()[static_cast<std::size_t>(chosen_.target)].code,
+            .FrånPos = typedNumber(FrånPos_),
+            .Längd = typedNumber(Längd_),
+            .TypKod = letterAt(updateRules_, chosen_.updateRule),
+            .Division = letterAt(divisions_, chosen_.division)};
+}
+
+void MaskEditor::createRelation() {
+    if (chosen_.source < 0 || chosen_.target < 0) return;
+    const Relation relation = newRelation();
+    if (relation.Mål > 0 && hasTarget(relation.Mål)) {
+        if (chosen_.relation < 0) return;
+        dropRelation(chosen_.relation);
+    }
+    if (relations_.size() >= std::size_t{kMostRelations}) {
+        boxes_.MeddelandeInfo(texts_.FormulärSträng(kForm, kTooManyRelations));
+        return;
+    }
+    relations_.push_back({freeSlot(), relation});
+    numberPieces();
+    if (showsPositions()) readSources();
+}
+
+void MaskEditor::removeRelation() {
+    if (chosen_.relation < 0) return;
+    dropRelation(chosen_.relation);
+    FrånPos_.clear();
+    Längd_.clear();
+    numberPieces();
+    if (showsPositions()) readSources();
+}
+
+MaskEditor::Saved MaskEditor::save() {
+    mask_.Namn = trimmed(mask_.Namn);
+    if (mask_.Namn.empty()) {
+        boxes_.MeddelandeInfo(texts_.FormulärSträng(kForm, kNameMissing));
+        return Saved::NoName;
+    }
+    std::vector<Relation> relations;
+    for (const EditedRelation& edited : relations_) relations.push_back(edited.relation);
+    try {
+        MaskFile masks(dataFolder_);
+        if (mask_.number == 0 && masks.all().size() >= std::size_t{kMostMasks}) {
+            boxes_.MeddelandeVarning(texts_.ModulText(kModule, kTooManyMasks));
+            return Saved::Failed;
+        }
+        mask_.number = masks.save(mask_, relations);
+        return Saved::Yes;
+    } catch (const PlatformError& error) {
+        const std::string title = texts_.ModulText(kModule, kCannotSave);
+        boxes_.MeddelandeVarning(title + " PRISMASK.TXT." + std::string(kLineBreaks) + error.description(), title);
+        return Saved::Failed;
+    }
+}
+
+}  // namespace kolmera

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "definitions/maskfile.h"
+#include "definitions/rulelists.h"
+#include "definitions/sourcelist.h"
+#include "definitions/targetlist.h"
+#include "startup/messageboxes.h"
+
+namespace kolmera {
+
+/// A relation in the editor's list.
+struct EditedRelation {
+    int slot = 0;  ///< place in the position table, from 1
+    Relation relation;
+
+    /// "1", then slot, source and target in three digits each.
+    [[nodiscard]] std::int64_t identity() const;
+};
+
+/// What the mask editor shows and does, without its window. Rows are counted from 0, -1 is none. Call `open` first; it
+/// needs the open company database.
+class MaskEditor {
+  public:
+    /// `sample` is the price file that the mask is shown against; empty when none is known.
+    MaskEditor(LanguageTexts& texts, MessageBoxes& boxes, std::filesystem::path dataFolder,
+               std::filesystem::path sample);
+
+    /// Begins with the mask of that number, 0 for a new one. Tells the user of headings that masks cannot use. False
+    /// when the company's tables cannot be read, which the user is told.
+    bool open(SqlLayer& sql, int maskNumber);
+
+    // The mask. Whatever the sample is cut by cuts it anew.
+    [[nodiscard]] const Mask& mask() const { return mask_; }
+    void setNamn(std::string name) { mask_.Namn = std::move(name); }
+    void setFilTyp(char structure);
+    void setTecken(char characterSet);
+    void setSkapaNya(char rule) { mask_.SkapaNya = rule; }
+    void setUppdatLev(bool on) { mask_.UppdatLev = on ? 'J' : 'N'; }
+    void setAntalRader(std::string typed);
+    void setPostlängd(std::string typed);
+    /// Caption for a new mask; empty for an existing one, whose window has its own.
+    [[nodiscard]] std::string caption() const;
+
+    // The lists.
+    [[nodiscard]] const SourceFields& sources() const { return sources_; }
+    [[nodiscard]] const std::vector<Target>& targets() const { return targets_.targets; }
+    [[nodiscard]] const std::vector<EditedRelation>& relations() const { return relations_; }
+    [[nodiscard]] std::string relationText(const EditedRelation& edited) const;
+    [[nodiscard]] const RuleEntries& updateRules() const { return updateRules_; }
+    [[nodiscard]] const RuleEntries& divisions() const { return divisions_; }
+
+    // What is chosen in them.
+    struct Choice {
+        int source = -1;
+        int target = -1;
+        int relation = -1;
+        int updateRule = -1;
+        int division = -1;
+    };
+    [[nodiscard]] const Choice& chosen() const { return chosen_; }
+    void chooseSource(int row);
+    /// Offers the target's rules and preselects the first ones, or "no search key" when the mask has one already.
+    void chooseTarget(int row);
+    void chooseRelation(int row);
+    void chooseUpdateRule(int place) { chosen_.updateRule = place; }
+    void chooseDivision(int place) { chosen_.division = place; }
+
+    // The position boxes.
+    [[nodiscard]] bool showsPositions() const { return mask_.FilTyp == 'P'; }
+    [[nodiscard]] const std::string& FrånPos() const { return FrånPos_; }
+    [[nodiscard]] const std::string& Längd() const { return Längd_; }
+    void setFrånPos(std::string typed) { FrånPos_ = std::move(typed); }
+    void setLängd(std::string typed) { Längd_ = std::move(typed); }
+
+    // The buttons.
+    void createRelation();
+    void removeRelation();
+    enum class Saved { Yes, NoName, Failed };
+    /// Tells the user what stands in the way.
+    Saved save();
+
+  private:
+    void load(int maskNumber);
+    void readSources();
+    SourceFields cutSample();
+    [[nodiscard]] std::vector<Piece> pieces() const;
+    void numberPieces();
+    void showPositions(Piece piece);
+    void offerRules(const Target& target);
+    [[nodiscard]] bool hasTarget(int code) const;
+    [[nodiscard]] bool hasSearchKey() const;
+    [[nodiscard]] int freeSlot() const;
+    void dropRelation(int row);
+    [[nodiscard]] Relation newRelation() const;
+
+    LanguageTexts& texts_;
+    MessageBoxes& boxes_;
+    std::filesystem::path dataFolder_;
+    std::filesystem::path sample_;
+    Mask mask_;
+    TargetList targets_;
+    SourceFields sources_;
+    std::vector<EditedRelation> relations_;  ///< in the order of the list
+    RuleEntries updateRules_, divisions_;
+    Choice chosen_;
+    std::string FrånPos_, Längd_;
+};
+
+}  // namespace kolmera

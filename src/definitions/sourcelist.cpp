@@ -1,0 +1,67 @@
+#include "definitions/sourcelist.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/lettercase.h"
+#include "platform/locale.h"
+#include "platform/pricefile.h"
+
+namespace kolmera {
+namespace {
+
+// Tabs and line ends inside a field would be taken for the columns of the list.
+std::string printable(std::string text) {
+    constexpr unsigned char kFirstPrintable = 0x20;
+    std::ranges::replace_if(
+        text, [](char letter) { return static_cast<unsigned char>(letter) < kFirstPrintable; }, ' ');
+    return text;
+}
+
+void add(SourceFields& fields, std::string_view bytes, CodePage page, Piece piece = {}) {
+    fields.push_back({fmt::format("{:2}.\t{}", fields.size() + 1, printable(toUtf8(bytes, page))), piece});
+}
+
+std::string_view cut(std::string_view record, Piece piece) {
+    if (piece.FrånPos < 1 || static_cast<std::size_t>(piece.FrånPos) > record.size()) return {};
+    return record.substr(static_cast<std::size_t>(piece.FrånPos - 1), static_cast<std::size_t>(piece.Längd));
+}
+
+Piece restOf(std::string_view record, std::span<const Piece> pieces) {
+    const int first = pieces.empty() ? 1 : std::max(1, pieces.back().FrånPos + pieces.back().Längd);
+    return {first, std::max(0, static_cast<int>(record.size()) - first + 1)};
+}
+
+}  // namespace
+
+SourceFields linesOf(const std::filesystem::path& sample, int lines, CodePage page) {
+    PriceFile file(sample);
+    SourceFields fields;
+    for (int line = 0; line < lines; ++line) add(fields, file.line(), page);
+    return fields;
+}
+
+SourceFields columnsOf(const std::filesystem::path& sample, CodePage page) {
+    PriceFile file(sample);
+    SourceFields fields;
+    for (const std::string& column : split(file.line(), "\t")) add(fields, column, page);
+    return fields;
+}
+
+SourceFields piecesOf(const std::filesystem::path& sample, int length, std::span<const Piece> pieces, CodePage page) {
+    PriceFile file(sample);
+    const std::string_view record = file.bytes(static_cast<std::size_t>(length));
+    SourceFields fields;
+    for (const Piece& piece : pieces) add(fields, cut(record, piece), page, piece);
+    const Piece rest = restOf(record, pieces);
+    add(fields, cut(record, rest), page, rest);
+    return fields;
+}
+
+int typedNumber(std::string_view text) {
+    constexpr double kMost = 9999;
+    return static_cast<int>(std::clamp(roundHalfEven(leadingNumber(text)), 0.0, kMost));
+}
+
+}  // namespace kolmera

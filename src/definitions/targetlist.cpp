@@ -1,0 +1,101 @@
+#include "definitions/targetlist.h"
+
+#include <algorithm>
+
+#include "db/conversions.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kForm = "PrisMTyp";
+constexpr int kNotImportedText = 15;
+
+constexpr int kLastDirectColumn = 137;  ///< up to here a column's code is its place in the table
+constexpr int kHeadingShift = 137;      ///< code of a heading - its number
+constexpr int kLastHeading = 63;        ///< the codes of later ones belong to the columns behind the headings
+constexpr int kColumnShift = 63;        ///< code - place of a column behind the headings
+constexpr int kNeverOffered[] = {143, 144};
+constexpr int kKeyColumns[] = {1, 2, 4};  ///< product number, search name, the supplier's article number
+constexpr int kFirstPriceLevel = 24;
+constexpr int kLastPriceLevel = 32;
+
+std::string entry(int code, std::string_view name) { return std::to_string(code).append(".\t").append(name); }
+
+std::string columnName(const FieldDef& column, int place, LanguageTexts& texts) {
+    if (texts.language() == "SE") return column.name;
+    const std::string translated = texts.RegisterText("Produkt", place);
+    return translated.empty() ? column.name : translated;
+}
+
+class TargetReader {
+  public:
+    TargetReader(SqlLayer& sql, LanguageTexts& texts)
+        : sql_(sql), texts_(texts), columns_(sql.FtgDB->table("Produkt").fields) {}
+
+    TargetList read() {
+        const std::string none = texts_.FormulärSträng(kForm, kNotImportedText);
+        list_.targets.push_back({.code = 0, .text = "««\t" + none + "   »»"});
+        addColumns(1, kLastDirectColumn, 0);
+        addHeadings();
+        addColumns(kLastDirectColumn + 1, static_cast<int>(columns_.size()) - 1, kColumnShift);
+        return std::move(list_);
+    }
+
+  private:
+    void addColumns(int first, int last, int shift) {
+        last = std::min(last, static_cast<int>(columns_.size()) - 1);
+        for (int place = first; place <= last; ++place) {
+            if (std::ranges::find(kNeverOffered, place) != std::end(kNeverOffered)) continue;
+            const FieldDef& column = columns_[static_cast<std::size_t>(place)];
+            const int code = place + shift;
+            list_.targets.push_back(
+                {.code = code, .text = entry(code, columnName(column, place, texts_)), .type = column.type});
+        }
+    }
+
+    // The code follows the heading's number, not its row: that is where a run stores the value.
+    void addHeadings() {
+        const auto headings =
+            sql_.SQLÖppnaRs("SELECT * FROM Prodaltrubrik WHERE Nummer < 100 ORDER BY Nummer", RecordsetType::Snapshot);
+        for (; !headings->eof(); headings->moveNext()) {
+            const int number = TillLng(headings->value("Nummer"), sql_.locale());
+            if (number < 1) continue;
+            if (number > kLastHeading) {
+                list_.headingsLeftOut = true;
+                continue;
+            }
+            const int code = number + kHeadingShift;
+            const std::string name = TillText(headings->value("Rubrik"), sql_.locale());
+            list_.targets.push_back({.code = code, .text = entry(code, name)});
+        }
+    }
+
+    SqlLayer& sql_;
+    LanguageTexts& texts_;
+    const std::vector<FieldDef>& columns_;
+    TargetList list_;
+};
+
+}  // namespace
+
+bool Target::numeric() const {
+    return type == FieldType::Byte || type == FieldType::Integer || type == FieldType::Long || floating();
+}
+
+bool Target::floating() const { return type == FieldType::Single || type == FieldType::Double; }
+
+bool Target::keyCapable() const {
+    return std::ranges::find(kKeyColumns, code) != std::end(kKeyColumns) ||
+           (code > kHeadingShift && code <= kHeadingShift + kLastHeading);
+}
+
+bool Target::priceLevel() const { return code >= kFirstPriceLevel && code <= kLastPriceLevel; }
+
+int TargetList::row(int code) const {
+    const auto found = std::ranges::find(targets, code, &Target::code);
+    return found == targets.end() ? -1 : static_cast<int>(found - targets.begin());
+}
+
+TargetList readTargets(SqlLayer& sql, LanguageTexts& texts) { return TargetReader(sql, texts).read(); }
+
+}  // namespace kolmera
