@@ -1,10 +1,12 @@
+#include <fcntl.h>
+
 #include <system_error>
 
+#include "platform/descriptor.h"
 #include "platform/engine/companylayout.h"
 #include "platform/engine/database.h"
 #include "platform/engine/password.h"
 #include "platform/engine/sqliteconnection.h"
-#include "platform/engine/sqlitenames.h"
 #include "platform/engine/sqliteschema.h"
 #include "platform/error.h"
 
@@ -27,11 +29,11 @@ std::vector<LayoutEntry> layoutOf(std::span<const TableDef> tables) {
 
 void makeFile(const std::filesystem::path& file, std::span<const TableDef> tables, const std::string& password) {
     SqliteConnection connection(file, {.create = true});
-    connection.run("PRAGMA encoding = 'UTF-8'");
-    connection.begin();
-    connection.run("PRAGMA application_id = " + std::to_string(kApplicationId));
-    connection.run("PRAGMA user_version = " + std::to_string(kUserVersion));
-    const std::vector<LayoutEntry> layout = layoutOf(tables);
+    connection.prepareForMaking();
+    std::vector<LayoutEntry> layout = layoutOf(tables);
+    if (!password.empty()) {
+        layout.push_back({"table", std::string(kPasswordTable), std::string(kPasswordTableStatement)});
+    }
     writeLayoutCopy(connection, layout);
     for (const LayoutEntry& entry : layout) connection.run(entry.statement);
     if (!password.empty()) storePassword(connection, password);
@@ -42,16 +44,15 @@ void makeFile(const std::filesystem::path& file, std::span<const TableDef> table
 
 void createFileDatabase(const std::filesystem::path& file, std::span<const TableDef> tables,
                         const std::string& password) {
-    if (std::filesystem::exists(file)) {
+    std::error_code none;
+    if (std::filesystem::exists(file, none)) {
         throw PlatformError(errors::kInternal, "the file exists already: " + file.string());
     }
     std::filesystem::path unfinished = file;
     unfinished += ".new";
-    std::filesystem::remove(unfinished);
+    std::filesystem::remove(unfinished, none);
     makeFile(unfinished, tables, password);
-    std::error_code error;
-    std::filesystem::rename(unfinished, file, error);
-    if (error) throw PlatformError(errors::kInternal, error.message() + ": " + file.string());
+    moveOver(Descriptor(unfinished, O_RDWR | O_CLOEXEC), unfinished, file);
 }
 
 }  // namespace kolmera

@@ -3,6 +3,8 @@
 #include <sodium.h>
 
 #include <array>
+#include <optional>
+#include <string>
 
 #include "platform/engine/sqliteconnection.h"
 #include "platform/engine/sqlitestatement.h"
@@ -13,7 +15,6 @@ namespace kolmera {
 namespace {
 
 constexpr std::size_t kMemory = std::size_t{8} << 20;  // bytes; keeps opening below 50 ms
-constexpr const char* kTable = "CREATE TABLE kolmera_password (hash TEXT NOT NULL)";
 
 void startSodium() {
     if (sodium_init() < 0) throw PlatformError(errors::kInternal, "no random numbers on this system");
@@ -29,7 +30,9 @@ std::string hashOf(std::string_view password) {
 }
 
 std::optional<std::string> storedHash(SqliteConnection& connection) {
-    if (connection.number("SELECT count(*) FROM sqlite_master WHERE name = 'kolmera_password'") == 0) return {};
+    SqliteStatement table(connection, "SELECT 1 FROM sqlite_master WHERE name = ?");
+    table.bind(1, kPasswordTable);
+    if (!table.step()) return {};
     SqliteStatement query(connection, "SELECT hash FROM kolmera_password");
     if (!query.step()) return {};
     return std::string(query.text(0));
@@ -39,7 +42,6 @@ std::optional<std::string> storedHash(SqliteConnection& connection) {
 
 void storePassword(SqliteConnection& connection, std::string_view password) {
     const std::string hash = hashOf(password);
-    connection.run(kTable);
     SqliteStatement insert(connection, "INSERT INTO kolmera_password (hash) VALUES (?)");
     insert.bind(1, std::string_view(hash));
     insert.run();

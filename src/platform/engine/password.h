@@ -1,15 +1,17 @@
 #pragma once
 
-#include <optional>
-#include <string>
 #include <string_view>
 
 namespace kolmera {
 
 class SqliteConnection;
 
-/// Puts the salted hash of a password into a file. The password is for telling companies apart from the wrong program;
-/// it encrypts nothing.
+/// The table that holds the hash; a file without password has none.
+inline constexpr std::string_view kPasswordTable = "kolmera_password";
+inline constexpr std::string_view kPasswordTableStatement = "CREATE TABLE kolmera_password (hash TEXT)";
+
+/// Puts the salted hash of a password into that table. The password is for telling companies apart from the wrong
+/// program; it encrypts nothing.
 void storePassword(SqliteConnection& connection, std::string_view password);
 
 /// Throws kWrongPassword when the file holds a hash that is not this password's. A file without one takes any.

@@ -11,13 +11,7 @@ namespace kolmera {
 Rebuilding::Rebuilding(const std::filesystem::path& newFile, const PageFile& damaged)
     : damaged_(damaged), connection_(newFile, {.create = true}), layout_(salvageLayout(damaged)) {
     if (layout_.empty()) throw PlatformError(errors::kDamaged, "nothing tells what tables the file had");
-    // Nobody sees the file before it is finished and synced: it needs no journal.
-    connection_.run("PRAGMA journal_mode=OFF");
-    connection_.run("PRAGMA synchronous=OFF");
-    connection_.run("PRAGMA cache_size=-65536");
-    connection_.begin();
-    connection_.run("PRAGMA application_id = " + std::to_string(kApplicationId));
-    connection_.run("PRAGMA user_version = " + std::to_string(kUserVersion));
+    connection_.prepareForMaking();
     writeLayoutCopy(connection_, layout_);
     makeTables();
 }

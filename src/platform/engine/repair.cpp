@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <system_error>
 
@@ -64,10 +63,11 @@ void moveLogAside(const fs::path& file, const fs::path& kept) {
 }
 
 fs::path replace(const fs::path& file, const fs::path& newFile) {
-    fs::permissions(newFile, fs::status(file).permissions());
+    const Descriptor finished(newFile, O_RDWR | O_CLOEXEC);
+    finished.copyRights(Descriptor(file, O_RDONLY | O_CLOEXEC));
     const fs::path kept = keepDamaged(file);
     moveLogAside(file, kept);
-    moveOver(Descriptor(newFile, O_RDWR | O_CLOEXEC), newFile, file);
+    moveOver(finished, newFile, file);
     return kept;
 }
 

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/engine/collation.h"
+#include "platform/engine/sqlitenames.h"
 #include "platform/engine/sqlitestatement.h"
 #include "platform/error.h"
 
@@ -134,6 +135,15 @@ void SqliteConnection::prepareForWork() {
     } else {
         useWriteAheadLog();
     }
+}
+
+void SqliteConnection::prepareForMaking() {
+    run("PRAGMA journal_mode=OFF");
+    run("PRAGMA synchronous=OFF");
+    run("PRAGMA cache_size=-65536");
+    begin();
+    run("PRAGMA application_id = " + std::to_string(kApplicationId));
+    run("PRAGMA user_version = " + std::to_string(kUserVersion));
 }
 
 void SqliteConnection::takeExclusively() {

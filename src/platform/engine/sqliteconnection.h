@@ -36,6 +36,9 @@ class SqliteConnection {
 
     /// Chooses journal, synchronisation and cache. To be called when the file is known to be a company's.
     void prepareForWork();
+    /// For a new file that nobody sees before it is finished and synced: opens the transaction that makes it, without
+    /// a journal, and marks it as a company file.
+    void prepareForMaking();
     /// Runs a statement text of ours (no parameters, rows are passed over).
     void run(const std::string& statement);
     /// The first column of the first row as a whole number, 0 without a row.

@@ -1,0 +1,270 @@
+#include <sqlite3.h>
+
+#include <fstream>
+#include <functional>
+#include <random>
+
+#include "engine/enginetest.h"
+#include "platform/engine/collation.h"
+
+namespace kolmera::test {
+namespace {
+
+constexpr std::size_t kPage = 4096;
+constexpr int kArticles = 3000;
+
+/// A company with two tables, whose pages are really overwritten.
+class Repair : public EngineTest {
+  protected:
+    Repair() {
+        const TableDef suppliers{"Leverantör",
+                                 {{.name = "ID", .type = FieldType::Long, .counter = true},
+                                  {.name = "Nummer", .type = FieldType::Text, .size = 8}},
+                                 {{"PrimaryKey", "+ID", true}, {"Nummer", "+Nummer", true}}};
+        std::filesystem::remove(file);
+        const TableDef tables[] = {artikel, suppliers};
+        createFileDatabase(file, tables);
+        const auto database = open();
+        database->begin();
+        const auto articles = openTable(*database, "");
+        for (int i = 1; i <= kArticles; ++i) addArticle(*articles, i);
+        const auto supplierRows = database->open("Leverantör", RecordsetType::Table);
+        for (int i = 0; i < 900; ++i) {
+            supplierRows->addNew();
+            supplierRows->set("Nummer", std::string("L").append(std::to_string(i)));
+            supplierRows->update();
+        }
+        database->commit();
+    }
+
+    static void addArticle(Recordset& articles, int i) {
+        articles.addNew();
+        articles.set("Nummer", std::string("Å").append(std::to_string(i)));
+        articles.set("Namn", std::to_string(i % 7));
+        articles.set("1Pris", i / 4.0);
+        articles.set("Antal", std::int64_t{-i});
+        articles.set("Datum", Date{40000 + i});
+        // Every hundredth has a text that needs pages of its own.
+        if (i % 100 == 0) articles.set("Text", std::string(9000, static_cast<char>('a' + i / 100 % 26)));
+        articles.update();
+    }
+
+    [[nodiscard]] int pages() const { return static_cast<int>(std::filesystem::file_size(file) / kPage); }
+
+    void overwrite(int page, std::size_t from = 0, std::size_t count = kPage) {
+        std::string garbage;
+        for (std::size_t i = 0; i < count; ++i) garbage += static_cast<char>(random_());
+        std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+        stream.seekp(static_cast<std::streamoff>((static_cast<std::size_t>(page) - 1) * kPage + from));
+        stream.write(garbage.data(), static_cast<std::streamsize>(garbage.size()));
+    }
+
+    /// What a statement answers, asked of the undamaged file with nothing of the engine between.
+    [[nodiscard]] std::vector<std::int64_t> ask(const std::string& statement) const {
+        sqlite3* connection = nullptr;
+        sqlite3_stmt* query = nullptr;
+        sqlite3_open(file.c_str(), &connection);
+        registerSwedishCollation(connection);
+        EXPECT_EQ(sqlite3_prepare_v2(connection, statement.c_str(), -1, &query, nullptr), SQLITE_OK) << statement;
+        std::vector<std::int64_t> numbers;
+        while (sqlite3_step(query) == SQLITE_ROW) numbers.push_back(sqlite3_column_int64(query, 0));
+        sqlite3_finalize(query);
+        sqlite3_close(connection);
+        return numbers;
+    }
+
+    /// Pages of a tree by kind: "leaf", "internal" or "overflow".
+    [[nodiscard]] std::vector<std::int64_t> pagesOf(const char* tree, const char* kind) const {
+        return ask(std::string("SELECT pageno FROM dbstat WHERE name = '") + tree + "' AND pagetype = '" + kind +
+                   "' ORDER BY pageno");
+    }
+    [[nodiscard]] std::int64_t rootOf(const char* tree) const {
+        return ask(std::string("SELECT rootpage FROM sqlite_master WHERE name = '") + tree + "'").at(0);
+    }
+
+    /// Repairs the file and checks that what is in it is whole, and unchanged except in so many rows. Returns the
+    /// number of articles.
+    int repair(int changedAllowed = 0) {
+        const RepairReport report = repairFileDatabase(file, OpenOptions());
+        EXPECT_TRUE(std::filesystem::exists(report.original));
+        EXPECT_EQ(report.rows.at(0).first, "Artikel");
+        EXPECT_EQ(ask("SELECT count(*) FROM pragma_integrity_check WHERE integrity_check <> 'ok'"),
+                  std::vector<std::int64_t>{0});
+        const auto database = open();
+        EXPECT_EQ(database->table("Artikel").indexes.size(), artikel.indexes.size());
+        const std::string changed =
+            select(*database,
+                   "SELECT count(*) FROM Artikel WHERE Nummer <> 'Å' || ID OR 1Pris <> ID / 4.0 OR Antal <> -ID OR "
+                   "Namn <> ID % 7 OR Webb <> 0 OR Lev IS NOT NULL OR (ID % 100 = 0) <> (length(Text) IS 9000)");
+        EXPECT_LE(std::stoi(changed), changedAllowed) << "rows came back changed";
+        return static_cast<int>(report.rows.at(0).second);
+    }
+
+    std::mt19937 random_{7};
+};
+
+TEST_F(Repair, EveryReadableRowSurvivesWhateverPageIsLost) {
+    const std::filesystem::path whole = folder / "whole.mdb";
+    std::filesystem::copy_file(file, whole);
+    const std::int64_t leaf = pagesOf("Artikel", "leaf").at(7);
+    const auto rowsOnLeaf = ask("SELECT ncell FROM dbstat WHERE pageno = " + std::to_string(leaf)).at(0);
+    const struct {
+        const char* fault;
+        std::function<void()> damage;
+        std::int64_t lost;  ///< articles
+    } cases[] = {
+        {"a leaf takes others along", [&] { overwrite(static_cast<int>(leaf)); }, rowsOnLeaf},
+        {"the root of a table loses all", [&] { overwrite(static_cast<int>(rootOf("Artikel"))); }, 0},
+        {"half a root leads astray", [&] { overwrite(static_cast<int>(rootOf("Artikel")), 6, 2000); }, 0},
+        {"the cells of a root lead astray", [&] { overwrite(static_cast<int>(rootOf("Artikel")), 3000, 1096); }, 0},
+        {"the root of the schema loses the tables", [&] { overwrite(1, 100, kPage - 100); }, 0},
+        {"the file's header loses everything", [&] { overwrite(1); }, 0},
+        {"the roots of the tables lost together",
+         [&] {
+             overwrite(static_cast<int>(rootOf("Artikel")));
+             overwrite(static_cast<int>(rootOf("Leverantör")));
+             overwrite(1);
+         },
+         0},
+        {"index pages needed for the rows",
+         [&] {
+             for (const char* index : {"Artikel.Nummer", "Artikel.Namn"}) {
+                 for (const std::int64_t page : pagesOf(index, "leaf")) overwrite(static_cast<int>(page));
+             }
+         },
+         0},
+        {"an overflow page takes other rows along",
+         [&] { overwrite(static_cast<int>(pagesOf("Artikel", "overflow").at(3))); }, 1},
+        {"every inner page lost",
+         [&] {
+             for (const std::int64_t page : pagesOf("Artikel", "internal")) overwrite(static_cast<int>(page));
+         },
+         0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        std::filesystem::copy_file(whole, file, std::filesystem::copy_options::overwrite_existing);
+        c.damage();
+        EXPECT_EQ(repair(), kArticles - c.lost);
+    }
+}
+
+TEST_F(Repair, AFileCutShortKeepsTheRowsBeforeTheCut) {
+    const auto rows =
+        ask("SELECT sum(ncell) FROM dbstat WHERE name = 'Artikel' AND pagetype = 'leaf' AND pageno <= 60");
+    std::filesystem::resize_file(file, 60 * kPage);
+    // Rows whose long text lay behind the cut are gone, too.
+    EXPECT_NEAR(repair(), static_cast<double>(rows.at(0)), 10);
+}
+
+// Where damage begins within a row, nothing tells the garbage in its numbers from numbers.
+TEST_F(Repair, RandomDamageTakesNoMoreThanItsPages) {
+    const std::filesystem::path whole = folder / "whole.mdb";
+    std::filesystem::copy_file(file, whole);
+    for (int round = 0; round < 20; ++round) {
+        SCOPED_TRACE(round);
+        std::filesystem::copy_file(whole, file, std::filesystem::copy_options::overwrite_existing);
+        constexpr int kDamages = 6;
+        int withinRows = 0;
+        for (int i = 0; i < kDamages; ++i) {
+            const int page = 1 + static_cast<int>(random_() % static_cast<unsigned>(pages()));
+            const std::size_t from = round % 2 == 0 ? 0 : random_() % kPage;
+            withinRows += from == 0 ? 0 : 1;
+            overwrite(page, from, kPage - from);
+        }
+        EXPECT_GT(repair(withinRows), kArticles - kDamages * 70);
+    }
+}
+
+TEST_F(Repair, DeletedRowsStayDeleted) {
+    (void)open()->execute("DELETE FROM Artikel WHERE ID > 500");
+    overwrite(static_cast<int>(rootOf("Artikel")));
+    EXPECT_EQ(repair(), 500);
+}
+
+TEST_F(Repair, OpeningADamagedFileSaysSo) {
+    const std::filesystem::path whole = folder / "whole.mdb";
+    std::filesystem::copy_file(file, whole);
+    const struct {
+        const char* fault;
+        std::function<void()> damage;
+    } cases[] = {
+        {"the file's header", [&] { overwrite(1); }},
+        {"the application's mark", [&] { overwrite(1, 68, 4); }},
+        {"the schema", [&] { overwrite(1, 100, 3000); }},
+        {"the root of a table", [&] { overwrite(static_cast<int>(rootOf("Leverantör"))); }},
+        {"the end of the file missing", [&] { std::filesystem::resize_file(file, 20 * kPage); }},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        std::filesystem::copy_file(whole, file, std::filesystem::copy_options::overwrite_existing);
+        c.damage();
+        EXPECT_EQ(errorOf([&] { (void)open(); }), errors::kDamaged);
+    }
+}
+
+TEST_F(Repair, ReadingDamagedRowsSaysSo) {
+    const std::int64_t leaf = pagesOf("Artikel", "leaf").at(7);
+    overwrite(static_cast<int>(leaf));
+    const auto database = open();
+    EXPECT_EQ(errorOf([&] { (void)database->open("Artikel", RecordsetType::Snapshot); }), errors::kDamaged);
+}
+
+TEST_F(Repair, RowsThatBreakAUniqueIndexAreDroppedAndCounted) {
+    // A program that did not know the index added a row twice.
+    sqlite3* connection = nullptr;
+    sqlite3_open(file.c_str(), &connection);
+    registerSwedishCollation(connection);
+    EXPECT_EQ(sqlite3_exec(connection,
+                           "DROP INDEX \"Artikel.Nummer\"; INSERT INTO Artikel (Nummer) VALUES ('å7'), (NULL), (NULL);"
+                           "CREATE INDEX \"Artikel.Nummer\" ON Artikel (Nummer);"
+                           "PRAGMA writable_schema = 1; UPDATE sqlite_master SET sql = 'CREATE UNIQUE INDEX "
+                           "\"Artikel.Nummer\" ON \"Artikel\" (\"Nummer\")' WHERE name = 'Artikel.Nummer'",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(connection);
+    const RepairReport report = repairFileDatabase(file, OpenOptions());
+    EXPECT_EQ(report.dropped, 1);
+    EXPECT_EQ(report.rows.at(0).second, kArticles + 2);
+    EXPECT_EQ(selectElsewhere("SELECT ID FROM Artikel WHERE Nummer = 'Å7'"), "7");
+}
+
+TEST_F(Repair, WhatCannotBeRepairedStaysWhereItWas) {
+    const std::string before = folder.read("FTG1.mdb");
+    {
+        const auto session = open();
+        OpenOptions impatient;
+        impatient.wait = [] { return false; };
+        EXPECT_EQ(std::abs(errorOf([&] { (void)repairFileDatabase(file, impatient); })), errors::kLocked);
+    }
+    EXPECT_EQ(folder.read("FTG1.mdb"), before);
+    folder.write("text.mdb", std::string(50000, 'x'));
+    EXPECT_EQ(errorOf([&] { (void)repairFileDatabase(folder / "text.mdb", OpenOptions()); }), errors::kDamaged);
+    EXPECT_EQ(folder.read("text.mdb"), std::string(50000, 'x'));
+    EXPECT_EQ(errorOf([&] { (void)repairFileDatabase(folder / "none.mdb", OpenOptions()); }), errors::kFileNotFound);
+}
+
+TEST_F(Repair, ThePasswordSurvivesAndIsAskedFor) {
+    createFileDatabase(folder / "secret.mdb", {&artikel, 1}, "hemlig");
+    file = folder / "secret.mdb";
+    overwrite(1);
+    EXPECT_EQ(errorOf([&] { (void)repairFileDatabase(file, OpenOptions()); }), errors::kWrongPassword);
+    OpenOptions options;
+    options.password = "hemlig";
+    (void)repairFileDatabase(file, options);
+    EXPECT_EQ(errorOf([&] { (void)open(); }), errors::kWrongPassword);
+    EXPECT_EQ(errorOf([&] { (void)open(options); }), 0);
+}
+
+TEST_F(Repair, ALogThatWasNotMergedBelongsToTheDamagedFile) {
+    // The log of a program that was killed, beside a file that SQLite cannot read any more.
+    folder.write("FTG1.mdb-wal", "a log");
+    overwrite(1);
+    const RepairReport report = repairFileDatabase(file, OpenOptions());
+    EXPECT_EQ(report.rows.at(0).second, kArticles);
+    EXPECT_FALSE(std::filesystem::exists(folder / "FTG1.mdb-wal"));
+    EXPECT_EQ(selectElsewhere("SELECT count(*) FROM Artikel"), std::to_string(kArticles));
+}
+
+}  // namespace
+}  // namespace kolmera::test
