@@ -12,7 +12,7 @@ namespace {
 using test::TemporaryFolder;
 
 std::string blanks(std::size_t count) { return std::string(count, ' '); }
-std::string padded(std::string text, std::size_t width) { return text + blanks(width - text.size()); }
+std::string padded(const std::string& text, std::size_t width) { return text + blanks(width - text.size()); }
 std::string nuls(std::size_t count) { return std::string(count, '\0'); }
 
 // Jobs.
