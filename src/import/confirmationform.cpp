@@ -4,6 +4,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include "import/jobicons.h"
@@ -54,6 +55,7 @@ ConfirmationForm::ConfirmationForm(Program& program, const char* name, const Con
     QPushButton* utför = buttons->addButton(QStringLiteral("&Utför"), QDialogButtonBox::AcceptRole);
     utför->setObjectName(QStringLiteral("Utför"));
     utför->setDefault(true);
+    utför->setFocus();
     QPushButton* avbryt = buttons->addButton(QStringLiteral("&Avbryt"), QDialogButtonBox::RejectRole);
     avbryt->setObjectName(QStringLiteral("Avbryt"));
     connect(utför, &QPushButton::clicked, this, [this] { carryOut(); });

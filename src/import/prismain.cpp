@@ -57,6 +57,9 @@ PrisMain::PrisMain(Program& program)
     centreOnScreen(*this);
 }
 
+// Child windows are destroyed behind the members: the list must not report its going to a form that is gone.
+PrisMain::~PrisMain() { delete lista_; }
+
 void PrisMain::buildControls() {
     ny_ = button(*this, "Ny", "&Ny inläsning...");
     öppna_ = button(*this, "Öppna", "&Öppna inläsning...");

@@ -18,6 +18,9 @@ class RunPanel;
 class PrisMain final : public QWidget {
   public:
     explicit PrisMain(Program& program);
+    ~PrisMain() override;
+    PrisMain(const PrisMain&) = delete;
+    PrisMain& operator=(const PrisMain&) = delete;
 
     /// Reads the job list anew and selects a job: that of the number, or below 1 the one of the last session.
     void FyllJobbLista(int JobbNr);

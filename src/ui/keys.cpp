@@ -48,8 +48,9 @@ class KeyGate final : public QObject {
         if (event->type() != QEvent::KeyPress) return false;
         const auto& key = static_cast<const QKeyEvent&>(*event);
         const QString typed = key.text();
-        // Keys without a printable character (arrows, Ctrl+C ...) are the field's own.
-        if (typed.size() != 1 || !typed[0].isPrint()) return false;
+        // Keys without a printable character (arrows, Ctrl+C ...) are the field's own. Ctrl+Alt types characters.
+        const bool command = (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::ControlModifier;
+        if (command || typed.size() != 1 || !typed[0].isPrint()) return false;
         return rule_(textThatStays(), typed[0].unicode()) == keys::kRejected;
     }
 

@@ -87,8 +87,8 @@ Answer QtMessagePort::show(const Message& message) {
 
 void QtMessagePort::addHelp(QMessageBox& box, const Message& message) {
     QPushButton* help = box.addButton(textOr(texts_.ModulText("KMR", kHelpText), "&Hjälp"), QMessageBox::HelpRole);
-    // The box stays while the help is read: its own connection would close it.
-    help->disconnect(&box);
+    // The box stays while the help is read: the button's own connection would close it.
+    QObject::disconnect(help, &QPushButton::clicked, nullptr, nullptr);
     QObject::connect(help, &QPushButton::clicked, &box, [&] { openHelp(message, box); });
 }
 

@@ -1,0 +1,344 @@
+#include "import/prismain.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QHeaderView>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QTreeView>
+#include <fstream>
+
+#include "db/conversions.h"
+#include "definitions/jobfile.h"
+#include "import/prisutfa.h"
+#include "import/prisutfo.h"
+#include "support/qt/formworld.h"
+#include "ui/lists.h"
+#include "ui/qttext.h"
+
+namespace kolmera {
+namespace {
+
+using namespace test;
+
+/// The main window over the demo's jobs: three trade formats, then masks.
+class PrisMainTest : public testing::Test {
+  protected:
+    PrisMainTest() { open(); }
+
+    void open() {
+        window = std::make_unique<PrisMain>(world.program);
+        window->show();
+        static_cast<void>(QTest::qWaitForWindowActive(window.get()));
+    }
+    QPushButton& button(const char* name) { return control<QPushButton>(*window, name); }
+    QTreeView& list() { return control<QTreeView>(*window, "Lista"); }
+    void press(const char* name) { QTest::mouseClick(&button(name), Qt::LeftButton); }
+
+    std::string cell(int row, int column) { return fromQt(list().model()->index(row, column).data().toString()); }
+    std::string selectedJob() { return fromQt(list().currentIndex().siblingAtColumn(0).data().toString()); }
+    std::string enabledButtons() {
+        std::string names;
+        for (const char* name : {"Ny", "Öppna", "TaBort", "Utför", "CmdRabattbrev", "Avsluta"}) {
+            if (button(name).isEnabled()) names += std::string(names.empty() ? "" : " ").append(name);
+        }
+        return names;
+    }
+    void select(const std::string& job) {
+        for (int row = 0; row < list().model()->rowCount(); ++row) {
+            if (cell(row, 0) == job) selectRow(list(), row);
+        }
+        ASSERT_EQ(selectedJob(), job);
+    }
+    std::int64_t products(const std::string& condition = "") {
+        const auto company =
+            openFileDatabase(world.data / "FTG1.mdb", {.locale = world.state.locale, .password = {}, .wait = {}});
+        const auto rows = company->open("SELECT COUNT(*) FROM Produkt" + condition, RecordsetType::Snapshot);
+        return TillLng(rows->value(0), world.state.locale);
+    }
+    /// Makes the price file of the job "Smedhult verktyg" as long as that.
+    void enlargePriceFile(int times) {
+        const std::filesystem::path file = world.data / "Prisfiler" / "VERKTYG.TXT";
+        std::ifstream in(file, std::ios::binary);
+        const std::string once{std::istreambuf_iterator<char>(in), {}};
+        std::ofstream out(file, std::ios::binary | std::ios::app);
+        for (int i = 1; i < times; ++i) out << once;
+    }
+    /// Answers the confirmation of the next run with Utför.
+    static void confirm(QDialog& form) { QTest::mouseClick(&control<QPushButton>(form, "Utför"), Qt::LeftButton); }
+
+    FormWorld world{Data::Demo};
+    std::unique_ptr<PrisMain> window;
+};
+
+const char* const kMaskJob = "Smedhult verktyg";
+
+TEST_F(PrisMainTest, ShowsTheJobsWithKindAndFile) {
+    EXPECT_EQ(cell(0, 0), "(EIO)");
+    EXPECT_EQ(cell(0, 1), "Fast");
+    EXPECT_EQ(cell(3, 1), "Mask");
+    EXPECT_EQ(cell(3, 2), "Prisfiler\\VERKTYG.TXT");
+    EXPECT_EQ(cell(3, 3), world.state.locale.formatDate(Date::today()));
+    EXPECT_EQ(fromQt(list().model()->headerData(3, Qt::Horizontal).toString()), "Fildatum");
+    EXPECT_TRUE(list().hasFocus());
+}
+
+TEST_F(PrisMainTest, EnablesWhatTheSelectedJobAllows) {
+    EXPECT_EQ(enabledButtons(), "Ny Öppna Utför CmdRabattbrev Avsluta") << "the first row is a trade format";
+    select(kMaskJob);
+    EXPECT_EQ(enabledButtons(), "Ny Öppna TaBort Utför CmdRabattbrev Avsluta");
+    world.state.settings.set("Start", "Kolmera", "no such job");
+    window->FyllJobbLista(0);
+    EXPECT_EQ(selectedJob(), "");
+    EXPECT_EQ(enabledButtons(), "Ny CmdRabattbrev Avsluta");
+}
+
+TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {
+    Job twin = *JobFile(world.data).find(kMaskJob);
+    twin.number = 0;
+    JobFile(world.data).save(twin);
+    window->FyllJobbLista(twin.number);
+    const int before = list().model()->rowCount();
+    select(kMaskJob);
+    world.boxPort.answers = {Answer::No, Answer::Yes};
+    press("TaBort");
+    EXPECT_EQ(world.boxPort.shown.back(), "Ta bort inläsningen|Ta bort inläsningen Smedhult verktyg ?");
+    EXPECT_EQ(list().model()->rowCount(), before);
+    QTest::keyClick(&list(), Qt::Key_F9);
+    EXPECT_EQ(list().model()->rowCount(), before - 2);
+    EXPECT_EQ(JobFile(world.data).find(kMaskJob), std::nullopt);
+    EXPECT_EQ(selectedJob(), "(EIO)");
+    QTest::keyClick(&list(), Qt::Key_F9);
+    EXPECT_EQ(list().model()->rowCount(), before - 2) << "a trade format was deleted";
+}
+
+TEST_F(PrisMainTest, TellsWhenTheJobCannotBeDeleted) {
+    std::filesystem::create_directory(world.data / "BUFFER.TXT");
+    select(kMaskJob);
+    world.boxPort.answers = {Answer::Yes, Answer::OK};
+    press("TaBort");
+    EXPECT_TRUE(
+        world.boxPort.shown.back().starts_with("Ta bort inläsningen|Det går inte att spara filen KOLMERA.TXT.\r\n"))
+        << world.boxPort.shown.back();
+    EXPECT_NE(JobFile(world.data).find(kMaskJob), std::nullopt);
+}
+
+TEST_F(PrisMainTest, OpensJobSettingsByButtonEnterAndDoubleClick) {
+    std::string opened;
+    std::optional<int> saved;
+    world.program.showPrisStyr = [&](QWidget* parent, int JobbNr, bool ÄrStandardJobb) {
+        EXPECT_EQ(parent, window.get());
+        opened += std::to_string(JobbNr) + (ÄrStandardJobb ? "s " : " ");
+        return saved;
+    };
+    press("Ny");
+    press("Öppna");
+    select(kMaskJob);
+    list().setFocus();
+    QTest::keyClick(&list(), Qt::Key_Return);
+    const QPoint row = list().visualRect(list().model()->index(1, 0)).center();
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, row);
+    EXPECT_EQ(opened, "0 1s 4 ") << "a single click opened";
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, row);
+    EXPECT_EQ(opened, "0 1s 4 2s ");
+    saved = 6;
+    press("Öppna");
+    EXPECT_EQ(selectedJob(), "Lindåsby färg") << "the saved job is selected";
+}
+
+TEST_F(PrisMainTest, HeaderClicksSortAndKeepTheSelectedJob) {
+    select(kMaskJob);
+    QHeaderView& header = *list().header();
+    const auto click = [&] {
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(header.sectionViewportPosition(0) + 5, 5));
+    };
+    click();
+    EXPECT_EQ(cell(9, 0), "Tassby julkampanj");
+    EXPECT_EQ(selectedJob(), kMaskJob);
+    click();
+    EXPECT_EQ(cell(0, 0), "Tassby julkampanj");
+    EXPECT_EQ(selectedJob(), kMaskJob);
+    world.program.showPrisStyr = [](QWidget*, int JobbNr, bool) {
+        EXPECT_EQ(JobbNr, 4) << "the row's number, not its place";
+        return std::nullopt;
+    };
+    press("Öppna");
+}
+
+TEST_F(PrisMainTest, ASessionEndsWithTheSelectedJobKept) {
+    select(kMaskJob);
+    press("Avsluta");
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(SettingsStore(world.folder / "settings.ini").get("Start", "Kolmera"), kMaskJob);
+    open();
+    EXPECT_EQ(selectedJob(), kMaskJob);
+    QTest::keyClick(&list(), Qt::Key_F12);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(PrisMainTest, RunsAMaskJob) {
+    const std::int64_t before = products();
+    select(kMaskJob);
+    const WhenShown asked("PrisUtfö", [&](QDialog& form) {
+        EXPECT_EQ(form.windowTitle(), "Utför : Smedhult verktyg");
+        EXPECT_EQ(control<QCheckBox>(form, "Tabort").text(),
+                  "Ta bort alla tidigare produkter och leverantörspriser i företaget Ftg1.Mdb");
+        EXPECT_EQ(enabledButtons(), "") << "a second run could be started";
+        confirm(form);
+    });
+    press("Utför");
+    EXPECT_TRUE(asked.came());
+    EXPECT_GT(products(), before);
+    EXPECT_EQ(enabledButtons(), "Ny Öppna TaBort Utför CmdRabattbrev Avsluta");
+    EXPECT_FALSE(control(*window, "Meddelande").isVisible());
+    EXPECT_FALSE(button("Avbryt").isVisible());
+    EXPECT_FALSE(world.boxPort.waiting) << "the hourglass stayed";
+    EXPECT_EQ(window->focusWidget(), &list());
+}
+
+TEST_F(PrisMainTest, EmptiesTheTablesOnlyBehindASecondYes) {
+    select(kMaskJob);
+    world.boxPort.answers = {Answer::No, Answer::Yes};
+    const std::string notOfTheFile = " WHERE Nummer NOT LIKE 'V%'";
+    EXPECT_GT(products(notOfTheFile), 0);
+    const WhenShown asked("PrisUtfö", [&](QDialog& form) {
+        control<QCheckBox>(form, "Tabort").click();
+        confirm(form);
+        EXPECT_TRUE(form.isVisible()) << "No must lead back to the form";
+        confirm(form);
+    });
+    press("Utför");
+    EXPECT_TRUE(asked.came());
+    EXPECT_TRUE(world.boxPort.shown.back().starts_with("Ta bort alla produkter|Alla produkter,"));
+    EXPECT_EQ(products(notOfTheFile), 0);
+}
+
+TEST_F(PrisMainTest, ListsTheCouplingsOfATradeFormat) {
+    select("(EIO)");
+    const WhenShown asked("PrisUtFa", [&](QDialog& form) {
+        auto& couplings = control<QListWidget>(form, "LevFastLista");
+        ASSERT_EQ(couplings.count(), 2);
+        EXPECT_EQ(couplings.item(0)->text(), "GR\t-->\t1010\tHuvudlev.\tGRANÅSA EL");
+        takePicture(form, "prisutfa-SE");
+        QTest::mouseClick(&control<QPushButton>(form, "Avbryt"), Qt::LeftButton);
+    });
+    press("Utför");
+    EXPECT_TRUE(asked.came());
+    EXPECT_EQ(enabledButtons(), "Ny Öppna Utför CmdRabattbrev Avsluta");
+}
+
+TEST_F(PrisMainTest, CancelsALongRunWithinASecond) {
+    enlargePriceFile(1000);
+    select(kMaskJob);
+    const WhenShown asked("PrisUtfö", confirm);
+    QElapsedTimer sinceCancel;
+    std::string status;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        const QString text = control<QLabel>(*window, "Meddelande").text();
+        if (sinceCancel.isValid() || !text.startsWith("Lästa poster: ")) return;
+        status = fromQt(text);
+        EXPECT_EQ(window->focusWidget(), &button("Avbryt"));
+        takePicture(*window, "run-SE");
+        sinceCancel.start();
+        QTest::keyClick(&button("Avbryt"), Qt::Key_Space);
+    });
+    watch.start(20);
+    press("Utför");
+    ASSERT_TRUE(sinceCancel.isValid()) << "the run never showed itself";
+    EXPECT_LT(sinceCancel.elapsed(), 1000);
+    EXPECT_TRUE(status.ends_with(" ....")) << status;
+    EXPECT_TRUE(window->isVisible());
+
+    // What was cancelled must not cancel the next run too.
+    select("Bruknäs skruv och beslag");
+    const std::int64_t before = products();
+    const WhenShown again("PrisUtfö", confirm);
+    press("Utför");
+    EXPECT_GT(products(), before);
+}
+
+TEST_F(PrisMainTest, ClosingDuringARunCancelsItFirst) {
+    enlargePriceFile(1000);
+    select(kMaskJob);
+    const WhenShown asked("PrisUtfö", confirm);
+    bool wasOpen = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (!button("Avbryt").isVisible()) return;
+        watch.stop();
+        window->close();
+        wasOpen = window->isVisible();
+    });
+    watch.start(20);
+    press("Utför");
+    EXPECT_TRUE(wasOpen) << "closed with tables open";
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_FALSE(world.state.sql.FtgDB) << "the company stayed open";
+}
+
+TEST_F(PrisMainTest, AJobToBeMendedIsOpenedFromTheRun) {
+    Job job = *JobFile(world.data).find(kMaskJob);
+    job.mask = "finns inte";
+    JobFile(world.data).save(job);
+    window->FyllJobbLista(job.number);
+    int opened = 0;
+    world.program.showPrisStyr = [&](QWidget*, int JobbNr, bool) {
+        opened = JobbNr;
+        return std::nullopt;
+    };
+    world.boxPort.answers = {Answer::Yes};
+    press("Utför");
+    EXPECT_EQ(opened, job.number);
+    EXPECT_EQ(enabledButtons(), "Ny Öppna TaBort Utför CmdRabattbrev Avsluta");
+}
+
+TEST(PrisMainEmpty, StartsWithoutAJobFileAndWithoutTexts) {
+    FormWorld world;
+    world.texts.StängSpråk();
+    PrisMain window(world.program);
+    window.show();
+    EXPECT_EQ(window.windowTitle(), "Kolmera - Inläsning av prisfiler");
+    auto& list = control<QTreeView>(window, "Lista");
+    EXPECT_EQ(list.model()->rowCount(), 0);
+    EXPECT_EQ(list.model()->headerData(0, Qt::Horizontal).toString(), "Inläsning");
+    EXPECT_TRUE(std::filesystem::exists(world.data / "KOLMERA.TXT"));
+    EXPECT_TRUE(control(window, "Ny").isEnabled());
+    for (const char* name : {"Öppna", "TaBort", "Utför"}) EXPECT_FALSE(control(window, name).isEnabled()) << name;
+}
+
+template <typename Form>
+void checkConfirmation(FormWorld& world, const std::string& picture) {
+    const Confirmation confirmation{.captionSuffix = {},
+                                    .runText = world.texts.FormulärSträngMed2("PrisMain", 40, "A.TXT", "Demo"),
+                                    .emptyTablesSuffix = {},
+                                    .emptyTablesEnabled = false,
+                                    .couplings = {"GR\t-->\t1010\tHuvudlev.\tGRANÅSA EL"},
+                                    .tradeFormat = std::is_same_v<Form, PrisUtFa>};
+    Form form(world.program, confirmation, nullptr);
+    form.show();
+    expectTextsInBothLanguages(form, world);
+    EXPECT_FALSE(control(form, "Tabort").isEnabled());
+    takePicture(form, picture);
+}
+
+TEST(PrisMainTexts, InBothLanguages) {
+    for (const std::string language : {"SE", "EN"}) {
+        FormWorld world(Data::Demo, language);
+        PrisMain window(world.program);
+        window.show();
+        expectTextsInBothLanguages(window, world);
+        takePicture(window, "prismain-" + language);
+        checkConfirmation<PrisUtfö>(world, "prisutfo-" + language);
+        checkConfirmation<PrisUtFa>(world, "prisutfa-" + language);
+    }
+}
+
+}  // namespace
+}  // namespace kolmera

@@ -1,0 +1,190 @@
+#include <gtest/gtest.h>
+
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "support/qt/formworld.h"
+#include "ui/forms.h"
+#include "ui/qtmessageport.h"
+#include "ui/qttext.h"
+#include "ui/ucuppner.h"
+
+namespace kolmera {
+namespace {
+
+using namespace test;
+
+TEST(UCUppNerTest, StepsTheActiveFieldOnceAndThenRepeats) {
+    QWidget form;
+    QVBoxLayout layout(&form);
+    QLineEdit field("5"), other("7");
+    const Theme theme;
+    UCUppNer spin(Locale(Locale::Kind::Swedish), theme);
+    for (QWidget* control : std::initializer_list<QWidget*>{&field, &other, &spin}) layout.addWidget(control);
+    form.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
+    field.setFocus();
+    auto& up = control<QLabel>(spin, "Upp");
+    auto& down = control<QLabel>(spin, "Ner");
+    QTest::mouseClick(&down, Qt::LeftButton);
+    EXPECT_EQ(field.text(), "4");
+    EXPECT_TRUE(field.hasFocus());
+    QTest::mousePress(&up, Qt::LeftButton);
+    EXPECT_EQ(field.text(), "5") << "one step at once";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == "10"; }, 3000)) << "goes on while held";
+    QTest::mouseRelease(&up, Qt::LeftButton);
+    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPointF(), down.mapToGlobal(QPointF()), Qt::LeftButton,
+                            Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&down, &doubleClick);
+    EXPECT_EQ(field.text(), "9") << "a double click acts like a press";
+    QTest::mouseRelease(&down, Qt::LeftButton);
+    QTest::qWait(400);
+    EXPECT_EQ(field.text(), "9") << "goes on after release";
+    EXPECT_EQ(other.text(), "7");
+}
+
+TEST(Forms, TahomaOnlyWhenTheSuiteAsksForIt) {
+    QWidget form;
+    QLabel label("text", &form);
+    const QString before = label.font().family();
+    SättTypsnitt(form, false);
+    EXPECT_EQ(label.font().family(), before);
+    SättTypsnitt(form, true);
+    EXPECT_EQ(label.font().families(), QStringList({"Tahoma", before}));
+    EXPECT_EQ(form.font().families().value(0), "Tahoma");
+}
+
+TEST(Forms, VisaFormulärShowsTheHourglassOnlyWhileLoading) {
+    FormWorld world;
+    QDialog form;
+    form.setObjectName("Provform");
+    bool waiting = true;
+    const WhenShown shown("Provform", [&](QDialog& dialog) {
+        waiting = world.boxPort.waiting;
+        dialog.accept();
+    });
+    EXPECT_TRUE(VisaFormulär(world.program, form, true));
+    EXPECT_TRUE(shown.came());
+    EXPECT_FALSE(waiting);
+}
+
+TEST(Forms, VisaFormulärTellsOfMissingMemory) {
+    class Heavy : public QDialog {
+        void setVisible(bool visible) override {
+            if (visible) throw std::bad_alloc();
+        }
+    };
+    FormWorld world;
+    world.boxPort.answers = {Answer::OK};
+    Heavy form;
+    EXPECT_FALSE(VisaFormulär(world.program, form, false));
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ResText(3001));
+}
+
+TEST(Forms, VäntaLetsEventsRun) {
+    bool ran = false;
+    QTimer::singleShot(0, [&ran] { ran = true; });
+    QElapsedTimer timer;
+    timer.start();
+    Vänta(50);
+    EXPECT_TRUE(ran);
+    EXPECT_GE(timer.elapsed(), 45);
+}
+
+/// Shows a message box and lets `act` work on it.
+Answer answered(FormWorld& world, const Message& message, const std::function<void(QMessageBox& box)>& act) {
+    QtMessagePort port(world.texts);
+    const WhenShown shown("Meddelanderuta", [&](QDialog& dialog) { act(dynamic_cast<QMessageBox&>(dialog)); });
+    const Answer answer = port.show(message);
+    EXPECT_TRUE(shown.came());
+    return answer;
+}
+
+QPushButton& boxButton(QMessageBox& box, const char* caption) {
+    for (QAbstractButton* button : box.buttons()) {
+        if (button->text() == QString::fromUtf8(caption)) return dynamic_cast<QPushButton&>(*button);
+    }
+    throw std::runtime_error(caption);
+}
+
+TEST(QtMessagePortTest, ButtonsAnswerInTheProgramsLanguage) {
+    const struct {
+        const char* fault;
+        const char* language;
+        Buttons buttons;
+        const char* caption;
+        Answer answer;
+    } cases[] = {
+        {"Yes", "SE", Buttons::YesNo, "&Ja", Answer::Yes},
+        {"No", "SE", Buttons::YesNo, "&Nej", Answer::No},
+        {"English Yes", "EN", Buttons::YesNo, "&Yes", Answer::Yes},
+        {"OK", "SE", Buttons::OK, "OK", Answer::OK},
+        {"Cancel", "SE", Buttons::OKCancel, "Avbryt", Answer::Cancel},
+        {"English Cancel", "EN", Buttons::OKCancel, "Cancel", Answer::Cancel},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        FormWorld world(Data::Empty, c.language);
+        Message message;
+        message.text = "Rad 1\r\nRad 2";
+        message.title = "Titel";
+        message.buttons = c.buttons;
+        EXPECT_EQ(answered(world, message,
+                           [&](QMessageBox& box) {
+                               EXPECT_EQ(box.text(), "Rad 1\nRad 2");
+                               EXPECT_EQ(box.windowTitle(), "Titel");
+                               QTest::mouseClick(&boxButton(box, c.caption), Qt::LeftButton);
+                           }),
+                  c.answer);
+    }
+}
+
+TEST(QtMessagePortTest, EnterTakesTheDefaultAndEscTheLast) {
+    FormWorld world;
+    Message question;
+    question.text = "<b>Ta bort?</b>";
+    question.buttons = Buttons::YesNo;
+    const auto enter = [](QMessageBox& box) {
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        QTest::keyClick(&box, Qt::Key_Return);
+    };
+    EXPECT_EQ(answered(world, question, enter), Answer::Yes);
+    question.secondIsDefault = true;
+    EXPECT_EQ(answered(world, question, enter), Answer::No);
+    question.secondIsDefault = false;
+    EXPECT_EQ(answered(world, question, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }), Answer::No);
+}
+
+TEST(QtMessagePortTest, HelpLeavesTheBoxOpen) {
+    FormWorld world;
+    Message question;
+    question.text = "Ta bort?";
+    question.buttons = Buttons::YesNo;
+    question.helpButton = true;
+    question.helpFile = "/finns/inte/Dorvik.chm";
+    const Answer answer = answered(world, question, [](QMessageBox& box) {
+        QString missing;
+        QTimer::singleShot(100, &box, [&box, &missing] {
+            auto* inner = dynamic_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (inner == nullptr || inner == &box) return;
+            missing = inner->text();
+            inner->buttons().front()->click();
+        });
+        QTest::mouseClick(&boxButton(box, "&Hjälp"), Qt::LeftButton);
+        EXPECT_EQ(missing, "Hittar inte hjälpfilen /finns/inte/Dorvik.chm.");
+        EXPECT_TRUE(box.isVisible());
+        QTest::mouseClick(&boxButton(box, "&Ja"), Qt::LeftButton);
+    });
+    EXPECT_EQ(answer, Answer::Yes);
+}
+
+}  // namespace
+}  // namespace kolmera
