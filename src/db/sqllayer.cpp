@@ -29,11 +29,26 @@ void pauseFor(std::chrono::milliseconds time, const std::function<void()>& letEv
     }
 }
 
-/// Place of `wanted` (ASCII, upper case) in a text, letter case not counting.
-std::size_t findNoCase(std::string_view text, std::string_view wanted) {
+/// Behind the quoted text that begins at a place; the next place when the quote is never closed.
+std::size_t behindQuoted(std::string_view text, std::size_t place) {
+    const std::size_t end = text.find(text[place], place + 1);
+    return (end == std::string_view::npos ? place : end) + 1;
+}
+
+/// Place of `wanted` (ASCII, upper case) in a statement, letter case not counting. Quoted texts are values, whatever
+/// words they hold.
+std::size_t findWord(std::string_view statement, std::string_view wanted) {
     const auto same = [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - ('a' - 'A') : a) == b; };
-    const auto found = std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), same);
-    return found == text.end() ? std::string_view::npos : static_cast<std::size_t>(found - text.begin());
+    for (std::size_t place = 0; place < statement.size();) {
+        if (statement[place] == '\'' || statement[place] == '"') {
+            place = behindQuoted(statement, place);
+        } else if (std::ranges::equal(statement.substr(place, wanted.size()), wanted, same)) {
+            return place;
+        } else {
+            ++place;
+        }
+    }
+    return std::string_view::npos;
 }
 
 }  // namespace
@@ -195,9 +210,9 @@ std::optional<std::pair<std::string, std::string>> SqlLayer::SQLDelaSelect(std::
     constexpr std::string_view kFrom = "FROM ";
     constexpr std::string_view kOrder = "ORDER BY ";
     constexpr auto npos = std::string_view::npos;
-    const std::size_t from = findNoCase(statement, kFrom);
-    const std::size_t where = findNoCase(statement, "WHERE ");
-    const std::size_t order = findNoCase(statement, kOrder);
+    const std::size_t from = findWord(statement, kFrom);
+    const std::size_t where = findWord(statement, "WHERE ");
+    const std::size_t order = findWord(statement, kOrder);
     if (from == npos || (where == npos && order == npos)) return std::nullopt;
     const std::size_t tableStart = from + kFrom.size();
     const std::size_t tableEnd = (where != npos ? where : order) - 1;

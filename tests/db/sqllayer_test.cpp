@@ -96,6 +96,12 @@ TEST(SqlDelaSelect, FindsTableAndOrder) {
         {"order lost", "SELECT * FROM Produkt ORDER BY Nummer, ID", Parts({"Produkt", "Nummer, ID"})},
         {"table reaches into WHERE", "SELECT * FROM Produkt WHERE ID = 1 ORDER BY ID", Parts({"Produkt", "ID"})},
         {"order invented", "SELECT * FROM Levprislista WHERE ID = 1", Parts({"Levprislista", ""})},
+        {"words of a value split it",
+         "SELECT * FROM Produkt WHERE Nummer = 'B FROM ' AND ID = 'A ORDER BY ID' ORDER BY ID",
+         Parts({"Produkt", "ID"})},
+        {"value with both quotes ends early",
+         "SELECT * FROM Produkt WHERE Nummer = '2\" O''Neil ORDER BY \"x' ORDER BY Nummer",
+         Parts({"Produkt", "Nummer"})},
         {"lower case not known", "select * from Leverantör where x order by Söknamn", Parts({"Leverantör", "Söknamn"})},
     };
     for (const auto& c : cases) EXPECT_EQ(SqlLayer::SQLDelaSelect(c.statement), c.expected) << c.fault;
