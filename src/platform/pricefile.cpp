@@ -9,6 +9,7 @@ namespace kolmera {
 
 namespace {
 constexpr std::size_t kBufferSize = 262'144;
+constexpr std::size_t kLongestLine = 16'777'216;
 constexpr char kEndMark = 0x1A;
 }  // namespace
 
@@ -51,15 +52,19 @@ std::string_view PriceFile::line() {
             break;
         }
         length = found != nullptr ? static_cast<std::size_t>(found - start) : end_ - begin_;
+        if (found == nullptr && length > kLongestLine) {
+            length = kLongestLine;
+            end_ = begin_ + length;
+        }
         if (!fill()) {
             length = std::min(length, end_ - begin_);  // without the end mark
             break;
         }
     }
-    const std::string_view result(buffer_.data() + begin_, length);
+    const std::string_view result(buffer_.data() + begin_, std::min(length, kLongestLine));
     begin_ += length;
     if (begin_ < end_) ++begin_;  // CR
-    if (begin_ < end_ && result.data()[length + 1] == '\n') ++begin_;
+    if (begin_ < end_ && buffer_[begin_] == '\n') ++begin_;
     return result;
 }
 

@@ -23,6 +23,7 @@ class PriceFile {
 
     [[nodiscard]] bool atEnd();
     /// The next line without its end; valid until the next call (of `atEnd` too). At the end of the file an empty line.
+    /// Of a line of more than 16 MB only these are given: a file without CR is one line, and may be of any size.
     std::string_view line();
     /// The next `count` bytes, fewer at the end of the file; valid until the next call.
     std::string_view bytes(std::size_t count);

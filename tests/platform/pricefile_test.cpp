@@ -80,6 +80,17 @@ TEST_F(PriceFileTest, TakesALineOfTenMegabytes) {
     EXPECT_EQ(lines("a\r\n" + longLine + "\r\nb"), (std::vector<std::string>{"a", longLine, "b"}));
 }
 
+TEST_F(PriceFileTest, CutsWhatIsNoLine) {
+    constexpr std::size_t kLongest = 16'777'216;
+    const std::string cut(kLongest, 'x');
+    for (const std::size_t more : {std::size_t{0}, kLongest + 1}) {
+        SCOPED_TRACE(more);
+        const std::string longLine(kLongest + more, 'x');
+        EXPECT_TRUE(lines(longLine + "\r\nb\rc") == (std::vector<std::string>{cut, "b", "c"}));
+        EXPECT_TRUE(lines(longLine) == std::vector<std::string>{cut});
+    }
+}
+
 TEST_F(PriceFileTest, GivesBytesAndTheirPosition) {
     PriceFile file = open("abcde\r\nf\x1A");
     EXPECT_EQ(file.bytes(3), "abc");
