@@ -11,8 +11,9 @@ constexpr std::string_view kTable = "LevrabattBrev";
 constexpr std::array<std::string_view, kDiscountSteps> kColumns = {"1Rabatt", "2Rabatt", "3Rabatt", "4Rabatt",
                                                                    "5Rabatt"};
 
-/// A price file may name any number of codes, most of them unknown.
+/// A price file may name any number of codes, most of them unknown, and of any length.
 constexpr std::size_t kMostRemembered = 10'000;
+constexpr std::size_t kLongestRemembered = 100;  ///< bytes; more than any letter's supplier and code
 
 /// The part of a price that is left behind discounts in per cent, one after the other.
 template <typename Discounts>
@@ -40,7 +41,7 @@ double Rabattbrev::BeräknaRabattbrev(std::string_view supplier, std::string_vie
     if (const auto known = remembered_.find(key_); known != remembered_.end()) return known->second;
     double fraction = 0;
     const bool read = attempt(passedOver_, "LevrabattBrev", [&] { fraction = readFraction(supplier, discountCode); });
-    if (read) remembered_.emplace(key_, fraction);
+    if (read && key_.size() <= kLongestRemembered) remembered_.emplace(key_, fraction);
     return fraction;
 }
 
