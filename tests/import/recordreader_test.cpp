@@ -31,7 +31,8 @@ std::string read(const LoadedMask& mask, std::string_view file) {
     std::string text;
     while (reader.next()) {
         for (int number = 1; number <= reader.entries().size(); ++number) {
-            text += (number > 1 ? "|" : "") + std::string(reader.entries().text(number));
+            if (number > 1) text += '|';
+            text += reader.entries().text(number);
         }
         text += '\n';
     }
