@@ -1,5 +1,7 @@
 #include "definitions/couplingeditor.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "db/conversions.h"
@@ -39,9 +41,10 @@ std::optional<CouplingEditor::Supplier> CouplingEditor::find(const std::string& 
 
 std::string CouplingEditor::rowText(const Coupling& coupling) {
     const auto supplierFound = find(coupling.supplier);
-    const std::string name = supplierFound ? supplierFound->searchName
-                                           : "(" + texts_.FormulärSträng(kForm, kNoSuchSupplier) + database_ + ")";
-    return coupling.code + "\t-->\t" + coupling.supplier + "\t" + (coupling.mainSupplier ? "H" : "") + "\t" + name;
+    const std::string name = supplierFound
+                                 ? supplierFound->searchName
+                                 : fmt::format("({}{})", texts_.FormulärSträng(kForm, kNoSuchSupplier), database_);
+    return fmt::format("{}\t-->\t{}\t{}\t{}", coupling.code, coupling.supplier, coupling.mainSupplier ? "H" : "", name);
 }
 
 void CouplingEditor::list() {
@@ -94,7 +97,7 @@ bool CouplingEditor::change(const std::function<void()>& statement) {
         return true;
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText("KMR", kCannotSave);
-        boxes_.MeddelandeVarning(title + " PRISLEV.TXT.\r\n\r\n" + error.description(), title);
+        boxes_.MeddelandeVarning(fmt::format("{} PRISLEV.TXT.\r\n\r\n{}", title, error.description()), title);
         return false;
     }
 }

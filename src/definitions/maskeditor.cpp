@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::string_view kForm = "PrisMTyp";
 constexpr std::string_view kModule = "KMR";
-constexpr std::string_view kLineBreaks = "\r\n\r\n";
 
 enum FormText { kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41 };
 enum ModuleText { kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124 };
@@ -258,7 +257,7 @@ MaskEditor::Saved MaskEditor::save() {
         return Saved::Yes;
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(title + " PRISMASK.TXT." + std::string(kLineBreaks) + error.description(), title);
+        boxes_.MeddelandeVarning(fmt::format("{} PRISMASK.TXT.\r\n\r\n{}", title, error.description()), title);
         return Saved::Failed;
     }
 }

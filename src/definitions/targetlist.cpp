@@ -1,5 +1,7 @@
 #include "definitions/targetlist.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "db/conversions.h"
@@ -19,7 +21,7 @@ constexpr int kKeyColumns[] = {1, 2, 4};  ///< product number, search name, the 
 constexpr int kFirstPriceLevel = 24;
 constexpr int kLastPriceLevel = 32;
 
-std::string entry(int code, std::string_view name) { return std::to_string(code).append(".\t").append(name); }
+std::string entry(int code, std::string_view name) { return fmt::format("{}.\t{}", code, name); }
 
 std::string columnName(const FieldDef& column, int place, LanguageTexts& texts) {
     if (texts.language() == "SE") return column.name;
@@ -34,7 +36,7 @@ class TargetReader {
 
     TargetList read() {
         const std::string none = texts_.FormulärSträng(kForm, kNotImportedText);
-        list_.targets.push_back({.code = 0, .text = "««\t" + none + "   »»"});
+        list_.targets.push_back({.code = 0, .text = fmt::format("««\t{}   »»", none)});
         addColumns(1, kLastDirectColumn, 0);
         addHeadings();
         addColumns(kLastDirectColumn + 1, static_cast<int>(columns_.size()) - 1, kColumnShift);

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QGroupBox>
+
+#include "definitions/couplingeditor.h"
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+
+namespace kolmera {
+
+/// The supplier couplings in the job window: the list, the boxes of one coupling and their three buttons.
+class CouplingPanel final : public QGroupBox {
+  public:
+    CouplingPanel(CouplingEditor& couplings, QWidget* parent);
+
+    /// Shows the couplings as they are now.
+    void present();
+    /// F7, F8, Escape and F9, and Alt+L for the list, wherever in the form the focus is.
+    void installKeys(QWidget& form);
+
+  private:
+    void buildControls();
+    void layOut();
+    void connectBoxes();
+    void connectButtons();
+    void presentList();
+    void presentBoxes();
+    void takeBoxes();
+
+    CouplingEditor& couplings_;
+    QListWidget* levLista_;
+    QLabel *lblLevKod_, *lblLevNummer_, *levNamn_;
+    QLineEdit *levKod_, *levNummer_;
+    QCheckBox* huvudLev_;
+    QPushButton *sparaLev_, *avbrytLev_, *taBortLev_;
+};
+
+/// Alt+L gives the focus to a list, beside the accelerator that its label may have.
+void focusOnAltL(QWidget& form, QWidget& list);
+
+}  // namespace kolmera

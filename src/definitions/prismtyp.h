@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QDialog>
+#include <filesystem>
+#include <optional>
+
+#include "definitions/maskeditor.h"
+#include "ui/program.h"
+
+class QButtonGroup;
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLayout;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+
+namespace kolmera {
+
+/// The mask editor's window: a mask is made against the first record of a sample price file.
+class PrisMTyp final : public QDialog {
+  public:
+    /// `editor` is open already.
+    PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent);
+
+  private:
+    void buildMask();
+    QButtonGroup* addOptions(QGroupBox& frame, const char* name, std::initializer_list<const char*> captions);
+    QLineEdit* addNumber(QGroupBox& frame, const char* name, const char* caption);
+    void buildLists();
+    void buildRules();
+    void buildButtons();
+    void layOut();
+    QLayout* layOutMask();
+    QLayout* layOutFields();
+    void setSizes();
+    void connectMask();
+    void connectLists();
+    void connectButtons();
+    void showMask();
+
+    void present();
+    void presentSources();
+    void presentRelations();
+    void presentChoice();
+    void presentRules();
+    void presentPositions();
+    void save();
+
+    Program& program_;
+    MaskEditor& editor_;
+    QLabel* lblNamn_;
+    QLineEdit* namn_;
+    QGroupBox *ramFilTyp_, *ramTecken_, *ramSkapaNya_, *positioner_;
+    QButtonGroup *filTyp_, *tecken_, *skapaNya_;
+    QLineEdit *antalRader_, *postlängd_;
+    QCheckBox* uppdatLev_;
+    QLabel *lblFrånLista_, *lblTillLista_, *lblTypKod_, *lblDivision_, *lblRelationer_;
+    QListWidget *frånLista_, *tillLista_, *relationer_;
+    QLineEdit *frånPos_, *längd_;
+    QComboBox *typKod_, *division_;
+    QPushButton *skapa_, *tabort_, *spara_, *avbryt_;
+};
+
+/// Edits the mask of that number, 0 for a new one, against a sample file; the company database is open. Answers the
+/// number of the saved mask, or nothing.
+std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample, int maskNumber);
+
+}  // namespace kolmera
