@@ -153,14 +153,19 @@ TEST(TradeRun, GoesOnWhenARowCannotBeSaved) {
     {
         const auto database = world.open();
         database->execute(
-            "CREATE TRIGGER refuse BEFORE INSERT ON Produkt WHEN NEW.Nummer = '1000002' "
+            "CREATE TRIGGER refuse BEFORE INSERT ON Produkt WHEN NEW.Nummer IN ('1000002', '1000003') "
+            "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        database->execute(
+            "CREATE TRIGGER refusePrice BEFORE INSERT ON Levprislista WHEN NEW.Produktnr = '1000003' "
             "BEGIN SELECT RAISE(ABORT, 'refused'); END");
     }
-    world.priceFile(eioFile(3));
+    world.priceFile(eioFile(4));
     const RunSummary summary = world.run();
-    EXPECT_EQ(world.rows("Produkt", "Nummer"), "1000001\n1000003\n");
+    EXPECT_EQ(world.rows("Produkt", "Nummer"), "1000001\n1000004\n");
     EXPECT_EQ(summary.newProducts, 2);
-    EXPECT_EQ(world.port.passedOver.size(), 1U + 3 * 2);  // and the dates that the articles do not have
+    EXPECT_EQ(summary.priceList, 3);
+    EXPECT_EQ(summary.skipped, 1) << "lines that wrote nothing";
+    EXPECT_EQ(world.port.passedOver.size(), 3U + 4 * 2);  // and the dates that the articles do not have
 }
 
 }  // namespace

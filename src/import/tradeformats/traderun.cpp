@@ -71,6 +71,10 @@ bool goesOn(RunMachinery& run, std::int64_t lines) {
     return false;
 }
 
+std::int64_t rowsWritten(const RunSummary& summary) {
+    return summary.newProducts + summary.changed + summary.priceList + summary.alternatives;
+}
+
 void readLines(RunMachinery& run, TradeFormat& format) {
     constexpr std::int64_t kRecordsPerBatch = 25;
     RunSummary& summary = run.summary();
@@ -78,8 +82,10 @@ void readLines(RunMachinery& run, TradeFormat& format) {
     BatchTransaction transaction(*run.sql().FtgDB);
     std::int64_t written = 0;
     while (!file.atEnd()) {
+        const std::int64_t before = rowsWritten(summary);
         const LineUse use = format.takeLine(file.line());
-        if (use == LineUse::PassedOver) ++summary.skipped;
+        const bool refused = use == LineUse::Written && rowsWritten(summary) == before;
+        if (use == LineUse::PassedOver || refused) ++summary.skipped;
         if (use == LineUse::Written && ++written % kRecordsPerBatch == 0) transaction.next();
         if (!goesOn(run, ++summary.records)) break;
     }
