@@ -106,13 +106,14 @@ std::optional<std::string> CompanyRegister::newCompany(const std::string& file) 
     }
 }
 
-/// Reads the company's name from its settings and adds it to the register.
+/// Reads the company's name from its settings and adds it to the register. A company without settings can be opened,
+/// and has an empty name.
 std::string CompanyRegister::companyName(const std::string& file) {
     std::string name;
     {
         const std::unique_ptr<Database> database = openFile(file, true);
         const auto settings = database->open("Syinställningar", RecordsetType::Snapshot);
-        name = TillText(settings->value("Företagsnamn"), state_.locale);
+        if (!settings->eof()) name = TillText(settings->value("Företagsnamn"), state_.locale);
     }
     PassedOverSilently passedOver;
     attempt(passedOver, "DORVIK.FTG", [&] { CompanyFile(state_.dataFolder()).append(file, name); });

@@ -52,22 +52,24 @@ class CompanyRegisterTest : public ::testing::Test {
 
 TEST_F(CompanyRegisterTest, NewCompaniesJoinTheRegister) {
     company("ftg2.MDB", "Åhus Rör AB");
-    company("FTG3.mdb", "");
+    company("FTG3.mdb", "Its settings will be gone");
+    openFileDatabase(world.data / "FTG3.mdb", OpenOptions())->execute("DELETE FROM Syinställningar");
+    company("FTG33.mdb", "");
     write("FTG1.mdb", "never opened");
     write("FTG4.txt", "");
     write("AFTG5.mdb", "");
     std::filesystem::create_directory(world.data / "FTG6.mdb");
     write("DORVIK.FTG", registerRecord("FTG9.MDB", "Gone", "a") + registerRecord("ftg1.mdb", "First", "b"));
 
-    const Rows expected = {"First\tFTG1.MDB", "Åhus Rör AB\tFTG2.MDB", "\tFTG3.MDB"};
+    const Rows expected = {"First\tFTG1.MDB", "Åhus Rör AB\tFTG2.MDB", "\tFTG3.MDB", "\tFTG33.MDB"};
     EXPECT_EQ(companies.FyllFöretagsLista(), expected);
     EXPECT_EQ(read("DORVIK.FTG"), registerRecord("FTG9.MDB", "Gone", "a") + registerRecord("ftg1.mdb", "First", "b") +
                                       registerRecord("FTG2.MDB", "Åhus Rör AB", "") +
-                                      registerRecord("FTG3.MDB", "", ""))
+                                      registerRecord("FTG3.MDB", "", "") + registerRecord("FTG33.MDB", "", ""))
         << "a company added wrongly, or the third field not blank";
     write("ftg2.MDB", "registered companies are not opened");
     EXPECT_EQ(companies.FyllFöretagsLista(), expected);
-    EXPECT_EQ(read("DORVIK.FTG").size(), 4U * 120U) << "added once more";
+    EXPECT_EQ(read("DORVIK.FTG").size(), 5U * 120U) << "added once more";
 }
 
 TEST_F(CompanyRegisterTest, NamesAreComparedByTwentyCharacters) {
