@@ -50,7 +50,8 @@ void ensureFile(const std::filesystem::path& folder, const std::string& name) {
 
 void ensureSettings(const std::filesystem::path& folder) {
     const std::filesystem::path file = findWithoutCase(folder, "DORVIK.INI");
-    if (std::filesystem::exists(file)) return;
+    std::error_code unreadable;
+    if (std::filesystem::exists(file, unreadable)) return;
     int number = 0;
     for (const IniLine& line : kIniLines) writeIniValue(file, ++number, line.key, std::string(line.value));
 }

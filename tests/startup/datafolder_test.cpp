@@ -3,6 +3,7 @@
 #include "definitions/jobfile.h"
 #include "platform/engine/database.h"
 #include "platform/error.h"
+#include "platform/restrictedpath.h"
 #include "startup/startup.h"
 #include "startworld.h"
 
@@ -48,6 +49,8 @@ TEST(DataFolder, WhatIsThereStays) {
 
     world.root.write("file", "");
     EXPECT_THROW(createDataFolder(world.root / "file"), PlatformError);
+    const RestrictedPath closed(world.root.path(), 0);
+    EXPECT_THROW(createDataFolder(world.root.path()), PlatformError) << "a folder that cannot be entered";
 }
 
 TEST(NewCompany, HasOneRowOfSettings) {
