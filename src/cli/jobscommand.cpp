@@ -5,6 +5,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <system_error>
 
 #include "cli/session.h"
 #include "import/joblist.h"
@@ -55,7 +56,8 @@ void printTable(const std::vector<TableRow>& rows, std::ostream& out) {
 int jobsCommand(const std::string& dataFolder, bool json, const Surroundings& surroundings) {
     Session session(surroundings, dataFolder);
     const auto folder = absoluteFolder(dataFolder);
-    if (!std::filesystem::is_directory(folder)) {
+    std::error_code unreachable;
+    if (!std::filesystem::is_directory(folder, unreachable)) {
         surroundings.err << session.text(250) << ' ' << session.text(120, folder.string()) << '\n';
         return exitcode::kStopped;
     }

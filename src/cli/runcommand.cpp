@@ -6,6 +6,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <system_error>
 
 #include "cli/session.h"
 #include "cli/terminalport.h"
@@ -79,7 +80,8 @@ bool writeSummary(const std::string& file, const std::string& job, const std::ve
 int runCommand(const RunArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings, arguments.dataFolder);
     const auto folder = absoluteFolder(arguments.dataFolder);
-    if (!std::filesystem::is_directory(folder)) {
+    std::error_code unreachable;
+    if (!std::filesystem::is_directory(folder, unreachable)) {
         surroundings.err << session.text(250) << ' ' << session.text(120, folder.string()) << '\n';
         return exitcode::kStopped;
     }

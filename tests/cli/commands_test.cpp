@@ -60,6 +60,8 @@ TEST(CommandLine, RunStopsWithAMessage) {
     } cases[] = {
         {"an unknown job", {"run", "Finns ej", "--data", machine.data()}, "Finns ej"},
         {"no data folder", {"run", "(EIO)", "--data", machine.file("none")}, "none"},
+        {"a folder name that the system refuses", {"run", "(EIO)", "--data", std::string(300, 'x')}, "Datamappen"},
+        {"the same, for the list of jobs", {"jobs", "--data", std::string(300, 'x')}, "Datamappen"},
         {"the price file is missing", {"run", "Smedhult verktyg", "--data", machine.data()}, "VERKTYG.TXT"},
     };
     for (const auto& c : cases) {
