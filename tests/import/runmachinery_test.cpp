@@ -15,9 +15,11 @@ using ::testing::Not;
 
 const MaskSpec kSimple{.relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}};
 
+std::string numbered(int row) { return std::string("N") + std::to_string(row); }
+
 std::string priceLines(int count) {
     std::string text;
-    for (int line = 1; line <= count; ++line) text += "N" + std::to_string(line) + "\t5\r\n";
+    for (int line = 1; line <= count; ++line) text += numbered(line) + "\t5\r\n";
     return text;
 }
 
@@ -151,7 +153,7 @@ struct FullWorld : World {
         const auto rows = database.open(table, RecordsetType::Table);
         for (int row = 1; row <= count; ++row) {
             rows->addNew();
-            rows->set(column, "N" + std::to_string(row));
+            rows->set(column, numbered(row));
             rows->update();
         }
     }
