@@ -39,10 +39,10 @@ QListWidget* list(QWidget& parent, const char* name, QLabel& caption, const std:
 }
 
 QLineEdit* numberBox(QWidget& parent, const char* name) {
-    constexpr int kLetters = 8;
     auto* box = named(new QLineEdit(&parent), name);
     box->setMaxLength(kNumberLength);
-    box->setMaximumWidth(kLetters * box->fontMetrics().averageCharWidth() * 2);
+    // Room for the digits, the cursor and the frame.
+    box->setFixedWidth((kNumberLength + 3) * box->fontMetrics().horizontalAdvance('0'));
     allowNumbersOnly(*box, ',', false, false);
     return box;
 }
@@ -120,6 +120,7 @@ void PrisMTyp::buildMask() {
     uppdatLev_ = named(new QCheckBox(QStringLiteral("&Uppdatera priser på"), ramSkapaNya_), "UppdatLev");
     auto* grid = dynamic_cast<QGridLayout*>(ramSkapaNya_->layout());
     auto* supplier = new QHBoxLayout;
+    supplier->setSpacing(0);
     supplier->addWidget(uppdatLev_);
     supplier->addWidget(label(*ramSkapaNya_, "Lbl_UppdatLev", "leverantör"), 1);
     grid->addLayout(supplier, grid->rowCount(), 0, 1, 2);
@@ -240,11 +241,12 @@ QLayout* PrisMTyp::layOutFields() {
 }
 
 void PrisMTyp::setSizes() {
-    constexpr int kLetters = 130, kLines = 9, kRelationLines = 6;
+    constexpr int kLetters = 130, kLines = 12, kRelationLines = 8;
     const QFontMetrics metrics = fontMetrics();
     for (QListWidget* fields : {frånLista_, tillLista_}) fields->setMinimumHeight(kLines * metrics.lineSpacing());
     relationer_->setMinimumHeight(kRelationLines * metrics.lineSpacing());
-    setMinimumWidth(kLetters * metrics.averageCharWidth());
+    // Not the window's own minimum: that one would replace what its layout needs.
+    relationer_->setMinimumWidth(kLetters * metrics.averageCharWidth());
 }
 
 void PrisMTyp::showMask() {

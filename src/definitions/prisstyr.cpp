@@ -161,9 +161,9 @@ void PrisStyr::buildFinfo() {
     second->setBuddy(altprodnr2_);
     grid->addWidget(first, 0, 0);
     grid->addWidget(altprodnr1_, 0, 1);
-    grid->addWidget(second, 0, 2);
-    grid->addWidget(altprodnr2_, 0, 3);
-    for (const int column : {1, 3}) grid->setColumnStretch(column, 1);
+    grid->addWidget(second, 1, 0);
+    grid->addWidget(altprodnr2_, 1, 1);
+    grid->setColumnStretch(1, 1);
 }
 
 void PrisStyr::buildButtons() {
@@ -212,12 +212,15 @@ void PrisStyr::layOutFiles(QGridLayout& grid) {
 }
 
 void PrisStyr::setSizes() {
-    constexpr int kLetters = 90, kMaskLines = 7, kCompanyLines = 4, kSupplierLines = 8, kNumberLetters = 24;
+    constexpr int kLetters = 70, kMaskLines = 7, kCompanyLines = 4, kSupplierLines = 8, kNumberLetters = 24;
     const QFontMetrics metrics = fontMetrics();
-    setMinimumWidth(kLetters * metrics.averageCharWidth());
+    filNamn_->setMinimumWidth(kLetters * metrics.averageCharWidth());
     maskLista_->setMinimumHeight(kMaskLines * metrics.lineSpacing());
     ftgLista_->setMinimumHeight(kCompanyLines * metrics.lineSpacing());
     levLista_->setMinimumHeight(kSupplierLines * metrics.lineSpacing());
+    for (QLineEdit* group : {fromGrp_, tomGrp_}) {
+        group->setMinimumWidth((kGroupLength + 3) * metrics.horizontalAdvance('0'));
+    }
     levLista_->setColumnWidth(0, kNumberLetters * metrics.averageCharWidth());
     if (job_.isTradeFormat()) ftgLista_->setMaximumHeight(2 * kCompanyLines * metrics.lineSpacing());
 }

@@ -1,0 +1,168 @@
+#include "definitions/prismtyp.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+
+#include "support/qt/formworld.h"
+#include "ui/lists.h"
+#include "ui/qttext.h"
+
+namespace kolmera {
+namespace {
+
+using namespace test;
+
+/// The mask editor's window over a sample file in the demo's data folder.
+class PrisMTypTest : public testing::Test {
+  protected:
+    void open(FormWorld& world, const char* sample, int maskNumber = 0) {
+        form.reset();
+        ASSERT_TRUE(world.companies.ÖppnaDatabas("FTG1.MDB"));
+        editor.emplace(world.texts, world.boxes, world.data, world.data / "Prisfiler" / sample);
+        ASSERT_TRUE(editor->open(world.state.sql, maskNumber));
+        form.emplace(world.program, *editor, nullptr);
+        form->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&*form));
+    }
+    QListWidget& list(const char* name) { return control<QListWidget>(*form, name); }
+    void chooseTarget(int code) { VäljListradEfterText(list("TillLista"), std::to_string(code) + "."); }
+    void press(const char* name) { control<QPushButton>(*form, name).click(); }
+    void check(const char* name) { control<QRadioButton>(*form, name).click(); }
+    void type(const char* name, const char* text) {
+        auto& field = control<QLineEdit>(*form, name);
+        field.clear();
+        QTest::keyClicks(&field, QString::fromUtf8(text));
+    }
+    void join(int source, int code) {
+        list("FrånLista").setCurrentRow(source - 1);
+        chooseTarget(code);
+        press("Skapa");
+    }
+    static std::string stored(FormWorld& world, int mask) {
+        std::string rows;
+        for (const Relation& relation : MaskFile(world.data).relations(mask)) {
+            rows += std::to_string(relation.Källa) + ">" + std::to_string(relation.Mål) + relation.TypKod +
+                    relation.Division + " ";
+        }
+        return rows;
+    }
+
+    std::optional<MaskEditor> editor;
+    std::optional<PrisMTyp> form;
+};
+
+TEST_F(PrisMTypTest, MakesChangesAndKeepsATabMask) {
+    FormWorld world(Data::Demo);
+    open(world, "SKRUV.TXT");
+    EXPECT_EQ(form->windowTitle(), "Ny mask för prisfilen SKRUV.TXT");
+    EXPECT_EQ(list("FrånLista").count(), 10) << "ten lines to begin with";
+    check("FilTyp_2");
+    const int columns = list("FrånLista").count();
+    EXPECT_GT(columns, 1);
+    EXPECT_FALSE(control(*form, "Positioner").isVisible());
+    EXPECT_FALSE(control(*form, "AntalRader").isEnabled());
+    join(1, 1);
+    EXPECT_EQ(control<QComboBox>(*form, "Division").currentText(), "Söknyckel");
+    join(2, 24);
+    EXPECT_EQ(control<QComboBox>(*form, "TypKod").count(), 6);
+    EXPECT_EQ(list("Relationer").count(), 2);
+
+    list("Relationer").setCurrentRow(1);
+    control<QComboBox>(*form, "TypKod").setCurrentIndex(1);
+    press("Skapa");
+    EXPECT_EQ(list("Relationer").count(), 2) << "replaced, not added";
+
+    world.boxPort.answers = {Answer::OK};
+    press("Spara");
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.FormulärSträng("PrisMTyp", 40));
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(form->focusWidget(), &control(*form, "Namn"));
+    type("Namn", "Skruvar");
+    press("Spara");
+    EXPECT_FALSE(form->isVisible());
+    const Mask mask = *MaskFile(world.data).find("Skruvar");
+    EXPECT_EQ(mask.FilTyp, 'T');
+    EXPECT_EQ(mask.AntalKolumner, columns);
+    EXPECT_EQ(stored(world, mask.number), "1>1US 2>241I ");
+}
+
+TEST_F(PrisMTypTest, MakesAFixedLengthMaskPieceByPiece) {
+    FormWorld world(Data::Demo);
+    open(world, "FJORDPRI.DAT");
+    check("FilTyp_3");
+    EXPECT_TRUE(control(*form, "Positioner").isVisible());
+    type("Postlängd", "70");
+    type("Längd", "13");
+    chooseTarget(1);
+    press("Skapa");
+    EXPECT_EQ(control<QLineEdit>(*form, "FrånPos").text(), "14");
+    EXPECT_EQ(control<QLineEdit>(*form, "Längd").text(), "57");
+    EXPECT_EQ(list("FrånLista").count(), 2);
+    list("Relationer").setCurrentRow(0);
+    press("Tabort");
+    EXPECT_EQ(list("Relationer").count(), 0);
+    EXPECT_FALSE(control(*form, "Tabort").isEnabled());
+    EXPECT_EQ(control<QLineEdit>(*form, "FrånPos").text(), "1");
+}
+
+TEST_F(PrisMTypTest, ADoubleClickOnATargetCreates) {
+    FormWorld world(Data::Demo);
+    open(world, "SKRUV.TXT");
+    list("FrånLista").setCurrentRow(0);
+    auto& targets = list("TillLista");
+    chooseTarget(6);
+    const QPoint place = targets.visualItemRect(targets.currentItem()).center();
+    QTest::mouseClick(targets.viewport(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(targets.viewport(), Qt::LeftButton, {}, place);
+    EXPECT_EQ(list("Relationer").count(), 1);
+}
+
+TEST_F(PrisMTypTest, ShowsEveryDemoMaskAsItIsStored) {
+    for (const char* language : {"SE", "EN"}) {
+        FormWorld world(Data::Demo, language);
+        for (const Mask& mask : MaskFile(world.data).all()) {
+            SCOPED_TRACE(mask.Namn);
+            const std::string before = stored(world, mask.number);
+            open(world, "KONTOR.TXT", mask.number);
+            EXPECT_EQ(control<QLineEdit>(*form, "Namn").text(), toQt(mask.Namn));
+            for (int row = 0; row < list("Relationer").count(); ++row) {
+                list("Relationer").setCurrentRow(row);
+                EXPECT_GE(control<QComboBox>(*form, "TypKod").currentIndex(), 0) << "rule not offered, row " << row;
+                EXPECT_GE(control<QComboBox>(*form, "Division").currentIndex(), 0) << "rule not offered, row " << row;
+            }
+            press("Spara");
+            EXPECT_EQ(stored(world, mask.number), before);
+        }
+    }
+}
+
+TEST_F(PrisMTypTest, EscapeChangesNothing) {
+    FormWorld world(Data::Demo);
+    const auto masks = MaskFile(world.data).all().size();
+    open(world, "SKRUV.TXT");
+    type("Namn", "Ny");
+    QTest::keyClick(&control(*form, "Namn"), Qt::Key_Return);
+    EXPECT_TRUE(form->isVisible()) << "Enter moves on";
+    QTest::keyClick(&*form, Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(MaskFile(world.data).all().size(), masks);
+}
+
+TEST_F(PrisMTypTest, SpeaksBothLanguages) {
+    for (const char* language : {"SE", "EN"}) {
+        FormWorld world(Data::Demo, language);
+        open(world, "DJURKAMP.DAT", 4);
+        expectTextsInBothLanguages(*form, world);
+        takePicture(*form, std::string("prismtyp-fixed-") + language);
+        open(world, "SKRUV.TXT", 1);
+        list("Relationer").setCurrentRow(2);
+        takePicture(*form, std::string("prismtyp-tabs-") + language);
+    }
+}
+
+}  // namespace
+}  // namespace kolmera

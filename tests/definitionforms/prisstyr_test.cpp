@@ -1,0 +1,260 @@
+#include "definitions/prisstyr.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeView>
+
+#include "support/qt/formworld.h"
+#include "ui/lists.h"
+#include "ui/qttext.h"
+
+namespace kolmera {
+namespace {
+
+using namespace test;
+
+class PrisStyrTest : public testing::Test {
+  protected:
+    explicit PrisStyrTest(const char* language = "SE") : world(Data::Demo, language) {}
+
+    void open(int JobbNr, bool ÄrStandardJobb = false) {
+        form.reset();
+        form.emplace(world.program, JobbNr, ÄrStandardJobb, nullptr);
+        form->show();
+        form->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&*form));
+    }
+    int job(const char* name) { return JobFile(world.data).find(name)->number; }
+    QListWidget& list(const char* name) { return control<QListWidget>(*form, name); }
+    QLineEdit& field(const char* name) { return control<QLineEdit>(*form, name); }
+    bool enabled(const char* name) { return control(*form, name).isEnabled(); }
+    void press(const char* name) { control<QPushButton>(*form, name).click(); }
+    void type(const char* name, const char* text) {
+        field(name).setFocus();
+        field(name).selectAll();
+        QTest::keyClicks(&field(name), QString::fromUtf8(text));
+    }
+    std::vector<std::string> couplings() {
+        std::vector<std::string> rows;
+        for (const Coupling& coupling : CouplingFile(world.data).ofJob("(EIO)")) {
+            rows.push_back(coupling.code + "=" + coupling.supplier + (coupling.mainSupplier ? " H" : ""));
+        }
+        return rows;
+    }
+
+    FormWorld world;
+    std::optional<PrisStyr> form;
+};
+
+TEST_F(PrisStyrTest, AsksForWhatIsMissingAndSaves) {
+    world.state.StandardFöretag.clear();
+    open(0);
+    EXPECT_EQ(form->windowTitle(), "Ny inläsning");
+    const auto refused = [this](int text, const char* focus) {
+        SCOPED_TRACE(text);
+        world.boxPort.answers = {Answer::OK};
+        press("Spara");
+        EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.FormulärSträng("PrisStyr", text));
+        EXPECT_EQ(form->focusWidget(), &control(*form, focus));
+    };
+    refused(32, "Namn");
+    type("Namn", "(RSK)");
+    refused(33, "Namn");
+    type("Namn", "Ny");
+    refused(30, "FilNamn");
+    type("FilNamn", "Prisfiler\\SKRUV.TXT");
+    EXPECT_FALSE(enabled("NyMask")) << "no company yet";
+    refused(34, "Mask_Lista");
+    list("Mask_Lista").setCurrentRow(1);
+    EXPECT_TRUE(enabled("TaBortMask"));
+    EXPECT_FALSE(enabled("ÖppnaMask"));
+    refused(31, "FTG_Lista");
+    list("FTG_Lista").setCurrentRow(0);
+    EXPECT_TRUE(enabled("ÖppnaMask"));
+    EXPECT_TRUE(enabled("NyMask"));
+    const QString company = list("FTG_Lista").item(0)->text().section('\t', 0, 0);
+    EXPECT_EQ(control<QLabel>(*form, "Lbl_Lev_Lista").text(),
+              "Från &leverantör " + QString(company).replace("&", "&&") + " (Ftg1.Mdb)");
+    auto& suppliers = control<QTreeView>(*form, "Lev_Lista");
+    selectRow(suppliers, 2);
+    const std::string supplier = fromQt(suppliers.model()->index(2, 0).data().toString());
+    press("Spara");
+    EXPECT_FALSE(form->isVisible());
+    ASSERT_TRUE(form->savedJob());
+    const Job saved = *JobFile(world.data).read(*form->savedJob());
+    EXPECT_EQ(saved.name + "|" + saved.supplier, "Ny|" + supplier);
+
+    open(saved.number);
+    EXPECT_EQ(form->windowTitle(), "Inläsning - Ny");
+    EXPECT_EQ(list("Mask_Lista").currentRow(), 1);
+    EXPECT_EQ(control<QTreeView>(*form, "Lev_Lista").currentIndex().row(), 2);
+    EXPECT_FALSE(control(*form, "LevPanel").isVisible());
+    form->reject();
+    EXPECT_FALSE(form->savedJob());
+}
+
+TEST_F(PrisStyrTest, MakesOpensAndDeletesMasks) {
+    open(0);
+    type("FilNamn", "Prisfiler\\SKRUV.TXT");
+    const int masks = list("Mask_Lista").count();
+    {
+        const WhenShown editor("PrisMTyp", [](QDialog& mask) {
+            QTest::keyClicks(&control(mask, "Namn"), "Skruvar");
+            control<QPushButton>(mask, "Spara").click();
+        });
+        press("NyMask");
+        EXPECT_TRUE(editor.came());
+    }
+    ASSERT_EQ(list("Mask_Lista").count(), masks + 1);
+    EXPECT_EQ(list("Mask_Lista").currentItem()->text(), "Skruvar");
+    {
+        const WhenShown editor("PrisMTyp", [](QDialog& mask) {
+            EXPECT_EQ(control<QLineEdit>(mask, "Namn").text(), "Skruvar");
+            QTest::keyClick(&mask, Qt::Key_Escape);
+        });
+        QTest::keyClick(&list("Mask_Lista"), Qt::Key_Return);
+        EXPECT_TRUE(editor.came());
+    }
+    world.boxPort.answers = {Answer::Yes};
+    press("TaBortMask");
+    EXPECT_EQ(list("Mask_Lista").count(), masks);
+    EXPECT_FALSE(enabled("TaBortMask"));
+
+    list("Mask_Lista").setCurrentRow(0);
+    type("FilNamn", "saknas.txt");
+    world.boxPort.answers = {Answer::OK};
+    press("ÖppnaMask");
+    EXPECT_EQ(world.boxPort.shown.back(), world.texts.FormulärSträng("PrisStyr", 21) + "|" +
+                                              world.texts.FormulärSträngMed1("PrisStyr", 20, "saknas.txt"));
+}
+
+TEST_F(PrisStyrTest, TakesAChosenFile) {
+    open(0);
+    std::vector<QString> asked;
+    QString answer = "/priser/a.txt";
+    form->chooseFile = [&](const QString& title, const QString& filter) {
+        asked = {title, filter};
+        return answer;
+    };
+    press("VäljFil");
+    EXPECT_EQ(field("FilNamn").text(), answer);
+    EXPECT_EQ(asked[0], "Sökväg och filnamn vid inläsning");
+    EXPECT_EQ(asked[1], toQt(world.texts.FormulärSträng("PrisStyr", 55)));
+    press("KompFil");
+    EXPECT_EQ(field("KompFilNamn").text(), answer);
+    EXPECT_EQ(asked[0], "Komprimerad fil");
+    answer.clear();
+    press("VäljFil");
+    EXPECT_EQ(field("FilNamn").text(), "/priser/a.txt") << "cancelling empties the box";
+    answer = QString(101, 'x');
+    world.boxPort.answers = {Answer::OK};
+    press("VäljFil");
+    EXPECT_EQ(field("FilNamn").text(), "/priser/a.txt") << "a path cut to the record's width";
+}
+
+TEST_F(PrisStyrTest, KeepsCouplingsByKeys) {
+    open(job("(EIO)"), true);
+    EXPECT_FALSE(enabled("Namn"));
+    EXPECT_FALSE(control(*form, "Mask_Lista").isVisible());
+    EXPECT_FALSE(control(*form, "Lev_Lista").isVisible());
+    EXPECT_FALSE(control(*form, "AltPanel").isVisible());
+    const auto before = couplings();
+    const int rows = list("LevLista").count();
+    EXPECT_EQ(rows, static_cast<int>(before.size()));
+
+    type("LevKod", "NYKOD");
+    QTest::keyClick(&field("LevKod"), Qt::Key_Return);
+    EXPECT_EQ(form->focusWidget(), &field("LevNummer"));
+    type("LevNummer", "saknas");
+    control<QCheckBox>(*form, "HuvudLev").setChecked(true);
+    QTest::keyClick(&*form, Qt::Key_F7);
+    EXPECT_EQ(couplings().back(), "NYKOD=saknas H");
+    EXPECT_EQ(list("LevLista").count(), rows + 1);
+    EXPECT_EQ(list("LevLista").currentRow(), rows);
+    EXPECT_EQ(field("LevKod").text(), "");
+    EXPECT_EQ(form->focusWidget(), &field("LevKod"));
+
+    type("LevKod", "nykod");
+    QTest::keyClick(&field("LevKod"), Qt::Key_Return);
+    EXPECT_EQ(field("LevNummer").text(), "saknas");
+    QTest::keyClick(&*form, Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible()) << "Escape cancels the coupling, not the window";
+    EXPECT_EQ(field("LevNummer").text(), "");
+    QTest::keyClick(&*form, Qt::Key_L, Qt::AltModifier);
+    EXPECT_EQ(form->focusWidget(), &list("LevLista"));
+    world.boxPort.answers = {Answer::Yes};
+    QTest::keyClick(&*form, Qt::Key_F9);
+    EXPECT_EQ(couplings().size(), before.size());
+    EXPECT_EQ(list("LevLista").count(), rows);
+}
+
+TEST_F(PrisStyrTest, FunctionKeysAreTheTradeFormatsOnly) {
+    open(job("(EIO)"));
+    QTest::keyClick(&*form, Qt::Key_L, Qt::AltModifier);
+    EXPECT_EQ(form->focusWidget(), &control(*form, "Lev_Lista"));
+    QTest::keyClick(&*form, Qt::Key_F9);
+    QTest::keyClick(&*form, Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(PrisStyrTest, SavesTheSettingsOfFinfo) {
+    open(job("(FINFO)"), true);
+    EXPECT_TRUE(control(*form, "AltPanel").isVisible());
+    type("FromGrp", "1000");
+    type("TomGrp", "1999");
+    control<QComboBox>(*form, "CmbAltprodnr_1").setCurrentIndex(2);
+    control<QComboBox>(*form, "CmbAltprodnr_2").setCurrentIndex(0);
+    press("Spara");
+    const Job saved = *JobFile(world.data).find("(FINFO)");
+    EXPECT_EQ(saved.fromGroup + "-" + saved.toGroup, "1000-1999");
+    EXPECT_EQ(saved.heading1, 2);
+    EXPECT_EQ(saved.heading2, 0);
+    EXPECT_EQ(saved.kind, "F");
+}
+
+TEST_F(PrisStyrTest, OpensManySuppliersAtOnce) {
+    {
+        ASSERT_TRUE(world.companies.ÖppnaDatabas("FTG1.MDB"));
+        world.state.sql.FtgDB->execute(
+            "INSERT INTO Leverantör (Nummer, Söknamn) WITH RECURSIVE n(i) AS (SELECT 100000 UNION ALL SELECT i + 1 "
+            "FROM n WHERE i < 199999) SELECT i, 'Leverantör ' || i FROM n");
+        world.state.sql.FtgDB.reset();
+    }
+    QElapsedTimer timer;
+    timer.start();
+    open(0);
+    const auto opened = timer.elapsed();
+    EXPECT_GE(control<QTreeView>(*form, "Lev_Lista").model()->rowCount(), 100000);
+    EXPECT_LT(opened, 4000) << "milliseconds";
+}
+
+class PrisStyrTexts : public PrisStyrTest, public testing::WithParamInterface<const char*> {
+  protected:
+    PrisStyrTexts() : PrisStyrTest(GetParam()) {}
+};
+
+TEST_P(PrisStyrTexts, AreThoseOfTheLanguage) {
+    const std::string language = GetParam();
+    open(0);
+    control<QLabel>(*form, "Lbl_Lev_Lista").setText(toQt(world.texts.SpråkText("SP_FRM_PrisStyr_Lbl_Lev_Lista")));
+    expectTextsInBothLanguages(*form, world);
+    open(job("(EIO)") + 3);
+    takePicture(*form, "prisstyr-mask-" + language);
+    for (const char* name : {"(EIO)", "(FINFO)"}) {
+        open(job(name), true);
+        list("LevLista").setCurrentRow(0);
+        takePicture(*form, std::string("prisstyr-") + (name[1] == 'E' ? "eio-" : "finfo-") + language);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, PrisStyrTexts, testing::Values("SE", "EN"));
+
+}  // namespace
+}  // namespace kolmera

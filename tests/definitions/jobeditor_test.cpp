@@ -1,0 +1,272 @@
+#include "definitions/jobeditor.h"
+
+#include <gmock/gmock.h>
+
+#include "definitions/editorworld.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+namespace {
+
+using test::EditorWorld;
+using testing::ElementsAre;
+using Control = JobEditor::Control;
+
+constexpr const char* kForm = "PrisStyr";
+constexpr const char* kLongName = "FTG_ett_mycket_langt_namn_30.mdb";
+
+class JobEditorTest : public testing::Test {
+  protected:
+    JobEditorTest() {
+        for (const char* number : {"10", "20"}) {
+            world.add("Leverantör", {{"Nummer", number}, {"Söknamn", "Lev " + std::string(number)}});
+        }
+        world.rawPriceFile("a\tb\r\n");
+        world.mask({.structure = 'T', .relations = {{1, "Nummer", 'S'}}});
+    }
+    JobEditor& open(int number = 0, bool tradeFormat = false) {
+        editor = std::make_unique<JobEditor>(world.state, world.texts(), world.boxes, world.companies);
+        editor->open(number, tradeFormat);
+        return *editor;
+    }
+    int jobNumber(const char* name) { return JobFile(world.data()).find(name)->number; }
+
+    EditorWorld world;
+    std::unique_ptr<JobEditor> editor;
+};
+
+TEST_F(JobEditorTest, ChecksAMaskJobInOrder) {
+    open();
+    const struct {
+        int text;
+        Control focus;
+        std::function<void()> mend;
+    } steps[] = {
+        {32, Control::Namn, [&] { editor->job.name = " (FINFO) "; }},
+        {33, Control::Namn, [&] { editor->job.name = "Kontor"; }},
+        {30, Control::FilNamn, [&] { editor->job.priceFile = "pris.txt"; }},
+        {34, Control::Mask_Lista, [&] { editor->chooseMask(0); }},
+        {31, Control::FTG_Lista, [&] { editor->chooseCompany(0); }},
+    };
+    const auto before = JobFile(world.data()).all().size();
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.text);
+        world.expect(kForm, step.text);
+        const JobEditor::Outcome outcome = editor->save();
+        EXPECT_EQ(outcome.focus, step.focus);
+        EXPECT_FALSE(outcome.JobbNr);
+        step.mend();
+    }
+    EXPECT_EQ(JobFile(world.data()).all().size(), before) << "written before it was complete";
+    editor->chooseSupplier(1);
+    const auto saved = editor->save().JobbNr;
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(*saved, static_cast<int>(before) + 1);
+    const Job job = *JobFile(world.data()).read(*saved);
+    EXPECT_EQ(job.name + "|" + job.mask + "|" + job.company + "|" + job.supplier + "|" + job.kind,
+              "Kontor|Testmask|FTG1.MDB|20|");
+}
+
+TEST_F(JobEditorTest, ChecksATradeFormatJobInOrder) {
+    open(jobNumber("(EIO)"), true);
+    editor->job.priceFile = " ";
+    world.expect(kForm, 30);
+    EXPECT_EQ(editor->save().focus, Control::FilNamn);
+    editor->job.priceFile = "eio.txt";
+    EXPECT_EQ(editor->save().JobbNr, jobNumber("(EIO)"));
+    const Job job = *JobFile(world.data()).find("(EIO)");
+    EXPECT_EQ(job.priceFile + job.kind, "eio.txtE") << "the kind letter is not this window's";
+}
+
+TEST_F(JobEditorTest, KeepsALongCompanyName) {
+    std::filesystem::copy_file(world.company(), world.data() / kLongName);
+    open();
+    ASSERT_EQ(editor->companies().size(), 2U);
+    editor->chooseCompany(1);
+    editor->job.name = "Lång";
+    editor->job.priceFile = "pris.txt";
+    editor->chooseMask(0);
+    const auto saved = editor->save().JobbNr;
+    ASSERT_TRUE(saved);
+    open(*saved);
+    EXPECT_EQ(editor->chosenCompany(), 1);
+    EXPECT_EQ(editor->job.company, upperCase(kLongName));
+}
+
+TEST_F(JobEditorTest, BeginsWithTheJobsOwnSettings) {
+    world.state.StandardFöretag = "ftg1.MDB";
+    open();
+    EXPECT_EQ(editor->chosenCompany(), 0) << "a new job has the suite's current company";
+    EXPECT_EQ(editor->caption(), "");
+    EXPECT_EQ(editor->chosenSupplier(), -1) << "nobody has chosen a supplier yet";
+
+    world.job.supplier = "20";
+    const int number = JobFile(world.data()).save(world.job);
+    world.state.StandardFöretag.clear();
+    open(number);
+    EXPECT_EQ(editor->caption(), "Inläsning - Test");
+    EXPECT_EQ(editor->chosenCompany(), 0);
+    EXPECT_EQ(editor->chosenMask(), 0);
+    EXPECT_EQ(editor->chosenSupplier(), 1);
+    EXPECT_EQ(editor->supplierCaption("Från &leverantör"), "Från &leverantör Testbolaget (Ftg1.Mdb)");
+}
+
+TEST_F(JobEditorTest, EnablesTheMaskButtons) {
+    const struct {
+        const char* fault;
+        bool company, file, mask, canMake, canOpen, canDelete;
+    } cases[] = {
+        {"new mask without a company", false, true, true, false, false, true},
+        {"new mask without a price file", true, false, true, false, false, true},
+        {"opened without a mask", true, true, false, true, false, false},
+        {"nothing allowed", true, true, true, true, true, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        open();
+        if (c.company) editor->chooseCompany(0);
+        if (c.file) editor->job.priceFile = "pris.txt";
+        if (c.mask) editor->chooseMask(0);
+        EXPECT_EQ(editor->canMakeMask(), c.canMake);
+        EXPECT_EQ(editor->canOpenMask(), c.canOpen);
+        EXPECT_EQ(editor->canDeleteMask(), c.canDelete);
+    }
+}
+
+TEST_F(JobEditorTest, NeedsASampleForTheMaskEditor) {
+    open();
+    EXPECT_FALSE(editor->sampleForMask());
+    editor->chooseCompany(0);
+    editor->job.priceFile = "saknas.txt";
+    world.port.expect(world.texts().FormulärSträngMed1(kForm, 20, "saknas.txt"),
+                      world.texts().FormulärSträng(kForm, 21));
+    EXPECT_FALSE(editor->sampleForMask());
+    editor->job.priceFile = "PRIS.TXT";
+    EXPECT_EQ(editor->sampleForMask(), world.data() / "pris.txt");
+}
+
+TEST_F(JobEditorTest, DeletesAMaskWhenTheUserAgrees) {
+    MaskFile masks(world.data());
+    Mask second;
+    second.Namn = "Andra";
+    masks.save(second, {{.Källa = 1, .Mål = 6}});
+    open();
+    editor->chooseMask(0);
+    const std::string question = world.texts().FormulärSträngMed1(kForm, 40, "Testmask");
+    world.port.expect(question, world.texts().FormulärSträng(kForm, 41), Answer::No);
+    editor->deleteMask();
+    EXPECT_EQ(editor->masks().size(), 2U);
+    world.port.expect(question, world.texts().FormulärSträng(kForm, 41), Answer::Yes);
+    editor->deleteMask();
+    ASSERT_EQ(editor->masks().size(), 1U);
+    EXPECT_EQ(editor->masks()[0].Namn, "Andra");
+    EXPECT_FALSE(editor->canDeleteMask());
+    EXPECT_EQ(masks.relations(1).size(), 1U);
+}
+
+TEST_F(JobEditorTest, OffersTheHeadingsOfFinfo) {
+    for (const std::int64_t number : {3, 12, 100}) {
+        world.add("Prodaltrubrik", {{"Nummer", number}, {"Rubrik", "R" + std::to_string(number)}});
+    }
+    world.add("Prodaltrubrik", {{"Nummer", std::int64_t{5}}, {"Rubrik", Null()}});
+    Job job = *JobFile(world.data()).find("(FINFO)");
+    job.heading1 = 12;
+    job.heading2 = 7;
+    JobFile(world.data()).save(job);
+    open(job.number, true);
+    editor->chooseCompany(0);
+    std::vector<std::string> texts;
+    for (const HeadingChoice& heading : editor->headings()) texts.push_back(heading.text);
+    EXPECT_THAT(texts, ElementsAre("Läses inte in", "  3 R3", " 12 R12"));
+    EXPECT_EQ(editor->headingRow(12), 2);
+    editor->job.priceFile = "finfo.txt";
+    ASSERT_TRUE(editor->save().JobbNr);
+    const Job saved = *JobFile(world.data()).find("(FINFO)");
+    EXPECT_EQ(saved.heading1, 12);
+    EXPECT_EQ(saved.heading2, 0) << "a heading that the company does not have";
+}
+
+// Couplings.
+
+class CouplingEditorTest : public JobEditorTest {
+  protected:
+    CouplingEditor& openCouplings() {
+        open(jobNumber("(EIO)"), true);
+        editor->chooseCompany(0);
+        return editor->couplings;
+    }
+    void save(const char* code, const char* supplier, bool main = false) {
+        CouplingEditor& couplings = editor->couplings;
+        couplings.code = code;
+        couplings.supplier = supplier;
+        couplings.mainSupplier = main;
+        EXPECT_TRUE(couplings.save());
+    }
+    std::vector<std::string> rows() {
+        std::vector<std::string> texts;
+        for (const CouplingEditor::Row& row : editor->couplings.rows()) texts.push_back(row.text);
+        return texts;
+    }
+};
+
+TEST_F(CouplingEditorTest, SavesListsAndSelects) {
+    CouplingEditor& couplings = openCouplings();
+    EXPECT_FALSE(couplings.save()) << "saved without a code";
+    save("ahl", "10");
+    save("BEI", "99", true);
+    EXPECT_THAT(rows(), ElementsAre("ahl\t-->\t10\t\tLev 10", "BEI\t-->\t99\tH\t(finns inte i FTG1.MDB)"));
+    EXPECT_EQ(couplings.chosen(), 1);
+    EXPECT_EQ(couplings.code + couplings.supplier, "") << "the boxes are cleared for the next coupling";
+    save("AHL ", "20", true);
+    EXPECT_THAT(rows(), ElementsAre("AHL\t-->\t20\tH\tLev 20", "BEI\t-->\t99\t\t(finns inte i FTG1.MDB)"));
+    EXPECT_EQ(couplings.chosen(), 0);
+}
+
+TEST_F(CouplingEditorTest, LooksUpWhatIsTyped) {
+    CouplingEditor& couplings = openCouplings();
+    world.add("Leverantör", {{"Nummer", "Abc"}, {"Söknamn", "Alfa"}});
+    save("AHL", "10", true);
+    couplings.code = " ahl";
+    couplings.codeEntered();
+    EXPECT_EQ(couplings.code + couplings.supplier + couplings.searchName(), "AHL10Lev 10");
+    EXPECT_TRUE(couplings.mainSupplier);
+    couplings.supplier = "aBC";
+    couplings.supplierEntered();
+    EXPECT_EQ(couplings.supplier + couplings.searchName(), "AbcAlfa");
+    couplings.supplier = "nej";
+    couplings.supplierEntered();
+    EXPECT_EQ(couplings.supplier + couplings.searchName(), "nej");
+    couplings.cancel();
+    EXPECT_EQ(couplings.code + couplings.supplier + couplings.searchName(), "");
+    EXPECT_FALSE(couplings.mainSupplier);
+}
+
+TEST_F(CouplingEditorTest, DeletesTheChosenOneOnly) {
+    CouplingFile(world.data()).save({.job = "(RSK)", .code = "X", .supplier = "1"});
+    CouplingEditor& couplings = openCouplings();
+    save("AHL", "10");
+    CouplingFile(world.data()).save({.job = "(RSK)", .code = "Y", .supplier = "2"});
+    couplings.choose(-1);
+    couplings.remove();
+    EXPECT_EQ(rows().size(), 1U);
+    couplings.choose(0);
+    world.expect(kForm, 50, 51, Answer::No);
+    couplings.remove();
+    EXPECT_EQ(rows().size(), 1U);
+    world.expect(kForm, 50, 51, Answer::Yes);
+    couplings.remove();
+    EXPECT_TRUE(rows().empty());
+    EXPECT_EQ(couplings.code, "");
+    const auto others = CouplingFile(world.data()).ofJob("(RSK)");
+    ASSERT_EQ(others.size(), 2U);
+    EXPECT_EQ(others[0].code + others[1].code, "XY");
+}
+
+TEST_F(CouplingEditorTest, NamesItsJobAndCompany) {
+    open(jobNumber("(RSK)"), true);
+    editor->chooseCompany(0);
+    EXPECT_EQ(editor->couplingCaption(), "Leverantörskopplingar för (RSK) i Testbolaget");
+}
+
+}  // namespace
+}  // namespace kolmera

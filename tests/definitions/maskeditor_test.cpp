@@ -1,0 +1,316 @@
+#include "definitions/maskeditor.h"
+
+#include <gmock/gmock.h>
+
+#include "definitions/editorworld.h"
+
+namespace kolmera {
+namespace {
+
+using test::EditorWorld;
+using testing::ElementsAre;
+
+constexpr const char* kForm = "PrisMTyp";
+
+/// An editor against a sample, in a world of its own.
+class MaskEditorTest : public testing::Test {
+  protected:
+    MaskEditor& open(std::string_view sample, int maskNumber = 0, const char* language = "SE") {
+        world.rawPriceFile(sample);
+        world.texts().InitSpråkOrd(language);
+        EXPECT_TRUE(world.openCompany());
+        editor.emplace(world.texts(), world.boxes, world.data(), world.data() / "pris.txt");
+        EXPECT_TRUE(editor->open(world.state.sql, maskNumber));
+        return *editor;
+    }
+    void chooseTarget(int code) { editor->chooseTarget(rowOf(code)); }
+    int rowOf(int code) {
+        const auto& targets = editor->targets();
+        const auto found = std::ranges::find(targets, code, &Target::code);
+        return found == targets.end() ? -1 : static_cast<int>(found - targets.begin());
+    }
+    /// Joins a source (from 1) to a target with the rules that are preselected.
+    void join(int source, int code) {
+        editor->chooseSource(source - 1);
+        chooseTarget(code);
+        editor->createRelation();
+    }
+    std::vector<std::string> sources() {
+        std::vector<std::string> texts;
+        for (const SourceField& field : editor->sources()) texts.push_back(field.text);
+        return texts;
+    }
+    /// "source>target" of each relation in list order, with its rule letters.
+    std::vector<std::string> relations() {
+        std::vector<std::string> rows;
+        for (const EditedRelation& edited : editor->relations()) rows.push_back(shown(edited.relation));
+        return rows;
+    }
+    static std::string shown(const Relation& relation) {
+        return std::to_string(relation.Källa) + ">" + std::to_string(relation.Mål) + " " + relation.TypKod +
+               relation.Division;
+    }
+    std::vector<std::string> stored(int mask) {
+        std::vector<std::string> rows;
+        for (const Relation& relation : MaskFile(world.data()).relations(mask)) rows.push_back(shown(relation));
+        return rows;
+    }
+
+    EditorWorld world;
+    std::optional<MaskEditor> editor;
+};
+
+// The target list.
+
+TEST_F(MaskEditorTest, OffersColumnsAndHeadingsByTheirCodes) {
+    world.add("Prodaltrubrik", {{"Nummer", std::int64_t{3}}, {"Rubrik", "EAN"}});
+    open("x\r\n");
+    const struct {
+        const char* fault;
+        int code;
+        std::string text;
+    } cases[] = {
+        {"no entry for what is not imported", 0, "««\tIngen inläsning   »»"},
+        {"code of a column is not its place", 1, "1.\tNummer"},
+        {"heading counted by its row, not by its number", 140, "140.\tEAN"},
+        {"column behind the headings not shifted", 201, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        ASSERT_GE(rowOf(c.code), 0);
+        if (!c.text.empty()) {
+            EXPECT_EQ(editor->targets()[static_cast<std::size_t>(rowOf(c.code))].text, c.text);
+        }
+    }
+    EXPECT_EQ(rowOf(138), -1) << "a heading that does not exist";
+    EXPECT_EQ(rowOf(206), -1);
+    EXPECT_EQ(rowOf(207), -1);
+    EXPECT_EQ(editor->targets().back().code, 155 + 63);
+}
+
+TEST_F(MaskEditorTest, LeavesOutHeadingsThatWouldTakeTheCodesOfColumns) {
+    for (const std::int64_t number : {63, 64, 99}) {
+        world.add("Prodaltrubrik", {{"Nummer", number}, {"Rubrik", "R" + std::to_string(number)}});
+    }
+    world.port.expect(world.texts().ModulText("KMR", 105), "Kolmera");
+    open("x\r\n");
+    EXPECT_EQ(editor->targets()[static_cast<std::size_t>(rowOf(200))].text, "200.\tR63");
+    EXPECT_THAT(editor->targets()[static_cast<std::size_t>(rowOf(201))].text, testing::Not(testing::HasSubstr("R64")));
+}
+
+TEST_F(MaskEditorTest, NamesColumnsInTheProgramsLanguage) {
+    open("x\r\n", 0, "EN");
+    EXPECT_EQ(editor->targets()[1].text, "1.\t" + world.texts().RegisterText("Produkt", 1));
+    EXPECT_NE(editor->targets()[1].text, "1.\tNummer");
+}
+
+// The source list.
+
+TEST_F(MaskEditorTest, CutsTheSampleAsTheUserTypes) {
+    const struct {
+        const char* fault;
+        std::string_view sample;
+        char structure, characterSet;
+        const char* size;
+        std::vector<std::string> fields;
+    } cases[] = {
+        {"a line that the file lacks is left out", "ett\r\ntv\xE5", 'F', 'N', "3", {" 1.\tett", " 2.\ttvå", " 3.\t"}},
+        {"text behind the last tab is lost", "a\tb\t\r\nc", 'T', 'N', "", {" 1.\ta", " 2.\tb", " 3.\t"}},
+        {"a line without tabs has no column", "abc\r\n", 'T', 'N', "", {" 1.\tabc"}},
+        {"line ends end a fixed record", "ab\r\ncdef", 'P', 'N', "6", {" 1.\tab  cd"}},
+        {"a short file is read beyond its end", "ab", 'P', 'N', "6", {" 1.\tab"}},
+        {"DOS letters taken for Windows ones", "\x86\x84\x94\r\n", 'T', 'J', "", {" 1.\tåäö"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        open(c.sample);
+        editor->setTecken(c.characterSet);
+        editor->setAntalRader(c.size);
+        editor->setPostlängd(c.size);
+        editor->setFilTyp(c.structure);
+        EXPECT_EQ(sources(), c.fields);
+    }
+}
+
+TEST_F(MaskEditorTest, CountsTheColumnsOfTheLastTabSample) {
+    open("a\tb\tc\r\n");
+    EXPECT_EQ(editor->mask().AntalKolumner, 0);
+    editor->setFilTyp('T');
+    EXPECT_EQ(editor->mask().AntalKolumner, 3);
+    editor->setFilTyp('F');
+    EXPECT_EQ(editor->mask().AntalKolumner, 3);
+}
+
+TEST_F(MaskEditorTest, ContinuesAFixedRecordWhereTheLastPieceEnded) {
+    open("4711Skruv  1050");
+    editor->setPostlängd("15");
+    editor->setFilTyp('P');
+    EXPECT_EQ(editor->FrånPos() + "+" + editor->Längd(), "1+15");
+    editor->setLängd("4");
+    chooseTarget(1);
+    editor->createRelation();
+    EXPECT_EQ(editor->FrånPos() + "+" + editor->Längd(), "5+11");
+    editor->setLängd("7");
+    chooseTarget(6);
+    editor->createRelation();
+    EXPECT_THAT(sources(), ElementsAre(" 1.\t4711", " 2.\tSkruv  ", " 3.\t1050"));
+
+    // The first piece goes: the second becomes piece 1, which is what a run reads for the first relation.
+    editor->chooseRelation(0);
+    EXPECT_EQ(editor->FrånPos() + "+" + editor->Längd(), "1+4");
+    editor->removeRelation();
+    EXPECT_THAT(sources(), ElementsAre(" 1.\tSkruv  ", " 2.\t1050"));
+    EXPECT_THAT(relations(), ElementsAre("1>6 UI"));
+    // The freed slot is taken again: the new piece is cut first, and stands last in the list.
+    editor->setFrånPos("1");
+    editor->setLängd("4");
+    chooseTarget(1);
+    editor->createRelation();
+    EXPECT_THAT(sources(), ElementsAre(" 1.\t4711", " 2.\tSkruv  ", " 3.\t1050"));
+    EXPECT_THAT(relations(), ElementsAre("2>6 UI", "1>1 US"));
+    editor->setNamn("Fast");
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes);
+    EXPECT_THAT(stored(1), ElementsAre("1>6 UI", "2>1 US"));
+}
+
+// Rules.
+
+TEST_F(MaskEditorTest, OffersTheRulesOfATarget) {
+    world.add("Prodaltrubrik", {{"Nummer", std::int64_t{1}}, {"Rubrik", "EAN"}});
+    const struct {
+        const char* fault;
+        int code;
+        const char *typKod, *division;
+    } cases[] = {
+        {"nothing to read offers a rule", 0, "I", "I"},
+        {"product number cannot be a key", 1, "USI", "SI"},
+        {"heading cannot be a key", 138, "USI", "SI"},
+        {"supplier number can be a key", 3, "USI", "IR"},
+        {"purchase price with VAT", 21, "USI", "I123"},
+        {"first sales price without VAT", 24, "U123SI", "I123"},
+        {"last sales price without VAT", 32, "U123SI", "I123"},
+        {"column behind the sales prices with VAT", 33, "USI", "I123"},
+    };
+    for (const char* language : {"SE", "EN"}) {
+        open("x\r\n", 0, language);
+        for (const auto& c : cases) {
+            SCOPED_TRACE(std::string(language) + ": " + c.fault);
+            chooseTarget(c.code);
+            std::string typKod, division;
+            for (const RuleEntry& entry : editor->updateRules()) typKod += entry.letter;
+            for (const RuleEntry& entry : editor->divisions()) division += entry.letter;
+            EXPECT_EQ(typKod, c.typKod);
+            EXPECT_EQ(division, c.division);
+        }
+    }
+    EXPECT_EQ(editor->divisions()[0].text, "No division");
+    chooseTarget(1);
+    EXPECT_EQ(editor->updateRules()[1].text, "Write only if the field is empty");
+    chooseTarget(24);
+    EXPECT_EQ(editor->updateRules()[4].text, "Write only if the value is 0");
+}
+
+TEST_F(MaskEditorTest, PreselectsOneSearchKeyOnly) {
+    open("a\tb\tc\r\n");
+    editor->setFilTyp('T');
+    join(1, 1);
+    join(2, 4);
+    EXPECT_THAT(relations(), ElementsAre("1>1 US", "2>4 UI"));
+    editor->chooseRelation(0);
+    editor->removeRelation();
+    join(3, 2);
+    EXPECT_THAT(relations(), ElementsAre("2>4 UI", "3>2 US"));
+}
+
+// Relations.
+
+TEST_F(MaskEditorTest, DescribesARelation) {
+    open("En l\xE5ng artikeltext\tb\r\n");
+    editor->setFilTyp('T');
+    join(1, 6);
+    EXPECT_EQ(editor->relationText(editor->relations()[0]), " 1.\tEn lång ..\t-->  6.\t" +
+                                                                world.state.sql.FtgDB->table("Produkt").fields[6].name +
+                                                                "\tUppdatera alltid\tIngen rabattkod");
+    EXPECT_EQ(editor->relations()[0].identity(), 1001001006);
+}
+
+TEST_F(MaskEditorTest, ShowsWhatARelationWasMadeOf) {
+    open("a\tb\r\n", 0, "EN");
+    editor->setFilTyp('T');
+    editor->chooseSource(1);
+    chooseTarget(134);
+    editor->chooseUpdateRule(1);
+    editor->chooseDivision(1);
+    editor->createRelation();
+    EXPECT_THAT(relations(), ElementsAre("2>134 SR"));
+    editor->chooseSource(0);
+    chooseTarget(1);
+    editor->chooseRelation(0);
+    EXPECT_EQ(editor->chosen().source, 1);
+    EXPECT_EQ(editor->chosen().target, rowOf(134));
+    EXPECT_EQ(editor->updateRules()[static_cast<std::size_t>(editor->chosen().updateRule)].text[0], 'W');
+    EXPECT_EQ(editor->divisions()[static_cast<std::size_t>(editor->chosen().division)].text[0], 'D');
+}
+
+TEST_F(MaskEditorTest, GivesATargetToOneRelationOnly) {
+    open("a\tb\tc\r\n");
+    editor->setFilTyp('T');
+    chooseTarget(6);
+    editor->createRelation();
+    EXPECT_TRUE(relations().empty()) << "made without a source";
+    join(1, 6);
+    join(2, 6);
+    EXPECT_THAT(relations(), ElementsAre("1>6 UI")) << "added a second time";
+    editor->chooseRelation(0);
+    join(2, 6);
+    EXPECT_THAT(relations(), ElementsAre("2>6 UI")) << "not replaced";
+    join(1, 0);
+    join(2, 0);
+    EXPECT_THAT(relations(), ElementsAre("2>6 UI", "1>0 II", "2>0 II")) << "nothing, refused a second time";
+}
+
+TEST_F(MaskEditorTest, RefusesTheHundredAndFirstRelation) {
+    open("a\r\n");
+    for (int i = 0; i < kMostRelations; ++i) join(1, 0);
+    world.expect(kForm, 41);
+    join(1, 0);
+    EXPECT_EQ(relations().size(), 100U);
+}
+
+// Saving.
+
+TEST_F(MaskEditorTest, SavesAndOpensAgain) {
+    open("a\tb\r\n");
+    editor->setNamn("  ");
+    world.expect(kForm, 40);
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::NoName);
+    EXPECT_TRUE(MaskFile(world.data()).all().empty());
+
+    editor->setNamn(" Kontor ");
+    editor->setFilTyp('T');
+    editor->setSkapaNya('J');
+    editor->setUppdatLev(true);
+    join(1, 1);
+    join(2, 6);
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes);
+    for (int time = 0; time < 2; ++time) {
+        open("a\tb\r\n", 1);
+        EXPECT_EQ(editor->mask().Namn, "Kontor");
+        EXPECT_EQ(editor->mask().SkapaNya, 'J');
+        EXPECT_EQ(editor->mask().UppdatLev, 'J');
+        EXPECT_EQ(editor->mask().AntalKolumner, 2);
+        EXPECT_EQ(editor->caption(), "");
+        EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes);
+        EXPECT_THAT(stored(1), ElementsAre("1>1 US", "2>6 UI")) << "a second set of relations";
+    }
+    EXPECT_EQ(MaskFile(world.data()).all().size(), 1U);
+}
+
+TEST_F(MaskEditorTest, NamesTheSampleOfANewMask) {
+    open("a\r\n");
+    EXPECT_EQ(editor->caption(), "Ny mask för prisfilen pris.txt");
+    EXPECT_EQ(editor->mask().AntalRader + " " + editor->mask().Postlängd, "10 100");
+}
+
+}  // namespace
+}  // namespace kolmera
