@@ -26,7 +26,9 @@ std::string unquoted(std::string_view quotedText) {
 }
 
 bool needsParameter(std::string_view text) {
-    return text.find('#') != std::string_view::npos ||
+    // "\" takes the meaning from a closing quote on some servers; at NUL a driver may take the statement to end.
+    constexpr std::string_view kUnsafe("#\\\0", 3);
+    return text.find_first_of(kUnsafe) != std::string_view::npos ||
            (text.find('\'') != std::string_view::npos && text.find('"') != std::string_view::npos);
 }
 

@@ -17,7 +17,8 @@ struct BoundStatement {
 
 /// What a server needs of a statement written for a file: FALSE and TRUE become 0 and 1 and "#" becomes an apostrophe,
 /// wherever they stand. A quoted text that this would break ("#" in it) or that servers read in different ways (both
-/// kinds of quotes) becomes a parameter, between those of `parameters` that stand before and behind it.
+/// kinds of quotes, a backslash, NUL) becomes a parameter, between those of `parameters` that stand before and behind
+/// it.
 BoundStatement serverStatement(std::string_view statement, std::span<const Value> parameters);
 
 }  // namespace kolmera

@@ -222,6 +222,8 @@ TEST_F(SqlLayerTest, StatementsAreRewrittenForServersOnly) {
          "SET a = ?, b = '2026-11-22'",
          {std::string("nr #1")}},
         {"both quotes left to the server", "SET a = 'O''Brien 3\"'", "SET a = ?", {std::string("O'Brien 3\"")}},
+        {"backslash opens the value again", "SET a = '3\\', b = 'x'", "SET a = ?, b = 'x'", {std::string("3\\")}},
+        {"NUL ends the statement", "SET a = '" + std::string("3\0'", 3), "SET a = ?", {std::string("3\0", 2)}},
         {"quoted text cut at the other quote", "SET a = \"#'TRUE\"", "SET a = ?", {std::string("#'TRUE")}},
         {"open quote swallows the rest", "SET a = #1#, b = 'x", "SET a = '1', b = 'x", {}},
     };
@@ -278,6 +280,7 @@ TEST_F(SqlLayerTest, ReadsTheServerRegister) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "DVSQLSvr.ini")) << "listing makes the file";
     EXPECT_FALSE(sql.SQLServerSlåUpp(folder.path(), "SQL;A"));
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "DVSQLSvr.ini")) << "looking up does not make the file";
+    EXPECT_TRUE(SqlLayer::SQLServerLista(folder / std::string(300, 'x')).empty()) << "an unreachable folder raises";
 
     const std::string longName(50, 'x');
     folder.write("DVSQLSvr.ini", registerRecord("SQL;Åhus", "Åhus Rör AB", "ODBC;DSN=ahus") +
