@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <system_error>
 #include <thread>
 
 #include "db/conversions.h"
@@ -102,7 +103,8 @@ bool SqlLayer::SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhil
 
 std::vector<std::string> SqlLayer::SQLServerLista(const std::filesystem::path& dataFolder) {
     std::vector<std::string> rows;
-    if (!std::filesystem::exists(serverRegisterFile(dataFolder))) return rows;
+    std::error_code unreadable;
+    if (!std::filesystem::exists(serverRegisterFile(dataFolder), unreadable)) return rows;
     PassedOverSilently passedOver;
     attempt(passedOver, "SQLServerLista", [&] {
         for (const ServerCompany& server : registeredServers(dataFolder)) {
