@@ -101,7 +101,7 @@ void SqliteConnection::open(const std::filesystem::path& file) {
     // The log of a file in a folder that cannot be written cannot be opened; the file itself can when the log is empty.
     if (code == SQLITE_OK && options_.readOnly && !hasLog(file)) {
         code = sqlite3_exec(handle_, "PRAGMA schema_version", nullptr, nullptr, nullptr);
-        if ((code & 0xFF) == SQLITE_CANTOPEN) {
+        if ((code & 0xFF) == SQLITE_CANTOPEN || (code & 0xFF) == SQLITE_READONLY) {
             sqlite3_close_v2(handle_);
             code = sqlite3_open_v2(immutableUri(file).c_str(), &handle_, flags, nullptr);
         } else {
