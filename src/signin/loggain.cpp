@@ -66,7 +66,7 @@ void Loggain::layOut() {
     layout->addLayout(fields);
     layout->addStretch(1);
     layout->addWidget(buttons);
-    constexpr int kLetters = 20;
+    constexpr int kLetters = 32;  ///< wide enough for the window's caption
     namn_->setMinimumWidth(kLetters * fontMetrics().averageCharWidth());
 }
 
