@@ -18,7 +18,22 @@ class NewProductDefaultsTest : public testing::Test {
                      {"PPrislista", true}, {"PAvgift", "P"},     {"PMomskod1", 1},       {"PMomskod2", 2},
                      {"PMomskod3", 3},     {"PMomsfritt", 4},    {"PUtförselEU", 5},     {"PExport", 6},
                      {"PLagerkonto", 7},   {"PVarukostnad", 8},  {"PInternUttag", 9},    {"PRabattKonto", 10}});
-        company.add("Syinställningar2", {{"PPrisGrupp", "G1"}, {"PWebshop", true}});
+        company.change("Syinställningar", {{"PFörsäljfaktor", 3},
+                                           {"PStatistikfaktor", 4},
+                                           {"PFörsäljenhet", "M"},
+                                           {"PStatistikenhet", "KG"},
+                                           {"PFaktor2", 2},
+                                           {"PFaktor3", 3},
+                                           {"PFaktor4", 4},
+                                           {"PFaktor5", 5},
+                                           {"PFaktor6", 6},
+                                           {"PFaktor7", 7},
+                                           {"PFaktor8", 8},
+                                           {"PValutakod", "EUR"},
+                                           {"PBatchnummer", true},
+                                           {"PAvgiftKrProc", "%"},
+                                           {"PLagerbokföring", true}});
+        company.add("Syinställningar2", {{"PPrisGrupp", "G1"}, {"PWebshop", true}, {"PSpärraRabatt", true}});
     }
 
     /// Creates a product that has these columns already, and reads what it has then.
@@ -50,6 +65,15 @@ TEST_F(NewProductDefaultsTest, FillsWhatIsUnset) {
          "Grupp, Inköpsfaktor, InköpsEnhet, Produkttyp, [1Pålägg], [9Pålägg], Momskod",
          "10 2 ST 1 25 12.5 1\n"},
         {"columns found by name left out", {}, "Avgift, Prisgrupp, Webshop, Inaktiv", "P G1 True False\n"},
+        {"default of a neighbouring column taken",
+         {},
+         "Försäljfaktor, Statistikfaktor, Försäljenhet, Statistikenhet, Valutakod, LagerArtikel, Batchnummer, "
+         "KostnadProdukt, AvgiftKrProc, Lagerbokföring, Spärrarabatt",
+         "3 4 M KG EUR False True False % True True\n"},
+        {"default of a neighbouring level taken",
+         {},
+         "[2Pålägg], [3Pålägg], [4Pålägg], [5Pålägg], [6Pålägg], [7Pålägg], [8Pålägg]",
+         "2 3 4 5 6 7 8\n"},
         {"imported values overwritten",
          {{"Grupp", "7"}, {"Inköpsfaktor", 3}, {"InköpsEnhet", "M"}, {"1Pålägg", 30}, {"Prisgrupp", "X"}},
          "Grupp, Inköpsfaktor, InköpsEnhet, [1Pålägg], Prisgrupp",

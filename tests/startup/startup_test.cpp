@@ -83,6 +83,7 @@ TEST(StartUp, GoesThroughItsSteps) {
     world.root.write("texts.tsv", "key\tSE\tEN\nRES_5000\tSvar\tAnswer\n");
     buildLanguageDatabase(world.root / "texts.tsv", world.program / "DVLang.sys");
     StartState state = world.state("[Start]\nLang = EN\n");
+    state.locale = Locale(Locale::Kind::English);
     LanguageTexts texts;
     bool signedIn = false;
     startUp(state, texts, world.program.string(), [&](StartState& asked) {
@@ -96,7 +97,7 @@ TEST(StartUp, GoesThroughItsSteps) {
     EXPECT_EQ(texts.startMessage(5000), "Answer");
     EXPECT_EQ(texts.Ordtabell(9), "To");
     EXPECT_EQ(state.helpFile, state.ProgramMapp + "Dorvik.chm");
-    EXPECT_EQ(state.Decimaltecken, ',');
+    EXPECT_EQ(state.Decimaltecken, '.');
     EXPECT_TRUE(std::filesystem::exists(world.data / "DORVIK.INI")) << "missing settings file not created";
 }
 
