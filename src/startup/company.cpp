@@ -79,6 +79,8 @@ bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
 
 std::vector<std::string> CompanyRegister::FyllFöretagsLista() {
     std::vector<std::string> rows;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "DORVIK.FTG", [&] { CompanyFile(state_.dataFolder()).create(); });
     for (const std::string& file : companyFiles(state_.dataFolder())) {
         std::optional<std::string> company = registeredName(file);
         if (!company) company = newCompany(file);

@@ -19,6 +19,8 @@ constexpr RecordField kFöretag = field(kCompany, "Företag");
 
 CompanyFile::CompanyFile(const std::filesystem::path& dataFolder) : file_(dataFolder / kLayout.file) {}
 
+void CompanyFile::create() const { const RecordFile made(file_, kLayout, RecordFile::Mode::Read); }
+
 std::optional<std::string> CompanyFile::find(std::string_view databaseFile) const {
     const auto width = static_cast<std::size_t>(kDatabas.width);
     const std::string wanted = upperCase(trimmed(firstCharacters(databaseFile, width)));

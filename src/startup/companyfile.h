@@ -12,6 +12,8 @@ class CompanyFile {
   public:
     explicit CompanyFile(const std::filesystem::path& dataFolder);
 
+    /// Makes the missing file. Throws PlatformError.
+    void create() const;
     /// The company name registered for a database file (letter case and what follows 20 characters do not count).
     /// Throws PlatformError when the register can be neither read nor made.
     [[nodiscard]] std::optional<std::string> find(std::string_view databaseFile) const;

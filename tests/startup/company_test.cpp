@@ -72,6 +72,11 @@ TEST_F(CompanyRegisterTest, NewCompaniesJoinTheRegister) {
     EXPECT_EQ(read("DORVIK.FTG").size(), 5U * 120U) << "added once more";
 }
 
+TEST_F(CompanyRegisterTest, TheRegisterIsMadeBeforeTheFirstCompany) {
+    EXPECT_EQ(companies.FyllFöretagsLista(), Rows{});
+    EXPECT_TRUE(std::filesystem::exists(world.data / "DORVIK.FTG"));
+}
+
 TEST_F(CompanyRegisterTest, NamesAreComparedByTwentyCharacters) {
     write("FTG-ett-namn-på-tjugotvå.mdb", "");
     write("DORVIK.FTG", registerRecord("FTG-ett-namn-på-tjug", "Long", ""));
