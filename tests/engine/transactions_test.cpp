@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "engine/enginetest.h"
+#include "platform/attempt.h"
 
 namespace kolmera::test {
 namespace {
@@ -154,6 +155,27 @@ TEST_F(TransactionsOfAFile, AHeldBackUpdateIsWrittenBeforeAnybodyLooks) {
     articles->update();
     database->rollback();
     EXPECT_EQ(show(articles->value("1Pris")), "7") << "a held-back update survived the rollback";
+}
+
+TEST_F(TransactionsOfAFile, AnUpdateThatTheFileRefusesIsThatRecordsOwn) {
+    addBatch(0);
+    (void)database->execute(
+        "CREATE TRIGGER refuse BEFORE UPDATE ON Artikel WHEN OLD.Nummer = '3' "
+        "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    database = open();
+    PassedOverSilently passedOver;
+    database->begin();
+    {
+        const auto articles = openTable(*database);
+        for (const char* number : {"2", "3", "4"}) {
+            ASSERT_TRUE(seek(*articles, {std::string(number)}));
+            articles->edit();
+            articles->set("1Pris", 7.0);
+            EXPECT_EQ(attempt(passedOver, "update", [&] { articles->update(); }), *number != '3');
+        }
+    }
+    database->commit();
+    EXPECT_EQ(selectElsewhere("SELECT sum([1Pris]) FROM Artikel"), "14");
 }
 
 TEST_F(TransactionsOfAFile, ARecordsetThatIsClosedWritesWhatItHeldBack) {

@@ -15,6 +15,14 @@ namespace {
 
 constexpr std::size_t kMostKeptStatements = 64;  // per table and kind
 
+bool rulesOf(SqliteConnection& connection, const std::string& table) {
+    SqliteStatement rules(connection,
+                          "SELECT 1 FROM sqlite_master WHERE tbl_name = ? COLLATE NOCASE AND "
+                          "(type = 'trigger' OR sql LIKE '%CHECK%' OR sql LIKE '%NOT NULL%')");
+    rules.bind(1, Value(table));
+    return rules.step();
+}
+
 }  // namespace
 
 FileTable::FileTable(FileSession& session, TableDef definition)
@@ -22,6 +30,7 @@ FileTable::FileTable(FileSession& session, TableDef definition)
     if (definition_.fields.size() > ColumnSet::kCapacity) {
         throw PlatformError(errors::kInternal, "table " + definition_.name + " has too many columns");
     }
+    hasRules_ = rulesOf(session_.connection, definition_.name);
     for (const FieldDef& field : definition_.fields) {
         quotedColumns_.push_back(identifier(field.name));
         defaults_.push_back(defaultOf(field));

@@ -61,6 +61,8 @@ class FileTable {
     [[nodiscard]] const std::vector<Value>& defaults() const { return defaults_; }
     /// Columns whose change can break a unique index.
     [[nodiscard]] const ColumnSet& uniqueColumns() const { return uniqueColumns_; }
+    /// The file may refuse other changes too: somebody has put a trigger or a constraint on the table.
+    [[nodiscard]] bool hasRules() const { return hasRules_; }
     /// Throws kUnknownField when there is no such index.
     [[nodiscard]] const TableIndex& index(std::string_view name) const;
 
@@ -106,6 +108,7 @@ class FileTable {
     std::vector<Value> defaults_;
     std::vector<TableIndex> indexes_;
     ColumnSet uniqueColumns_;
+    bool hasRules_ = false;
     std::uint64_t writes_ = 0;
     KeptStatements updates_;
     KeptStatements inserts_;

@@ -133,7 +133,7 @@ void TableRow::update() {
 }
 
 bool TableRow::mayHoldBack() const {
-    return table_.session().transactions.open() && !changed_.intersects(table_.uniqueColumns());
+    return table_.session().transactions.open() && !table_.hasRules() && !changed_.intersects(table_.uniqueColumns());
 }
 
 void TableRow::writeChanged() {
