@@ -32,6 +32,12 @@ int tabColumns(int AntalKolumner, const std::vector<Relation>& relations) {
     return columns;
 }
 
+/// 1 to 9; 0 for codes that mean no price level.
+int priceLevel(int targetCode) {
+    const bool isLevel = targetCode >= target::kFirstUtpris && targetCode <= target::kLastUtpris;
+    return isLevel ? targetCode - target::kFirstUtpris + 1 : 0;
+}
+
 }  // namespace
 
 LoadedMask::LoadedMask(const Mask& mask, std::vector<Relation> allRelations)
@@ -85,9 +91,9 @@ void LoadedMask::note(const Relation& relation) {
             document = source;
             break;
         default:
-            if (relation.Mål < target::kFirstUtpris || relation.Mål > target::kLastUtpris) break;
-            prices[static_cast<std::size_t>(relation.Mål - target::kFirstUtpris + 1)] = source;
+            break;
     }
+    if (const int level = priceLevel(relation.Mål); level > 0) prices.at(static_cast<std::size_t>(level)) = source;
 }
 
 bool LoadedMask::emptyRecords() const {

@@ -6,7 +6,6 @@
 namespace kolmera::test {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST(MaskRun, ChangesKnownProductsAndCreatesNewOnes) {

@@ -16,6 +16,7 @@ LoadedMask maskOf(char structure, int size, const std::vector<std::pair<int, int
     mask.AntalRader = mask.Postlängd = std::to_string(size);
     mask.AntalKolumner = columns;
     std::vector<Relation> relations;
+    relations.reserve(pieces.size());
     for (const auto& [from, length] : pieces) {
         relations.push_back({.Källa = static_cast<int>(relations.size()) + 1, .FrånPos = from, .Längd = length});
     }
@@ -126,7 +127,8 @@ TEST(RecordReader, KeepsNulAndSubstituteAsCharacters) {
 }
 
 TEST(RecordReader, TakesALineOfTenMegabytes) {
-    const std::string line(10'000'000, 'x');
+    std::string line;
+    line.resize(10'000'000, 'x');
     EXPECT_EQ(read(maskOf('T', 0, kThree, 3), "4711\t" + line + "\tslut\r\n"), "4711|" + line + "|slut\n");
 }
 

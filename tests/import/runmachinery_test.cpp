@@ -11,7 +11,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::Not;
 
 const MaskSpec kSimple{.relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}};
 

@@ -8,8 +8,6 @@
 namespace kolmera::test {
 namespace {
 
-using ::testing::IsEmpty;
-
 constexpr const char* kBreaks = "\r\n\r\n";
 const MaskSpec kSimple{.relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}};
 const MaskSpec kOfSupplier{.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}};
@@ -150,7 +148,7 @@ TEST(RunStops, CompaniesThatCannotBeOpened) {
          [](const auto& file) {
              std::fstream bytes(file, std::ios::binary | std::ios::in | std::ios::out);
              bytes.seekp(4096);
-             bytes << std::string(40 * 4096, 'x');
+             bytes << std::string(std::size_t{40} * 4096, 'x');
          }},
         {"another password", "3031",
          [](const auto& file) {

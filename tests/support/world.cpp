@@ -139,6 +139,14 @@ void World::coupling(const std::string& code, const std::string& supplier, bool 
     CouplingFile(data()).save({.job = job.name, .code = code, .supplier = supplier, .mainSupplier = main});
 }
 
+void World::moveToServer() {
+    job.company = "SQL;TEST";
+    std::string record = job.company;
+    record.resize(400, ' ');
+    std::ofstream(data() / "DVSQLSvr.ini", std::ios::binary) << record;
+    state.sql.openServerDatabase = [this](const std::string&) { return open(); };
+}
+
 RunSummary World::run() {
     database_.reset();
     JobFile jobs(data());

@@ -54,6 +54,9 @@ class World {
     void priceFile(std::string_view text, CodePage page = CodePage::Windows1252);
     void rawPriceFile(std::string_view bytes);
     void coupling(const std::string& code, const std::string& supplier, bool main = false);
+    /// The job's company is from now on one of a database server. The engine of files stands in for the server's: what
+    /// is tested is what runs ask of a server.
+    void moveToServer();
     Job job;
 
     RunSummary run();
