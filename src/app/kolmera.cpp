@@ -1,6 +1,4 @@
 #include <QApplication>
-#include <QLibraryInfo>
-#include <QTranslator>
 #include <exception>
 #include <filesystem>
 
@@ -11,7 +9,7 @@
 #include "startup/startup.h"
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"
-#include "ui/qttext.h"
+#include "ui/windowsystemtexts.h"
 #if __has_include("definitions/prisstyr.h")
 #include "definitions/prisstyr.h"
 #endif
@@ -52,14 +50,7 @@ void openWindowsOfOthers([[maybe_unused]] Program& program) {
 
 /// The window system's own texts (file dialogs) in the language of the program.
 void translateWindowSystem(QApplication& application, const LanguageTexts& texts) {
-    auto* translator = new QTranslator(&application);
-    const QString language = texts.language() == "EN" ? QStringLiteral("en") : QStringLiteral("sv");
-    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
-    for (const char* catalogue : {"qtbase_", "qt_"}) {
-        if (!translator->load(QLatin1String(catalogue) + language, folder)) continue;
-        QApplication::installTranslator(translator);
-        return;
-    }
+    if (texts.language() == "SE") QApplication::installTranslator(new WindowSystemTexts(&application));
 }
 
 int run(KolmeraApplication& application) {

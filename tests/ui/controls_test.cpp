@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -16,6 +17,7 @@
 #include "ui/qtmessageport.h"
 #include "ui/qttext.h"
 #include "ui/ucuppner.h"
+#include "ui/windowsystemtexts.h"
 
 namespace kolmera {
 namespace {
@@ -184,6 +186,26 @@ TEST(QtMessagePortTest, HelpLeavesTheBoxOpen) {
         QTest::mouseClick(&boxButton(box, "&Ja"), Qt::LeftButton);
     });
     EXPECT_EQ(answer, Answer::Yes);
+}
+
+TEST(WindowSystemTextsTest, FileDialogSpeaksSwedish) {
+    WindowSystemTexts texts;
+    QCoreApplication::installTranslator(&texts);
+    QFileDialog dialog;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.show();
+    for (const QLabel* label : dialog.findChildren<QLabel*>()) {
+        const QString text = label->text();
+        EXPECT_TRUE(text.isEmpty() || text == "Leta i:" || text == "Fil&namn:" || text == "Filer av typen:")
+            << fromQt(text);
+    }
+    for (const QPushButton* button : dialog.findChildren<QPushButton*>()) {
+        EXPECT_TRUE(button->text() == "&Öppna" || button->text() == "Avbryt") << fromQt(button->text());
+    }
+    takePicture(dialog, "filedialog-SE");
+    EXPECT_EQ(QCoreApplication::translate("Kolmera", "Open"), "Open") << "a text of the program's own was changed";
+    QCoreApplication::removeTranslator(&texts);
 }
 
 }  // namespace
