@@ -12,7 +12,7 @@ namespace kolmera {
 namespace {
 
 constexpr std::string_view kForm = "PrisStyr";
-enum FormText { kNoSuchSupplier = 5, kAskToRemove = 50, kRemoveTitle = 51 };
+constexpr int kNoSuchSupplier = 5, kAskToRemove = 50, kRemoveTitle = 51;
 constexpr int kCannotSave = 124;
 
 }  // namespace

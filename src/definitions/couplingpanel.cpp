@@ -31,11 +31,11 @@ void focusOnAltL(QWidget& form, QWidget& list) {
     QObject::connect(shortcut, &QShortcut::activatedAmbiguously, &list, focus);
 }
 
-CouplingPanel::CouplingPanel(CouplingEditor& couplings, QWidget* parent)
+CouplingPanel::CouplingPanel(CouplingEditor& couplings, int listLines, QWidget* parent)
     : QGroupBox(QStringLiteral("Leverantörskopplingar"), parent), couplings_(couplings) {
     setObjectName(QStringLiteral("LevPanel"));
     buildControls();
-    layOut();
+    layOut(listLines);
     connectBoxes();
     connectButtons();
 }
@@ -61,9 +61,8 @@ void CouplingPanel::buildControls() {
     taBortLev_ = button(*this, "TaBortLev", "F9 - Ta bort lev.");
 }
 
-void CouplingPanel::layOut() {
-    constexpr int kListLines = 8;
-    levLista_->setMinimumHeight(kListLines * fontMetrics().lineSpacing());
+void CouplingPanel::layOut(int listLines) {
+    levLista_->setMinimumHeight(listLines * fontMetrics().lineSpacing());
     auto* buttons = new QHBoxLayout;
     for (QPushButton* each : {sparaLev_, avbrytLev_, taBortLev_}) buttons->addWidget(each);
     buttons->addStretch(1);

@@ -15,7 +15,8 @@ namespace kolmera {
 /// The supplier couplings in the job window: the list, the boxes of one coupling and their three buttons.
 class CouplingPanel final : public QGroupBox {
   public:
-    CouplingPanel(CouplingEditor& couplings, QWidget* parent);
+    /// `listLines`: how many couplings are seen at least.
+    CouplingPanel(CouplingEditor& couplings, int listLines, QWidget* parent);
 
     /// Shows the couplings as they are now.
     void present();
@@ -24,7 +25,7 @@ class CouplingPanel final : public QGroupBox {
 
   private:
     void buildControls();
-    void layOut();
+    void layOut(int listLines);
     void connectBoxes();
     void connectButtons();
     void presentList();

@@ -15,20 +15,9 @@ namespace {
 constexpr std::string_view kForm = "PrisStyr";
 constexpr std::string_view kModule = "KMR";
 constexpr int kCannotSave = 124;
-enum FormText {
-    kCaption = 2,
-    kCouplingCaption = 10,
-    kNoHeading = 15,
-    kNoSample = 20,
-    kNoSampleTitle = 21,
-    kNoFile = 30,
-    kNoCompany = 31,
-    kNoName = 32,
-    kReservedName = 33,
-    kNoMask = 34,
-    kAskToDeleteMask = 40,
-    kDeleteMaskTitle = 41
-};
+constexpr int kCaption = 2, kCouplingCaption = 10, kNoHeading = 15, kNoSample = 20, kNoSampleTitle = 21, kNoFile = 30,
+              kNoCompany = 31, kNoName = 32, kReservedName = 33, kNoMask = 34, kAskToDeleteMask = 40,
+              kDeleteMaskTitle = 41;
 
 bool empty(const std::string& text) { return trimmed(text).empty(); }
 

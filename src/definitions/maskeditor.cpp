@@ -13,8 +13,8 @@ namespace {
 constexpr std::string_view kForm = "PrisMTyp";
 constexpr std::string_view kModule = "KMR";
 
-enum FormText { kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41 };
-enum ModuleText { kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124 };
+constexpr int kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41;
+constexpr int kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124;
 
 bool within(int row, std::size_t count) { return row >= 0 && static_cast<std::size_t>(row) < count; }
 

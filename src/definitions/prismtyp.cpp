@@ -241,7 +241,7 @@ QLayout* PrisMTyp::layOutFields() {
 }
 
 void PrisMTyp::setSizes() {
-    constexpr int kLetters = 130, kLines = 12, kRelationLines = 8;
+    constexpr int kLetters = 130, kLines = 8, kRelationLines = 5;
     const QFontMetrics metrics = fontMetrics();
     for (QListWidget* fields : {frånLista_, tillLista_}) fields->setMinimumHeight(kLines * metrics.lineSpacing());
     relationer_->setMinimumHeight(kRelationLines * metrics.lineSpacing());

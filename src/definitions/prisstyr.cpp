@@ -28,7 +28,8 @@ namespace {
 constexpr int kNameLength = 100;
 constexpr int kGroupLength = 8;
 constexpr int kTextTooLong = 126;
-enum FormText { kFileFilter = 55, kCompressedFilter = 56 };
+constexpr int kCouplingLines = 11, kCouplingLinesOfFinfo = 4;
+constexpr int kFileFilter = 55, kCompressedFilter = 56;
 const std::vector<int> kCompanyTabStops{208};  ///< dialog units
 
 /// Enter and the space bar in a list do what a double click does.
@@ -79,7 +80,7 @@ PrisStyr::PrisStyr(Program& program, int JobbNr, bool ÄrStandardJobb, QWidget* 
     buildMasks();
     buildCompany();
     buildFinfo();
-    levPanel_ = new CouplingPanel(job_.couplings, this);
+    levPanel_ = new CouplingPanel(job_.couplings, job_.isFinfo() ? kCouplingLinesOfFinfo : kCouplingLines, this);
     buildButtons();
     layOut();
     installEnterSomTab(*this);
@@ -212,7 +213,7 @@ void PrisStyr::layOutFiles(QGridLayout& grid) {
 }
 
 void PrisStyr::setSizes() {
-    constexpr int kLetters = 70, kMaskLines = 7, kCompanyLines = 4, kSupplierLines = 8, kNumberLetters = 24;
+    constexpr int kLetters = 70, kMaskLines = 7, kCompanyLines = 3, kSupplierLines = 8, kNumberLetters = 24;
     const QFontMetrics metrics = fontMetrics();
     filNamn_->setMinimumWidth(kLetters * metrics.averageCharWidth());
     maskLista_->setMinimumHeight(kMaskLines * metrics.lineSpacing());
@@ -222,7 +223,7 @@ void PrisStyr::setSizes() {
         group->setMinimumWidth((kGroupLength + 3) * metrics.horizontalAdvance('0'));
     }
     levLista_->setColumnWidth(0, kNumberLetters * metrics.averageCharWidth());
-    if (job_.isTradeFormat()) ftgLista_->setMaximumHeight(2 * kCompanyLines * metrics.lineSpacing());
+    if (job_.isTradeFormat()) ftgLista_->setMaximumHeight((kCompanyLines + 1) * metrics.lineSpacing());
 }
 
 void PrisStyr::showJob() {

@@ -1,7 +1,8 @@
 #include "definitions/rulelists.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <span>
 #include <utility>
 
 namespace kolmera {
@@ -9,85 +10,59 @@ namespace {
 
 constexpr std::string_view kForm = "PrisMTyp";
 
-enum RuleText {
-    kNoDivision = 11,
-    kDivideBy = 12,
-    kNotImported = 15,
-    kSearchKey = 20,
-    kNoSearchKey = 21,
-    kNoDiscountCode = 25,
-    kDiscountCode = 26,
-    kAlways = 31,
-    kIfZero = 32,
-    kIfEmpty = 33,
-    kNever = 34,
-    kWithVat = 35
-};
+constexpr int kNoDivision = 11, kDivideBy = 12, kNotImported = 15, kSearchKey = 20, kNoSearchKey = 21,
+              kNoDiscountCode = 25, kDiscountCode = 26, kAlways = 31, kIfZero = 32, kIfEmpty = 33, kNever = 34,
+              kWithVat = 35;
 
-/// Shown letter and stored letter.
-using Letters = std::pair<char, char>;
-constexpr Letters kTypKodLetters[] = {{'N', 'I'}, {'A', 'U'}, {'W', 'S'}};
-constexpr Letters kDivisionLetters[] = {{'N', 'I'}, {'D', 'R'}};
-
-char stored(char shown, std::string_view language, std::span<const Letters> letters) {
-    if (language == "SE") return shown;
-    const auto found = std::ranges::find(letters, shown, &Letters::first);
-    return found == letters.end() ? shown : found->second;
-}
-
-/// Collects entries; an entry's letter is read from its text.
+/// Collects entries. Their letters are those of the file in every language, whatever letter the text begins with.
 class Entries {
   public:
-    Entries(LanguageTexts& texts, std::span<const Letters> letters) : texts_(texts), letters_(letters) {}
+    explicit Entries(LanguageTexts& texts) : texts_(texts) {}
 
-    void add(int number) { addText(text(number)); }
-    void addText(std::string text) {
-        const char letter = text.empty() ? ' ' : stored(text.front(), texts_.language(), letters_);
-        entries_.push_back({letter, std::move(text)});
+    void add(char letter, int number) { entries_.push_back({letter, texts_.FormulärSträng(kForm, number)}); }
+    /// "2 - text 2": a numbered entry.
+    void addNumbered(char letter, int number, std::string_view end) {
+        entries_.push_back({letter, fmt::format("{} - {}{}", letter, texts_.FormulärSträng(kForm, number), end)});
     }
-    [[nodiscard]] std::string text(int number) { return texts_.FormulärSträng(kForm, number); }
     RuleEntries take() { return std::move(entries_); }
 
   private:
     LanguageTexts& texts_;
-    std::span<const Letters> letters_;
     RuleEntries entries_;
 };
 
 }  // namespace
 
 RuleEntries updateRules(const Target& target, LanguageTexts& texts) {
-    Entries entries(texts, kTypKodLetters);
+    Entries entries(texts);
     if (target.code > 0) {
-        entries.add(kAlways);
+        entries.add('U', kAlways);
         if (target.numeric() && target.priceLevel()) {
-            for (const char* rate : {"1", "2", "3"}) {
-                entries.addText(std::string(rate) + " - " + entries.text(kWithVat) + " " + rate);
-            }
+            entries.addNumbered('1', kWithVat, " 1");
+            entries.addNumbered('2', kWithVat, " 2");
+            entries.addNumbered('3', kWithVat, " 3");
         }
-        entries.add(target.numeric() ? kIfZero : kIfEmpty);
+        entries.add('S', target.numeric() ? kIfZero : kIfEmpty);
     }
-    entries.add(kNever);
+    entries.add('I', kNever);
     return entries.take();
 }
 
 RuleEntries divisions(const Target& target, LanguageTexts& texts) {
-    Entries entries(texts, kDivisionLetters);
+    Entries entries(texts);
     if (target.code == 0) {
-        entries.add(kNotImported);
+        entries.add('I', kNotImported);
     } else if (target.keyCapable()) {
-        entries.add(kSearchKey);
-        entries.add(kNoSearchKey);
+        entries.add('S', kSearchKey);
+        entries.add('I', kNoSearchKey);
     } else if (target.floating()) {
-        entries.add(kNoDivision);
-        std::string divisor = "1";
-        for (const char* letter : {"1", "2", "3"}) {
-            divisor += '0';
-            entries.addText(std::string(letter) + " - " + entries.text(kDivideBy) + divisor);
-        }
+        entries.add('I', kNoDivision);
+        entries.addNumbered('1', kDivideBy, "10");
+        entries.addNumbered('2', kDivideBy, "100");
+        entries.addNumbered('3', kDivideBy, "1000");
     } else {
-        entries.add(kNoDiscountCode);
-        entries.add(kDiscountCode);
+        entries.add('I', kNoDiscountCode);
+        entries.add('R', kDiscountCode);
     }
     return entries.take();
 }

@@ -8,8 +8,8 @@
 
 namespace kolmera {
 
-/// One choice of a rule: what is shown, and the letter that the file holds for it. In other languages than Swedish the
-/// text begins with another letter.
+/// One choice of a rule: what is shown, and the letter that the file holds for it. The Swedish text begins with that
+/// letter; in other languages it begins with another, and the file's letter stays.
 struct RuleEntry {
     char letter;
     std::string text;

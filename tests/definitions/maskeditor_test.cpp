@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <map>
+
 #include "definitions/editorworld.h"
 
 namespace kolmera {
@@ -191,6 +193,8 @@ TEST_F(MaskEditorTest, OffersTheRulesOfATarget) {
         {"last sales price without VAT", 32, "U123SI", "I123"},
         {"column behind the sales prices with VAT", 33, "USI", "I123"},
     };
+    // What the entries begin with in the other language: the file holds the same letters.
+    const std::map<char, std::string> english = {{'U', "A"}, {'S', "WS"}, {'I', "N"}, {'R', "D"}};
     for (const char* language : {"SE", "EN"}) {
         open("x\r\n", 0, language);
         for (const auto& c : cases) {
@@ -201,13 +205,22 @@ TEST_F(MaskEditorTest, OffersTheRulesOfATarget) {
             for (const RuleEntry& entry : editor->divisions()) division += entry.letter;
             EXPECT_EQ(typKod, c.typKod);
             EXPECT_EQ(division, c.division);
+            RuleEntries entries = editor->updateRules();
+            entries.insert(entries.end(), editor->divisions().begin(), editor->divisions().end());
+            for (const RuleEntry& entry : entries) {
+                const auto other = english.find(entry.letter);
+                const bool same = std::string_view(language) == "SE" || other == english.end();
+                const std::string expected = same ? std::string(1, entry.letter) : other->second;
+                EXPECT_NE(expected.find(entry.text.at(0)), std::string::npos) << entry.letter << ": " << entry.text;
+            }
         }
     }
-    EXPECT_EQ(editor->divisions()[0].text, "No division");
-    chooseTarget(1);
-    EXPECT_EQ(editor->updateRules()[1].text, "Write only if the field is empty");
     chooseTarget(24);
+    EXPECT_EQ(editor->updateRules()[3].text, "3 - Update and add VAT rate 3");
     EXPECT_EQ(editor->updateRules()[4].text, "Write only if the value is 0");
+    EXPECT_EQ(editor->divisions()[2].text, "2 - Divide by 100");
+    chooseTarget(6);
+    EXPECT_EQ(editor->updateRules()[1].text, "Write only if the field is empty");
 }
 
 TEST_F(MaskEditorTest, PreselectsOneSearchKeyOnly) {
