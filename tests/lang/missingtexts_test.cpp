@@ -41,6 +41,8 @@ const std::vector<Indirect> kIndirect = {
     {"src/cli/runcommand.cpp", "line.label", numbers(201, 208)},
     {"src/definitions/jobeditor.cpp", "first->first", numbers(30, 34)},
     {"src/definitions/prisstyr.cpp", "filterText", {"55", "56"}},
+    {"src/definitions/jobeditor.cpp", "first->first", numbers(30, 34)},
+    {"src/definitions/prisstyr.cpp", "filterText", {"55", "56"}},
     {"src/definitions/rulelists.cpp",
      "number",
      {"11", "12", "15", "20", "21", "25", "26", "31", "32", "33", "34", "35"}},
