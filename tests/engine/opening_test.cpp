@@ -111,6 +111,15 @@ TEST_F(Opening, TheJournalFollowsTheFileSystem) {
         << "a log in use was shared over the network";
 }
 
+TEST_F(Opening, ReadingOverTheNetworkLeavesNothingBehind) {
+    add(*open(onNetwork(false)), "A");
+    OpenOptions options = onNetwork(true);
+    options.readOnly = true;
+    const auto database = open(options);
+    EXPECT_EQ(select(*database, "SELECT Nummer FROM Artikel"), "'A'");
+    EXPECT_FALSE(std::filesystem::exists(folder / "FTG1.mdb-shm")) << "shared memory on a network drive";
+}
+
 TEST_F(Opening, ClosingLeavesOneFile) {
     {
         const auto database = open();

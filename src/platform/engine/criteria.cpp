@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <charconv>
 
+#include "platform/engine/fieldlookup.h"
 #include "platform/engine/fieldvalue.h"
 #include "platform/engine/statementtext.h"
 #include "platform/error.h"
-#include "platform/lettercase.h"
 
 namespace kolmera {
 
@@ -69,11 +69,7 @@ class Parser {
     int fieldNamed() {
         const Token& token = take();
         if (!token.isName()) refuse();
-        const auto found = std::find_if(fields_.begin(), fields_.end(), [&](const FieldDef& candidate) {
-            return equalNoCase(candidate.name, token.text);
-        });
-        if (found == fields_.end()) throw PlatformError(errors::kUnknownField, "there is no field " + token.text);
-        return static_cast<int>(found - fields_.begin());
+        return requiredOrdinal(fields_, token.text);
     }
 
     Comparison comparison() {

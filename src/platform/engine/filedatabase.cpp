@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "platform/engine/fieldlookup.h"
 #include "platform/engine/keysetrecordset.h"
 #include "platform/engine/memoryrecordset.h"
 #include "platform/engine/openchecks.h"
@@ -128,11 +129,7 @@ std::unique_ptr<Recordset> FileDatabase::openKeyset(FileTable& table, std::strin
     std::vector<int> ordinals(static_cast<std::size_t>(table.columns()));
     std::iota(ordinals.begin(), ordinals.end(), 0);
     if (!columns.empty()) ordinals.clear();
-    for (const std::string& name : columns) {
-        const int ordinal = table.definition().ordinal(name);
-        if (ordinal < 0) throw PlatformError(errors::kUnknownField, "there is no field " + name);
-        ordinals.push_back(ordinal);
-    }
+    for (const std::string& name : columns) ordinals.push_back(requiredOrdinal(table.definition().fields, name));
     SqliteStatement query(session_.connection, "SELECT rowid FROM " + table.quotedName() + " " + translate(rest));
     std::vector<std::int64_t> ids;
     while (query.step()) ids.push_back(query.integer(0));
@@ -143,6 +140,7 @@ std::unique_ptr<Recordset> FileDatabase::openInMemory(std::string_view source, c
                                                       RecordsetType type) {
     SqliteStatement query(session_.connection, statement);
     std::vector<FieldDef> fields;
+    fields.reserve(static_cast<std::size_t>(query.columns()));
     for (int i = 0; i < query.columns(); ++i) fields.push_back(fieldOf(query, i));
     std::vector<MemoryRecordset::Record> records;
     while (query.step()) {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/engine/criteria.h"
+#include "platform/engine/fieldlookup.h"
 #include "platform/error.h"
-#include "platform/lettercase.h"
 
 namespace kolmera {
 
@@ -20,19 +20,9 @@ KeysetRecordset::KeysetRecordset(FileTable& table, std::string_view source, std:
     for (const int column : columns_) fields_.push_back(table.field(column));
 }
 
-int KeysetRecordset::ordinal(std::string_view field) const {
-    const auto found = std::find_if(fields_.begin(), fields_.end(),
-                                    [&](const FieldDef& candidate) { return equalNoCase(candidate.name, field); });
-    if (found == fields_.end()) throw PlatformError(errors::kUnknownField, "there is no field " + std::string(field));
-    return static_cast<int>(found - fields_.begin());
-}
+int KeysetRecordset::ordinal(std::string_view field) const { return requiredOrdinal(fields_, field); }
 
-int KeysetRecordset::tableOrdinal(int ordinal) const {
-    if (ordinal < 0 || static_cast<std::size_t>(ordinal) >= columns_.size()) {
-        throw PlatformError(errors::kUnknownField, "there is no field number " + std::to_string(ordinal));
-    }
-    return columns_[static_cast<std::size_t>(ordinal)];
-}
+int KeysetRecordset::tableOrdinal(int ordinal) const { return columns_[requiredPlace(ordinal, columns_.size())]; }
 
 void KeysetRecordset::moveFirst() {
     row_.cancel();

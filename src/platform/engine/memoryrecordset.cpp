@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/engine/criteria.h"
+#include "platform/engine/fieldlookup.h"
 #include "platform/error.h"
-#include "platform/lettercase.h"
 
 namespace kolmera {
 
@@ -18,12 +18,7 @@ MemoryRecordset::MemoryRecordset(std::string_view source, RecordsetType type, st
       locale_(locale),
       position_(records_.size()) {}
 
-int MemoryRecordset::ordinal(std::string_view field) const {
-    const auto found = std::find_if(fields_.begin(), fields_.end(),
-                                    [&](const FieldDef& candidate) { return equalNoCase(candidate.name, field); });
-    if (found == fields_.end()) throw PlatformError(errors::kUnknownField, "there is no field " + std::string(field));
-    return static_cast<int>(found - fields_.begin());
-}
+int MemoryRecordset::ordinal(std::string_view field) const { return requiredOrdinal(fields_, field); }
 
 void MemoryRecordset::moveToModified() { throw PlatformError(errors::kNoCurrentRecord, "no record has been saved"); }
 
@@ -47,10 +42,7 @@ void MemoryRecordset::findFirst(std::string_view criteria) {
 
 const Value& MemoryRecordset::value(int ordinal) {
     const Record& record = records_[position_.current()];
-    if (ordinal < 0 || static_cast<std::size_t>(ordinal) >= record.size()) {
-        throw PlatformError(errors::kUnknownField, "there is no field number " + std::to_string(ordinal));
-    }
-    return record[static_cast<std::size_t>(ordinal)];
+    return record[requiredPlace(ordinal, record.size())];
 }
 
 void MemoryRecordset::refuseWriting() { throw PlatformError(errors::kInternal, "the recordset is for reading only"); }

@@ -65,7 +65,7 @@ void moveLogAside(const fs::path& file, const fs::path& kept) {
 fs::path replace(const fs::path& file, const fs::path& newFile) {
     const Descriptor finished(newFile, O_RDWR | O_CLOEXEC);
     finished.copyRights(Descriptor(file, O_RDONLY | O_CLOEXEC));
-    const fs::path kept = keepDamaged(file);
+    fs::path kept = keepDamaged(file);
     moveLogAside(file, kept);
     moveOver(finished, newFile, file);
     return kept;

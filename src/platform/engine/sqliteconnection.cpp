@@ -3,8 +3,10 @@
 #include <sqlite3.h>
 
 #include <thread>
+#include <utility>
 
 #include "platform/engine/collation.h"
+#include "platform/engine/networklocks.h"
 #include "platform/engine/sqlitenames.h"
 #include "platform/engine/sqlitestatement.h"
 #include "platform/error.h"
@@ -94,25 +96,34 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file, Connection
 SqliteConnection::~SqliteConnection() { close(); }
 
 void SqliteConnection::open(const std::filesystem::path& file) {
-    int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI | SQLITE_OPEN_EXRESCODE;
-    flags |= options_.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
-    if (options_.create) flags |= SQLITE_OPEN_CREATE;
-    int code = sqlite3_open_v2(file.c_str(), &handle_, flags & ~SQLITE_OPEN_URI, nullptr);
-    // The log of a file in a folder that cannot be written cannot be opened; the file itself can when the log is empty.
-    if (code == SQLITE_OK && options_.readOnly && !hasLog(file)) {
-        code = sqlite3_exec(handle_, "PRAGMA schema_version", nullptr, nullptr, nullptr);
-        if ((code & 0xFF) == SQLITE_CANTOPEN || (code & 0xFF) == SQLITE_READONLY) {
-            sqlite3_close_v2(handle_);
-            code = sqlite3_open_v2(immutableUri(file).c_str(), &handle_, flags, nullptr);
-        } else {
-            code = SQLITE_OK;
-        }
+    if (options_.onNetwork && !options_.readOnly && !fileLocksWork(std::filesystem::absolute(file).parent_path())) {
+        throw PlatformError(errors::kInternal, "the network drive does not lock files: " + file.string());
     }
+    int flags = options_.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (options_.create) flags |= SQLITE_OPEN_CREATE;
+    connect(file.string(), flags);
+    if (options_.readOnly && !hasLog(file) && !canRead()) connect(immutableUri(file), flags | SQLITE_OPEN_URI);
+}
+
+void SqliteConnection::connect(const std::string& name, int flags) {
+    sqlite3_close_v2(std::exchange(handle_, nullptr));
+    const int code =
+        sqlite3_open_v2(name.c_str(), &handle_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK) raise(code);
     // An unknown column between double quotes is an error, not a text.
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     if (sqlite3_busy_handler(handle_, waitForLock, this) != SQLITE_OK) raise(sqlite3_errcode(handle_));
     if (registerSwedishCollation(handle_) != SQLITE_OK) raise(sqlite3_errcode(handle_));
+    // The log needs memory that all sessions share, which no network file system gives. Said before the first reading,
+    // this makes SQLite do without.
+    if (options_.onNetwork) run("PRAGMA locking_mode=EXCLUSIVE");
+}
+
+/// A file that was closed with a log cannot be read by SQLite where no log can be made: in a folder that cannot be
+/// written, and on a network drive without writing. When the log is empty the file itself can.
+bool SqliteConnection::canRead() {
+    const int code = sqlite3_exec(handle_, "PRAGMA schema_version", nullptr, nullptr, nullptr) & 0xFF;
+    return code != SQLITE_CANTOPEN && code != SQLITE_IOERR && code != SQLITE_READONLY;
 }
 
 void SqliteConnection::close() noexcept {
@@ -128,13 +139,12 @@ void SqliteConnection::close() noexcept {
 void SqliteConnection::prepareForWork() {
     run("PRAGMA cache_size=-65536");
     run("PRAGMA temp_store=MEMORY");
-    if (options_.readOnly) return;
-    if (options_.exclusive) takeExclusively();
     if (options_.onNetwork) {
-        useRollbackJournal();
-    } else {
+        shareOnNetwork();
+    } else if (!options_.readOnly) {
         useWriteAheadLog();
     }
+    if (options_.exclusive && !options_.readOnly) takeExclusively();
 }
 
 void SqliteConnection::prepareForMaking() {
@@ -152,20 +162,15 @@ void SqliteConnection::takeExclusively() {
     run("COMMIT");
 }
 
-/// The log needs memory that all sessions share, which no network file system gives: a file that comes with a log is
-/// taken over alone, without shared memory, and gets its journal.
-void SqliteConnection::useRollbackJournal() {
-    if (!options_.exclusive) run("PRAGMA locking_mode=EXCLUSIVE");
-    const std::string journal = text("PRAGMA journal_mode=DELETE");
-    if (!options_.exclusive) {
-        run("PRAGMA locking_mode=NORMAL");
-        number("PRAGMA schema_version");  // gives the lock back
-    }
-    if (journal != "delete") {
+/// Gives up the log that the file may have come with, and the lock that went with it.
+void SqliteConnection::shareOnNetwork() {
+    if (!options_.readOnly && text("PRAGMA journal_mode=DELETE") != "delete") {
         throw PlatformError(errors::kLocked,
                             "the database is open elsewhere with a log that a network drive cannot share");
     }
     run("PRAGMA synchronous=FULL");
+    run("PRAGMA locking_mode=NORMAL");
+    number("PRAGMA schema_version");
 }
 
 void SqliteConnection::useWriteAheadLog() {

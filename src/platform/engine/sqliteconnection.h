@@ -65,7 +65,9 @@ class SqliteConnection {
   private:
     void open(const std::filesystem::path& file);
     void close() noexcept;
-    void useRollbackJournal();
+    void connect(const std::string& name, int flags);
+    bool canRead();
+    void shareOnNetwork();
     void useWriteAheadLog();
     void takeExclusively();
     std::string text(const std::string& statement);

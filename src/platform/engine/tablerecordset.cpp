@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
+#include "platform/engine/fieldlookup.h"
 #include "platform/engine/fieldvalue.h"
 #include "platform/error.h"
 
@@ -13,11 +15,7 @@ using Direction = IndexWalk::Direction;
 TableRecordset::TableRecordset(FileTable& table, std::string_view source, bool readOnly)
     : table_(table), name_(source), row_(table, readOnly), walk_(table, row_) {}
 
-int TableRecordset::ordinal(std::string_view field) const {
-    const int found = table_.definition().ordinal(field);
-    if (found < 0) throw PlatformError(errors::kUnknownField, name_ + " has no field " + std::string(field));
-    return found;
-}
+int TableRecordset::ordinal(std::string_view field) const { return requiredOrdinal(fields(), field); }
 
 /// A recordset that was just opened, or got another index, is at the first record. It is read when it matters: most
 /// tables are sought in at once.
@@ -134,8 +132,14 @@ void TableRecordset::findFirst(std::string_view /*criteria*/) {
 }
 
 const Value& TableRecordset::value(int ordinal) {
+    requiredPlace(ordinal, fields().size());
     if (!row_.adding()) resolve();
     return row_.value(ordinal);
+}
+
+void TableRecordset::set(int ordinal, Value value) {
+    requiredPlace(ordinal, fields().size());
+    row_.set(ordinal, std::move(value));
 }
 
 void TableRecordset::edit() {

@@ -43,7 +43,7 @@ class TableRecordset final : public Recordset {
     [[nodiscard]] const Value& value(int ordinal) override;
     void addNew() override { row_.addNew(); }
     void edit() override;
-    void set(int ordinal, Value value) override { row_.set(ordinal, std::move(value)); }
+    void set(int ordinal, Value value) override;
     void update() override { row_.update(); }
     void cancelUpdate() override { row_.cancel(); }
     void remove() override;

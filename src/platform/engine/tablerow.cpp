@@ -140,6 +140,7 @@ void TableRow::writeChanged() {
     if (table_.heldBack() != this || !mayHoldBack()) table_.flush();
     if (mayHoldBack()) {
         heldBack_ |= changed_;
+        heldBackEpoch_ = table_.session().connection.epoch();
         table_.holdBack(this);
     } else {
         writeColumns(changed_, edited_);
@@ -166,9 +167,10 @@ void TableRow::writeColumns(const ColumnSet& columns, const std::vector<Value>& 
     }
 }
 
+/// What was held back in a transaction that SQLite has rolled back by itself is gone with it.
 void TableRow::writeHeldBack() {
     const ColumnSet columns = std::exchange(heldBack_, ColumnSet());
-    if (table_.session().connection.transactionOpen()) writeColumns(columns, current_);
+    if (heldBackEpoch_ == table_.session().connection.epoch()) writeColumns(columns, current_);
 }
 
 void TableRow::forgetHeldBack() { heldBack_.clear(); }

@@ -95,6 +95,7 @@ class TableRow {
     std::vector<Value> edited_;
     ColumnSet changed_;  ///< columns whose value in `edited_` counts
     ColumnSet heldBack_;
+    std::uint64_t heldBackEpoch_ = 0;  ///< of the transaction that holds back
     std::int64_t lastSaved_ = 0;
     bool savedAtHand_ = false;        ///< `edited_` and the defaults are the row added last ...
     std::uint64_t savedVersion_ = 0;  ///< ... as long as the table has this version
