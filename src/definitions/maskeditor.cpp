@@ -96,9 +96,11 @@ void MaskEditor::setPostlängd(std::string typed) {
 
 std::vector<Piece> MaskEditor::pieces() const {
     std::vector<const EditedRelation*> bySlot;
+    bySlot.reserve(relations_.size());
     for (const EditedRelation& edited : relations_) bySlot.push_back(&edited);
     std::ranges::sort(bySlot, {}, &EditedRelation::slot);
     std::vector<Piece> pieces;
+    pieces.reserve(bySlot.size());
     for (const EditedRelation* edited : bySlot) pieces.push_back({edited->relation.FrånPos, edited->relation.Längd});
     return pieces;
 }
@@ -246,6 +248,7 @@ MaskEditor::Saved MaskEditor::save() {
         return Saved::NoName;
     }
     std::vector<Relation> relations;
+    relations.reserve(relations_.size());
     for (const EditedRelation& edited : relations_) relations.push_back(edited.relation);
     try {
         MaskFile masks(dataFolder_);

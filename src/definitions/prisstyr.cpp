@@ -257,7 +257,7 @@ void PrisStyr::connectFiles() {
 }
 
 QString PrisStyr::askForFile(const QString& caption, int filterText) {
-    const QString path = chooseFile(withoutMarks(caption), toQt(program_.texts.FormulärSträng("PrisStyr", filterText)));
+    QString path = chooseFile(withoutMarks(caption), toQt(program_.texts.FormulärSträng("PrisStyr", filterText)));
     if (path.size() <= kNameLength) return path;
     program_.boxes.MeddelandeVarning(program_.texts.ModulTextMed("KMR", kTextTooLong, std::to_string(kNameLength)));
     return {};
