@@ -173,7 +173,7 @@ void PrisMain::present() {
     öppna_->setEnabled(!running_ && jobs_.canOpen());
     taBort_->setEnabled(!running_ && jobs_.canDelete());
     utför_->setEnabled(!running_ && jobs_.canRun());
-    rabattbrev_->setEnabled(!running_);
+    rabattbrev_->setEnabled(!running_ && program_.showPrisRab);
     avsluta_->setEnabled(!running_);
 }
 
@@ -222,9 +222,7 @@ void PrisMain::utför() {
     if (closeAfterRun_) close();
 }
 
-void PrisMain::rabattbrev() {
-    if (program_.showPrisRab) program_.showPrisRab(this, jobs_.JobbNr());
-}
+void PrisMain::rabattbrev() { program_.showPrisRab(this, jobs_.JobbNr()); }
 
 void PrisMain::closeEvent(QCloseEvent* event) {
     if (running_) {
