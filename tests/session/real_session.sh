@@ -110,7 +110,8 @@ relate() {
     press Down "$3"
     keys Tab Home
     press Down "$4"
-    keys alt+r
+    # Not by Alt+R: a button pressed by its letter acts a moment later, after keys that follow at once.
+    keys Tab space
 }
 
 sql() { sqlite3 -readonly "$data/FTG1.mdb" -cmd ".load $bin/svenska" "$1"; }
@@ -162,9 +163,9 @@ keys alt+t Home
 picture job
 keys alt+k Tab Tab Tab space
 enter "$maskTitle"
+keys alt+b alt+w alt+k
 keys alt+n
 write Varulista
-keys alt+b alt+w alt+k
 picture mask
 relate 1 1 0 0  # product number, always updated, search key
 relate 2 6 0 0  # name
