@@ -7,13 +7,12 @@ void cutLines(PriceFile& file, int lines, EntryList& entries) {
 }
 
 void cutTabs(std::string_view line, EntryList& entries) {
-    const int last = entries.size();
     int number = 1;
     for (auto tab = line.find('\t'); tab != std::string_view::npos; tab = line.find('\t')) {
-        if (number < last) entries.set(number++, line.substr(0, tab));
+        entries.set(number++, line.substr(0, tab));
         line.remove_prefix(tab + 1);
     }
-    entries.set(last, line);
+    entries.set(entries.size(), line);
 }
 
 void cutFixed(std::string_view record, const LoadedMask& mask, EntryList& entries) {

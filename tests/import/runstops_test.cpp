@@ -172,7 +172,7 @@ TEST(RunStops, OnlyTheFirstHundredRelationsAreUsed) {
     World world;
     world.mask({.relations = std::vector<Link>(99, Link{3, "Vikt", 'I', 'I'})});
     appendRelation(world, "00100100100000000US1");  // the hundredth: the key
-    appendRelation(world, "00100201800000000UI1");  // Vikt
+    appendRelation(world, "00100301800000000UI1");  // Vikt
     world.priceFile("A\t5\r\n");
     world.port.expect(world.texts().ModulTextMed("KMR", 104, "Testmask"), world.text(33));
     EXPECT_TRUE(world.run().completed);
