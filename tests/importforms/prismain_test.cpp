@@ -27,10 +27,15 @@ namespace {
 
 using namespace test;
 
+const char* const kMaskJob = "Smedhult verktyg";
+
 /// The main window over the demo's jobs: three trade formats, then masks.
 class PrisMainTest : public testing::Test {
   protected:
-    PrisMainTest() { open(); }
+    PrisMainTest() {
+        world.program.showPrisRab = [this](QWidget* /*parent*/, int JobbNr) { discountLettersFor = JobbNr; };
+        open();
+    }
 
     void open() {
         window = std::make_unique<PrisMain>(world.program);
@@ -75,9 +80,8 @@ class PrisMainTest : public testing::Test {
 
     FormWorld world{Data::Demo};
     std::unique_ptr<PrisMain> window;
+    int discountLettersFor = -1;
 };
-
-const char* const kMaskJob = "Smedhult verktyg";
 
 TEST_F(PrisMainTest, ShowsTheJobsWithKindAndFile) {
     EXPECT_EQ(cell(0, 0), "(EIO)");
@@ -97,6 +101,11 @@ TEST_F(PrisMainTest, EnablesWhatTheSelectedJobAllows) {
     window->FyllJobbLista(0);
     EXPECT_EQ(selectedJob(), "");
     EXPECT_EQ(enabledButtons(), "Ny CmdRabattbrev Avsluta");
+    press("CmdRabattbrev");
+    EXPECT_EQ(discountLettersFor, 0);
+    select(kMaskJob);
+    press("CmdRabattbrev");
+    EXPECT_EQ(discountLettersFor, 4);
 }
 
 TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {

@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QString>
+
+#include "platform/encodings.h"
+#include "startup/inifile.h"
+#include "support/qt/formworld.h"
+
+namespace kolmera {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace test;
+
+/// A program folder of the test's own, and the program started from it.
+class StartTest : public testing::Test {
+  protected:
+    StartTest() {
+        fs::create_directories(data);
+        fs::create_directories(program);
+        fs::copy(fs::path(KOLMERA_BIN_DIR) / "kolmera", program / "kolmera");
+        fs::copy(fs::path(KOLMERA_BIN_DIR) / "DVLang.sys", program / "DVLang.sys");
+    }
+    ~StartTest() override {
+        process.kill();
+        process.waitForFinished();
+    }
+
+    void nameDataFolder(const fs::path& named) { writeIniValue(program / "DVKlient.ini", 2, "", named.string()); }
+    /// Starts the program and waits until its main window has read (and so made) the job list of that folder.
+    bool startsOn(const fs::path& dataFolder) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_CONFIG_HOME", QString::fromStdString((folder / "settings").string()));
+        process.setProcessEnvironment(environment);
+        process.start(QString::fromStdString((program / "kolmera").string()), {});
+        return eventually([&] { return fs::exists(dataFolder / "KOLMERA.TXT"); }) &&
+               process.state() == QProcess::Running;
+    }
+
+    TemporaryFolder folder;
+    fs::path program = folder / "program";
+    fs::path data = folder / "data";
+    QProcess process;
+};
+
+TEST_F(StartTest, AloneOnItsOwnFolder) { EXPECT_TRUE(startsOn(program)); }
+
+TEST_F(StartTest, OnTheFolderThatTheSuiteNames) {
+    nameDataFolder(data);
+    EXPECT_TRUE(startsOn(data));
+    EXPECT_TRUE(fs::exists(data / "DVUser.dvl")) << "the user file was not asked for";
+}
+
+TEST_F(StartTest, AloneWhenThatFolderIsGone) {
+    nameDataFolder(folder / "gone");
+    EXPECT_TRUE(startsOn(program));
+}
+
+TEST_F(StartTest, WithoutTheLanguageDatabase) {
+    fs::remove(program / "DVLang.sys");
+    nameDataFolder(data);
+    EXPECT_TRUE(startsOn(data));
+}
+
+TEST_F(StartTest, WithADamagedLanguageDatabase) {
+    folder.write("program/DVLang.sys", "no database");
+    EXPECT_TRUE(startsOn(program));
+}
+
+}  // namespace
+}  // namespace kolmera
