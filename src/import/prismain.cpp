@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -15,6 +16,7 @@
 #include "import/joblistmodel.h"
 #include "import/runpanel.h"
 #include "platform/attempt.h"
+#include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lists.h"
@@ -28,12 +30,6 @@ constexpr std::string_view kForm = "PrisMain";
 constexpr std::array<const char*, JobTable::kColumns> kDesignedHeaders{"Inläsning", "Typ", "Prisfil", "Fildatum"};
 constexpr int kDeleteText = 23;
 constexpr int kSaveFailedText = 124;  ///< of the program's own module
-
-QPushButton* button(QWidget& form, const char* name, const char* caption) {
-    auto* made = new QPushButton(QString::fromUtf8(caption), &form);
-    made->setObjectName(QString::fromUtf8(name));
-    return made;
-}
 
 }  // namespace
 
@@ -121,7 +117,8 @@ void PrisMain::setSizes() {
     const QFontMetrics metrics = fontMetrics();
     lista_->setColumnWidth(JobTable::kName, kNameLetters * metrics.averageCharWidth());
     for (const int column : {JobTable::kKind, JobTable::kFileState}) lista_->resizeColumnToContents(column);
-    resize(kWindowLetters * metrics.averageCharWidth(), kWindowLines * metrics.lineSpacing());
+    const QSize wanted(kWindowLetters * metrics.averageCharWidth(), kWindowLines * metrics.lineSpacing());
+    resize(wanted.boundedTo(screen()->availableSize()));
 }
 
 void PrisMain::layOut() {

@@ -9,6 +9,7 @@
 
 #include "platform/lettercase.h"
 #include "signin/signin.h"
+#include "ui/controls.h"
 #include "ui/fields.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
@@ -20,9 +21,8 @@ namespace {
 constexpr std::string_view kForm = "Loggain";
 constexpr int kUnknownSignText = 1, kWrongPasswordText = 2, kNoRightText = 3;
 
-QLabel* label(QWidget& form, const char* name, const char* caption, QWidget& field) {
-    auto* made = new QLabel(QString::fromUtf8(caption), &form);
-    made->setObjectName(QString::fromUtf8(name));
+QLabel* labelOf(QWidget& field, const char* name, const char* caption) {
+    QLabel* made = label(*field.window(), name, caption);
     made->setBuddy(&field);
     return made;
 }
@@ -60,8 +60,8 @@ void Loggain::layOut() {
     connect(cmdAvbryt_, &QPushButton::clicked, this, [this] { reject(); });
 
     auto* fields = new QFormLayout;
-    fields->addRow(label(*this, "Lbl_Namn", "&Signatur", *namn_), namn_);
-    fields->addRow(label(*this, "Lbl_Lösen", "&Lösenord", *lösen_), lösen_);
+    fields->addRow(labelOf(*namn_, "Lbl_Namn", "&Signatur"), namn_);
+    fields->addRow(labelOf(*lösen_, "Lbl_Lösen", "&Lösenord"), lösen_);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addStretch(1);
