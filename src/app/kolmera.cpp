@@ -2,6 +2,7 @@
 #include <exception>
 #include <filesystem>
 
+#include "import/jobicons.h"
 #include "import/prismain.h"
 #include "platform/systemuser.h"
 #include "signin/loggain.h"
@@ -63,6 +64,7 @@ int run(KolmeraApplication& application) {
     CompanyRegister companies(state, texts, boxes);
     Program program{.state = state, .texts = texts, .boxes = boxes, .companies = companies};
     application.program = &program;
+    state.sql.letEventsRun = [&port] { port.letEventsRun(); };
 
     bool signInCancelled = false;
     startUp(state, texts, programFile.parent_path().string(), [&](StartState&) {
@@ -80,7 +82,6 @@ int run(KolmeraApplication& application) {
     openWindowsOfOthers(program);
     PrisMain prisMain(program);
     if (!VisaFormulär(program, prisMain, false)) return 1;
-    state.Svar = 1;
     const int result = QApplication::exec();
     application.program = nullptr;
     return result;
@@ -92,5 +93,6 @@ int run(KolmeraApplication& application) {
 int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Kolmera"));
     kolmera::KolmeraApplication application(argc, argv);
+    QApplication::setWindowIcon(kolmera::maskJobIcon(QApplication::palette()));
     return kolmera::run(application);
 }

@@ -18,6 +18,7 @@ namespace {
 // answer to Cancel is as quick.
 constexpr int kPauseBetweenEvents = 40;  ///< milliseconds
 constexpr int kPermille = 1000;
+constexpr int kProgressText = 29;
 
 }  // namespace
 
@@ -34,6 +35,7 @@ RunPanel::RunPanel(Program& program, QWidget* parent)
     bar_->setObjectName(QStringLiteral("Förlopp"));
     bar_->setRange(0, kPermille);
     bar_->setTextVisible(false);
+    bar_->setAccessibleName(toQt(program.texts.FormulärSträng("PrisMain", kProgressText)));
     avbryt_->setObjectName(QStringLiteral("Avbryt"));
     connect(avbryt_, &QPushButton::clicked, this, [this] { cancel(); });
 

@@ -273,6 +273,27 @@ TEST_F(PrisMainTest, CancelsALongRunWithinASecond) {
     EXPECT_GT(products(), before);
 }
 
+TEST_F(PrisMainTest, WaitingForAnotherProgramCanBeCancelled) {
+    select(kMaskJob);
+    const auto other =
+        openFileDatabase(world.data / "FTG1.mdb", {.locale = world.state.locale, .password = {}, .wait = {}});
+    other->begin();
+    const WhenShown asked("PrisUtfö", confirm);
+    std::string status;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        const QString text = control<QLabel>(*window, "Meddelande").text();
+        if (!text.startsWith("Väntar")) return;
+        watch.stop();
+        status = fromQt(text);
+        button("Avbryt").click();
+    });
+    watch.start(20);
+    press("Utför");
+    EXPECT_EQ(status, "Väntar på att ett annat program ska släppa företaget Ftg1.Mdb ...");
+    EXPECT_FALSE(button("Avbryt").isVisible());
+}
+
 TEST_F(PrisMainTest, ClosingDuringARunCancelsItFirst) {
     enlargePriceFile(1000);
     select(kMaskJob);
