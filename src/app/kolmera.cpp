@@ -2,6 +2,7 @@
 #include <exception>
 #include <filesystem>
 
+#include "definitions/prisstyr.h"
 #include "import/jobicons.h"
 #include "import/prismain.h"
 #include "platform/systemuser.h"
@@ -11,9 +12,6 @@
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"
 #include "ui/windowsystemtexts.h"
-#if __has_include("definitions/prisstyr.h")
-#include "definitions/prisstyr.h"
-#endif
 #if __has_include("discounts/prisrab.h")
 #include "discounts/prisrab.h"
 #endif
@@ -38,12 +36,10 @@ class KolmeraApplication final : public QApplication {
     }
 };
 
-void openWindowsOfOthers([[maybe_unused]] Program& program) {
-#if __has_include("definitions/prisstyr.h")
+void openWindowsOfOthers(Program& program) {
     program.showPrisStyr = [&program](QWidget* parent, int JobbNr, bool ÄrStandardJobb) {
         return visaPrisStyr(program, parent, JobbNr, ÄrStandardJobb);
     };
-#endif
 #if __has_include("discounts/prisrab.h")
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
 #endif
