@@ -44,7 +44,8 @@ void Loggain::buildControls() {
     namn_->setObjectName(QStringLiteral("Namn"));
     lösen_->setObjectName(QStringLiteral("Lösen"));
     lösen_->setEchoMode(QLineEdit::Password);
-    connect(namn_, &QLineEdit::editingFinished, this, [this] { namn_->setText(namn_->text().toUpper()); });
+    // Of the box alone: it loses the focus once more when the form is destroyed.
+    connect(namn_, &QLineEdit::editingFinished, namn_, [field = namn_] { field->setText(field->text().toUpper()); });
     // In the password box Enter presses the default button.
     installEnterSomTabOn(*namn_);
 }
