@@ -216,6 +216,32 @@ TEST_F(TableRecordset, ARecordIsSeenAsItIsNow) {
     one->update();
     EXPECT_EQ(select(*database, "SELECT [1Pris] FROM Artikel WHERE Nummer = '3'"), "9")
         << "the value that another session had overwritten was taken for unchanged";
+    EXPECT_EQ(open()->execute("UPDATE Artikel SET [1Pris] = 11"), 7);
+    database->begin();
+    one->edit();
+    one->set("1Pris", 9.0);
+    one->update();
+    database->commit();
+    EXPECT_EQ(select(*database, "SELECT [1Pris] FROM Artikel WHERE Nummer = '3'"), "9")
+        << "the same, when the change came before the transaction";
+    one->addNew();
+    one->set("Nummer", std::string("8"));
+    one->update();
+    EXPECT_EQ(database->execute("UPDATE Artikel SET [1Pris] = 12 WHERE Nummer = '8'"), 1);
+    one->moveToModified();
+    EXPECT_EQ(show(one->value("1Pris")), "12") << "a new record that a statement has changed";
+}
+
+TEST_F(TableRecordset, ARecordThatIsGoneCannotBeEdited) {
+    addArticles();
+    const auto one = openTable(*database);
+    const auto other = openTable(*database);
+    ASSERT_TRUE(seek(*one, {std::string("3")}) && seek(*other, {std::string("3")}));
+    one->edit();
+    one->set("1Pris", 5.0);
+    EXPECT_EQ(open()->execute("DELETE FROM Artikel WHERE Nummer = '3'"), 1);
+    EXPECT_EQ(errorOf([&] { one->update(); }), errors::kNoCurrentRecord) << "saved into nothing";
+    ASSERT_TRUE(seek(*one, {std::string("4")}) && seek(*other, {std::string("4")}));
     other->remove();
     EXPECT_EQ(errorOf([&] { (void)one->value("1Pris"); }), errors::kNoCurrentRecord);
     EXPECT_EQ(errorOf([&] { one->edit(); }), errors::kNoCurrentRecord);

@@ -199,6 +199,11 @@ TEST_F(TransactionsOfAFile, StampsChangeWithEveryWriteAndNeverWithout) {
     const auto articles = openTable(*database);
     (void)seek(*articles, {std::string("3")});
     EXPECT_FALSE(changed()) << "a read";
+    articles->edit();
+    articles->set("1Pris", 0.0);
+    articles->set("Nummer", std::string("3"));
+    articles->update();
+    EXPECT_FALSE(changed()) << "an update that changes nothing was written";
     add(*database, "9");
     EXPECT_TRUE(changed()) << "a write through a recordset";
     (void)database->execute("DELETE FROM Artikel WHERE Nummer = '9'");

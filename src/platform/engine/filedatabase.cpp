@@ -209,11 +209,6 @@ void FileDatabase::commitJoined() {
     session_.transactions.commitJoined();
 }
 
-void FileDatabase::rollback() {
-    session_.transactions.rollback();
-    for (const auto& table : tables_) table->forgetHeldBack();
-}
-
 std::uint64_t FileDatabase::stamp(std::string_view table) {
     session_.connection.noticeOthers();
     return fileTable(table).version();

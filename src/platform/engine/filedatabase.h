@@ -26,7 +26,7 @@ class FileDatabase final : public Database {
     void begin() override;
     void commit() override;
     void commitJoined() override;
-    void rollback() override;
+    void rollback() override { session_.transactions.rollback(); }
     [[nodiscard]] bool inTransaction() const override { return session_.transactions.open(); }
     void settle() override { session_.transactions.settle(); }
     [[nodiscard]] std::uint64_t stamp(std::string_view table) override;

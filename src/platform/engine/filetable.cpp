@@ -117,8 +117,4 @@ void FileTable::writeHeldBack() {
     }
 }
 
-void FileTable::forgetHeldBack() {
-    if (heldBack_ != nullptr) std::exchange(heldBack_, nullptr)->forgetHeldBack();
-}
-
 }  // namespace kolmera

@@ -83,8 +83,6 @@ class FileTable {
     void flush() {
         if (heldBack_ != nullptr) writeHeldBack();
     }
-    /// Forgets it: the transaction is rolled back.
-    void forgetHeldBack();
 
   private:
     /// Statements by column set, the last ones used. A run uses a handful.

@@ -46,7 +46,6 @@ void ListPosition::moveFirst() {
 
 void ListPosition::moveLast() {
     requireRecords();
-    visited_ = size_;
     stopBackward(size_);
 }
 
@@ -54,9 +53,7 @@ void ListPosition::moveNext() {
     if (place_ == Place::BeforeFirst) return moveFirst();
     if (place_ == Place::BehindLast) requireRecords();
     if (place_ == Place::BehindLast) throw PlatformError(errors::kNoCurrentRecord, "behind the last record");
-    if (stopForward(at_ + 1)) return;
-    visited_ = size_;
-    place_ = Place::BehindLast;
+    if (!stopForward(at_ + 1)) place_ = Place::BehindLast;
 }
 
 void ListPosition::movePrevious() {

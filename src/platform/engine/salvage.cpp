@@ -93,19 +93,26 @@ void Salvage::readTree(std::uint32_t page, std::size_t table, int depth) {
         return;
     }
     const auto leaf = readLeafPage(file_, page);
-    const bool exactly = leaf && leaf->damaged > 0;
-    // A damaged inner page may point into another table's tree: such a page is left for its owner.
-    if (!leaf || !fits(*leaf, tables_[table].definition, exactly)) {
+    if (!leaf || !belongs(*leaf, table)) {
         broken_ = true;
         return;
     }
     reached_[page] = true;
-    takeRows(*leaf, table, exactly);
+    takeRows(*leaf, table, leaf->damaged > 0);
 }
 
-/// Whether some row of a page fits a table. An empty page fits any.
+/// Whether a page that a table's tree points at is one of its pages. A damaged inner page may point into the tree of
+/// another table: such a page is left for its owner.
+bool Salvage::belongs(const LeafPage& leaf, std::size_t table) const {
+    if (leaf.rows.empty()) return leaf.damaged == 0;
+    if (fits(leaf, tables_[table].definition, true)) return true;
+    const bool othersPage = std::any_of(tables_.begin(), tables_.end(),
+                                        [&](const SalvageTable& other) { return fits(leaf, other.definition, true); });
+    return !othersPage && leaf.damaged == 0 && fits(leaf, tables_[table].definition, false);
+}
+
+/// Whether some row of a page fits a table.
 bool Salvage::fits(const LeafPage& leaf, const TableDef& table, bool exactly) {
-    if (leaf.rows.empty() && leaf.damaged == 0) return true;
     return std::any_of(leaf.rows.begin(), leaf.rows.end(),
                        [&](const LeafPage::Row& row) { return fitsTable(*parseRecord(row.record), table, exactly); });
 }

@@ -35,6 +35,7 @@ class Salvage {
     void markFreePages();
     void readTree(std::uint32_t page, std::size_t table, int depth);
     void readLostPages();
+    [[nodiscard]] bool belongs(const LeafPage& leaf, std::size_t table) const;
     [[nodiscard]] static bool fits(const LeafPage& leaf, const TableDef& table, bool exactly);
     void takeRows(const LeafPage& leaf, std::size_t table, bool exactly);
 

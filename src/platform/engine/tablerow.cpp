@@ -167,13 +167,11 @@ void TableRow::writeColumns(const ColumnSet& columns, const std::vector<Value>& 
     }
 }
 
-/// What was held back in a transaction that SQLite has rolled back by itself is gone with it.
+/// What was held back in a transaction that was rolled back, by the program or by SQLite itself, is gone with it.
 void TableRow::writeHeldBack() {
     const ColumnSet columns = std::exchange(heldBack_, ColumnSet());
     if (heldBackEpoch_ == table_.session().connection.epoch()) writeColumns(columns, current_);
 }
-
-void TableRow::forgetHeldBack() { heldBack_.clear(); }
 
 void TableRow::writeNew() {
     table_.flush();

@@ -54,9 +54,8 @@ class TableRow {
     /// Makes the row saved last current; false when it is gone.
     bool readLastSaved();
 
-    // For the table only.
+    /// For the table only.
     void writeHeldBack();
-    void forgetHeldBack();
 
   private:
     enum class Mode { None, Edit, Add };
