@@ -88,7 +88,7 @@ class CaseRunner {
     [[nodiscard]] std::string program(const char* name) const { return (options_.programs / name).string(); }
 
     [[nodiscard]] fs::path freshCopy(const char* name) const {
-        const fs::path folder = options_.work / name;
+        fs::path folder = options_.work / name;
         fs::remove_all(folder);
         fs::copy(master_, folder, fs::copy_options::recursive);
         ::sync();
@@ -111,11 +111,13 @@ struct Pairs {
 
     [[nodiscard]] double medianRatio(double ProcessCost::*what) const {
         std::vector<double> ratios;
+        ratios.reserve(job.size());
         for (std::size_t pair = 0; pair < job.size(); ++pair) ratios.push_back(job[pair].*what / (floor[pair].*what));
         return median(ratios);
     }
     static double medianOf(const std::vector<ProcessCost>& costs, double ProcessCost::*what) {
         std::vector<double> values;
+        values.reserve(costs.size());
         for (const ProcessCost& cost : costs) values.push_back(cost.*what);
         return median(values);
     }
@@ -155,6 +157,7 @@ void measureEmptyFiles(const Options& options) {
         CaseRunner runner(options, {formatNamed(name).value(), 100'000, 0, false});
         runner.job();
         std::vector<double> times;
+        times.reserve(static_cast<std::size_t>(options.pairs));
         for (int run = 0; run < options.pairs; ++run) times.push_back(runner.job().seconds * 1000);
         fmt::print("{:6} {:>6.1f}\n", name, median(times));
         std::fflush(stdout);

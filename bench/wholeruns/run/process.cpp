@@ -9,8 +9,6 @@
 #include <chrono>
 #include <system_error>
 
-extern char** environ;
-
 namespace kolmera::bench {
 
 namespace {
@@ -23,6 +21,7 @@ double secondsOf(const timeval& time) {
 
 ProcessCost runProcess(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
 
