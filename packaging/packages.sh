@@ -1,10 +1,18 @@
-# Sourced by ./run and ./test: installs what is missing of packages.txt (Debian packages), as root or with sudo.
+# Sourced by ./run, ./test and bench/run_bench: installs what is missing of packages.txt (Debian packages), as root or
+# with sudo.
 
+# install_packages PART ...: the parts of packages.txt; each begins with a line "# PART".
 install_packages() {
-    local missing=() package
+    local missing=() package part wanted=0
     while read -r package; do
-        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed' || missing+=("$package")
-    done < <(grep -vE '^\s*(#|$)' packages.txt)
+        case $package in
+            '') ;;
+            '# '*) wanted=0
+                   for part in "$@"; do [[ $package == "# $part"* ]] && wanted=1; done ;;
+            *) [ $wanted -eq 0 ] || dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed' ||
+                   missing+=("$package") ;;
+        esac
+    done <packages.txt
     [ ${#missing[@]} -eq 0 ] && return 0
 
     local as_root=()

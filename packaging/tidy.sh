@@ -3,8 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source packaging/packages.sh
-install_packages
-command -v clang-tidy-14 >/dev/null || { echo "apt-get install clang-tidy-14" >&2; exit 1; }
+install_packages build tidy
 
 # clang reads the flags of its own configuration: g++'s precompiled headers are not for it.
 cmake -G Ninja -S . -B build/tidy -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
