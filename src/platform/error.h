@@ -12,12 +12,16 @@ inline constexpr int kNoCurrentRecord = 3021;
 inline constexpr int kDuplicateKey = 3022;
 inline constexpr int kFileNotFound = 3024;
 inline constexpr int kDiskFull = 3026;
+inline constexpr int kReadOnly = 3027;
 inline constexpr int kWrongPassword = 3031;
 inline constexpr int kDamaged = 3049;
 inline constexpr int kUnknownTable = 3078;
 inline constexpr int kTextTooLong = 3163;
 inline constexpr int kLocked = 3260;
 inline constexpr int kUnknownField = 3265;
+inline constexpr int kUnreadableSpreadsheet = 3274;
+inline constexpr int kUnwritableFormat = 3275;
+inline constexpr int kProtectedSpreadsheet = 3276;  ///< a password, a signature or a locked structure
 inline constexpr int kNotADatabase = 3343;
 inline constexpr int kWrongType = 3421;
 }  // namespace errors
