@@ -16,6 +16,7 @@ inline constexpr int kReadOnly = 3027;
 inline constexpr int kWrongPassword = 3031;
 inline constexpr int kDamaged = 3049;
 inline constexpr int kUnknownTable = 3078;
+inline constexpr int kServerGone = 3151;  ///< no connection to the database server
 inline constexpr int kTextTooLong = 3163;
 inline constexpr int kLocked = 3260;
 inline constexpr int kUnknownField = 3265;

@@ -93,6 +93,9 @@ class FakeDatabase final : public Database {
         if (executeError != 0) throw PlatformError(executeError, "execute");
         return 0;
     }
+    void insertRows(std::string_view table, std::span<const int>, std::span<const std::vector<Value>> rows) override {
+        asked_.push_back("insert " + std::to_string(rows.size()) + " into " + std::string(table));
+    }
     void begin() override {}
     void commit() override {}
     void commitJoined() override {}

@@ -33,6 +33,12 @@ class Database {
     virtual std::int64_t execute(std::string_view statement, std::span<const Value> parameters = {},
                                  std::int32_t options = 0) = 0;
 
+    /// Adds rows as they are, with their IDs, for copying a company: `columns` are ordinals of the table and every row
+    /// has a value for each, in that order. IDs that the database gives afterwards are new ones. Inside a transaction
+    /// an error leaves those of the rows that came before it.
+    virtual void insertRows(std::string_view table, std::span<const int> columns,
+                            std::span<const std::vector<Value>> rows) = 0;
+
     // Transactions. They do not nest; begin inside one is kInternal.
     virtual void begin() = 0;
     /// Ends the transaction; everything is on the disk when it returns.

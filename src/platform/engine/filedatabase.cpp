@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "platform/engine/fieldlookup.h"
+#include "platform/engine/fieldvalue.h"
 #include "platform/engine/keysetrecordset.h"
 #include "platform/engine/memoryrecordset.h"
 #include "platform/engine/openchecks.h"
@@ -195,6 +196,27 @@ std::int64_t FileDatabase::execute(std::string_view statement, std::span<const V
     session_.connection.startEpoch();
     session_.transactions.afterPlainWrite();
     return sqlite3_total_changes(session_.connection.handle()) - before;
+}
+
+void FileDatabase::insertRows(std::string_view table, std::span<const int> columns,
+                              std::span<const std::vector<Value>> rows) {
+    flushAll();
+    FileTable& target = fileTable(table);
+    ColumnSet ascending;  // the order of the statement's parameters
+    for (const int column : columns) ascending.add(column);
+    SqliteStatement& statement = target.insertStatement(ascending);
+    for (const std::vector<Value>& row : rows) {
+        const StatementUse use(statement);
+        int parameter = 0;
+        ascending.forEach([&](int column) {
+            Value value = row[static_cast<std::size_t>(std::ranges::find(columns, column) - columns.begin())];
+            fitToField(target.field(column), value, session_.locale);
+            statement.bind(++parameter, value);
+        });
+        statement.step();
+    }
+    target.noteWrite();
+    session_.transactions.afterPlainWrite();
 }
 
 void FileDatabase::begin() { session_.transactions.begin(); }

@@ -22,6 +22,8 @@ class FileDatabase final : public Database {
     [[nodiscard]] std::vector<std::string> tableNames() override;
     std::unique_ptr<Recordset> open(std::string_view source, RecordsetType type, std::int32_t options) override;
     std::int64_t execute(std::string_view statement, std::span<const Value> parameters, std::int32_t options) override;
+    void insertRows(std::string_view table, std::span<const int> columns,
+                    std::span<const std::vector<Value>> rows) override;
 
     void begin() override;
     void commit() override;
