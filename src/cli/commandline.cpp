@@ -6,6 +6,7 @@
 #include "cli/jobscommand.h"
 #include "cli/newcommand.h"
 #include "cli/runcommand.h"
+#include "cli/servercommands.h"
 #include "platform/error.h"
 
 namespace kolmera::cli {
@@ -18,10 +19,26 @@ struct Options {
     std::string summary;
     bool json = false;
     bool empty = false;
+    std::string dialect;
+    std::string server;
+    std::string connectString;
+    std::string description;
 };
 
 void addDataOption(CLI::App& command, Options& options) {
     command.add_option("--data", options.folder, "Data folder of the suite")->required();
+}
+
+void describeServerCommands(CLI::App& app, Options& options) {
+    CLI::App* schema = app.add_subcommand("server-schema", "Print the script that makes an empty company on a server");
+    schema->add_option("--dialect", options.dialect, "sqlserver, postgresql or mariadb")->required();
+    schema->add_option("--company", options.company, "Name of the company");
+
+    CLI::App* server = app.add_subcommand("add-server", "Register a company on a database server");
+    server->add_option("NAME", options.server, "Name of the company, as jobs name it: SQL;NAME")->required();
+    server->add_option("--connect", options.connectString, "ODBC connect string, up to 100 characters")->required();
+    server->add_option("--description", options.description, "Shown beside the name");
+    addDataOption(*server, options);
 }
 
 void describe(CLI::App& app, Options& options) {
@@ -43,12 +60,22 @@ void describe(CLI::App& app, Options& options) {
     addDataOption(*run, options);
     run->add_flag("--empty", options.empty, "Delete all products and supplier prices first");
     run->add_option("--summary", options.summary, "Write the summary as JSON to this file");
+
+    describeServerCommands(app, options);
 }
 
 int dispatch(const CLI::App& app, const Options& options, const Surroundings& surroundings) {
     if (app.got_subcommand("new")) return newCommand(options.folder, options.company, surroundings);
     if (app.got_subcommand("demo")) return demoCommand(options.folder, surroundings);
     if (app.got_subcommand("jobs")) return jobsCommand(options.folder, options.json, surroundings);
+    if (app.got_subcommand("server-schema")) return serverSchemaCommand(options.dialect, options.company, surroundings);
+    if (app.got_subcommand("add-server")) {
+        return addServerCommand({.name = options.server,
+                                 .connectString = options.connectString,
+                                 .description = options.description,
+                                 .dataFolder = options.folder},
+                                surroundings);
+    }
     return runCommand({.job = options.job,
                        .dataFolder = options.folder,
                        .emptyTables = options.empty,

@@ -96,6 +96,12 @@ std::vector<TableDef> parseSchema(std::string_view tables, std::string_view inde
     return schema;
 }
 
+std::vector<NewCompanyRow> newCompanyRows(std::string_view companyName) {
+    constexpr std::int64_t kPriceDecimals = 2;
+    return {{"Syinställningar", {{"Företagsnamn", std::string(companyName)}}},
+            {"Syinställningar2", {{"PDecInpris", kPriceDecimals}, {"PDecUtpris", kPriceDecimals}}}};
+}
+
 std::vector<TableDef> companySchema() { return parseSchema(kSchemaText, kIndexesText); }
 
 }  // namespace kolmera

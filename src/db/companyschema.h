@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/engine/schema.h"
@@ -10,6 +12,14 @@ namespace kolmera {
 /// The tables of a company database, with columns and indexes in their order. The descriptions that lie in data/schema
 /// are built into the program.
 std::vector<TableDef> companySchema();
+
+struct NewCompanyRow {
+    std::string table;
+    std::vector<std::pair<std::string, Value>> values;
+};
+
+/// The rows that a new company begins with: its settings, with the company's name and prices of two decimals.
+std::vector<NewCompanyRow> newCompanyRows(std::string_view companyName);
 
 /// Reads descriptions of tables (columns table, ordinal, column, type) and of indexes (table, index, fields, unique).
 /// Types are those of `FieldType` by name, TEXT with its size, and COUNTER; NULL behind a type means no default. Throws

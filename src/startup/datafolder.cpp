@@ -36,8 +36,6 @@ constexpr TradeJob kTradeJobs[] = {{"(EIO)", "E"}, {"(RSK)", "R"}, {"(FINFO)", "
 
 constexpr const char* kEmptyFiles[] = {"DORVIK.FTG", "PRISMASK.TXT", "PRISMPOS.TXT", "PRISLEV.TXT"};
 
-constexpr int kPriceDecimals = 2;
-
 /// Makes a file of length 0, unless there is one whatever the case of its letters.
 void ensureFile(const std::filesystem::path& folder, const std::string& name) {
     const std::filesystem::path file = findWithoutCase(folder, name);
@@ -68,19 +66,16 @@ void ensureTradeJobs(const std::filesystem::path& folder) {
     }
 }
 
-void writeSettings(const std::filesystem::path& file, std::string_view companyName, const std::string& password) {
+void writeFirstRows(const std::filesystem::path& file, std::string_view companyName, const std::string& password) {
     OpenOptions openOptions;
     openOptions.password = password;
     const std::unique_ptr<Database> database = openFileDatabase(file, openOptions);
-    const auto settings = database->open("Syinställningar", RecordsetType::Table);
-    settings->addNew();
-    settings->set("Företagsnamn", std::string(companyName));
-    settings->update();
-    const auto settings2 = database->open("Syinställningar2", RecordsetType::Table);
-    settings2->addNew();
-    settings2->set("PDecInpris", std::int64_t{kPriceDecimals});
-    settings2->set("PDecUtpris", std::int64_t{kPriceDecimals});
-    settings2->update();
+    for (const NewCompanyRow& row : newCompanyRows(companyName)) {
+        const auto records = database->open(row.table, RecordsetType::Table);
+        records->addNew();
+        for (const auto& [column, value] : row.values) records->set(column, value);
+        records->update();
+    }
 }
 
 }  // namespace
@@ -99,7 +94,7 @@ void createCompany(const std::filesystem::path& folder, std::string_view fileNam
     const std::filesystem::path file = findWithoutCase(folder, std::string(fileName));
     createFileDatabase(file, companySchema(), password);
     try {
-        writeSettings(file, companyName, password);
+        writeFirstRows(file, companyName, password);
         if (!password.empty()) PasswordFile(folder).save(fileName, password);
     } catch (const PlatformError&) {
         std::error_code ignored;

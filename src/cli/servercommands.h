@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "cli/commandline.h"
+
+namespace kolmera::cli {
+
+/// `server-schema --dialect NAME [--company NAME]`: the script that makes an empty company on a database server.
+int serverSchemaCommand(const std::string& dialect, const std::string& companyName, const Surroundings& surroundings);
+
+struct ServerArguments {
+    std::string name;  ///< as jobs name the company; "SQL;" is put before it when it is missing
+    std::string connectString;
+    std::string description;
+    std::string dataFolder;
+};
+
+/// `add-server NAME --connect STRING [--description TEXT] --data DIR`: registers a server company in DVSQLSvr.ini, or
+/// changes the one of that name.
+int addServerCommand(const ServerArguments& arguments, const Surroundings& surroundings);
+
+}  // namespace kolmera::cli
