@@ -1,7 +1,7 @@
 #include "import/maskrun.h"
 
+#include "db/batchtransaction.h"
 #include "definitions/maskfile.h"
-#include "import/batchtransaction.h"
 #include "import/loadedmask.h"
 #include "import/recordimport.h"
 #include "import/recordreader.h"

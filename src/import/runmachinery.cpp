@@ -4,9 +4,9 @@
 #include <thread>
 #include <utility>
 
+#include "db/batchtransaction.h"
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
-#include "import/batchtransaction.h"
 #include "import/preparation.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"

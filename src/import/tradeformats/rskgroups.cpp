@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "import/batchtransaction.h"
+#include "db/batchtransaction.h"
 #include "import/defaults.h"
 #include "import/tradeformats/rowwriter.h"
 #include "platform/encodings.h"

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "db/batchtransaction.h"
 #include "definitions/couplingfile.h"
-#include "import/batchtransaction.h"
 #include "import/runmachinery.h"
 #include "import/tradeformats/eio.h"
 #include "import/tradeformats/finfo.h"

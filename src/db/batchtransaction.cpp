@@ -1,4 +1,4 @@
-#include "import/batchtransaction.h"
+#include "db/batchtransaction.h"
 
 #include "platform/error.h"
 
