@@ -3,11 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
+#include "ui/rules/listrows.h"
 
 namespace kolmera {
 namespace {
@@ -21,18 +23,11 @@ constexpr int kCaption = 2, kCouplingCaption = 10, kNoHeading = 15, kNoSample = 
 
 bool empty(const std::string& text) { return trimmed(text).empty(); }
 
-/// The company name and the database name of a row of the company list.
-std::pair<std::string, std::string> splitRow(const std::string& row) {
+/// What a row of the company list says of its company beside the database name.
+std::string companyName(std::string_view row) {
     const auto tab = row.find('\t');
-    if (tab == std::string::npos) return {std::string(trimmed(row)), ""};
-    return {std::string(trimmed(std::string_view(row).substr(0, tab))),
-            std::string(trimmed(std::string_view(row).substr(tab + 1)))};
-}
-
-int rowOfDatabase(const std::vector<std::string>& rows, std::string_view database) {
-    const auto found = std::ranges::find_if(
-        rows, [&](const std::string& row) { return equalNoCase(splitRow(row).second, trimmed(database)); });
-    return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
+    const std::string_view front = trimmed(row.substr(0, tab));
+    return std::string(codeOfRow(row) == front ? trimmed(row.substr(tab + 1)) : front);
 }
 
 }  // namespace
@@ -45,6 +40,7 @@ JobEditor::~JobEditor() { closeCompany(); }
 void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
     tradeFormat_ = ÄrStandardJobb;
     companyRows_ = register_.FyllFöretagsLista();
+    std::ranges::move(SqlLayer::SQLServerLista(state_.dataFolder()), std::back_inserter(companyRows_));
     PassedOverSilently passedOver;
     attempt(passedOver, "KOLMERA.TXT", [&] { job = JobFile(state_.dataFolder()).read(JobbNr).value_or(Job{}); });
     couplings.setJob(job.name);
@@ -53,7 +49,7 @@ void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
         const auto mask = std::ranges::find(masks_, job.mask, &Mask::Namn);
         maskRow_ = mask == masks_.end() ? -1 : static_cast<int>(mask - masks_.begin());
     }
-    const int row = rowOfDatabase(companyRows_, job.number == 0 ? state_.StandardFöretag : job.company);
+    const int row = rowOfCode(companyRows_, job.number == 0 ? state_.StandardFöretag : job.company);
     if (row >= 0) chooseCompany(row);
 }
 
@@ -63,7 +59,9 @@ std::string JobEditor::caption() const {
 
 bool JobEditor::chooseCompany(int row) {
     companyRow_ = row;
-    std::tie(companyName_, job.company) = splitRow(companyRows_.at(static_cast<std::size_t>(row)));
+    const std::string& company = companyRows_.at(static_cast<std::size_t>(row));
+    companyName_ = companyName(company);
+    job.company = codeOfRow(company).value_or("");
     suppliers_.clear();
     headings_.clear();
     closeCompany();

@@ -38,7 +38,7 @@ int rowBeginningWith(const QAbstractItemModel& model, std::string_view text) {
 int rowWithCode(const QAbstractItemModel& model, std::string_view code) {
     return firstRow(model, [code = trimmed(code)](const QModelIndex& row) {
         const std::string text = fromQt(row.data().toString());
-        const auto rowCode = codeAfterTab(text);
+        const auto rowCode = codeOfRow(text);
         return rowCode && equalNoCase(*rowCode, code);
     });
 }

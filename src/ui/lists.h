@@ -31,7 +31,7 @@ void TaBortListradEfterId(Recordset& recordset, QAbstractItemView& list);
 /// Selects the first row whose text begins with the text, letter case counting; none: no selection.
 void VäljListradEfterText(QAbstractItemView& list, std::string_view text);
 void VäljListradEfterText(QComboBox& list, std::string_view text);
-/// Selects the first row "text TAB code" of that code, letter case not counting; without a match the selection stays.
+/// Selects the first row of that code (`codeOfRow`), letter case not counting; without a match the selection stays.
 void VäljListradEfterKod(QAbstractItemView& list, std::string_view code);
 void VäljListradEfterKod(QComboBox& list, std::string_view code);
 

@@ -93,6 +93,16 @@ TEST_F(JobEditorTest, KeepsALongCompanyName) {
     EXPECT_EQ(editor->job.company, upperCase(kLongName));
 }
 
+TEST_F(JobEditorTest, ChoosesACompanyOnAServer) {
+    world.moveToServer();
+    world.job.supplier = "20";
+    open(JobFile(world.data()).save(world.job));
+    ASSERT_EQ(editor->companies().size(), 2U);
+    EXPECT_EQ(editor->chosenCompany(), 1);
+    EXPECT_EQ(editor->job.company, "SQL;TEST") << "the description behind the tab is no database";
+    EXPECT_EQ(editor->chosenSupplier(), 1);
+}
+
 TEST_F(JobEditorTest, BeginsWithTheJobsOwnSettings) {
     world.state.StandardFöretag = "ftg1.MDB";
     open();

@@ -32,6 +32,23 @@ TEST(ListRows, CodeIsBehindTheFirstTab) {
     EXPECT_EQ(codeAfterTab("FTG1.MDB"), std::nullopt);
 }
 
+TEST(ListRows, ARowOfAServerCompanyStandsForItsName) {
+    const std::vector<std::string> rows = {"SQL\tFTG1.MDB", "sql;Bolaget \tPå servern", "SQL; B\tSQL;A", "SQL;A"};
+    const struct {
+        const char* fault;
+        const char* code;
+        int row;
+    } cases[] = {
+        {"a file company of such a name", "ftg1.mdb", 0}, {"the prefix in lower case", " SQL;bolaget ", 1},
+        {"the name behind the tab counts", "SQL;A", -1},  {"the description counts", "På servern", -1},
+        {"the name in front of the tab", "sql; b", 2},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        EXPECT_EQ(rowOfCode(rows, c.code), c.row);
+    }
+}
+
 TEST(Theme, BlandaFärgerDropsHalves) { EXPECT_EQ(BlandaFärger({0, 255, 10}, {1, 255, 20}), (Colour{0, 255, 15})); }
 
 class ThemeTest : public testing::Test {
