@@ -92,28 +92,6 @@ std::size_t asciiRun(std::string_view text) {
     return at;
 }
 
-struct Decoded {
-    std::optional<char32_t> character;  ///< nothing for a malformed byte
-    std::size_t length = 1;
-};
-
-/// The character at the start of a text that begins with a byte above 0x7F.
-Decoded decodeFirst(std::string_view text) {
-    constexpr char32_t kLowest[] = {0, 0, 0x80, 0x800, 0x10000};
-    const auto first = static_cast<std::uint8_t>(text[0]);
-    const auto length = static_cast<std::size_t>(std::countl_one(first));
-    if (length < 2 || length > 4 || text.size() < length) return {};
-    char32_t character = first & (0x7Fu >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        const auto next = static_cast<std::uint8_t>(text[i]);
-        if ((next & 0xC0) != 0x80) return {};
-        character = character << 6 | (next & 0x3F);
-    }
-    const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
-    if (character < kLowest[length] || character > 0x10FFFF || surrogate) return {};
-    return {character, length};
-}
-
 char byteOf(std::optional<char32_t> character, const Table& table) {
     if (!character) return '?';
     const auto* found = std::ranges::lower_bound(table.fromUnicode, *character, {}, &Reverse::character);
@@ -149,10 +127,27 @@ std::string fromUtf8(std::string_view text, CodePage page) {
         result.append(text.substr(0, run));
         text.remove_prefix(run);
         if (text.empty()) return result;
-        const Decoded decoded = decodeFirst(text);
+        const FirstCharacter decoded = firstCharacter(text);
         result.push_back(byteOf(decoded.character, table));
         text.remove_prefix(decoded.length);
     }
+}
+
+FirstCharacter firstCharacter(std::string_view text) {
+    constexpr char32_t kLowest[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto first = static_cast<std::uint8_t>(text[0]);
+    if (first < 0x80) return {first, 1};
+    const auto length = static_cast<std::size_t>(std::countl_one(first));
+    if (length < 2 || length > 4 || text.size() < length) return {};
+    char32_t character = first & (0x7Fu >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        const auto next = static_cast<std::uint8_t>(text[i]);
+        if ((next & 0xC0) != 0x80) return {};
+        character = character << 6 | (next & 0x3F);
+    }
+    const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
+    if (character < kLowest[length] || character > 0x10FFFF || surrogate) return {};
+    return {character, length};
 }
 
 std::size_t characterCount(std::string_view text) {
@@ -162,7 +157,7 @@ std::size_t characterCount(std::string_view text) {
         count += run;
         text.remove_prefix(run);
         if (text.empty()) return count;
-        text.remove_prefix(decodeFirst(text).length);
+        text.remove_prefix(firstCharacter(text).length);
         ++count;
     }
 }
@@ -170,10 +165,7 @@ std::size_t characterCount(std::string_view text) {
 std::string_view firstCharacters(std::string_view text, std::size_t count) {
     if (text.size() <= count) return text;
     std::size_t at = 0;
-    for (; count > 0 && at < text.size(); --count) {
-        const bool ascii = static_cast<std::uint8_t>(text[at]) < 0x80;
-        at += ascii ? 1 : decodeFirst(text.substr(at)).length;
-    }
+    for (; count > 0 && at < text.size(); --count) at += firstCharacter(text.substr(at)).length;
     return text.substr(0, at);
 }
 

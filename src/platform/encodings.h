@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,13 @@ std::string toUtf8(std::string_view bytes, CodePage page);
 void toUtf8(std::string_view bytes, CodePage page, std::string& out);
 /// UTF-8 as bytes of a code page; a character that it lacks and a malformed byte become "?".
 std::string fromUtf8(std::string_view text, CodePage page);
+
+/// The first character of a UTF-8 text that is not empty: nothing for a malformed byte, which counts as one.
+struct FirstCharacter {
+    std::optional<char32_t> character;
+    std::size_t length = 1;  ///< in bytes
+};
+FirstCharacter firstCharacter(std::string_view text);
 
 /// Number of characters (code points) of a UTF-8 text; malformed bytes count one each.
 std::size_t characterCount(std::string_view text);

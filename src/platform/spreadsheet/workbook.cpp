@@ -1,16 +1,28 @@
 #include "platform/spreadsheet/workbook.h"
 
 #include "platform/error.h"
+#include "platform/spreadsheet/filekind.h"
+#include "platform/spreadsheet/xlsreader.h"
+#include "platform/spreadsheet/xlsxreader.h"
 
 namespace kolmera {
 
-void readFirstSheet(const std::filesystem::path& file, const std::function<void(std::span<const Value> row)>&) {
-    throw PlatformError(errors::kUnreadableSpreadsheet, file.filename().string() + ": spreadsheets are not read yet");
-}
-
-void addSheet(const std::filesystem::path& file, const std::string&, std::span<const SheetColumn>,
-              const std::function<std::optional<std::vector<Value>>()>&) {
-    throw PlatformError(errors::kUnwritableFormat, file.filename().string() + ": spreadsheets are not written yet");
+void readFirstSheet(const std::filesystem::path& file, const std::function<void(std::span<const Value> row)>& row) {
+    bool isNames = true;
+    const auto dataRow = [&isNames, &row](std::span<const Value> cells) {
+        if (!isNames) row(cells);
+        isNames = false;
+    };
+    switch (kindOf(file)) {
+        case FileKind::Xlsx:
+            return readXlsxRows(file, dataRow);
+        case FileKind::Xls:
+            return readXlsRows(file, dataRow);
+        case FileKind::Encrypted:
+            throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
+        case FileKind::Other:
+            throw PlatformError(errors::kUnreadableSpreadsheet, "The file is not a workbook.");
+    }
 }
 
 }  // namespace kolmera

@@ -1,0 +1,117 @@
+#include "platform/spreadsheet/archive.h"
+
+#include <zip.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "platform/descriptor.h"
+#include "platform/error.h"
+
+namespace kolmera {
+
+namespace {
+
+[[noreturn]] void throwZipError(zip_error_t* error) {
+    const int number = zip_error_code_zip(error);
+    if (number == ZIP_ER_NOPASSWD || number == ZIP_ER_WRONGPASSWD || number == ZIP_ER_ENCRNOTSUPP) {
+        throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
+    }
+    const int systemError = zip_error_code_system(error);
+    if (zip_error_system_type(error) == ZIP_ET_SYS && systemError != 0) throwSystemError(systemError);
+    throw PlatformError(errors::kUnreadableSpreadsheet,
+                        std::string("The file is damaged: ") + zip_error_strerror(error) + ".");
+}
+
+zip* opened(const std::filesystem::path& file, Archive::Mode mode) {
+    int number = 0;
+    zip* archive = zip_open(file.c_str(), mode == Archive::Mode::Read ? ZIP_RDONLY : 0, &number);
+    if (archive) return archive;
+    zip_error_t error;
+    zip_error_init_with_code(&error, number);
+    throwZipError(&error);
+}
+
+struct CloseEntry {
+    void operator()(zip_file_t* entry) const { zip_fclose(entry); }
+};
+
+}  // namespace
+
+void Archive::Discard::operator()(zip* archive) const { zip_discard(archive); }
+
+Archive::Archive(const std::filesystem::path& file, Mode mode) : zip_(opened(file, mode)) {}
+
+std::optional<std::uint64_t> Archive::find(const std::string& name) const {
+    const zip_int64_t index = zip_name_locate(zip_.get(), name.c_str(), ZIP_FL_NOCASE);
+    if (index < 0) return std::nullopt;
+    return static_cast<std::uint64_t>(index);
+}
+
+std::uint64_t Archive::existing(const std::string& name) const {
+    if (const auto index = find(name)) return *index;
+    throw PlatformError(errors::kUnreadableSpreadsheet, "The workbook lacks its part " + name + ".");
+}
+
+void Archive::stream(const std::string& name, std::uint64_t most,
+                     const std::function<void(std::string_view)>& sink) const {
+    const std::uint64_t index = existing(name);
+    zip_stat_t status;
+    if (zip_stat_index(zip_.get(), index, 0, &status) != 0) throwZipError(zip_get_error(zip_.get()));
+    const std::unique_ptr<zip_file_t, CloseEntry> entry(zip_fopen_index(zip_.get(), index, 0));
+    if (!entry) throwZipError(zip_get_error(zip_.get()));
+
+    std::string buffer(std::size_t{64} << 10, '\0');
+    std::uint64_t total = 0;
+    for (;;) {
+        const zip_int64_t got = zip_fread(entry.get(), buffer.data(), buffer.size());
+        if (got < 0) throwZipError(zip_file_get_error(entry.get()));
+        if (got == 0) return;
+        total += static_cast<std::uint64_t>(got);
+        // The sizes that the file declares are not believed: what comes out is counted.
+        if (total > most || (total > kSmall && total / kMostRatio > status.comp_size)) {
+            throw PlatformError(errors::kUnreadableSpreadsheet, "The part " + name + " of the workbook is too large.");
+        }
+        sink(std::string_view(buffer).substr(0, static_cast<std::size_t>(got)));
+    }
+}
+
+std::string Archive::bytes(const std::string& name, std::uint64_t most) const {
+    std::string all;
+    stream(name, most, [&all](std::string_view piece) { all += piece; });
+    return all;
+}
+
+void Archive::put(const std::string& name, zip_source* source, bool isNew) {
+    if (source) {
+        const bool done = isNew ? zip_file_add(zip_.get(), name.c_str(), source, ZIP_FL_ENC_UTF_8) >= 0
+                                : zip_file_replace(zip_.get(), existing(name), source, 0) == 0;
+        if (done) return;
+        zip_source_free(source);
+    }
+    throwZipError(zip_get_error(zip_.get()));
+}
+
+void Archive::replace(const std::string& name, const std::string& bytes) {
+    // The archive frees the copy when it is done with it.
+    auto* copy = static_cast<char*>(std::malloc(bytes.size()));
+    if (!copy) throw std::bad_alloc();
+    std::memcpy(copy, bytes.data(), bytes.size());
+    put(name, zip_source_buffer(zip_.get(), copy, bytes.size(), 1), false);
+}
+
+void Archive::addFile(const std::string& name, const std::filesystem::path& file) {
+    put(name, zip_source_file(zip_.get(), file.c_str(), 0, 0), true);
+}
+
+void Archive::replaceWithFile(const std::string& name, const std::filesystem::path& file) {
+    put(name, zip_source_file(zip_.get(), file.c_str(), 0, 0), false);
+}
+
+void Archive::save() {
+    if (zip_close(zip_.get()) != 0) throwZipError(zip_get_error(zip_.get()));
+    static_cast<void>(zip_.release());
+}
+
+}  // namespace kolmera

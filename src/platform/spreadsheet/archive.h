@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+struct zip;
+struct zip_source;
+
+namespace kolmera {
+
+/// A zip file. Every failure is a PlatformError: kUnreadableSpreadsheet for a damaged file, kProtectedSpreadsheet for
+/// an entry with a password, or that of the system (kDiskFull ...).
+class Archive {
+  public:
+    enum class Mode { Read, Change };
+
+    explicit Archive(const std::filesystem::path& file, Mode mode = Mode::Read);
+
+    /// The number of an entry, found without regard to letter case.
+    [[nodiscard]] std::optional<std::uint64_t> find(const std::string& name) const;
+
+    /// Hands the unpacked bytes of an entry to `sink`, piece by piece. An entry that is missing, has more than `most`
+    /// bytes, or is packed so tightly that only a trap can be (see kMostRatio) is refused.
+    void stream(const std::string& name, std::uint64_t most, const std::function<void(std::string_view)>& sink) const;
+    [[nodiscard]] std::string bytes(const std::string& name, std::uint64_t most) const;
+
+    /// Changes wait for `save`; without it the file stays as it is. All other entries are kept byte for byte.
+    void replace(const std::string& name, const std::string& bytes);
+    /// The file is read by `save`.
+    void addFile(const std::string& name, const std::filesystem::path& file);
+    void replaceWithFile(const std::string& name, const std::filesystem::path& file);
+    void save();
+
+  private:
+    /// Real sheets stay under 60 times, also a million empty rows; deflate goes up to 1032 times.
+    static constexpr std::uint64_t kMostRatio = 250;
+    /// Below this size no ratio does harm.
+    static constexpr std::uint64_t kSmall = std::uint64_t{64} << 20;
+
+    [[nodiscard]] std::uint64_t existing(const std::string& name) const;
+    void put(const std::string& name, zip_source* source, bool isNew);
+
+    struct Discard {
+        void operator()(zip* archive) const;
+    };
+    std::unique_ptr<zip, Discard> zip_;
+};
+
+}  // namespace kolmera

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "platform/engine/value.h"
+#include "platform/spreadsheet/archive.h"
+
+namespace kolmera {
+
+/// Whether a number format shows a day, a month or a year ("yyyy-mm-dd", "[$-41D]d mmm"); a time of day alone does not
+/// count, and neither do letters in quotes.
+bool isDateFormat(std::string_view format);
+
+/// A number as the date that a sheet shows for it. The day numbers count from 1899-12-30 or from 1904-01-01. Stays a
+/// number where there is no such day (below 1, after the year 9999).
+Value dateOfSerial(double serial, bool startsIn1904);
+
+/// Which formats of a workbook's cells show dates.
+class CellFormats {
+  public:
+    /// An empty part name gives formats without dates.
+    static CellFormats of(const Archive& archive, const std::string& part);
+
+    /// Of the format with this number ("s" of a cell); a number that no format has is no date.
+    [[nodiscard]] bool isDate(std::size_t number) const { return number < dates_.size() && dates_[number]; }
+
+  private:
+    friend class StylesPart;
+    std::vector<bool> dates_;
+};
+
+}  // namespace kolmera

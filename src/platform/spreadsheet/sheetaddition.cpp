@@ -1,0 +1,163 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <xlsxwriter.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "platform/descriptor.h"
+#include "platform/error.h"
+#include "platform/lettercase.h"
+#include "platform/spreadsheet/filekind.h"
+#include "platform/spreadsheet/package.h"
+#include "platform/spreadsheet/sheetpart.h"
+#include "platform/spreadsheet/workbook.h"
+#include "platform/spreadsheet/workbookframe.h"
+
+namespace kolmera {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using NextRow = std::function<std::optional<std::vector<Value>>()>;
+
+[[noreturn]] void refuseToWrite() {
+    throw PlatformError(errors::kReadOnly, "The workbook or its folder may only be read.");
+}
+
+bool isReadOnly(int systemError) { return systemError == EACCES || systemError == EROFS || systemError == EPERM; }
+
+/// The file behind a link, also when it is still to be made.
+fs::path withoutLinks(fs::path file) {
+    constexpr int kMostLinks = 40;
+    std::error_code ignored;
+    for (int i = 0; i < kMostLinks && fs::is_symlink(file, ignored); ++i) {
+        file = file.parent_path() / fs::read_symlink(file, ignored);
+    }
+    return fs::absolute(file);
+}
+
+/// A folder beside the workbook, on the same disk, in which the new one is made. It goes with this object.
+class WorkFolder {
+  public:
+    explicit WorkFolder(const fs::path& beside) {
+        std::string name = (beside.parent_path() / ".kolmera-XXXXXX").string();
+        if (!mkdtemp(name.data())) isReadOnly(errno) ? refuseToWrite() : throwSystemError(errno);
+        path_ = name;
+    }
+    ~WorkFolder() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    [[nodiscard]] fs::path workbook() const { return path_ / "workbook"; }
+    [[nodiscard]] fs::path sheet() const { return path_ / "sheet"; }
+    [[nodiscard]] const fs::path& path() const { return path_; }
+
+  private:
+    fs::path path_;
+};
+
+/// Refuses a name that spreadsheet programs would not open as what we write.
+void checkName(const fs::path& file, bool exists) {
+    const std::string extension = lowerCase(file.extension().string());
+    if (extension == ".xlsx" || (extension == ".xlsm" && exists)) return;
+    throw PlatformError(errors::kUnwritableFormat, "Only .xlsx workbooks can be written.");
+}
+
+void checkContent(const fs::path& file) {
+    struct stat status {};
+    const bool nobodyMayWrite = stat(file.c_str(), &status) == 0 && (status.st_mode & 0222) == 0;
+    if (nobodyMayWrite || faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0) refuseToWrite();
+    switch (kindOf(file)) {
+        case FileKind::Xlsx:
+            return;
+        case FileKind::Xls:
+            throw PlatformError(errors::kUnwritableFormat, "Only .xlsx workbooks can be written.");
+        case FileKind::Encrypted:
+            throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
+        case FileKind::Other:
+            throw PlatformError(errors::kUnreadableSpreadsheet, "The file is not a workbook.");
+    }
+}
+
+void checkProtection(const Package& package) {
+    if (package.isSigned) throw PlatformError(errors::kProtectedSpreadsheet, "The workbook has a digital signature.");
+    if (package.isLocked) throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected from changes.");
+}
+
+void writeSheet(const fs::path& file, const Package& package, std::span<const SheetColumn> columns,
+                const NextRow& next) {
+    SheetPartWriter sheet(file, columns,
+                          package.isStrict ? "http://purl.oclc.org/ooxml/spreadsheetml/main"
+                                           : "http://schemas.openxmlformats.org/spreadsheetml/2006/main");
+    while (const auto row = next()) sheet.row(*row);
+    sheet.finish();
+}
+
+/// Makes a workbook with one empty sheet. The library that makes it writes numbers with 16 digits and in the process's
+/// locale, and does not notice a full disk while it writes rows: so it gets none.
+void makeEmptyWorkbook(const WorkFolder& folder, const std::string& sheetName) {
+    std::string temporary = folder.path().string();
+    lxw_workbook_options options{};
+    options.tmpdir = temporary.data();
+    errno = 0;
+    lxw_workbook* workbook = workbook_new_opt(folder.workbook().c_str(), &options);
+    if (!workbook) throw std::bad_alloc();
+    const bool added = workbook_add_worksheet(workbook, sheetName.c_str()) != nullptr;
+    const lxw_error result = workbook_close(workbook);
+    if (!added) throw PlatformError(errors::kInternal, "A sheet cannot be named " + sheetName + ".");
+    if (result == LXW_NO_ERROR) return;
+    if (errno != 0) throwSystemError(errno);
+    throw PlatformError(errors::kInternal, lxw_strerror(result));
+}
+
+void copyFile(const fs::path& from, const fs::path& to) {
+    const Descriptor source(from, O_RDONLY);
+    const Descriptor copy(to, O_WRONLY | O_CREAT | O_EXCL);
+    std::string block(std::size_t{1} << 20, '\0');
+    for (std::size_t offset = 0;;) {
+        const std::size_t got = source.readAt(offset, block.data(), block.size());
+        if (got == 0) return;
+        copy.writeAt(offset, std::string_view(block).substr(0, got));
+        offset += got;
+    }
+}
+
+}  // namespace
+
+void addSheet(const fs::path& file, const std::string& prefix, std::span<const SheetColumn> columns,
+              const NextRow& next) {
+    const fs::path target = withoutLinks(file);
+    std::error_code ignored;
+    const bool exists = fs::exists(target, ignored);
+    checkName(target, exists);
+    if (exists) checkContent(target);
+
+    const WorkFolder folder(target);
+    exists ? copyFile(target, folder.workbook()) : makeEmptyWorkbook(folder, prefix + "1");
+    Archive archive(folder.workbook(), Archive::Mode::Change);
+    const Package package = Package::of(archive);
+    checkProtection(package);
+    writeSheet(folder.sheet(), package, columns, next);
+    if (exists) {
+        FrameChange frame(archive, package);
+        const std::string part = frame.freePart();
+        frame.enter(part, frame.freeName(prefix));
+        archive.addFile(part, folder.sheet());
+    } else {
+        archive.replaceWithFile(package.firstWorksheet().part, folder.sheet());
+    }
+    archive.save();
+
+    const Descriptor finished(folder.workbook(), O_RDONLY);
+    if (exists) finished.copyRights(Descriptor(target, O_RDONLY));
+    moveOver(finished, folder.workbook(), target);
+}
+
+}  // namespace kolmera
