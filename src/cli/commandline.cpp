@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <ostream>
 
+#include "cli/copycommand.h"
 #include "cli/jobscommand.h"
 #include "cli/newcommand.h"
 #include "cli/runcommand.h"
@@ -23,6 +24,8 @@ struct Options {
     std::string server;
     std::string connectString;
     std::string description;
+    std::string from;
+    std::string to;
 };
 
 void addDataOption(CLI::App& command, Options& options) {
@@ -39,6 +42,11 @@ void describeServerCommands(CLI::App& app, Options& options) {
     server->add_option("--connect", options.connectString, "ODBC connect string, up to 100 characters")->required();
     server->add_option("--description", options.description, "Shown beside the name");
     addDataOption(*server, options);
+
+    CLI::App* copy = app.add_subcommand("copy-company", "Copy a company from file to server or back");
+    copy->add_option("FROM", options.from, "Company file of the data folder, or SQL;NAME")->required();
+    copy->add_option("TO", options.to, "The same; a file that is missing is made")->required();
+    addDataOption(*copy, options);
 }
 
 void describe(CLI::App& app, Options& options) {
@@ -69,6 +77,9 @@ int dispatch(const CLI::App& app, const Options& options, const Surroundings& su
     if (app.got_subcommand("demo")) return demoCommand(options.folder, surroundings);
     if (app.got_subcommand("jobs")) return jobsCommand(options.folder, options.json, surroundings);
     if (app.got_subcommand("server-schema")) return serverSchemaCommand(options.dialect, options.company, surroundings);
+    if (app.got_subcommand("copy-company")) {
+        return copyCompanyCommand({.from = options.from, .to = options.to, .dataFolder = options.folder}, surroundings);
+    }
     if (app.got_subcommand("add-server")) {
         return addServerCommand({.name = options.server,
                                  .connectString = options.connectString,

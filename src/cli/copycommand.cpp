@@ -1,0 +1,87 @@
+#include "cli/copycommand.h"
+
+#include <fmt/format.h>
+
+#include <ostream>
+#include <system_error>
+
+#include "cli/session.h"
+#include "cli/terminalport.h"
+#include "db/companyschema.h"
+#include "platform/error.h"
+#include "platform/lettercase.h"
+#include "startup/company.h"
+#include "startup/companycopy.h"
+
+namespace kolmera::cli {
+namespace {
+
+/// Makes the file of a company that is not there yet; its rows come from the source.
+void makeMissingFile(CompanyRegister& companies, const StartState& state, const std::string& name) {
+    if (SqlLayer::ÄrSQLDatabas(upperCase(name))) return;
+    const auto file = state.drives.resolve(name, state.dataFolder());
+    std::error_code unreadable;
+    if (!std::filesystem::exists(file, unreadable)) createFileDatabase(file, companySchema(), companies.LösenFör(name));
+}
+
+std::unique_ptr<Database> opened(CompanyRegister& companies, StartState& state, const std::string& name) {
+    if (!companies.ÖppnaDatabas(name)) return nullptr;
+    return std::move(state.sql.FtgDB);
+}
+
+int tell(Session& session, const CopyArguments& arguments, const CopyResult& result, const Surroundings& surroundings) {
+    const auto fail = [&](int number) {
+        const std::string place = result.table.empty() ? "" : fmt::format(" {}, ID {}.", result.table, result.id);
+        surroundings.err << session.text(250) << ' ' << session.text(number, arguments.to) << place << '\n';
+        return exitcode::kStopped;
+    };
+    switch (result.outcome) {
+        case CopyResult::Outcome::OtherRows:
+            return fail(265);
+        case CopyResult::Outcome::Differs:
+            return fail(266);
+        case CopyResult::Outcome::Cancelled:
+            surroundings.err << session.text(267) << '\n';
+            return exitcode::kCancelled;
+        case CopyResult::Outcome::Done:
+            break;
+    }
+    for (const CopiedTable& table : result.tables) surroundings.out << table.name << ": " << table.rows << '\n';
+    surroundings.out << session.text(263, arguments.from) << ' ' << session.text(264, arguments.to) << '\n';
+    return exitcode::kDone;
+}
+
+}  // namespace
+
+int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surroundings) {
+    Session session(surroundings, arguments.dataFolder);
+    const auto folder = absoluteFolder(arguments.dataFolder);
+    std::error_code unreachable;
+    if (!std::filesystem::is_directory(folder, unreachable)) {
+        surroundings.err << session.text(250) << ' ' << session.text(120, folder.string()) << '\n';
+        return exitcode::kStopped;
+    }
+    if (equalNoCase(arguments.from, arguments.to)) {
+        surroundings.err << session.text(250) << ' ' << session.text(268) << '\n';
+        return exitcode::kUsage;
+    }
+    TerminalPort port(surroundings.err, surroundings.cancel, false);
+    MessageBoxes boxes(port, session.state.helpFile);
+    CompanyRegister companies(session.state, session.texts, boxes);
+    companies.waitForLock = [&] { return !port.cancelled(); };
+    try {
+        const auto source = opened(companies, session.state, arguments.from);
+        if (!source) return exitcode::kStopped;
+        makeMissingFile(companies, session.state, arguments.to);
+        const auto target = opened(companies, session.state, arguments.to);
+        if (!target) return exitcode::kStopped;
+        const CopyResult result = copyCompany(*source, *target, [&] { return !port.cancelled(); });
+        return tell(session, arguments, result, surroundings);
+    } catch (const PlatformError& error) {
+        surroundings.err << session.text(250) << ' ' << session.text(269, arguments.to) << ' ' << error.description()
+                         << '\n';
+        return port.cancelled() ? exitcode::kCancelled : exitcode::kStopped;
+    }
+}
+
+}  // namespace kolmera::cli
