@@ -30,6 +30,8 @@ class ListPosition {
 
     /// A record has been added at the end; the current one stays.
     void append();
+    /// So many more records are known behind the last; they have not been visited.
+    void grow(std::size_t records) { size_ += records; }
     /// The current record is gone; its place stays current.
     void remove();
 

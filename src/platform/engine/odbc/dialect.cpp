@@ -1,0 +1,188 @@
+#include "platform/engine/odbc/dialect.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "platform/error.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+
+namespace {
+
+// Locks are waited for by the program, which stays alive and can be cancelled; the server waits only a moment.
+constexpr std::string_view kPostgresSession[] = {"SET lock_timeout = 200", "SET standard_conforming_strings = on"};
+// READ COMMITTED: a batch sees what others have committed, and locks no gaps between rows.
+constexpr std::string_view kMariaSession[] = {
+    "SET SESSION sql_mode = 'STRICT_ALL_TABLES,NO_BACKSLASH_ESCAPES,NO_AUTO_VALUE_ON_ZERO'",
+    "SET SESSION innodb_lock_wait_timeout = 1, lock_wait_timeout = 1",
+    "SET SESSION TRANSACTION ISOLATION LEVEL READ COMMITTED"};
+constexpr std::string_view kSqlServerSession[] = {"SET LOCK_TIMEOUT 200", "SET XACT_ABORT OFF"};
+
+constexpr std::array<Dialect, 3> kDialects = {{
+    {.name = "PostgreSQL",
+     .openQuote = '"',
+     .closeQuote = '"',
+     .newId = Dialect::NewId::Returning,
+     .limit = Dialect::Limit::Limit,
+     .givenIds = Dialect::GivenIds::MoveSequence,
+     .survives = Dialect::Survives::Nothing,
+     .textNumbers = true,
+     .sendsBegin = true,
+     .storesNul = false,
+     .nullsLast = true,
+     .echo = "SELECT CAST(? AS text)",
+     .emptyRow = " DEFAULT VALUES",
+     .mostParameters = 7000,  // the driver's library takes a description of 30000 bytes for a broken connection
+     .session = kPostgresSession},
+    {.name = "MariaDB",
+     .openQuote = '`',
+     .closeQuote = '`',
+     .newId = Dialect::NewId::Returning,
+     .limit = Dialect::Limit::Limit,
+     .givenIds = Dialect::GivenIds::Nothing,
+     .survives = Dialect::Survives::MostErrors,
+     .textNumbers = false,
+     .sendsBegin = false,
+     .storesNul = false,  // the server does; its driver cuts a text at NUL when it is read
+     .nullsLast = false,
+     .echo = "SELECT ?",
+     .emptyRow = " () VALUES ()",
+     .mostParameters = 20000,
+     .session = kMariaSession},
+    {.name = "Microsoft SQL Server",
+     .openQuote = '[',
+     .closeQuote = ']',
+     .newId = Dialect::NewId::Output,
+     .limit = Dialect::Limit::Top,
+     .givenIds = Dialect::GivenIds::IdentityInsert,
+     .survives = Dialect::Survives::RefusedRows,
+     .textNumbers = false,
+     .sendsBegin = false,
+     .storesNul = true,
+     .nullsLast = false,
+     .echo = "SELECT CAST(? AS nvarchar(20))",
+     .emptyRow = " DEFAULT VALUES",
+     .mostParameters = 2000,
+     .session = kSqlServerSession},
+}};
+
+/// SQLSTATEs (or how they begin) and the servers' own numbers; 0 stands for every number.
+constexpr struct {
+    std::string_view state;
+    int native;
+    Failure failure;
+} kFailures[] = {
+    {"08", 0, Failure::Gone},
+    {"57P0", 0, Failure::Gone},
+    {"23505", 0, Failure::DuplicateKey},
+    {"23000", 1062, Failure::DuplicateKey},
+    {"23000", 2601, Failure::DuplicateKey},
+    {"23000", 2627, Failure::DuplicateKey},
+    {"22001", 0, Failure::TextTooLong},
+    {"22003", 0, Failure::WrongType},
+    {"22005", 0, Failure::WrongType},
+    {"22007", 0, Failure::WrongType},
+    {"22008", 0, Failure::WrongType},
+    {"22018", 0, Failure::WrongType},
+    {"22P02", 0, Failure::WrongType},
+    {"42P01", 0, Failure::UnknownTable},
+    {"42S02", 0, Failure::UnknownTable},
+    {"42703", 0, Failure::UnknownField},
+    {"42S22", 0, Failure::UnknownField},
+    {"55P03", 0, Failure::Locked},
+    {"40P01", 0, Failure::Deadlock},
+    {"40001", 0, Failure::Deadlock},
+    {"", 1205, Failure::Locked},    // MariaDB; SQL Server's deadlock of that number has the state 40001
+    {"", 1213, Failure::Deadlock},  // MariaDB
+    {"", 1222, Failure::Locked},    // SQL Server
+    {"", 2006, Failure::Gone},      // MariaDB: server has gone away
+    {"", 2013, Failure::Gone},      // MariaDB: lost connection
+    {"", 1927, Failure::Gone},      // MariaDB: connection was killed
+    {"", 20003, Failure::Gone},     // FreeTDS: timed out
+    {"", 20006, Failure::Gone},     // FreeTDS: write failed
+    {"", 20047, Failure::Gone},     // FreeTDS: dead
+};
+
+/// The number of a value that is a whole number, wherever it comes from.
+std::optional<double> numberOf(const Value& value) {
+    if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
+    if (const auto* number = std::get_if<double>(&value)) return *number;
+    return std::nullopt;
+}
+
+}  // namespace
+
+const Dialect* dialectNamed(std::string_view dbms) {
+    const auto* const found = std::find_if(kDialects.begin(), kDialects.end(), [&](const Dialect& dialect) {
+        return startsWithNoCase(dbms, dialect.name);
+    });
+    return found == kDialects.end() ? nullptr : found;
+}
+
+Failure failureOf(const ServerError& error) {
+    for (const auto& row : kFailures) {
+        if (error.state.starts_with(row.state) && (row.native == 0 || row.native == error.native)) return row.failure;
+    }
+    return Failure::Other;
+}
+
+int errorNumber(Failure failure) {
+    switch (failure) {
+        case Failure::DuplicateKey:
+            return errors::kDuplicateKey;
+        case Failure::TextTooLong:
+            return errors::kTextTooLong;
+        case Failure::WrongType:
+            return errors::kWrongType;
+        case Failure::UnknownTable:
+            return errors::kUnknownTable;
+        case Failure::UnknownField:
+            return errors::kUnknownField;
+        case Failure::Locked:
+        case Failure::Deadlock:
+            return errors::kLocked;
+        case Failure::Gone:
+            return errors::kServerGone;
+        case Failure::Other:
+            break;
+    }
+    return errors::kInternal;
+}
+
+bool survives(const Dialect& dialect, Failure failure) {
+    // A transaction that waits for a lock lets its own locks go, so that two such cannot wait for each other.
+    if (failure == Failure::Locked || failure == Failure::Deadlock) return false;
+    switch (dialect.survives) {
+        case Dialect::Survives::Nothing:
+            return false;
+        case Dialect::Survives::RefusedRows:
+            return failure == Failure::DuplicateKey || failure == Failure::TextTooLong;
+        case Dialect::Survives::MostErrors:
+            break;
+    }
+    return true;
+}
+
+std::string quotedName(const Dialect& dialect, std::string_view name) {
+    std::string quoted(1, dialect.openQuote);
+    for (const char c : name) {
+        if (c == dialect.closeQuote) quoted += c;
+        quoted += c;
+    }
+    return quoted += dialect.closeQuote;
+}
+
+std::string parameterMark(const Dialect& dialect, const Value& value) {
+    constexpr double kLargestSmall = 32767;
+    constexpr double kLargestBig = 9e18;
+    const auto number = numberOf(value);
+    if (!dialect.textNumbers || !number) return "?";
+    // A text of digits takes the type of the column; one that does not fit that type would be an error, not a miss.
+    if (*number != std::trunc(*number) || std::fabs(*number) >= kLargestBig) return "CAST(? AS double precision)";
+    return std::fabs(*number) <= kLargestSmall ? "?" : "CAST(? AS bigint)";
+}
+
+}  // namespace kolmera

@@ -1,0 +1,332 @@
+#include "platform/engine/odbc/odbcstatement.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "platform/engine/odbc/widetext.h"
+#include "platform/lettercase.h"
+
+namespace kolmera {
+
+static_assert(sizeof(SQLWCHAR) == sizeof(char16_t), "the driver manager's wide characters are UTF-16");
+
+namespace {
+
+constexpr std::size_t kLongestShortText = 4000;  // characters; longer ones are sent as long texts
+constexpr std::size_t kBufferUnits = 2048;
+
+SQLWCHAR* wideText(std::u16string& text) { return reinterpret_cast<SQLWCHAR*>(text.data()); }
+
+template <typename Number>
+std::string digits(Number value) {
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    return {text.data(), end};
+}
+
+/// Some drivers hand a message's UTF-8 bytes on as one character each.
+std::string readable(std::u16string_view message) {
+    std::string bytes;
+    for (const char16_t unit : message) {
+        if (unit > 0xFF) return fromWide(message);
+        bytes += static_cast<char>(unit);
+    }
+    return toWide(bytes).find(u'\xFFFD') == std::u16string::npos ? bytes : fromWide(message);
+}
+
+/// The driver manager's and the driver's names before a message, "[unixODBC][Driver]", say nothing to the user.
+std::string_view withoutPrefixes(std::string_view message) {
+    while (message.starts_with('[') && message.find(']') != std::string_view::npos) {
+        message.remove_prefix(message.find(']') + 1);
+    }
+    return message;
+}
+
+struct OdbcType {
+    int type;
+    FieldType field;
+};
+constexpr OdbcType kTypes[] = {
+    {SQL_BIT, FieldType::Boolean},         {SQL_TINYINT, FieldType::Byte},   {SQL_SMALLINT, FieldType::Integer},
+    {SQL_INTEGER, FieldType::Long},        {SQL_BIGINT, FieldType::Long},    {SQL_NUMERIC, FieldType::Currency},
+    {SQL_DECIMAL, FieldType::Currency},    {SQL_REAL, FieldType::Single},    {SQL_FLOAT, FieldType::Double},
+    {SQL_DOUBLE, FieldType::Double},       {SQL_TYPE_DATE, FieldType::Date}, {SQL_DATE, FieldType::Date},
+    {SQL_TYPE_TIMESTAMP, FieldType::Date}, {SQL_TIMESTAMP, FieldType::Date}, {SQL_CHAR, FieldType::Text},
+    {SQL_VARCHAR, FieldType::Text},        {SQL_WCHAR, FieldType::Text},     {SQL_WVARCHAR, FieldType::Text},
+};
+
+}  // namespace
+
+ServerError odbcError(SQLSMALLINT kind, SQLHANDLE handle) {
+    std::u16string state(6, u'\0');
+    std::u16string message(2000, u'\0');
+    SQLINTEGER native = 0;
+    SQLSMALLINT length = 0;
+    const SQLRETURN code = SQLGetDiagRecW(kind, handle, 1, wideText(state), &native, wideText(message),
+                                          static_cast<SQLSMALLINT>(message.size()), &length);
+    if (!SQL_SUCCEEDED(code)) return {"HY000", 0, "the driver reports an error without a description"};
+    message.resize(std::min(message.size(), static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0))));
+    state.resize(5);
+    return {fromWide(state), native, std::string(withoutPrefixes(readable(message)))};
+}
+
+FieldDef fieldOfOdbcType(std::string_view name, int type, std::string_view typeName, std::int64_t size) {
+    FieldDef field{.name = std::string(name), .type = FieldType::Memo};
+    const auto* const found =
+        std::find_if(std::begin(kTypes), std::end(kTypes), [&](const OdbcType& row) { return row.type == type; });
+    if (found != std::end(kTypes)) field.type = found->field;
+    if (equalNoCase(typeName, "bool") || equalNoCase(typeName, "boolean")) field.type = FieldType::Boolean;
+    if (field.type != FieldType::Text) return field;
+    if (size > 0 && size <= static_cast<std::int64_t>(kLongestShortText)) {
+        field.size = static_cast<int>(size);
+    } else {
+        field.type = FieldType::Memo;
+    }
+    return field;
+}
+
+OdbcStatement::OdbcStatement(SQLHDBC connection, const Dialect& dialect) : dialect_(dialect) {
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection, &handle_))) {
+        error_ = odbcError(SQL_HANDLE_DBC, connection);
+    }
+}
+
+OdbcStatement::~OdbcStatement() {
+    if (handle_ != SQL_NULL_HSTMT) SQLFreeHandle(SQL_HANDLE_STMT, handle_);
+}
+
+bool OdbcStatement::good(SQLRETURN code) {
+    if (SQL_SUCCEEDED(code) || code == SQL_NO_DATA) return true;
+    if (!error_) error_ = odbcError(SQL_HANDLE_STMT, handle_);
+    return false;
+}
+
+std::optional<ServerError> OdbcStatement::prepare(std::string_view text) {
+    std::u16string wide = toWide(text);
+    if (!error_) good(SQLPrepareW(handle_, wideText(wide), static_cast<SQLINTEGER>(wide.size())));
+    return takeError();
+}
+
+std::optional<ServerError> OdbcStatement::run(std::span<const Value> parameters, std::span<const FieldType> types,
+                                              StatementResult& result) {
+    bound_.clear();
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        if (!bind(static_cast<SQLUSMALLINT>(i + 1), parameters[i])) return takeError();
+    }
+    return readAnswer(SQLExecute(handle_), types, result);
+}
+
+std::optional<ServerError> OdbcStatement::runDirect(std::string_view text, StatementResult& result) {
+    std::u16string wide = toWide(text);
+    if (error_) return takeError();
+    return readAnswer(SQLExecDirectW(handle_, wideText(wide), static_cast<SQLINTEGER>(wide.size())), {}, result);
+}
+
+std::optional<ServerError> OdbcStatement::readAnswer(SQLRETURN code, std::span<const FieldType> types,
+                                                     StatementResult& result) {
+    if (good(code)) {
+        SQLLEN touched = 0;
+        SQLRowCount(handle_, &touched);
+        result.touched = touched;
+        fetchAll(types, result);
+    }
+    SQLFreeStmt(handle_, SQL_CLOSE);
+    return takeError();
+}
+
+// Parameters.
+
+bool OdbcStatement::bind(SQLUSMALLINT parameter, const Value& value) {
+    Bound& bound = bound_.emplace_back();
+    if (isNull(value)) {
+        bound.length = SQL_NULL_DATA;
+        return good(SQLBindParameter(handle_, parameter, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR, 1, 0, nullptr, 0,
+                                     &bound.length));
+    }
+    if (const auto* date = std::get_if<Date>(&value)) {
+        const std::string iso = date->iso();
+        bound.date = {static_cast<SQLSMALLINT>(std::stoi(iso.substr(0, 4))),
+                      static_cast<SQLUSMALLINT>(std::stoi(iso.substr(5, 2))),
+                      static_cast<SQLUSMALLINT>(std::stoi(iso.substr(8, 2)))};
+        bound.length = sizeof bound.date;
+        return good(SQLBindParameter(handle_, parameter, SQL_PARAM_INPUT, SQL_C_TYPE_DATE, SQL_TYPE_DATE, 10, 0,
+                                     &bound.date, 0, &bound.length));
+    }
+    if (const auto* number = std::get_if<double>(&value)) return bindNumber(parameter, bound, *number);
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        bound.wide = toWide(*text);
+        return bindText(parameter, bound);
+    }
+    const auto* yes = std::get_if<bool>(&value);
+    bound.whole = yes != nullptr ? static_cast<SQLBIGINT>(*yes) : std::get<std::int64_t>(value);
+    if (dialect_.textNumbers) {
+        bound.wide = toWide(digits(bound.whole));
+        return bindText(parameter, bound);
+    }
+    bound.length = sizeof bound.whole;
+    return good(SQLBindParameter(handle_, parameter, SQL_PARAM_INPUT, SQL_C_SBIGINT, SQL_BIGINT, 0, 0, &bound.whole, 0,
+                                 &bound.length));
+}
+
+bool OdbcStatement::bindText(SQLUSMALLINT parameter, Bound& bound) {
+    const std::size_t size = bound.wide.size();
+    const SQLSMALLINT type = size <= kLongestShortText ? SQL_WVARCHAR : SQL_WLONGVARCHAR;
+    bound.length = static_cast<SQLLEN>(size * sizeof(SQLWCHAR));
+    return good(SQLBindParameter(handle_, parameter, SQL_PARAM_INPUT, SQL_C_WCHAR, type, std::max<std::size_t>(size, 1),
+                                 0, bound.wide.data(), bound.length, &bound.length));
+}
+
+/// As few digits as give the same number again, where numbers go as texts.
+bool OdbcStatement::bindNumber(SQLUSMALLINT parameter, Bound& bound, double value) {
+    if (dialect_.textNumbers) {
+        bound.wide = toWide(digits(value));
+        return bindText(parameter, bound);
+    }
+    bound.number = value;
+    bound.length = sizeof bound.number;
+    return good(SQLBindParameter(handle_, parameter, SQL_PARAM_INPUT, SQL_C_DOUBLE, SQL_DOUBLE, 0, 0, &bound.number, 0,
+                                 &bound.length));
+}
+
+// Rows.
+
+bool OdbcStatement::fetchAll(std::span<const FieldType> types, StatementResult& result) {
+    SQLSMALLINT columns = 0;
+    if (!good(SQLNumResultCols(handle_, &columns))) return false;
+    if (columns == 0) return true;
+    std::vector<FieldType> described;
+    if (types.empty()) {
+        if (!describe(columns, result)) return false;
+        for (const FieldDef& field : result.fields) described.push_back(field.type);
+        types = described;
+    }
+    for (;;) {
+        const SQLRETURN code = SQLFetch(handle_);
+        if (code == SQL_NO_DATA) return true;
+        if (!good(code)) return false;
+        std::vector<Value>& row = result.rows.emplace_back(types.size());
+        for (std::size_t i = 0; i < types.size(); ++i) {
+            if (!read(static_cast<SQLUSMALLINT>(i + 1), types[i], row[i])) return false;
+        }
+    }
+}
+
+bool OdbcStatement::describe(SQLSMALLINT columns, StatementResult& result) {
+    if (columns < 0 && !good(SQLNumResultCols(handle_, &columns))) return false;
+    for (SQLSMALLINT i = 1; i <= columns; ++i) {
+        std::u16string name(256, u'\0');
+        SQLSMALLINT length = 0;
+        SQLSMALLINT type = 0;
+        SQLSMALLINT decimals = 0;
+        SQLSMALLINT nullable = 0;
+        SQLULEN size = 0;
+        if (!good(SQLDescribeColW(handle_, static_cast<SQLUSMALLINT>(i), wideText(name),
+                                  static_cast<SQLSMALLINT>(name.size()), &length, &type, &size, &decimals,
+                                  &nullable))) {
+            return false;
+        }
+        name.resize(std::min(name.size(), static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0))));
+        result.fields.push_back(fieldOfOdbcType(fromWide(name), type, {}, static_cast<std::int64_t>(size)));
+    }
+    return true;
+}
+
+bool OdbcStatement::read(SQLUSMALLINT column, FieldType type, Value& into) {
+    switch (type) {
+        case FieldType::Boolean:
+        case FieldType::Byte:
+        case FieldType::Integer:
+        case FieldType::Long:
+            return readWhole(column, type, into);
+        case FieldType::Single:
+        case FieldType::Double:
+            return dialect_.textNumbers ? readDigits(column, type, into) : readNumber(column, type, into);
+        case FieldType::Currency:
+            return readDigits(column, type, into);
+        case FieldType::Date:
+            return readDate(column, into);
+        case FieldType::Text:
+        case FieldType::Memo:
+            break;
+    }
+    return readText(column, into);
+}
+
+bool OdbcStatement::readWhole(SQLUSMALLINT column, FieldType type, Value& into) {
+    SQLBIGINT whole = 0;
+    SQLLEN length = 0;
+    if (!good(SQLGetData(handle_, column, SQL_C_SBIGINT, &whole, sizeof whole, &length))) return false;
+    if (length == SQL_NULL_DATA) {
+        into = Null{};
+    } else if (type == FieldType::Boolean) {
+        into = whole != 0;
+    } else {
+        into = static_cast<std::int64_t>(whole);
+    }
+    return true;
+}
+
+bool OdbcStatement::readNumber(SQLUSMALLINT column, FieldType type, Value& into) {
+    double number = 0;
+    SQLLEN length = 0;
+    if (!good(SQLGetData(handle_, column, SQL_C_DOUBLE, &number, sizeof number, &length))) return false;
+    if (type == FieldType::Single) number = static_cast<double>(static_cast<float>(number));
+    into = length == SQL_NULL_DATA ? Value() : Value(number);
+    return true;
+}
+
+/// A number that comes as text. A Single is read as what it is: the double nearest to its digits is another number.
+bool OdbcStatement::readDigits(SQLUSMALLINT column, FieldType type, Value& into) {
+    std::array<char, 400> text{};
+    SQLLEN length = 0;
+    if (!good(SQLGetData(handle_, column, SQL_C_CHAR, text.data(), text.size(), &length))) return false;
+    into = Null{};
+    if (length < 0) return true;
+    const char* const end = text.data() + std::min(static_cast<std::size_t>(length), text.size() - 1);
+    if (type == FieldType::Single) {
+        float number = 0;
+        std::from_chars(text.data(), end, number);
+        into = static_cast<double>(number);
+    } else {
+        double number = 0;
+        std::from_chars(text.data(), end, number);
+        into = number;
+    }
+    return true;
+}
+
+bool OdbcStatement::readDate(SQLUSMALLINT column, Value& into) {
+    SQL_DATE_STRUCT date = {};
+    SQLLEN length = 0;
+    if (!good(SQLGetData(handle_, column, SQL_C_TYPE_DATE, &date, sizeof date, &length))) return false;
+    const auto day = Date::fromCivil(date.year, date.month, date.day);
+    into = length == SQL_NULL_DATA || !day ? Value() : Value(*day);
+    return true;
+}
+
+/// Long texts come in pieces, each closed by a NUL that does not belong to it.
+bool OdbcStatement::readText(SQLUSMALLINT column, Value& into) {
+    buffer_.resize(kBufferUnits);
+    std::u16string whole;
+    for (;;) {
+        SQLLEN length = 0;
+        const SQLRETURN code = SQLGetData(handle_, column, SQL_C_WCHAR, buffer_.data(),
+                                          static_cast<SQLLEN>(buffer_.size() * sizeof(SQLWCHAR)), &length);
+        if (!good(code)) return false;
+        if (code == SQL_NO_DATA) break;
+        if (length == SQL_NULL_DATA) {
+            into = Null{};
+            return true;
+        }
+        const std::size_t most = buffer_.size() - 1;
+        const bool more = length == SQL_NO_TOTAL || static_cast<std::size_t>(length) / sizeof(SQLWCHAR) > most;
+        whole.append(buffer_, 0, more ? most : static_cast<std::size_t>(length) / sizeof(SQLWCHAR));
+        if (!more) break;
+    }
+    into = fromWide(whole);
+    return true;
+}
+
+}  // namespace kolmera

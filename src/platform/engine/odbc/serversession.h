@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/engine/odbc/odbcconnection.h"
+#include "platform/engine/odbc/serverdatabase.h"
+#include "platform/engine/odbc/servertext.h"
+#include "platform/error.h"
+
+namespace kolmera {
+
+/// The connection as the engine sees it: transactions whose other statements survive one that fails, locks that are
+/// waited for, and one clear end when the connection is lost. Errors are PlatformError.
+///
+/// In a transaction every statement that wrote is kept, ready to be run again. When an error takes the transaction with
+/// it, the server's transaction is rolled back and the next statement first repeats the kept ones. While a lock is
+/// waited for this session holds none itself.
+class ServerSession {
+  public:
+    ServerSession(const std::string& connectString, const ServerOptions& options);
+
+    [[nodiscard]] const Dialect& dialect() const { return connection_.dialect(); }
+    [[nodiscard]] const Locale& locale() const { return options_.locale; }
+    [[nodiscard]] const std::vector<TableDef>& knownTables() const { return options_.tables; }
+
+    /// A statement that reads.
+    StatementResult read(const ServerStatement& statement, std::span<const FieldType> types);
+    /// A statement that writes.
+    StatementResult write(const ServerStatement& statement, std::span<const FieldType> types = {});
+    /// A statement on one row, repeated as it is; a repetition that finds no row ends the run.
+    StatementResult writeRow(const ServerStatement& statement);
+    /// An INSERT that gives the new row's ID back; `again` makes the statement that inserts the row with that ID.
+    std::int64_t insert(const ServerStatement& statement, const std::function<ServerStatement(std::int64_t id)>& again);
+    /// A statement that writes and is not to stay prepared.
+    StatementResult writeOnce(const ServerStatement& statement);
+
+    void begin();
+    void commit();
+    void rollback();
+    [[nodiscard]] bool inTransaction() const { return open_; }
+
+    /// Changes with everything that may have changed rows behind the back of those who hold copies: transactions that
+    /// begin or are rolled back, and statements from above.
+    [[nodiscard]] std::uint64_t epoch() const { return epoch_; }
+    void startEpoch() { ++epoch_; }
+
+    /// Throws kWrongType for a text that the server or its driver would cut.
+    void requireStorable(const Value& value) const;
+
+    // The catalogue.
+    StatementResult tables();
+    StatementResult columns(std::string_view table);
+    StatementResult indexes(std::string_view table);
+
+  private:
+    using Error = std::optional<ServerError>;
+    using Attempt = std::function<Error(StatementResult&)>;
+
+    /// A statement of the transaction that has been run.
+    struct Kept {
+        ServerStatement statement;
+        bool oneRow = false;  ///< has to find its row again
+        bool once = false;    ///< not to stay prepared
+    };
+
+    StatementResult run(const Attempt& attempt);
+    StatementResult runStatement(const ServerStatement& statement, std::span<const FieldType> types, bool once = false);
+    Error tryOnce(const Attempt& attempt, StatementResult& result);
+    Error repeatKept();
+    Error startOnServer();
+    void keep(Kept kept);
+    void requireConnection() const;
+    void requireTransaction() const;
+    [[nodiscard]] bool connectionLost(const ServerError& error, Failure failure);
+    [[noreturn]] void lose(const ServerError& error);
+    void end();
+
+    ServerOptions options_;
+    OdbcConnection connection_;
+    bool open_ = false;        ///< a transaction of the program
+    bool onServer_ = false;    ///< a statement of it has been run
+    bool rolledBack_ = false;  ///< its statements are not on the server at the moment
+    bool repeating_ = false;   ///< the error at hand comes from a kept statement
+    std::vector<Kept> kept_;
+    std::uint64_t epoch_ = 0;
+    std::string lost_;  ///< why there is no connection any more
+};
+
+}  // namespace kolmera
