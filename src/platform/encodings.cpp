@@ -150,6 +150,22 @@ FirstCharacter firstCharacter(std::string_view text) {
     return {character, length};
 }
 
+void appendUtf8(char32_t character, std::string& text) {
+    const auto add = [&text](char32_t byte) { text += static_cast<char>(byte); };
+    if (character < 0x80) return add(character);
+    if (character < 0x800) {
+        add(0xC0 | character >> 6);
+    } else if (character < 0x10000) {
+        add(0xE0 | character >> 12);
+        add(0x80 | (character >> 6 & 0x3F));
+    } else {
+        add(0xF0 | character >> 18);
+        add(0x80 | (character >> 12 & 0x3F));
+        add(0x80 | (character >> 6 & 0x3F));
+    }
+    add(0x80 | (character & 0x3F));
+}
+
 std::size_t characterCount(std::string_view text) {
     std::size_t count = 0;
     for (;;) {

@@ -25,6 +25,8 @@ struct FirstCharacter {
     std::size_t length = 1;  ///< in bytes
 };
 FirstCharacter firstCharacter(std::string_view text);
+/// Adds a character, which is no half of a pair, to a UTF-8 text.
+void appendUtf8(char32_t character, std::string& text);
 
 /// Number of characters (code points) of a UTF-8 text; malformed bytes count one each.
 std::size_t characterCount(std::string_view text);

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <map>
 
 #include "platform/lettercase.h"
 #include "platform/spreadsheet/xmlpart.h"
@@ -42,21 +41,17 @@ std::string meaningfulLetters(std::string_view format) {
     return lowerCase(letters);
 }
 
-}  // namespace
-
 class StylesPart final : public XmlHandler {
   public:
     explicit StylesPart(CellFormats& formats) : formats_(formats) {}
 
     void start(std::string_view name, const XmlAttributes& attributes) override {
         if (name == "numFmt") {
-            ownFormats_[numberOf(attributes["numFmtId"])] = isDateFormat(attributes["formatCode"]);
+            formats_.define(numberOf(attributes["numFmtId"]), attributes["formatCode"]);
         } else if (name == "cellXfs") {
             inCells_ = true;
         } else if (name == "xf" && inCells_) {
-            const int id = numberOf(attributes["numFmtId"]);
-            const auto own = ownFormats_.find(id);
-            formats_.dates_.push_back(own == ownFormats_.end() ? isBuiltInDate(id) : own->second);
+            formats_.add(numberOf(attributes["numFmtId"]));
         }
     }
     void end(std::string_view name) override {
@@ -65,9 +60,10 @@ class StylesPart final : public XmlHandler {
 
   private:
     CellFormats& formats_;
-    std::map<int, bool> ownFormats_;
     bool inCells_ = false;
 };
+
+}  // namespace
 
 bool isDateFormat(std::string_view format) {
     const std::string letters = meaningfulLetters(format);
@@ -81,6 +77,13 @@ Value dateOfSerial(double serial, bool startsIn1904) {
     const double day = std::floor(serial + (startsIn1904 ? kFrom1904 : 0));
     if (!(day >= 1 && day < kAfterLast)) return serial;
     return Date{static_cast<std::int32_t>(day)};
+}
+
+void CellFormats::define(int numberFormat, std::string_view text) { defined_[numberFormat] = isDateFormat(text); }
+
+void CellFormats::add(int numberFormat) {
+    const auto own = defined_.find(numberFormat);
+    dates_.push_back(own == defined_.end() ? isBuiltInDate(numberFormat) : own->second);
 }
 
 CellFormats CellFormats::of(const Archive& archive, const std::string& part) {

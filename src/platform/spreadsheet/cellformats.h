@@ -1,8 +1,8 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "platform/engine/value.h"
@@ -27,9 +27,14 @@ class CellFormats {
     /// Of the format with this number ("s" of a cell); a number that no format has is no date.
     [[nodiscard]] bool isDate(std::size_t number) const { return number < dates_.size() && dates_[number]; }
 
+    /// Gives a number format its text. The formats below 164 have one without it.
+    void define(int numberFormat, std::string_view text);
+    /// Adds the next format of cells.
+    void add(int numberFormat);
+
   private:
-    friend class StylesPart;
     std::vector<bool> dates_;
+    std::map<int, bool> defined_;
 };
 
 }  // namespace kolmera

@@ -39,23 +39,6 @@ std::optional<Escaped> characterAtStart(std::string_view text) {
     return Escaped{0x10000 + ((*first - 0xD800) << 10) + (*second - 0xDC00), 2 * kEscapeLength};
 }
 
-void appendUtf8(char32_t c, std::string& text) {
-    const auto add = [&text](char32_t byte) { text += static_cast<char>(byte); };
-    if (c < 0x80) {
-        add(c);
-    } else if (c < 0x800) {
-        add(0xC0 | c >> 6);
-    } else if (c < 0x10000) {
-        add(0xE0 | c >> 12);
-        add(0x80 | (c >> 6 & 0x3F));
-    } else {
-        add(0xF0 | c >> 18);
-        add(0x80 | (c >> 12 & 0x3F));
-        add(0x80 | (c >> 6 & 0x3F));
-    }
-    if (c >= 0x80) add(0x80 | (c & 0x3F));
-}
-
 bool needsEscape(char32_t c) { return (c < 0x20 && c != '\t' && c != '\n') || c == 0xFFFE || c == 0xFFFF; }
 
 }  // namespace

@@ -12,7 +12,7 @@ enum class FileKind {
     Other,
 };
 
-/// Throws kFileNotFound, or kUnreadableSpreadsheet for what is no file.
+/// Throws kFileNotFound, or kUnreadableSpreadsheet for what is no file and for a damaged compound file.
 FileKind kindOf(const std::filesystem::path& file);
 
 }  // namespace kolmera

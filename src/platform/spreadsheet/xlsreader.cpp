@@ -1,291 +1,249 @@
 #include "platform/spreadsheet/xlsreader.h"
 
-#include <fcntl.h>
-#include <freexl.h>
-#include <poll.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <array>
-#include <cerrno>
-#include <charconv>
-#include <csignal>
+#include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstdint>
-#include <cstring>
-#include <fstream>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "platform/descriptor.h"
 #include "platform/error.h"
+#include "platform/spreadsheet/biffrecords.h"
+#include "platform/spreadsheet/cellformats.h"
+#include "platform/spreadsheet/compoundfile.h"
+#include "platform/spreadsheet/sharedstrings.h"
 
 namespace kolmera {
 
 namespace {
 
-// What the child writes to the pipe: cells of a row from its first column on, ends of rows, and one end with the
-// library's result. A cell is its kind, and bytes as they are in memory: double 8, a text its length (4) and itself.
-enum class Mark : char { Null = '0', Number = 'n', Text = 't', Date = 'd', RowEnd = 'r', End = 'e' };
+enum Kind : int {
+    kFormula = 0x06,
+    kEnd = 0x0A,
+    kDateMode = 0x22,
+    kPassword = 0x2F,
+    kSheetEntry = 0x85,
+    kManyNumbers = 0xBD,
+    kRichLabel = 0xD6,
+    kCellFormat = 0xE0,
+    kSharedTexts = 0xFC,
+    kSharedLabel = 0xFD,
+    kNumber = 0x203,
+    kLabel = 0x204,
+    kTruthOrError = 0x205,
+    kFormulaText = 0x207,
+    kShortNumber = 0x27E,
+    kNumberFormat = 0x41E,
+    kBegin = 0x809,
+};
 
-constexpr rlim_t kSeconds = 60;
-constexpr rlim_t kMemory = rlim_t{1} << 30;
+constexpr std::uint16_t kVersion8 = 0x600;
+constexpr std::size_t kMostCells = std::size_t{1} << 23;
 
 [[noreturn]] void refuse(const std::string& reason) { throw PlatformError(errors::kUnreadableSpreadsheet, reason); }
 
-// ---- the child: nothing here may throw, lock or touch what the parent's threads may hold ----
+/// A number in four bytes: a whole number or the upper half of a floating-point one, perhaps a hundredth of it.
+double expanded(std::uint32_t bits) {
+    const bool isWhole = (bits & 2) != 0;
+    const double number =
+        isWhole ? static_cast<std::int32_t>(bits) >> 2 : std::bit_cast<double>(std::uint64_t{bits & 0xFFFFFFFC} << 32);
+    return (bits & 1) != 0 ? number / 100 : number;
+}
 
-/// Writes to the pipe in large pieces. Ends the process when the parent has gone.
-class PipeWriter {
+/// What stands in front of the sheets: texts, formats, and where the first worksheet is.
+class Globals {
   public:
-    explicit PipeWriter(int pipe) : pipe_(pipe) {}
-
-    void mark(Mark mark) { put(&mark, 1); }
-    void put(const void* bytes, std::size_t count) {
-        const auto* at = static_cast<const char*>(bytes);
-        while (count > 0) {
-            if (used_ == buffer_.size()) flush();
-            const std::size_t piece = std::min(count, buffer_.size() - used_);
-            std::memcpy(buffer_.data() + used_, at, piece);
-            used_ += piece;
-            at += piece;
-            count -= piece;
-        }
+    explicit Globals(BiffRecords& records) {
+        if (!records.next() || records.kind() != kBegin) refuse("The file is not a workbook.");
+        if (records.word() != kVersion8) refuse("Workbooks from before 1997 cannot be read.");
+        while (records.next() && records.kind() != kEnd) read(records);
+        if (!firstSheet_) refuse("The workbook has no sheets.");
     }
-    void flush() {
-        for (std::size_t done = 0; done < used_;) {
-            const ssize_t written = write(pipe_, buffer_.data() + done, used_ - done);
-            if (written < 0 && errno != EINTR) _exit(1);
-            if (written > 0) done += static_cast<std::size_t>(written);
-        }
-        used_ = 0;
+
+    [[nodiscard]] std::uint64_t firstSheet() const { return *firstSheet_; }
+
+    [[nodiscard]] Value sharedText(std::size_t number) const {
+        const auto text = texts_.text(number);
+        if (!text) refuse("The sheet refers to a text that the workbook lacks.");
+        return text->empty() ? Value() : Value(std::string(*text));
+    }
+
+    [[nodiscard]] Value number(double number, std::size_t format) const {
+        if (!std::isfinite(number)) return Null();
+        return formats_.isDate(format) ? dateOfSerial(number, startsIn1904_) : Value(number);
     }
 
   private:
-    int pipe_;
-    std::array<char, 65536> buffer_;
-    std::size_t used_ = 0;
+    void read(BiffRecords& records) {
+        switch (records.kind()) {
+            case kPassword:
+                throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
+            case kDateMode:
+                startsIn1904_ = records.word() == 1;
+                break;
+            case kNumberFormat: {
+                const int id = records.word();
+                formats_.define(id, records.text());
+                break;
+            }
+            case kCellFormat:
+                records.skip(2);
+                formats_.add(records.word());
+                break;
+            case kSheetEntry:
+                readSheetEntry(records);
+                break;
+            case kSharedTexts:
+                readTexts(records);
+                break;
+            default:
+                break;
+        }
+    }
+
+    void readSheetEntry(BiffRecords& records) {
+        const std::uint32_t position = records.doubleWord();
+        records.skip(1);  // whether it is hidden
+        const bool isWorksheet = records.byte() == 0;
+        if (isWorksheet && !firstSheet_) firstSheet_ = position;
+    }
+
+    void readTexts(BiffRecords& records) {
+        records.skip(4);
+        for (std::uint32_t left = records.doubleWord(); left > 0; --left) texts_.add(records.text());
+    }
+
+    std::optional<std::uint64_t> firstSheet_;
+    SharedStrings texts_;
+    CellFormats formats_;
+    bool startsIn1904_ = false;
 };
 
-void putCell(const FreeXL_CellValue& cell, PipeWriter& pipe) {
-    const auto putNumber = [&pipe](double number) {
-        pipe.mark(Mark::Number);
-        pipe.put(&number, sizeof number);
-    };
-    const auto putText = [&pipe](Mark mark, const char* text) {
-        const auto length = static_cast<std::uint32_t>(std::strlen(text));
-        pipe.mark(mark);
-        pipe.put(&length, sizeof length);
-        pipe.put(text, length);
-    };
-    switch (cell.type) {
-        case FREEXL_CELL_INT:
-            return putNumber(cell.value.int_value);
-        case FREEXL_CELL_DOUBLE:
-            return putNumber(cell.value.double_value);
-        case FREEXL_CELL_TEXT:
-        case FREEXL_CELL_SST_TEXT:
-            if (cell.value.text_value) return putText(Mark::Text, cell.value.text_value);
-            break;
-        case FREEXL_CELL_DATE:
-        case FREEXL_CELL_DATETIME:
-            return putText(Mark::Date, cell.value.text_value);
-        case FREEXL_CELL_TIME:
-            return putText(Mark::Text, cell.value.text_value);
-        default:
-            break;
-    }
-    pipe.mark(Mark::Null);
-}
+struct Cell {
+    std::uint16_t row;
+    std::uint16_t column;
+    Value value;
+};
 
-int putSheet(const void* workbook, PipeWriter& pipe) {
-    unsigned int protectedBy = FREEXL_BIFF_PLAIN;
-    if (freexl_get_info(workbook, FREEXL_BIFF_PASSWORD, &protectedBy) == FREEXL_OK &&
-        protectedBy == FREEXL_BIFF_OBFUSCATED) {
-        return FREEXL_BIFF_OBFUSCATED;
-    }
-    int result = freexl_select_active_worksheet(workbook, 0);
-    unsigned int rows = 0;
-    unsigned short columns = 0;
-    if (result == FREEXL_OK) result = freexl_worksheet_dimensions(workbook, &rows, &columns);
-    for (unsigned int row = 0; result == FREEXL_OK && row < rows; ++row) {
-        for (unsigned short column = 0; result == FREEXL_OK && column < columns; ++column) {
-            FreeXL_CellValue cell;
-            result = freexl_get_cell_value(workbook, row, column, &cell);
-            if (result == FREEXL_OK) putCell(cell, pipe);
-        }
-        pipe.mark(Mark::RowEnd);
-    }
-    return result;
-}
-
-void limit(int resource, rlim_t most) {
-    const rlimit limits{most, most};
-    setrlimit(static_cast<__rlimit_resource_t>(resource), &limits);
-}
-
-[[noreturn]] void runChild(const char* file, int pipe, rlim_t addressSpace) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    limit(RLIMIT_CORE, 0);
-    limit(RLIMIT_CPU, kSeconds);
-    limit(RLIMIT_AS, addressSpace);
-    for (const int number : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGPIPE, SIGXCPU, SIGTERM, SIGINT}) {
-        signal(number, SIG_DFL);
-    }
-    PipeWriter out(pipe);
-    const void* workbook = nullptr;
-    int result = freexl_open(file, &workbook);
-    if (result == FREEXL_OK) result = putSheet(workbook, out);
-    out.mark(Mark::End);
-    out.put(&result, sizeof result);
-    out.flush();
-    _exit(0);
-}
-
-// ---- the parent ----
-
-/// What this process has of address space, in bytes: the child starts with as much.
-rlim_t addressSpaceNow() {
-    std::ifstream status("/proc/self/statm");
-    rlim_t pages = 0;
-    status >> pages;
-    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
-}
-
-/// The child process and what comes from it. It ends with this object, whatever it is doing.
-class Child {
+/// Collects the cells of a sheet.
+class SheetCells {
   public:
-    explicit Child(const std::filesystem::path& file) {
-        std::array<int, 2> ends{};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0) throwSystemError(errno);
-        pipe_ = ends[0];
-        const rlim_t addressSpace = addressSpaceNow() + kMemory;
-        process_ = fork();
-        const int failure = errno;
-        if (process_ == 0) runChild(file.c_str(), ends[1], addressSpace);
-        close(ends[1]);
-        if (process_ > 0) return;
-        close(pipe_);
-        throwSystemError(failure);
-    }
-    ~Child() {
-        close(pipe_);
-        kill(process_, SIGKILL);
-        while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+    SheetCells(BiffRecords& records, const Globals& globals) : records_(records), globals_(globals) {
+        records.seek(globals.firstSheet());
+        if (!records.next() || records.kind() != kBegin) refuse("The workbook is damaged.");
+        // Charts in the sheet have a beginning and an end of their own.
+        for (int depth = 1; depth > 0 && records.next();) {
+            if (records.kind() == kBegin) ++depth;
+            if (records.kind() == kEnd) --depth;
+            if (depth == 1) read();
         }
-    }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    Mark mark() { return static_cast<Mark>(number<char>()); }
-
-    template <typename Number>
-    Number number() {
-        Number number{};
-        get(reinterpret_cast<char*>(&number), sizeof number);
-        return number;
+        const auto isBefore = [](const Cell& a, const Cell& b) {
+            return a.row != b.row ? a.row < b.row : a.column < b.column;
+        };
+        std::ranges::stable_sort(cells_, isBefore);
     }
 
-    std::string text() {
-        constexpr std::uint32_t kMost = 1 << 20;
-        const auto length = number<std::uint32_t>();
-        if (length > kMost) refuse("A text in the workbook is too long.");
-        std::string text(length, '\0');
-        get(text.data(), text.size());
-        return text;
-    }
+    [[nodiscard]] const std::vector<Cell>& cells() const { return cells_; }
 
   private:
-    void get(char* bytes, std::size_t count) {
-        while (count > 0) {
-            if (at_ == end_) fill();
-            const std::size_t piece = std::min(count, end_ - at_);
-            std::memcpy(bytes, buffer_.data() + at_, piece);
-            at_ += piece;
-            bytes += piece;
-            count -= piece;
+    void read() {
+        switch (records_.kind()) {
+            case kNumber:
+                return readCell([this](std::size_t format) { return globals_.number(records_.real(), format); });
+            case kShortNumber:
+                return readCell(
+                    [this](std::size_t format) { return globals_.number(expanded(records_.doubleWord()), format); });
+            case kManyNumbers:
+                return readManyNumbers();
+            case kSharedLabel:
+                return readCell([this](std::size_t) { return globals_.sharedText(records_.doubleWord()); });
+            case kLabel:
+            case kRichLabel:
+                return readCell([this](std::size_t) { return textOrNull(records_.text()); });
+            case kTruthOrError:
+                return readCell([this](std::size_t) {
+                    const bool truth = records_.byte() != 0;
+                    return records_.byte() == 0 ? Value(truth) : Value();
+                });
+            case kFormula:
+                return readCell([this](std::size_t format) { return formulaValue(format); });
+            case kFormulaText:
+                if (waiting_) add(waiting_->row, waiting_->column, textOrNull(records_.text()));
+                waiting_.reset();
+                return;
+            default:
+                return;
         }
     }
 
-    void fill() {
-        constexpr int kMostWait = static_cast<int>(kSeconds) * 1000;
-        pollfd ready{pipe_, POLLIN, 0};
-        int count = 0;
-        while ((count = poll(&ready, 1, kMostWait)) < 0 && errno == EINTR) {
-        }
-        if (count == 0) refuse("Reading the workbook took too long; it may be damaged.");
-        const ssize_t got = read(pipe_, buffer_.data(), buffer_.size());
-        if (got < 0 && errno == EINTR) return;
-        if (got <= 0) refuse("The workbook is damaged: its reader broke down.");
-        at_ = 0;
-        end_ = static_cast<std::size_t>(got);
+    template <typename ReadValue>
+    void readCell(ReadValue readValue) {
+        row_ = records_.word();
+        column_ = records_.word();
+        const std::size_t format = records_.word();
+        add(row_, column_, readValue(format));
     }
 
-    pid_t process_ = -1;
-    int pipe_ = -1;
-    std::array<char, 65536> buffer_;
-    std::size_t at_ = 0;
-    std::size_t end_ = 0;
+    void readManyNumbers() {
+        constexpr std::size_t kPair = 6;
+        const std::uint16_t row = records_.word();
+        for (std::uint16_t column = records_.word(); records_.left() >= kPair; ++column) {
+            const std::size_t format = records_.word();
+            add(row, column, globals_.number(expanded(records_.doubleWord()), format));
+        }
+    }
+
+    /// The saved value. A text comes in a record of its own, later.
+    Value formulaValue(std::size_t format) {
+        const double number = records_.real();
+        const auto bits = std::bit_cast<std::uint64_t>(number);
+        if (bits >> 48 != 0xFFFF) return globals_.number(number, format);
+        constexpr std::uint8_t kText = 0;
+        constexpr std::uint8_t kTruth = 1;
+        const auto kind = static_cast<std::uint8_t>(bits);
+        if (kind == kText) waiting_ = Cell{row_, column_, Null()};
+        return kind == kTruth ? Value((bits >> 16 & 0xFF) != 0) : Value();
+    }
+
+    static Value textOrNull(std::string text) { return text.empty() ? Value() : Value(std::move(text)); }
+
+    void add(std::uint16_t row, std::uint16_t column, Value value) {
+        if (isNull(value)) return;
+        if (cells_.size() == kMostCells) refuse("The sheet has too many cells.");
+        cells_.push_back({row, column, std::move(value)});
+    }
+
+    BiffRecords& records_;
+    const Globals& globals_;
+    std::vector<Cell> cells_;
+    std::uint16_t row_ = 0;
+    std::uint16_t column_ = 0;
+    std::optional<Cell> waiting_;  ///< the cell of a formula whose text has not come yet
 };
-
-Value dateOrText(std::string text) {
-    if (const auto date = Date::fromIso(std::string_view(text).substr(0, 10))) return *date;
-    return text;
-}
-
-Value textOrNull(std::string text) {
-    if (text.empty()) return Null();
-    return text;
-}
-
-/// Judges the result of the library.
-void checkEnd(int result) {
-    switch (result) {
-        case FREEXL_OK:
-            return;
-        case FREEXL_BIFF_OBFUSCATED:
-            throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
-        case FREEXL_BIFF_WORKBOOK_NOT_FOUND:
-            refuse("The file is not a workbook.");
-        case FREEXL_BIFF_ILLEGAL_SHEET_INDEX:
-            refuse("The workbook has no sheets.");
-        case FREEXL_INSUFFICIENT_MEMORY:
-            refuse("The workbook needs too much memory; it may be damaged.");
-        default:
-            refuse("The workbook is damaged (" + std::to_string(result) + ").");
-    }
-}
 
 }  // namespace
 
 void readXlsRows(const std::filesystem::path& file, const std::function<void(std::span<const Value> row)>& row) {
-    Child child(file);
-    std::vector<Value> cells;
-    for (;;) {
-        switch (child.mark()) {
-            case Mark::Null:
-                cells.emplace_back();
-                break;
-            case Mark::Number:
-                cells.emplace_back(child.number<double>());
-                break;
-            case Mark::Text:
-                cells.push_back(textOrNull(child.text()));
-                break;
-            case Mark::Date:
-                cells.push_back(dateOrText(child.text()));
-                break;
-            case Mark::RowEnd:
-                while (!cells.empty() && isNull(cells.back())) cells.pop_back();
-                if (!cells.empty()) row(cells);
-                cells.clear();
-                break;
-            case Mark::End:
-                return checkEnd(child.number<int>());
-            default:
-                refuse("The workbook is damaged: its reader broke down.");
-        }
+    constexpr std::size_t kMostColumns = 256;
+    const CompoundFile compound(file);
+    auto stream = compound.stream("Workbook");
+    if (!stream && compound.stream("Book")) refuse("Workbooks from before 1997 cannot be read.");
+    if (!stream) refuse("The file is not a workbook.");
+    BiffRecords records(std::move(*stream));
+    const Globals globals(records);
+    const SheetCells sheet(records, globals);
+
+    std::vector<Value> values;
+    const std::vector<Cell>& cells = sheet.cells();
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (cells[i].column >= kMostColumns) refuse("The sheet has more columns than a sheet can have.");
+        values.resize(cells[i].column + std::size_t{1});
+        values.back() = cells[i].value;
+        if (i + 1 < cells.size() && cells[i + 1].row == cells[i].row) continue;
+        row(values);
+        values.clear();
     }
 }
 
