@@ -83,6 +83,13 @@ std::size_t Descriptor::readAt(std::size_t offset, char* bytes, std::size_t coun
     return done;
 }
 
+void Descriptor::write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+        bytes.remove_prefix(
+            static_cast<std::size_t>(retried([&] { return ::write(descriptor_, bytes.data(), bytes.size()); })));
+    }
+}
+
 void Descriptor::writeAt(std::size_t offset, std::string_view bytes) const {
     while (!bytes.empty()) {
         const ssize_t written =

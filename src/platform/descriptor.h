@@ -28,6 +28,8 @@ class Descriptor {
     std::size_t read(char* bytes, std::size_t count) const;
     /// Reads `count` bytes at an offset, fewer at the end of the file.
     std::size_t readAt(std::size_t offset, char* bytes, std::size_t count) const;
+    /// Writes all bytes behind those written before.
+    void write(std::string_view bytes) const;
     /// Writes all bytes at an offset.
     void writeAt(std::size_t offset, std::string_view bytes) const;
     /// Takes over who may read and write from another file, and its owner as far as the system lets us.

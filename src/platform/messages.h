@@ -34,4 +34,16 @@ class MessagePort {
     virtual void letEventsRun() {}
 };
 
+/// The hourglass while something takes its time.
+class Hourglass {
+  public:
+    explicit Hourglass(MessagePort& port) : port_(port) { port_.hourglass(true); }
+    ~Hourglass() { port_.hourglass(false); }
+    Hourglass(const Hourglass&) = delete;
+    Hourglass& operator=(const Hourglass&) = delete;
+
+  private:
+    MessagePort& port_;
+};
+
 }  // namespace kolmera

@@ -13,6 +13,7 @@
 #include "platform/descriptor.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
+#include "platform/outputfile.h"
 
 namespace kolmera {
 
@@ -86,22 +87,6 @@ void setEntry(std::vector<std::string>& lines, const std::string& section, const
     lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(*behind), newLine);
 }
 
-/// Replaces a file whole or not at all. A symbolic link stays one.
-void replaceFile(const fs::path& file, std::string_view content) {
-    std::error_code ignored;
-    fs::path target = fs::canonical(file, ignored);
-    if (target.empty()) target = file;
-    const fs::path temporary = target.string() + "." + std::to_string(getpid());
-    try {
-        const Descriptor descriptor(temporary, O_WRONLY | O_CREAT | O_TRUNC);
-        descriptor.writeAt(0, content);
-        moveOver(descriptor, temporary, target);
-    } catch (...) {
-        fs::remove(temporary, ignored);
-        throw;
-    }
-}
-
 void createFolders(const fs::path& folder) {
     std::error_code error;
     fs::create_directories(folder, error);
@@ -150,7 +135,9 @@ void SettingsStore::set(const std::string& section, const std::string& key, cons
     std::string content;
     for (const std::string& line : lines) content += line + "\n";
     createFolders(file_.parent_path());
-    replaceFile(file_, content);
+    OutputFile file(file_);
+    file.write(content);
+    file.finish();
     takeOver(lines);
 }
 

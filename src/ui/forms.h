@@ -7,18 +7,6 @@ class QWidget;
 
 namespace kolmera {
 
-/// The hourglass while a form loads.
-class Hourglass {
-  public:
-    explicit Hourglass(MessagePort& port) : port_(port) { port_.hourglass(true); }
-    ~Hourglass() { port_.hourglass(false); }
-    Hourglass(const Hourglass&) = delete;
-    Hourglass& operator=(const Hourglass&) = delete;
-
-  private:
-    MessagePort& port_;
-};
-
 /// What every form does when its controls are made: translates the form, gives controls without a label their tool tip
 /// as the name that screen readers say, and applies the font option.
 void loadForm(Program& program, QWidget& form);

@@ -1,0 +1,316 @@
+#include "discounts/lettereditor.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "db/conversions.h"
+#include "definitions/jobfile.h"
+#include "discounts/lettermessages.h"
+#include "discounts/lettertable.h"
+#include "platform/attempt.h"
+#include "platform/lettercase.h"
+#include "ui/rules/listrows.h"
+
+namespace kolmera {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view kForm = "PrisRab";
+constexpr std::string_view kModule = "KMR";
+constexpr int kReadTitle = 10, kWriteTitle = 11, kAskToReplace = 15, kFileName = 17, kAskToDelete = 20,
+              kDeleteTitle = 21;
+constexpr int kChooseSupplier = 307, kNoNumber = 308, kCannotSave = 309, kCannotShow = 318, kCannotDelete = 319;
+constexpr std::string_view kFileEnding = ".txt";
+
+/// Listens on behalf of the user, who is told by a report at the end.
+using Reported = PassedOverSilently;
+
+/// How many files of a folder are named `beginning`, anything, ".txt".
+int countFiles(const fs::path& folder, std::string_view beginning) {
+    const std::string first = upperCase(beginning);
+    const std::string last = upperCase(kFileEnding);
+    int count = 0;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        const std::string name = upperCase(entry->path().filename().string());
+        if (name.size() >= first.size() + last.size() && name.starts_with(first) && name.ends_with(last)) ++count;
+    }
+    return count;
+}
+
+}  // namespace
+
+LetterEditor::LetterEditor(StartState& state, LanguageTexts& texts, MessageBoxes& boxes, CompanyRegister& companies)
+    : state_(state),
+      texts_(texts),
+      boxes_(boxes),
+      register_(companies),
+      rows_(state.locale),
+      folder_(state.dataFolder()) {}
+
+LetterEditor::~LetterEditor() { closeCompany(); }
+
+void LetterEditor::open(int JobbNr) {
+    companyRows_ = register_.FyllFöretagsLista();
+    std::ranges::move(SqlLayer::SQLServerLista(state_.dataFolder()), std::back_inserter(companyRows_));
+    if (JobbNr < 1) return;
+    PassedOverSilently passedOver;
+    Job job;
+    attempt(passedOver, "KOLMERA.TXT", [&] { job = JobFile(state_.dataFolder()).read(JobbNr).value_or(Job{}); });
+    jobsSupplier_ = trimmed(job.supplier);
+    const int row = rowOfCode(companyRows_, job.company);
+    if (row >= 0) chooseCompany(row);
+}
+
+/// Runs a statement; a failure is shown, with what could not be done in front of it. Returns whether it succeeded.
+bool LetterEditor::tried(int failureText, const std::function<void()>& statement) {
+    try {
+        statement();
+        return true;
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(texts_.ModulText(kModule, failureText) + "\r\n\r\n" + error.description());
+        return false;
+    }
+}
+
+// Company and supplier.
+
+// What the company showed must go before it: another one may not be opened under open recordsets.
+void LetterEditor::closeCompany() {
+    closeLetter();
+    suppliers_.clear();
+    supplierRow_ = -1;
+    state_.sql.FtgDB.reset();
+}
+
+bool LetterEditor::chooseCompany(int row) {
+    closeCompany();
+    companyRow_ = row;
+    FtgFil_ = codeOfRow(companyRows_.at(static_cast<std::size_t>(row))).value_or("");
+    if (!register_.ÖppnaDatabas(FtgFil_)) return false;
+    tried(kCannotShow, [this] { suppliers_ = readSuppliers(state_.sql); });
+    if (!jobsSupplier_.empty()) chooseSupplier(rowOfSupplier(suppliers_, jobsSupplier_));
+    return true;
+}
+
+void LetterEditor::chooseSupplier(int row) {
+    closeLetter();
+    supplierRow_ = row >= 0 && row < static_cast<int>(suppliers_.size()) ? row : -1;
+    if (supplierRow_ >= 0) openLetter();
+}
+
+const SupplierRow& LetterEditor::supplier() const { return suppliers_.at(static_cast<std::size_t>(supplierRow_)); }
+
+std::string LetterEditor::captionSuffix() const {
+    return supplierRow_ < 0 ? std::string() : " - " + supplier().number + " - " + supplier().searchName;
+}
+
+void LetterEditor::closeLetter() {
+    letter_.reset();
+    rows_.clear();
+    row_ = -1;
+    clearFields();
+}
+
+void LetterEditor::openLetter() {
+    closeLetter();
+    tried(kCannotShow, [this] {
+        letter_ = state_.sql.SQLÖppnaRs(lettertable::letterOf(supplier().number), RecordsetType::Dynaset);
+        for (; !letter_->eof(); letter_->moveNext()) rows_.append(*letter_);
+    });
+}
+
+// The edit fields.
+
+void LetterEditor::clearFields() {
+    fields_ = {};
+    total_.clear();
+    changed_ = false;
+}
+
+void LetterEditor::chooseRow(int row) {
+    row_ = row >= 0 && row < rows_.count() ? row : -1;
+    if (row_ < 0 || !letter_) return;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "chooseRow", [this] {
+        letter_->findFirst(fmt::format("[ID] = {}", rows_.id(row_)));
+        if (!letter_->noMatch()) showGroup();
+    });
+}
+
+/// Fills the fields from the current record.
+void LetterEditor::showGroup() {
+    for (int number = 0; number < kFields; ++number) {
+        const int column = lettertable::kCode + number;
+        const FieldType type = letter_->fields().at(static_cast<std::size_t>(column)).type;
+        fields_.at(static_cast<std::size_t>(number)) = TillText(letter_->value(column), type, state_.locale);
+    }
+    total_ = TotalRabattText();
+    changed_ = false;
+}
+
+void LetterEditor::edit(int number, std::string text) {
+    fields_.at(static_cast<std::size_t>(number)) = std::move(text);
+    changed_ = true;
+}
+
+void LetterEditor::leave(int number) {
+    if (!std::exchange(changed_, false)) return;
+    if (number != 0) {
+        total_ = TotalRabattText();
+        return;
+    }
+    PassedOverSilently passedOver;
+    attempt(passedOver, "SökPost", [this] {
+        if (!find(field(0))) return;
+        row_ = rows_.rowOf(lettertable::idOf(*letter_));
+        showGroup();
+    });
+}
+
+std::string LetterEditor::TotalRabattText() const {
+    std::array<float, kDiscountSteps> discounts{};
+    for (int step = 0; step < kDiscountSteps; ++step) {
+        discounts.at(static_cast<std::size_t>(step)) = TillSng(field(step + 1), state_.locale);
+    }
+    return state_.locale.formatFixed(kolmera::TotalRabatt(discounts), 2);
+}
+
+/// Makes the supplier's group of that code the current record; false when there is none.
+bool LetterEditor::find(std::string_view code) {
+    if (!letter_ || code.empty()) return false;
+    letter_->findFirst("Rabattgrupp = " + SqlLayer::SQLText(code));
+    return !letter_->noMatch();
+}
+
+/// The first discount field whose text is neither empty nor a number.
+std::optional<int> LetterEditor::wrongDiscount() const {
+    for (int number = 1; number < kFields; ++number) {
+        if (!trimmed(field(number)).empty() && !state_.locale.parseNumber(field(number))) return number;
+    }
+    return std::nullopt;
+}
+
+std::optional<int> LetterEditor::Spara() {
+    if (trimmed(field(0)).empty() || !canRead()) return std::nullopt;
+    if (const auto wrong = wrongDiscount()) {
+        boxes_.MeddelandeVarning(texts_.ModulTextMed(kModule, kNoNumber, field(*wrong)));
+        return wrong;
+    }
+    if (!tried(kCannotSave, [this] { saveGroup(); })) {
+        letter_->cancelUpdate();
+        return std::nullopt;
+    }
+    clearFields();
+    return 0;
+}
+
+void LetterEditor::saveGroup() {
+    const bool exists = find(field(0));
+    if (exists) {
+        letter_->edit();
+    } else {
+        letter_->addNew();
+        letter_->set(lettertable::kSupplier, supplier().number);
+    }
+    letter_->set(lettertable::kCode, field(0));
+    for (int number = 1; number < kFields; ++number) {
+        const auto discount = state_.locale.parseNumber(field(number));
+        letter_->set(lettertable::kCode + number, discount ? Value(*discount) : Value(Null()));
+    }
+    letter_->update();
+    if (!exists) letter_->moveToModified();
+    if (const int old = rows_.rowOf(lettertable::idOf(*letter_)); old >= 0) rows_.remove(old);
+    rows_.append(*letter_);
+    row_ = rows_.count() - 1;
+}
+
+void LetterEditor::Avbryt() { clearFields(); }
+
+void LetterEditor::TaBort() {
+    if (!canDelete()) return;
+    tried(kCannotDelete, [this] {
+        if (!find(field(0))) return;
+        if (boxes_.MeddelandeJaNejNej(texts_.FormulärSträngMed1(kForm, kAskToDelete, field(0)),
+                                      texts_.FormulärSträng(kForm, kDeleteTitle)) != Answer::Yes) {
+            return;
+        }
+        const int row = rows_.rowOf(lettertable::idOf(*letter_));
+        letter_->remove();
+        if (row >= 0) rows_.remove(row);
+        row_ = -1;
+        clearFields();
+    });
+}
+
+// Files.
+
+bool LetterEditor::canRead() {
+    if (letter_) return true;
+    boxes_.MeddelandeInfo(texts_.ModulText(kModule, kChooseSupplier));
+    return false;
+}
+
+void LetterEditor::LäsFil(const fs::path& file) {
+    if (!canRead()) return;
+    folder_ = file.parent_path();
+    Reported passedOver;
+    LetterExchange exchange(state_.sql, supplier().number, passedOver);
+    if (!mayReplace(exchange, file)) return;
+    const std::string title = texts_.FormulärSträng(kForm, kReadTitle);
+    LetterRead report;
+    closeLetter();
+    try {
+        const Hourglass reading(boxes_.port());
+        exchange.deleteLetter();
+        report = exchange.readFrom(file);
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(readingStopped(texts_, error), title);
+    }
+    openLetter();
+    const std::vector<std::string> lines = remarks(texts_, report);
+    if (!lines.empty()) boxes_.MeddelandeVarning(fmt::format("{}", fmt::join(lines, "\r\n\r\n")), title);
+}
+
+/// Whether the file can be read to its end, and the user agrees to lose the letter that is there.
+bool LetterEditor::mayReplace(LetterExchange& exchange, const fs::path& file) {
+    const std::string title = texts_.FormulärSträng(kForm, kReadTitle);
+    try {
+        const Hourglass checking(boxes_.port());
+        if (exchange.usableLines(file) == 0) {
+            boxes_.MeddelandeVarning(noGroups(texts_, file), title);
+            return false;
+        }
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(readingFailed(texts_, file, error), title);
+        return false;
+    }
+    return rows_.empty() || boxes_.MeddelandeOKAvbryt(texts_.FormulärSträng(kForm, kAskToReplace), title) == Answer::OK;
+}
+
+fs::path LetterEditor::proposedFile() const {
+    const std::string beginning = texts_.FormulärSträng(kForm, kFileName);
+    return folder_ / fmt::format("{}{}{}", beginning, countFiles(folder_, beginning) + 1, kFileEnding);
+}
+
+void LetterEditor::SkapaFil(const fs::path& file) {
+    if (!canWrite()) return;
+    folder_ = file.parent_path();
+    const std::string title = texts_.FormulärSträng(kForm, kWriteTitle);
+    Reported passedOver;
+    try {
+        LetterWritten report;
+        {
+            const Hourglass writing(boxes_.port());
+            report = LetterExchange(state_.sql, supplier().number, passedOver).writeTo(file);
+        }
+        for (const std::string& line : remarks(texts_, report)) boxes_.MeddelandeVarning(line, title);
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(writingFailed(texts_, file, error), title);
+    }
+}
+
+}  // namespace kolmera

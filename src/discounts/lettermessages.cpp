@@ -1,0 +1,62 @@
+#include "discounts/lettermessages.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kModule = "KMR";
+constexpr int kCannotOpenFile = 1502;
+constexpr int kDatabaseStopped = 111, kDiskFullStopped = 112, kCannotSaveFile = 124;
+constexpr int kUnwritableSheet = 130, kUnreadableSheet = 131;
+constexpr int kLinesPassedOver = 304, kNotNumbers = 305, kNoGroups = 306, kQuestionMarks = 310;
+constexpr std::string_view kParagraph = "\r\n\r\n";
+
+std::string named(std::string text, const std::filesystem::path& file) { return text + " " + file.string() + "."; }
+
+std::string explained(std::string text, const PlatformError& error) {
+    return text.append(kParagraph).append(error.description());
+}
+
+}  // namespace
+
+std::string readingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error) {
+    const bool damagedSheet = isSpreadsheet(file) && error.number() != errors::kFileNotFound;
+    return explained(damagedSheet ? texts.ModulTextMed(kModule, kUnreadableSheet, file.filename().string())
+                                  : named(texts.ResText(kCannotOpenFile), file),
+                     error);
+}
+
+std::string noGroups(LanguageTexts& texts, const std::filesystem::path& file) {
+    return texts.ModulTextMed(kModule, kNoGroups, file.filename().string());
+}
+
+std::string readingStopped(LanguageTexts& texts, const PlatformError& error) {
+    const bool diskFull = error.number() == errors::kDiskFull;
+    return diskFull ? texts.ModulTextMed(kModule, kDiskFullStopped, error.description())
+                    : texts.ModulTextMed(kModule, kDatabaseStopped, error.description());
+}
+
+std::string writingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error) {
+    if (!isSpreadsheet(file)) return explained(named(texts.ResText(kCannotOpenFile), file), error);
+    if (error.number() == errors::kUnwritableFormat) {
+        return texts.ModulTextMed(kModule, kUnwritableSheet, file.filename().string());
+    }
+    return explained(named(texts.ModulText(kModule, kCannotSaveFile), file), error);
+}
+
+std::vector<std::string> remarks(LanguageTexts& texts, const LetterRead& report) {
+    std::vector<std::string> lines;
+    if (report.passedOver.count > 0) {
+        lines.push_back(texts.ModulTextMed(kModule, kLinesPassedOver, report.passedOver.text()));
+    }
+    if (report.notNumbers.count > 0) {
+        lines.push_back(texts.ModulTextMed(kModule, kNotNumbers, report.notNumbers.text()));
+    }
+    return lines;
+}
+
+std::vector<std::string> remarks(LanguageTexts& texts, const LetterWritten& report) {
+    if (report.questionMarks.count == 0) return {};
+    return {texts.ModulTextMed(kModule, kQuestionMarks, report.questionMarks.text())};
+}
+
+}  // namespace kolmera
