@@ -205,13 +205,15 @@ void FileDatabase::insertRows(std::string_view table, std::span<const int> colum
     ColumnSet ascending;  // the order of the statement's parameters
     for (const int column : columns) ascending.add(column);
     SqliteStatement& statement = target.insertStatement(ascending);
+    std::vector<Value> values(columns.size());  // the statement reads texts where they lie
     for (const std::vector<Value>& row : rows) {
         const StatementUse use(statement);
-        int parameter = 0;
+        std::size_t parameter = 0;
         ascending.forEach([&](int column) {
-            Value value = row[static_cast<std::size_t>(std::ranges::find(columns, column) - columns.begin())];
+            Value& value = values[parameter];
+            value = row[static_cast<std::size_t>(std::ranges::find(columns, column) - columns.begin())];
             fitToField(target.field(column), value, session_.locale);
-            statement.bind(++parameter, value);
+            statement.bind(static_cast<int>(++parameter), value);
         });
         statement.step();
     }
