@@ -97,7 +97,7 @@ bool CouplingEditor::change(const std::function<void()>& statement) {
         return true;
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText("KMR", kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{} PRISLEV.TXT.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
         return false;
     }
 }

@@ -161,7 +161,7 @@ void JobEditor::deleteMask() {
         MaskFile(state_.dataFolder()).remove(name);
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{} PRISMASK.TXT.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
     }
     maskRow_ = -1;
     readMasks();
@@ -206,7 +206,7 @@ JobEditor::Outcome JobEditor::save() {
         return {.JobbNr = JobFile(state_.dataFolder()).save(job)};
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{} KOLMERA.TXT.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
         return {};
     }
 }

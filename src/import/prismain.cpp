@@ -194,7 +194,7 @@ void PrisMain::taBort() {
         JobFile(program_.state.dataFolder()).remove(name);
     } catch (const PlatformError& error) {
         program_.boxes.MeddelandeVarning(
-            program_.texts.ModulText("KMR", kSaveFailedText) + " KOLMERA.TXT.\r\n\r\n" + error.description(), title);
+            program_.texts.ModulText("KMR", kSaveFailedText) + ".\r\n\r\n" + error.description(), title);
     }
     FyllJobbLista(0);
 }

@@ -20,6 +20,18 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::string_view kBuffer = "BUFFER.TXT";
+
+/// Names the file in an error of the statement: the system's text does not.
+template <typename Statement>
+auto naming(std::string_view file, Statement&& statement) {
+    try {
+        return statement();
+    } catch (const PlatformError& error) {
+        throw PlatformError(error.number(), std::string(file) + ": " + error.description(), error.endsRun());
+    }
+}
+
 /// The file itself, found without regard to letter case.
 fs::path existingName(const fs::path& file) { return findWithoutCase(file.parent_path(), file.filename().string()); }
 
@@ -90,8 +102,8 @@ void Record::setNumber(RecordField field, int number) {
 RecordFile::RecordFile(const fs::path& file, const RecordLayout& layout, Mode mode) : layout_(layout) {
     const fs::path existing = existingName(file);
     if (mode == Mode::ReadWrite) {
-        descriptor_ = Descriptor(existing, O_RDWR | O_CREAT);
-    } else if (auto opened = openForReading(existing)) {
+        descriptor_ = naming(layout.file, [&] { return Descriptor(existing, O_RDWR | O_CREAT); });
+    } else if (auto opened = naming(layout.file, [&] { return openForReading(existing); })) {
         descriptor_ = std::move(*opened);
     }
 }
@@ -109,14 +121,15 @@ int RecordFile::surplus() const {
 Record RecordFile::read(int number) const {
     if (number < 1 || number > count()) return Record(layout_);
     std::string bytes(lengthOf(layout_), ' ');
-    bytes.resize(descriptor_.readAt(offsetOf(layout_, number), bytes.data(), bytes.size()));
+    const std::size_t offset = offsetOf(layout_, number);
+    bytes.resize(naming(layout_.file, [&] { return descriptor_.readAt(offset, bytes.data(), bytes.size()); }));
     return Record(layout_, std::move(bytes));
 }
 
 void RecordFile::write(int number, const Record& record) {
     if (number < 1)
         throw PlatformError(errors::kNoCurrentRecord, std::string(layout_.file) + ": " + std::to_string(number));
-    descriptor_.writeAt(offsetOf(layout_, number), record.bytes());
+    naming(layout_.file, [&] { descriptor_.writeAt(offsetOf(layout_, number), record.bytes()); });
 }
 
 int RecordFile::append(const Record& record) {
@@ -135,9 +148,10 @@ int copyKept(const Descriptor& old, const Descriptor& buffer, const RecordLayout
     std::size_t end = 0;
     int removed = 0;
     for (int number = 1;; ++number) {
-        const std::size_t got = old.readAt(offsetOf(layout, number), bytes.data(), bytes.size());
+        const std::size_t got =
+            naming(layout.file, [&] { return old.readAt(offsetOf(layout, number), bytes.data(), bytes.size()); });
         if (got < bytes.size()) {
-            buffer.writeAt(end, std::string_view(bytes).substr(0, got));
+            naming(kBuffer, [&] { buffer.writeAt(end, std::string_view(bytes).substr(0, got)); });
             return removed;
         }
         Record record(layout, bytes);
@@ -145,7 +159,7 @@ int copyKept(const Descriptor& old, const Descriptor& buffer, const RecordLayout
             ++removed;
             continue;
         }
-        buffer.writeAt(end, record.bytes());
+        naming(kBuffer, [&] { buffer.writeAt(end, record.bytes()); });
         end += bytes.size();
     }
 }
@@ -155,13 +169,15 @@ int copyKept(const Descriptor& old, const Descriptor& buffer, const RecordLayout
 int rewriteRecords(const fs::path& file, const RecordLayout& layout,
                    const std::function<bool(int number, Record& record)>& keep) {
     const fs::path existing = existingName(file);
-    const fs::path bufferName = findWithoutCase(file.parent_path(), "BUFFER.TXT");
-    const Descriptor old(existing, O_RDWR | O_CREAT);
+    const fs::path bufferName = findWithoutCase(file.parent_path(), std::string(kBuffer));
+    const Descriptor old = naming(layout.file, [&] { return Descriptor(existing, O_RDWR | O_CREAT); });
     try {
-        const Descriptor buffer(bufferName, O_RDWR | O_CREAT | O_TRUNC);
+        const Descriptor buffer = naming(kBuffer, [&] { return Descriptor(bufferName, O_RDWR | O_CREAT | O_TRUNC); });
         const int removed = copyKept(old, buffer, layout, keep);
-        buffer.copyRights(old);
-        moveOver(buffer, bufferName, existing);
+        naming(layout.file, [&] {
+            buffer.copyRights(old);
+            moveOver(buffer, bufferName, existing);
+        });
         return removed;
     } catch (...) {
         std::error_code ignored;

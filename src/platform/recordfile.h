@@ -67,7 +67,7 @@ class Record {
 
 /// A random-access file of fixed-length records numbered from 1, as the suite keeps its settings and definitions.
 /// The name is found without regard to letter case. Open, use and close within one operation; there is no locking.
-/// Errors are PlatformError with the system's text.
+/// Errors are PlatformError with the file's name and the system's text.
 class RecordFile {
   public:
     /// Both create a missing file empty. Where the folder cannot be written, it reads as empty in mode Read and is an

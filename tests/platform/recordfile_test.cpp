@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <functional>
 
 #include "platform/error.h"
 #include "platform/restrictedpath.h"
@@ -140,6 +141,32 @@ TEST_F(RecordFileTest, AFolderThatCannotBeEnteredIsNotEmpty) {
     fill({"Bo"});
     const test::RestrictedPath closed(folder.path(), 0);
     EXPECT_EQ(errorOf([&] { RecordFile(path, kLayout, RecordFile::Mode::Read); }), errors::kInternal);
+}
+
+TEST_F(RecordFileTest, ErrorsNameTheFile) {
+    fill({"Bo"});
+    std::filesystem::create_directory(folder / "folder");
+    std::filesystem::create_directory(folder / "BUFFER.TXT");
+    const struct {
+        const char* fault;
+        std::function<void()> statement;
+        const char* file;
+    } cases[] = {
+        {"read", [&] { RecordFile(folder / "folder", kLayout, RecordFile::Mode::Read); }, "PEOPLE.TXT: "},
+        {"changed", [&] { RecordFile(folder / "folder", kLayout); }, "PEOPLE.TXT: "},
+        {"rewritten", [&] { rewriteRecords(folder / "folder", kLayout, {}); }, "PEOPLE.TXT: "},
+        {"buffered", [&] { rewriteRecords(path, kLayout, {}); }, "BUFFER.TXT: "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        std::string description;
+        try {
+            c.statement();
+        } catch (const PlatformError& error) {
+            description = error.description();
+        }
+        EXPECT_TRUE(description.starts_with(c.file)) << description;
+    }
 }
 
 TEST_F(RecordFileTest, RewriteDropsAndChanges) {
