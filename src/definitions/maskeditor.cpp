@@ -65,6 +65,10 @@ void MaskEditor::load(int maskNumber) {
         mask_.Postlängd = "100";
     }
     if (mask_.FilTyp != 'F' && mask_.FilTyp != 'T') mask_.FilTyp = 'P';
+    // What is neither yes nor no is shown as no, and saved as it is shown.
+    for (char* answer : {&mask_.Tecken, &mask_.SkapaNya, &mask_.UppdatLev}) {
+        if (*answer != 'J') *answer = 'N';
+    }
 }
 
 std::string MaskEditor::caption() const {
@@ -119,8 +123,11 @@ SourceFields MaskEditor::cutSample() {
     switch (mask_.FilTyp) {
         case 'F':
             return linesOf(sample_, typedNumber(mask_.AntalRader), page);
-        case 'T':
-            return columnsOf(sample_, page);
+        case 'T': {
+            SourceColumns columns = columnsOf(sample_, page);
+            mask_.AntalKolumner = columns.count;
+            return std::move(columns.fields);
+        }
         default:
             return piecesOf(sample_, typedNumber(mask_.Postlängd), pieces(), page);
     }
@@ -132,7 +139,6 @@ void MaskEditor::readSources() {
     if (sample_.empty()) return;
     PassedOverSilently passedOver;
     attempt(passedOver, "sample", [this] { sources_ = cutSample(); });
-    if (mask_.FilTyp == 'T' && !sources_.empty()) mask_.AntalKolumner = static_cast<int>(sources_.size());
     if (mask_.FilTyp == 'P') chooseSource(static_cast<int>(sources_.size()) - 1);
 }
 
@@ -260,7 +266,7 @@ MaskEditor::Saved MaskEditor::save() {
         return Saved::Yes;
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{} PRISMASK.TXT.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
         return Saved::Failed;
     }
 }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "platform/lettercase.h"
 #include "platform/locale.h"
 #include "platform/pricefile.h"
 
@@ -19,8 +18,11 @@ std::string printable(std::string text) {
     return text;
 }
 
+// A file without line ends is one field, of any size: a row shows its beginning.
 void add(SourceFields& fields, std::string_view bytes, CodePage page, Piece piece = {}) {
-    fields.push_back({fmt::format("{:2}.\t{}", fields.size() + 1, printable(toUtf8(bytes, page))), piece});
+    constexpr std::size_t kShownBytes = 500;
+    const std::string shown = printable(toUtf8(bytes.substr(0, kShownBytes), page));
+    fields.push_back({fmt::format("{:2}.\t{}", fields.size() + 1, shown), piece});
 }
 
 std::string_view cut(std::string_view record, Piece piece) {
@@ -38,15 +40,20 @@ Piece restOf(std::string_view record, std::span<const Piece> pieces) {
 SourceFields linesOf(const std::filesystem::path& sample, int lines, CodePage page) {
     PriceFile file(sample);
     SourceFields fields;
-    for (int line = 0; line < lines; ++line) add(fields, file.line(), page);
+    for (int line = 0; line < std::min(lines, kMostSources); ++line) add(fields, file.line(), page);
     return fields;
 }
 
-SourceFields columnsOf(const std::filesystem::path& sample, CodePage page) {
+SourceColumns columnsOf(const std::filesystem::path& sample, CodePage page) {
     PriceFile file(sample);
-    SourceFields fields;
-    for (const std::string& column : split(file.line(), "\t")) add(fields, column, page);
-    return fields;
+    std::string_view line = file.line();
+    SourceColumns columns{.fields = {}, .count = 1 + static_cast<int>(std::ranges::count(line, '\t'))};
+    for (int column = std::min(columns.count, kMostSources); column > 0; --column) {
+        const std::size_t length = std::min(line.find('\t'), line.size());
+        add(columns.fields, line.substr(0, length), page);
+        line.remove_prefix(std::min(length + 1, line.size()));
+    }
+    return columns;
 }
 
 SourceFields piecesOf(const std::filesystem::path& sample, int length, std::span<const Piece> pieces, CodePage page) {

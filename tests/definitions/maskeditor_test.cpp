@@ -109,6 +109,7 @@ TEST_F(MaskEditorTest, NamesColumnsInTheProgramsLanguage) {
 // The source list.
 
 TEST_F(MaskEditorTest, CutsTheSampleAsTheUserTypes) {
+    const std::string lines(100'000, 'x');
     const struct {
         const char* fault;
         std::string_view sample;
@@ -122,6 +123,7 @@ TEST_F(MaskEditorTest, CutsTheSampleAsTheUserTypes) {
         {"line ends end a fixed record", "ab\r\ncdef", 'P', 'N', "6", {" 1.\tab  cd"}},
         {"a short file is read beyond its end", "ab", 'P', 'N', "6", {" 1.\tab"}},
         {"DOS letters taken for Windows ones", "\x86\x84\x94\r\n", 'T', 'J', "", {" 1.\tåäö"}},
+        {"a row of a whole file without line ends", lines, 'F', 'N', "1", {" 1.\t" + std::string(500, 'x')}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
@@ -141,6 +143,10 @@ TEST_F(MaskEditorTest, CountsTheColumnsOfTheLastTabSample) {
     EXPECT_EQ(editor->mask().AntalKolumner, 3);
     editor->setFilTyp('F');
     EXPECT_EQ(editor->mask().AntalKolumner, 3);
+    open(std::string(1200, '\t'));
+    editor->setFilTyp('T');
+    EXPECT_EQ(editor->mask().AntalKolumner, 1201);
+    EXPECT_EQ(sources().size(), 999U) << "a source that a relation's three digits cannot hold";
 }
 
 TEST_F(MaskEditorTest, ContinuesAFixedRecordWhereTheLastPieceEnded) {
@@ -317,6 +323,17 @@ TEST_F(MaskEditorTest, SavesAndOpensAgain) {
         EXPECT_THAT(stored(1), ElementsAre("1>1 US", "2>6 UI")) << "a second set of relations";
     }
     EXPECT_EQ(MaskFile(world.data()).all().size(), 1U);
+}
+
+TEST_F(MaskEditorTest, SavesAnswersAsTheyAreShown) {
+    Mask other;
+    other.Namn = "Annan";
+    other.FilTyp = other.Tecken = other.SkapaNya = other.UppdatLev = ' ';
+    MaskFile(world.data()).save(other, {});
+    open("a\r\n", 1);
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes);
+    const Mask mask = MaskFile(world.data()).all().front();
+    EXPECT_EQ((std::string{mask.FilTyp, mask.Tecken, mask.SkapaNya, mask.UppdatLev}), "PNNN");
 }
 
 TEST_F(MaskEditorTest, NamesTheSampleOfANewMask) {
