@@ -15,10 +15,10 @@ struct RowTexts {
     std::string missing, removable, cd, tradeFormat, mask;
 };
 
-// The day on which the file was changed last, in the user's time zone.
+// The day on which the file was changed last, in the user's time zone. A folder is no price file.
 std::optional<Date> dayOfChange(const std::filesystem::path& file) {
     struct stat status {};
-    if (stat(file.c_str(), &status) != 0) return std::nullopt;
+    if (stat(file.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return std::nullopt;
     std::tm local{};
     if (localtime_r(&status.st_mtime, &local) == nullptr) return std::nullopt;
     return Date::fromCivil(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
