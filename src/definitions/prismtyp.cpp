@@ -315,6 +315,7 @@ void PrisMTyp::connectButtons() {
     connect(skapa_, &QPushButton::clicked, this, [this] {
         editor_.createRelation();
         present();
+        relationer_->scrollToBottom();  // where the new one stands
     });
     connect(tabort_, &QPushButton::clicked, this, [this] {
         editor_.removeRelation();
