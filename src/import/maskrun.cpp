@@ -55,11 +55,15 @@ void MaskRun::run() {
 }
 
 bool MaskRun::loadMask() {
-    const MaskFile masks(machinery_.context().state.dataFolder());
-    if (const auto mask = masks.find(job_.mask)) {
+    bool found = false;
+    const bool read = machinery_.readDefinitions([&] {
+        const MaskFile masks(machinery_.context().state.dataFolder());
+        const auto mask = masks.find(job_.mask);
+        if (!mask) return;
         mask_ = LoadedMask(*mask, masks.relations(mask->number));
-        return true;
-    }
+        found = true;
+    });
+    if (!read || found) return read;
     machinery_.offerJobSettings(texts_.FormulärSträngMed1("PrisMain", 30, job_.mask),
                                 texts_.FormulärSträng("PrisMain", 31));
     return false;
@@ -146,6 +150,7 @@ void MaskRun::readRecords() {
     machinery_.port().status(texts_.FormulärSträng("PrisMain", 28));
     RecordImport import(mask_, job_.supplier, machinery_.context(), tables_, machinery_.summary());
     RecordReader reader(machinery_.priceFile(), mask_);
+    if (mask_.layout != LoadedMask::Layout::Fixed) machinery_.checkLineEnds();
     BatchTransaction transaction(*sql_.FtgDB);
     while (reader.next()) {
         import.import(reader.entries());

@@ -30,12 +30,25 @@ RunMachinery::~RunMachinery() {
 
 // The job and its company.
 
-void RunMachinery::HämtaKolmeraData() {
-    if (auto job = JobFile(context_.state.dataFolder()).read(context_.JobbNr)) job_ = std::move(*job);
+bool RunMachinery::readDefinitions(const std::function<void()>& statement) {
+    try {
+        statement();
+        return true;
+    } catch (const PlatformError& error) {
+        warn(texts().ModulTextMed("KMR", 320, error.description()), texts().ModulText("KMR", 100));
+        return false;
+    }
+}
+
+bool RunMachinery::HämtaKolmeraData() {
+    const bool read = readDefinitions([this] {
+        if (auto job = JobFile(context_.state.dataFolder()).read(context_.JobbNr)) job_ = std::move(*job);
+    });
     job_.company = properCase(job_.company);
     job_.fromGroup = upperCase(job_.fromGroup);
     job_.toGroup = upperCase(job_.toGroup);
     progressLabel_ = texts().FormulärSträng("PrisMain", 29) + " ";
+    return read;
 }
 
 bool RunMachinery::openCompany() {
@@ -134,6 +147,17 @@ bool RunMachinery::openPriceFile() {
     }
 }
 
+void RunMachinery::checkLineEnds() {
+    constexpr std::uint64_t kOneLine = 1000;  ///< bytes; a file of no more may well be a single line
+    if (priceFile_->size() <= kOneLine) return;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "checkLineEnds", [this] {
+        PriceFile file(priceFilePath_);
+        const bool lineFeeds = file.line().find('\n') != std::string_view::npos;
+        readAsOneLine_ = lineFeeds && file.atEnd();
+    });
+}
+
 // During the run.
 
 void RunMachinery::Körläge(bool on) {
@@ -214,8 +238,7 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
     std::optional<RunMachinery> run(std::in_place, context, jobText);
     context.port.clearCancel();  // what was cancelled before is not this run
     try {
-        run->HämtaKolmeraData();
-        steps(*run);
+        if (run->HämtaKolmeraData()) steps(*run);
     } catch (const PlatformError& error) {
         // Giving up a lock that another program holds is how Cancel is obeyed there.
         run->summary().cancelled = error.number() == errors::kLocked && context.port.cancelled();
@@ -223,9 +246,15 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
     }
     const RunSummary summary = run->summary();
     const std::string company = run->job().company;
+    const std::string priceFile = run->job().priceFile;
     const bool jobSettings = run->wantsJobSettings();
+    const bool oneLine = run->readAsOneLine() && !ended && !summary.cancelled;
     run.reset();
     if (ended) tellWhatEndedTheRun(context, company, *ended);
+    if (oneLine) {
+        context.boxes.MeddelandeVarning(context.texts.ModulTextMed("KMR", 321, priceFile),
+                                        context.texts.ModulText("KMR", 322));
+    }
     if (jobSettings) context.port.openJobSettings();
     return summary;
 }

@@ -36,7 +36,9 @@ class RunMachinery {
 
     // The job and its company.
     /// Loads the current job; company in proper case, product groups in upper case. No such record: an empty job.
-    void HämtaKolmeraData();
+    [[nodiscard]] bool HämtaKolmeraData();
+    /// Runs a statement that reads a file of definitions.
+    [[nodiscard]] bool readDefinitions(const std::function<void()>& statement);
     [[nodiscard]] const Job& job() const { return job_; }
     [[nodiscard]] bool openCompany();
 
@@ -62,6 +64,9 @@ class RunMachinery {
     [[nodiscard]] bool openPriceFile();
     [[nodiscard]] const std::filesystem::path& priceFilePath() const { return priceFilePath_; }
     [[nodiscard]] PriceFile& priceFile() { return *priceFile_; }
+    /// For files that are read by lines: notes when the open file has line feeds where it should have line ends.
+    void checkLineEnds();
+    [[nodiscard]] bool readAsOneLine() const { return readAsOneLine_; }
 
     // During the run.
     void Körläge(bool on);
@@ -93,10 +98,12 @@ class RunMachinery {
     bool runMode_ = false;
     bool emptyTables_ = false;
     bool wantsJobSettings_ = false;
+    bool readAsOneLine_ = false;
 };
 
 /// Carries out the steps of one run: loads the job, runs `steps` to their end or first stop, closes down, and then
-/// tells of an error that ended the run or opens the job's settings. Nothing is raised.
+/// tells of an error that ended the run or of a file that was read as one line, or opens the job's settings. Nothing is
+/// raised.
 RunSummary carryOut(ImportContext& context, std::string_view jobText, const std::function<void(RunMachinery&)>& steps);
 
 }  // namespace kolmera

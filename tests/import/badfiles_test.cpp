@@ -45,6 +45,37 @@ TEST(BadFiles, GiveWhatCanBeRead) {
     }
 }
 
+TEST(BadFiles, TellOfLineFeedsWhereLinesShouldEnd) {
+    const auto lines = [](std::string_view end) {
+        std::string file;
+        for (int line = 0; line < 200; ++line) file += std::string("AB\tSpik").append(end);
+        return file;
+    };
+    const struct {
+        const char* fault;
+        const MaskSpec& mask;
+        std::string file;
+        bool told;
+    } cases[] = {
+        {"nothing said of a file that is one line", kTabs, lines("\n"), true},
+        {"the same of a record of lines", kLines, lines("\n"), true},
+        {"a file with line ends blamed", kTabs, lines("\r\n"), false},
+        {"a line feed in a text blamed", kTabs, "A\tSpik\n\r\n" + lines("\r\n"), false},
+        {"a single long line blamed", kTabs, lines(" "), false},
+        {"a short text of one line blamed", kTabs, "A\tSpik\nlång", false},
+        {"a layout without lines blamed", kFixed, lines("\n"), false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        World world;
+        world.mask(c.mask);
+        world.rawPriceFile(c.file);
+        LanguageTexts& texts = world.texts();
+        if (c.told) world.port.expect(texts.ModulTextMed("KMR", 321, "pris.txt"), texts.ModulText("KMR", 322));
+        EXPECT_TRUE(world.run().completed);
+    }
+}
+
 TEST(BadFiles, TextsThatLookLikeStatements) {
     World world;
     world.mask({.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Alternativ 1"}, {3, "0", 'R'}}});

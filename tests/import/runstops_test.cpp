@@ -46,6 +46,13 @@ TEST(RunStops, EachWithItsMessage) {
              appendRelation(w, "00200100100000000US1");
              w.port.expect(withMask(w, 32), w.text(33));
          }},
+        {"a file of masks that cannot be read",
+         [](World& w) {
+             std::filesystem::remove(w.data() / "PRISMASK.TXT");
+             std::filesystem::create_directory(w.data() / "PRISMASK.TXT");
+             w.port.expect(w.texts().ModulTextMed("KMR", 320, "PRISMASK.TXT: Is a directory"),
+                           w.texts().ModulText("KMR", 100));
+         }},
         {"no search key",
          [](World& w) {
              w.mask({.relations = {{1, "Nummer"}, {2, "Vikt"}}});

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <thread>
 
+#include "platform/lettercase.h"
 #include "tradeformats/tradeworld.h"
 
 namespace kolmera::test {
@@ -56,6 +57,22 @@ TEST(TradeRun, StopsWithoutCoupledSupplier) {
                       world.text(25));
     EXPECT_FALSE(world.run().completed);
     EXPECT_TRUE(world.port.confirmations.empty());
+}
+
+TEST(TradeRun, StopsWhenTheCouplingsCannotBeRead) {
+    TradeWorld world("(EIO)");
+    std::filesystem::remove(world.data() / "PRISLEV.TXT");
+    std::filesystem::create_directory(world.data() / "PRISLEV.TXT");
+    world.port.expect(world.texts().ModulTextMed("KMR", 320, "PRISLEV.TXT: Is a directory"),
+                      world.texts().ModulText("KMR", 100));
+    EXPECT_FALSE(world.run().completed);
+}
+
+TEST(TradeRun, TellsOfLineFeedsWhereLinesShouldEnd) {
+    TradeWorld world("(EIO)");
+    world.rawPriceFile(replaceAll(eioFile(100), "\r", ""));
+    world.port.expect(world.texts().ModulTextMed("KMR", 321, "pris.txt"), world.texts().ModulText("KMR", 322));
+    EXPECT_EQ(world.run().records, 1);
 }
 
 TEST(TradeRun, TouchesNothingUnlessConfirmed) {

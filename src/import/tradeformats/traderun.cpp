@@ -79,6 +79,7 @@ void readLines(RunMachinery& run, TradeFormat& format) {
     constexpr std::int64_t kRecordsPerBatch = 25;
     RunSummary& summary = run.summary();
     PriceFile& file = run.priceFile();
+    run.checkLineEnds();
     BatchTransaction transaction(*run.sql().FtgDB);
     std::int64_t written = 0;
     while (!file.atEnd()) {
@@ -129,8 +130,10 @@ void runTradeFormat(RunMachinery& run, const TradeJob& job) {
     if (!run.openCompany()) return;
     CompanyTables company(run);
     const std::string heading = run.heading(*company.settings);
-    auto suppliers =
-        coupledSuppliers(CouplingFile(run.context().state.dataFolder()).ofJob(job.name), run.sql(), run.port());
+    std::vector<Coupling> couplings;
+    if (!run.readDefinitions([&] { couplings = CouplingFile(run.context().state.dataFolder()).ofJob(job.name); }))
+        return;
+    auto suppliers = coupledSuppliers(couplings, run.sql(), run.port());
     if (suppliers.empty()) return warnNoCoupling(run, heading);
 
     ProductRows products(run.sql(), run.port());
