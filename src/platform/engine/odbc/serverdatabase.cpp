@@ -188,14 +188,10 @@ std::int64_t ServerDatabase::execute(std::string_view statement, std::span<const
     if (isSelect(statement)) {
         throw PlatformError(errors::kInternal, "not an action statement: " + std::string(statement));
     }
-    if (!isTranslated(statement)) {
-        const std::int64_t touched =
-            session_.writeOnce({std::string(statement), {parameters.begin(), parameters.end()}}).touched;
-        session_.startEpoch();
-        return touched;
-    }
     const Tables tables = mentioned(statement);
-    const StatementResult result = session_.write(translated(statement, parameters, tables));
+    const ServerStatement action = translated(statement, parameters, tables);
+    if (!isTranslated(statement)) session_.startEpoch();
+    const StatementResult result = isTranslated(statement) ? session_.write(action) : session_.writeOnce(action);
     for (ServerTable* table : tables) table->noteWrite();
     return result.touched;
 }

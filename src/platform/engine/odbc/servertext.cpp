@@ -12,6 +12,9 @@ namespace {
 
 constexpr std::string_view kTranslated[] = {"SELECT", "INSERT", "UPDATE", "DELETE"};
 
+/// Transactions are the engine's own business.
+constexpr std::string_view kTransactionWords[] = {"BEGIN", "START", "COMMIT", "ROLLBACK", "SAVEPOINT", "RELEASE"};
+
 /// Words that a statement is made of; a column of that name has to stand in brackets.
 constexpr std::string_view kKeywords[] = {
     "SELECT", "DISTINCT", "FROM",   "WHERE",  "AND", "OR",     "NOT",   "NULL",   "IS",     "IN",   "LIKE", "BETWEEN",
@@ -79,6 +82,7 @@ class Translator {
             case Token::Kind::Symbol:
                 break;
         }
+        if (token.is(";")) throw PlatformError(errors::kInternal, "more than one statement");
         if (token.text != "?") {
             statement.text += token.text;
             return;
@@ -176,8 +180,13 @@ bool isTranslated(std::string_view statement) {
 
 ServerStatement serverStatement(const Dialect& dialect, std::string_view statement, std::span<const Value> given,
                                 const Locale& locale, const NameLookup& exactName) {
-    if (!isTranslated(statement)) return {std::string(statement), {given.begin(), given.end()}};
-    const std::vector<Token> pieces = tokens(statement);
+    const std::vector<Token> all = tokens(statement);
+    std::span<const Token> pieces(all);
+    if (!pieces.empty() && pieces.back().is(";")) pieces = pieces.first(pieces.size() - 1);
+    if (pieces.empty() || isOneOf(pieces.front(), kTransactionWords)) {
+        throw PlatformError(errors::kInternal, "not an action statement: " + std::string(statement));
+    }
+    if (!isOneOf(pieces.front(), kTranslated)) return {std::string(statement), {given.begin(), given.end()}};
     Translator translator(dialect, locale, exactName, given);
     ServerStatement translated = translator.translate(pieces);
     translator.requireAllGiven();

@@ -1,0 +1,201 @@
+#include <chrono>
+
+#include "support/servertest.h"
+
+namespace kolmera::test {
+namespace {
+
+constexpr auto kNumbers = "SELECT Nummer, Inpris FROM Produkt ORDER BY Nummer";
+
+class ServerTransactions : public ServerTest {
+  protected:
+    static void setPrice(Database& in, const std::string& number, double price) {
+        const auto records = seek(in, number);
+        records->edit();
+        records->set("Inpris", price);
+        records->update();
+    }
+};
+
+TEST_F(ServerTransactions, ARefusedStatementLeavesTheOthersOfItsBatch) {
+    const struct {
+        const char* fault;
+        std::function<void(Database&)> statement;
+        int number;
+    } cases[] = {
+        {"a duplicate key", [](Database& in) { add(in, "b"); }, errors::kDuplicateKey},
+        {"a text that only the server finds too long",
+         [](Database& in) { (void)in.execute("UPDATE Produkt SET Grupp = 'longer than eight' WHERE Nummer = 'A'"); },
+         errors::kTextTooLong},
+        {"no statement of the server's language", [](Database& in) { (void)in.execute("DELETE Produkt FROM WHERE"); },
+         errors::kInternal},
+        {"a reading statement", [](Database& in) { (void)in.open("SELECT nothing(1)", RecordsetType::Snapshot); },
+         errors::kInternal},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        (void)database->execute("DELETE FROM Produkt");
+        add(*database, "A");
+        database->begin();
+        add(*database, "B");
+        const auto records = dynaset(*database, "Produkt");
+        records->addNew();
+        records->set("Nummer", std::string("C"));
+        records->update();
+        setPrice(*database, "A", 1.5);
+        (void)database->execute("UPDATE Produkt SET Inpris = 2.5 WHERE Nummer = 'B'");
+        EXPECT_EQ(errorOf([&] { c.statement(*database); }), c.number);
+        EXPECT_TRUE(database->inTransaction());
+        EXPECT_EQ(selectElsewhere(kNumbers), "'A' 0") << "the transaction was committed";
+        records->moveToModified();  // the row has to have the ID that it was given
+        records->edit();
+        records->set("Inpris", 3.5);
+        records->update();
+        database->commit();
+        EXPECT_EQ(selectElsewhere(kNumbers), "'A' 1.5; 'B' 2.5; 'C' 3.5");
+    }
+}
+
+TEST_F(ServerTransactions, RollingBackAlsoUndoesWhatWasWrittenAgain) {
+    add(*database, "A");
+    database->begin();
+    setPrice(*database, "A", 7);
+    EXPECT_EQ(errorOf([&] { add(*database, "a"); }), errors::kDuplicateKey);
+    setPrice(*database, "A", 8);
+    EXPECT_EQ(select(*database, kNumbers), "'A' 8");
+    database->rollback();
+    EXPECT_EQ(select(*database, kNumbers), "'A' 0");
+    EXPECT_EQ(errorOf([&] { database->commit(); }), errors::kInternal);
+    database->begin();
+    EXPECT_EQ(errorOf([&] { database->begin(); }), errors::kInternal);
+    database->commitJoined();
+    EXPECT_FALSE(database->inTransaction());
+}
+
+TEST_F(ServerTransactions, AHeldLockIsWaitedForUntilItGoes) {
+    add(*database, "A");
+    const auto other = open();
+    other->begin();
+    setPrice(*other, "A", 1);
+    int waits = 0;
+    const auto patient = open([&] {
+        if (++waits == 2) other->commit();
+        return true;
+    });
+    patient->begin();
+    add(*patient, "B");
+    setPrice(*patient, "A", 2);
+    patient->commit();
+    EXPECT_EQ(waits, 2);
+    EXPECT_EQ(selectElsewhere(kNumbers), "'A' 2; 'B' 0") << "what was written before the lock is lost";
+}
+
+TEST_F(ServerTransactions, ALockThatIsGivenUpEndsTheRunAndKeepsTheBatch) {
+    add(*database, "A");
+    const auto other = open();
+    other->begin();
+    setPrice(*other, "A", 1);
+    const auto impatient = open([] { return false; });
+    impatient->begin();
+    add(*impatient, "B");
+    EXPECT_EQ(errorOf([&] { setPrice(*impatient, "A", 2); }), -errors::kLocked);
+    impatient->commit();
+    other->commit();
+    EXPECT_EQ(selectElsewhere(kNumbers), "'A' 1; 'B' 0");
+}
+
+TEST_F(ServerTransactions, TwoSessionsThatWaitForEachOtherBothEnd) {
+    add(*database, "A");
+    add(*database, "B");
+    const auto other = open([] { return false; });
+    int waits = 0;
+    const auto patient = open([&] {
+        // Now this session holds nothing: the other one gets what it wants.
+        if (++waits == 1) {
+            setPrice(*other, "A", 1);
+            other->commit();
+        }
+        return true;
+    });
+    patient->begin();
+    other->begin();
+    setPrice(*patient, "A", 2);
+    setPrice(*other, "B", 1);
+    setPrice(*patient, "B", 2);
+    patient->commit();
+    EXPECT_GE(waits, 1);
+    EXPECT_EQ(selectElsewhere(kNumbers), "'A' 2; 'B' 2");
+}
+
+TEST_F(ServerTransactions, ARowThatIsGoneWhenItIsWrittenAgainEndsTheRun) {
+    add(*database, "A");
+    add(*database, "B");
+    const auto blocker = open();
+    blocker->begin();
+    setPrice(*blocker, "B", 1);
+    const auto patient = open([&] {
+        (void)blocker->execute("DELETE FROM Produkt WHERE Nummer = 'A'");
+        blocker->commit();
+        return true;
+    });
+    patient->begin();
+    setPrice(*patient, "A", 2);
+    EXPECT_EQ(errorOf([&] { setPrice(*patient, "B", 2); }), -errors::kInternal);
+    EXPECT_FALSE(patient->inTransaction());
+    EXPECT_EQ(selectElsewhere(kNumbers), "'B' 1");
+}
+
+TEST_F(ServerTransactions, ALostConnectionEndsTheRunWithOneClearError) {
+    for (const bool inTransaction : {true, false}) {
+        SCOPED_TRACE(inTransaction);
+        (void)database->execute("DELETE FROM Produkt");
+        auto lost = open();
+        add(*lost, "A");
+        const auto records = seek(*lost, "A");
+        EXPECT_EQ(records->recordCount(), 1);
+        if (inTransaction) {
+            lost->begin();
+            add(*lost, "B");
+        }
+        TestServer::ofProcess().endSessions();
+        const auto began = std::chrono::steady_clock::now();
+        EXPECT_EQ(errorOf([&] { add(*lost, "C"); }), -errors::kServerGone);
+        EXPECT_FALSE(lost->inTransaction());
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(errorOf([&] { (void)lost->execute("DELETE FROM Produkt"); }), -errors::kServerGone);
+            EXPECT_EQ(errorOf([&] { lost->begin(); }), -errors::kServerGone);
+            EXPECT_EQ(errorOf([&] { records->moveLast(), (void)records->value("Inpris"); }), -errors::kServerGone);
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(5));
+        database = open();  // its session was ended too
+        EXPECT_EQ(select(*database, kNumbers), "'A' 0") << "the batch at hand was committed";
+    }
+}
+
+TEST_F(ServerTransactions, AServerThatIsNotThereSaysSo) {
+    try {
+        (void)openServerDatabase("Driver=PostgreSQL Unicode;Server=127.0.0.1;Port=1;Database=x;UID=x", {});
+        FAIL() << "connected to nothing";
+    } catch (const PlatformError& error) {
+        EXPECT_EQ(error.number(), errors::kServerGone);
+        EXPECT_NE(error.description().find("127.0.0.1"), std::string::npos) << error.description();
+    }
+    EXPECT_EQ(errorOf([] { (void)openServerDatabase("no connect string", {}); }), errors::kServerGone);
+}
+
+TEST_F(ServerTransactions, StampsTellWhatMayHaveChanged) {
+    const auto products = [&] { return database->stamp("Produkt"); };
+    const std::uint64_t first = products();
+    EXPECT_EQ(products(), first);
+    add(*database, "A");
+    const std::uint64_t written = products();
+    EXPECT_NE(written, first);
+    (void)database->execute("DELETE FROM Levprislista");
+    EXPECT_EQ(products(), written) << "a write to another table";
+    database->begin();
+    EXPECT_NE(products(), written) << "what others wrote between batches goes unseen";
+    database->commit();
+}
+
+}  // namespace
+}  // namespace kolmera::test
