@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "definitions/prisstyr.h"
+#include "discounts/prisrab.h"
 #include "import/jobicons.h"
 #include "import/prismain.h"
 #include "platform/systemuser.h"
@@ -12,9 +13,6 @@
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"
 #include "ui/windowsystemtexts.h"
-#if __has_include("discounts/prisrab.h")
-#include "discounts/prisrab.h"
-#endif
 
 namespace kolmera {
 namespace {
@@ -40,9 +38,7 @@ void openWindowsOfOthers(Program& program) {
     program.showPrisStyr = [&program](QWidget* parent, int JobbNr, bool ÄrStandardJobb) {
         return visaPrisStyr(program, parent, JobbNr, ÄrStandardJobb);
     };
-#if __has_include("discounts/prisrab.h")
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
-#endif
 }
 
 /// The window system's own texts (file dialogs) in the language of the program.

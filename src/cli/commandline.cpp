@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/copycommand.h"
+#include "cli/discountscommand.h"
 #include "cli/jobscommand.h"
 #include "cli/newcommand.h"
 #include "cli/runcommand.h"
@@ -26,6 +27,7 @@ struct Options {
     std::string description;
     std::string from;
     std::string to;
+    DiscountsArguments discounts;
 };
 
 void addDataOption(CLI::App& command, Options& options) {
@@ -49,6 +51,20 @@ void describeServerCommands(CLI::App& app, Options& options) {
     addDataOption(*copy, options);
 }
 
+void describeDiscounts(CLI::App& app, Options& options) {
+    CLI::App* discounts = app.add_subcommand("discounts", "Read or write a supplier's discount letter");
+    discounts->require_subcommand(1);
+    for (const auto& [name, purpose] :
+         {std::pair("export", "Write the letter to a text file or a new sheet of an .xlsx"),
+          std::pair("import", "Replace the letter by a text file or spreadsheet")}) {
+        CLI::App* command = discounts->add_subcommand(name, purpose);
+        command->add_option("SUPPLIER", options.discounts.supplier, "Number of the supplier")->required();
+        command->add_option("FILE", options.discounts.file, ".xlsx or .xls for a spreadsheet, else text")->required();
+        command->add_option("--data", options.discounts.dataFolder, "Data folder of the suite")->required();
+        command->add_option("--company", options.discounts.company, "Company file, SQL;NAME or name of the company");
+    }
+}
+
 void describe(CLI::App& app, Options& options) {
     app.require_subcommand(1);
 
@@ -70,12 +86,17 @@ void describe(CLI::App& app, Options& options) {
     run->add_option("--summary", options.summary, "Write the summary as JSON to this file");
 
     describeServerCommands(app, options);
+    describeDiscounts(app, options);
 }
 
 int dispatch(const CLI::App& app, const Options& options, const Surroundings& surroundings) {
     if (app.got_subcommand("new")) return newCommand(options.folder, options.company, surroundings);
     if (app.got_subcommand("demo")) return demoCommand(options.folder, surroundings);
     if (app.got_subcommand("jobs")) return jobsCommand(options.folder, options.json, surroundings);
+    if (app.got_subcommand("discounts")) {
+        const bool writes = app.get_subcommand("discounts")->got_subcommand("export");
+        return (writes ? exportDiscountsCommand : importDiscountsCommand)(options.discounts, surroundings);
+    }
     if (app.got_subcommand("server-schema")) return serverSchemaCommand(options.dialect, options.company, surroundings);
     if (app.got_subcommand("copy-company")) {
         return copyCompanyCommand({.from = options.from, .to = options.to, .dataFolder = options.folder}, surroundings);

@@ -6,7 +6,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QShortcut>
 #include <QSignalBlocker>
 
 #include "ui/controls.h"
@@ -21,15 +20,6 @@ constexpr int kFieldLength = 20;
 const std::vector<int> kTabStops{90, 104, 186, 196};  ///< dialog units
 
 }  // namespace
-
-void focusOnAltL(QWidget& form, QWidget& list) {
-    auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_L), &form);
-    const auto focus = [&list] {
-        if (list.isVisible()) list.setFocus(Qt::ShortcutFocusReason);
-    };
-    QObject::connect(shortcut, &QShortcut::activated, &list, focus);
-    QObject::connect(shortcut, &QShortcut::activatedAmbiguously, &list, focus);
-}
 
 CouplingPanel::CouplingPanel(CouplingEditor& couplings, int listLines, QWidget* parent)
     : QGroupBox(QStringLiteral("Leverantörskopplingar"), parent), couplings_(couplings) {

@@ -40,7 +40,4 @@ class CouplingPanel final : public QGroupBox {
     QPushButton *sparaLev_, *avbrytLev_, *taBortLev_;
 };
 
-/// Alt+L gives the focus to a list, beside the accelerator that its label may have.
-void focusOnAltL(QWidget& form, QWidget& list);
-
 }  // namespace kolmera

@@ -118,8 +118,11 @@ void LetterEditor::closeLetter() {
 void LetterEditor::openLetter() {
     closeLetter();
     tried(kCannotShow, [this] {
-        letter_ = state_.sql.SQLÖppnaRs(lettertable::letterOf(supplier().number), RecordsetType::Dynaset);
-        for (; !letter_->eof(); letter_->moveNext()) rows_.append(*letter_);
+        const std::string statement = lettertable::letterOf(supplier().number);
+        letter_ = state_.sql.SQLÖppnaRs(statement, RecordsetType::Dynaset);
+        // All values at once: the dynaset asks for every value anew.
+        const auto all = state_.sql.SQLÖppnaRs(statement, RecordsetType::Snapshot);
+        for (; !all->eof(); all->moveNext()) rows_.append(*all);
     });
 }
 

@@ -157,8 +157,8 @@ std::string NotedGroups::text() const {
 LetterExchange::LetterExchange(SqlLayer& sql, std::string supplier, PassedOver& passedOver)
     : sql_(sql), supplier_(std::move(supplier)), passedOver_(passedOver) {}
 
-std::unique_ptr<Recordset> LetterExchange::open() {
-    return sql_.SQLÖppnaRs(lettertable::letterOf(supplier_), RecordsetType::Dynaset);
+std::unique_ptr<Recordset> LetterExchange::open(RecordsetType type) {
+    return sql_.SQLÖppnaRs(lettertable::letterOf(supplier_), type);
 }
 
 bool LetterExchange::hasLetter() { return !open()->eof(); }
@@ -205,7 +205,7 @@ LetterRead LetterExchange::readFrom(const std::filesystem::path& file) {
 }
 
 LetterWritten LetterExchange::writeTo(const std::filesystem::path& file) {
-    const auto letter = open();
+    const auto letter = open(RecordsetType::Snapshot);  // a dynaset would ask for every value anew
     return isSpreadsheet(file) ? writeSheet(*letter, file) : writeText(*letter, file);
 }
 

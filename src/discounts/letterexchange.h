@@ -67,7 +67,7 @@ class LetterExchange {
     LetterWritten writeTo(const std::filesystem::path& file);
 
   private:
-    [[nodiscard]] std::unique_ptr<Recordset> open();
+    [[nodiscard]] std::unique_ptr<Recordset> open(RecordsetType type = RecordsetType::Dynaset);
     LetterWritten writeText(Recordset& letter, const std::filesystem::path& file);
     static LetterWritten writeSheet(Recordset& letter, const std::filesystem::path& file);
 

@@ -102,4 +102,13 @@ void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button)
     });
 }
 
+void focusOnAltL(QWidget& form, QWidget& list) {
+    auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_L), &form);
+    const auto focus = [&list] {
+        if (list.isVisible()) list.setFocus(Qt::ShortcutFocusReason);
+    };
+    QObject::connect(shortcut, &QShortcut::activated, &list, focus);
+    QObject::connect(shortcut, &QShortcut::activatedAmbiguously, &list, focus);
+}
+
 }  // namespace kolmera

@@ -22,5 +22,7 @@ void blockKeys(QLineEdit& field);
 
 /// A key that presses a button as the mouse would: only while the button is shown and enabled.
 void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button);
+/// Alt+L gives the focus to a list, beside the accelerator that its label may have.
+void focusOnAltL(QWidget& form, QWidget& list);
 
 }  // namespace kolmera

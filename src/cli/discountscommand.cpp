@@ -1,0 +1,175 @@
+#include "cli/discountscommand.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <ostream>
+#include <system_error>
+
+#include "cli/session.h"
+#include "cli/terminalport.h"
+#include "definitions/supplierlist.h"
+#include "discounts/letterexchange.h"
+#include "discounts/lettermessages.h"
+#include "platform/lettercase.h"
+#include "startup/company.h"
+#include "startup/startup.h"
+#include "ui/rules/listrows.h"
+
+namespace kolmera::cli {
+namespace fs = std::filesystem;
+namespace {
+
+/// One command on one supplier's letter: finds the company and the supplier, and tells what is wrong with them.
+class LetterCommand {
+  public:
+    LetterCommand(const DiscountsArguments& arguments, const Surroundings& surroundings)
+        : arguments_(arguments),
+          surroundings_(surroundings),
+          file_(fs::absolute(arguments.file).lexically_normal()),
+          session_(surroundings, arguments.dataFolder),
+          port_(surroundings.err, surroundings.cancel, false),
+          boxes_(port_, {}),
+          companies_(session_.state, session_.texts, boxes_) {}
+
+    int exportLetter();
+    int importLetter();
+
+  private:
+    bool openCompany();
+    [[nodiscard]] std::optional<std::string> companyDatabase();
+    [[nodiscard]] std::optional<std::string> supplierNumber();
+    bool canReplace(LetterExchange& exchange);
+    int finish(const LetterRead& report);
+
+    int stop(const std::string& message) {
+        surroundings_.err << session_.text(250) << ' ' << replaceAll(message, "\r\n", "\n") << '\n';
+        return exitcode::kStopped;
+    }
+    void print(const std::string& label, std::int64_t count) {
+        surroundings_.out << fmt::format("{}: {}\n", label, count);
+    }
+    template <typename Report>
+    void printRemarks(const Report& report) {
+        for (const std::string& line : remarks(session_.texts, report)) surroundings_.err << line << '\n';
+    }
+
+    const DiscountsArguments& arguments_;
+    const Surroundings& surroundings_;
+    fs::path file_;
+    Session session_;
+    TerminalPort port_;
+    MessageBoxes boxes_;
+    CompanyRegister companies_;
+};
+
+std::optional<std::string> LetterCommand::companyDatabase() {
+    std::vector<std::string> rows = companies_.FyllFöretagsLista();
+    std::ranges::move(SqlLayer::SQLServerLista(session_.state.dataFolder()), std::back_inserter(rows));
+    const bool named = !arguments_.company.empty();
+    int row = rowOfCode(rows, named ? arguments_.company : session_.state.StandardFöretag);
+    if (row < 0 && named) {
+        const auto found = std::ranges::find_if(rows, [&](const std::string& each) {
+            return equalNoCase(each.substr(0, each.find('\t')), arguments_.company);
+        });
+        if (found != rows.end()) row = static_cast<int>(found - rows.begin());
+    }
+    if (row < 0 && !named && rows.size() == 1) row = 0;
+    if (row >= 0) return std::string(codeOfRow(rows[static_cast<std::size_t>(row)]).value_or(""));
+    std::vector<std::string_view> codes;
+    for (const std::string& each : rows) codes.push_back(codeOfRow(each).value_or(""));
+    stop(named          ? session_.text(313, arguments_.company)
+         : rows.empty() ? session_.text(252, session_.state.dataFolder().string())
+                        : session_.text(314, fmt::format("{}", fmt::join(codes, ", "))));
+    return std::nullopt;
+}
+
+bool LetterCommand::openCompany() {
+    const fs::path folder = session_.state.dataFolder();
+    std::error_code unreachable;
+    if (!fs::is_directory(folder, unreachable)) {
+        stop(session_.text(120, folder.string()));
+        return false;
+    }
+    LäsDorvikIni(session_.state);
+    const std::optional<std::string> database = companyDatabase();
+    return database && companies_.ÖppnaDatabas(*database);
+}
+
+/// The supplier's number as the company writes it.
+std::optional<std::string> LetterCommand::supplierNumber() {
+    const std::vector<SupplierRow> suppliers = readSuppliers(session_.state.sql);
+    const int row = rowOfSupplier(suppliers, trimmed(arguments_.supplier));
+    if (row >= 0) return suppliers[static_cast<std::size_t>(row)].number;
+    stop(session_.text(311, arguments_.supplier));
+    return std::nullopt;
+}
+
+int LetterCommand::exportLetter() {
+    const std::optional<std::string> supplier = openCompany() ? supplierNumber() : std::nullopt;
+    if (!supplier) return exitcode::kStopped;
+    LetterExchange exchange(session_.state.sql, *supplier, port_);
+    if (!exchange.hasLetter()) return stop(session_.text(312, *supplier));
+    LetterWritten report;
+    try {
+        report = exchange.writeTo(file_);
+    } catch (const PlatformError& error) {
+        return stop(writingFailed(session_.texts, file_, error));
+    }
+    print(session_.text(317), report.groups);
+    printRemarks(report);
+    surroundings_.out << session_.text(316, file_.string()) << '\n';
+    return report.questionMarks.count > 0 ? exitcode::kPassedOver : exitcode::kDone;
+}
+
+/// Whether the file can be read to its end and holds groups: the old letter is deleted only then.
+bool LetterCommand::canReplace(LetterExchange& exchange) {
+    try {
+        if (exchange.usableLines(file_) > 0) return true;
+        stop(noGroups(session_.texts, file_));
+    } catch (const PlatformError& error) {
+        stop(readingFailed(session_.texts, file_, error));
+    }
+    return false;
+}
+
+int LetterCommand::importLetter() {
+    const std::optional<std::string> supplier = openCompany() ? supplierNumber() : std::nullopt;
+    if (!supplier) return exitcode::kStopped;
+    LetterExchange exchange(session_.state.sql, *supplier, port_);
+    exchange.cancelled = [this] { return port_.cancelled(); };
+    if (!canReplace(exchange)) return exitcode::kStopped;
+    try {
+        print(session_.text(303), exchange.deleteLetter());
+        return finish(exchange.readFrom(file_));
+    } catch (const PlatformError& error) {
+        return stop(readingStopped(session_.texts, error));
+    }
+}
+
+int LetterCommand::finish(const LetterRead& report) {
+    print(session_.text(300), report.lines);
+    print(session_.text(301), report.added);
+    print(session_.text(302), report.passedOver.count);
+    printRemarks(report);
+    if (report.cancelled) {
+        surroundings_.err << session_.text(222) << '\n';
+        return exitcode::kCancelled;
+    }
+    surroundings_.out << session_.text(315) << '\n';
+    return port_.passedOver() > 0 ? exitcode::kPassedOver : exitcode::kDone;
+}
+
+}  // namespace
+
+int exportDiscountsCommand(const DiscountsArguments& arguments, const Surroundings& surroundings) {
+    return LetterCommand(arguments, surroundings).exportLetter();
+}
+
+int importDiscountsCommand(const DiscountsArguments& arguments, const Surroundings& surroundings) {
+    return LetterCommand(arguments, surroundings).importLetter();
+}
+
+}  // namespace kolmera::cli
