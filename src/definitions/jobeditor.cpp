@@ -57,6 +57,16 @@ std::string JobEditor::caption() const {
     return job.number == 0 ? std::string() : texts_.FormulärSträng(kForm, kCaption) + job.name;
 }
 
+std::filesystem::path JobEditor::priceFile() const {
+    return findPriceFile(job.priceFile, state_.drives, state_.dataFolder(), state_.programFolder());
+}
+
+std::filesystem::path JobEditor::fileFolder() const {
+    const std::filesystem::path folder = priceFile().parent_path();
+    std::error_code unreadable;
+    return std::filesystem::is_directory(folder, unreadable) ? folder : state_.dataFolder();
+}
+
 bool JobEditor::chooseCompany(int row) {
     companyRow_ = row;
     const std::string& company = companyRows_.at(static_cast<std::size_t>(row));
@@ -133,8 +143,7 @@ bool JobEditor::canMakeMask() const { return companyRow_ >= 0 && !job.company.em
 
 std::optional<std::filesystem::path> JobEditor::sampleForMask() {
     if (!canMakeMask()) return std::nullopt;
-    const std::filesystem::path sample =
-        findPriceFile(job.priceFile, state_.drives, state_.dataFolder(), state_.programFolder());
+    const std::filesystem::path sample = priceFile();
     std::error_code unreadable;
     if (!std::filesystem::is_regular_file(sample, unreadable)) {
         boxes_.MeddelandeVarning(texts_.FormulärSträngMed1(kForm, kNoSample, job.priceFile),

@@ -37,6 +37,8 @@ class JobEditor {
 
     /// The window's caption for a job that exists, empty for a new one.
     [[nodiscard]] std::string caption() const;
+    /// Where the user begins to look for a file: beside the price file, else in the data folder.
+    [[nodiscard]] std::filesystem::path fileFolder() const;
 
     // Company.
     [[nodiscard]] const std::vector<std::string>& companies() const { return companyRows_; }
@@ -82,6 +84,7 @@ class JobEditor {
     void readCompany();
     void readHeadings();
     void readMasks();
+    [[nodiscard]] std::filesystem::path priceFile() const;
     bool openCompany();
     [[nodiscard]] std::optional<std::pair<int, Control>> missing() const;
     void closeCompany();

@@ -71,7 +71,7 @@ PrisStyr::PrisStyr(Program& program, int JobbNr, bool ÄrStandardJobb, QWidget* 
     : QDialog(parent), program_(program), job_(program.state, program.texts, program.boxes, program.companies) {
     const Hourglass loading(program.boxes.port());
     chooseFile = [this](const QString& title, const QString& filter) {
-        return QFileDialog::getOpenFileName(this, title, toQt(program_.state.dataFolder().string()), filter);
+        return QFileDialog::getOpenFileName(this, title, toQt(job_.fileFolder().string()), filter);
     };
     setObjectName(QStringLiteral("PrisStyr"));
     setWindowTitle(QStringLiteral("Ny inläsning"));

@@ -155,6 +155,25 @@ TEST_F(JobEditorTest, NeedsASampleForTheMaskEditor) {
     EXPECT_EQ(editor->sampleForMask(), world.data() / "pris.txt");
 }
 
+TEST_F(JobEditorTest, BeginsToLookForFilesBesideThePriceFile) {
+    std::filesystem::create_directory(world.data() / "Priser");
+    const struct {
+        const char* fault;
+        const char* priceFile;
+        std::filesystem::path folder;
+    } cases[] = {
+        {"nowhere for a new job", "", world.data()},
+        {"the folder of the price file not shown", "priser\\ny.txt", world.data() / "Priser"},
+        {"a folder that does not exist", "X:\\borta\\ny.txt", world.data()},
+    };
+    open();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        editor->job.priceFile = c.priceFile;
+        EXPECT_EQ(editor->fileFolder(), c.folder);
+    }
+}
+
 TEST_F(JobEditorTest, DeletesAMaskWhenTheUserAgrees) {
     MaskFile masks(world.data());
     Mask second;
