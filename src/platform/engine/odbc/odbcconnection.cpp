@@ -63,7 +63,8 @@ void OdbcConnection::countStatement() {
     if (dialect_->sendsBegin) count();
 }
 
-/// The connect string goes through the narrow function: the wide one recodes it before the driver is known.
+/// The connect string goes through the wide function: after the narrow one, PostgreSQL's driver takes the program for
+/// one that works in its locale's character set, and loses every other letter.
 void OdbcConnection::connect(const std::string& connectString) {
     const bool ready = SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_)) &&
                        SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_CONNECTION_POOLING, number(SQL_CP_OFF), 0)) &&
@@ -71,10 +72,9 @@ void OdbcConnection::connect(const std::string& connectString) {
                        SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &handle_));
     if (!ready) refuse("the ODBC driver manager cannot be used");
     SQLSetConnectAttr(handle_, SQL_ATTR_LOGIN_TIMEOUT, number(kLoginSeconds), 0);
-    std::string text = connectString;
+    std::u16string text = toWide(connectString);
     const SQLRETURN code =
-        SQLDriverConnect(handle_, nullptr, reinterpret_cast<SQLCHAR*>(text.data()),
-                         static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+        SQLDriverConnectW(handle_, nullptr, wideText(text), length(text), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
     if (!SQL_SUCCEEDED(code)) refuse(odbcError(SQL_HANDLE_DBC, handle_).description);
     connected_ = true;
     count();
