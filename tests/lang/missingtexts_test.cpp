@@ -47,6 +47,7 @@ const std::vector<Indirect> kIndirect = {
      "number",
      {"11", "12", "15", "20", "21", "25", "26", "31", "32", "33", "34", "35"}},
     {"src/definitions/targetlist.cpp", "place", numbers(0, 155)},
+    {"src/discounts/lettereditor.cpp", "failureText", {"309", "318", "319"}},
     {"src/import/confirmationform.cpp", "form", {"PrisUtfö", "PrisUtFa"}},
     {"src/import/prismain.cpp", "static_cast<int>(column) + 1", numbers(1, 4)},
     {"src/ui/qtmessageport.cpp", "row.text", numbers(140, 143)},
@@ -82,6 +83,7 @@ const std::vector<LookUp> kLookUps = {
     {"ResText", Key::Message, false},
     {"SpråkText", Key::Literal, true},
     {"session.text", Key::Module, false, "KMR"},
+    {"session_.text", Key::Module, false, "KMR"},
 };
 
 std::string keyOf(Key key, const std::string& name, int number) {
