@@ -94,6 +94,21 @@ TEST_F(BothEngines, ValuesOfEveryTypeComeBackAsTheyWere) {
     }
 }
 
+/// Drivers and servers cut a text at NUL, or refuse the whole statement.
+TEST_F(BothEngines, ATextWithNulIsRefusedWhereItWouldBeCut) {
+    const std::string nul("a\0b", 3);
+    const auto records = seek(*database, "A1");
+    records->edit();
+    records->set("Benämning", std::string("kept"));
+    EXPECT_EQ(errorOf([&] { records->set("Benämning", nul); }), errors::kWrongType);
+    records->update();
+    EXPECT_EQ(selectElsewhere("SELECT Benämning FROM Produkt WHERE Nummer = 'A1'"), "'kept'");
+    const std::vector<Value> values = {nul};
+    EXPECT_EQ(errorOf([&] { (void)database->execute("UPDATE Produkt SET Benämning = ?", values); }),
+              errors::kWrongType);
+    EXPECT_EQ(errorOf([&] { (void)seek(*database, nul)->recordCount(); }), errors::kWrongType);
+}
+
 TEST_F(BothEngines, NewRecordsHaveTheSameDefaults) {
     const auto added = [](Database& in) {
         std::string text;

@@ -36,12 +36,14 @@ std::string readable(std::u16string_view message) {
     return toWide(bytes).find(u'\xFFFD') == std::u16string::npos ? bytes : fromWide(message);
 }
 
-/// The driver manager's and the driver's names before a message, "[unixODBC][Driver]", say nothing to the user.
-std::string_view withoutPrefixes(std::string_view message) {
+/// What a message says to the user: not who passed it on ("[unixODBC][Driver]" before it, "Error while ..." on a line
+/// of its own behind it).
+std::string_view withoutFrame(std::string_view message) {
     while (message.starts_with('[') && message.find(']') != std::string_view::npos) {
         message.remove_prefix(message.find(']') + 1);
     }
-    return message;
+    message = message.substr(0, message.find(";\nError while"));
+    return message.substr(0, message.find_last_not_of(" \r\n") + 1);
 }
 
 struct OdbcType {
@@ -69,7 +71,7 @@ ServerError odbcError(SQLSMALLINT kind, SQLHANDLE handle) {
     if (!SQL_SUCCEEDED(code)) return {"HY000", 0, "the driver reports an error without a description"};
     message.resize(std::min(message.size(), static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0))));
     state.resize(5);
-    return {fromWide(state), native, std::string(withoutPrefixes(readable(message)))};
+    return {fromWide(state), native, std::string(withoutFrame(readable(message)))};
 }
 
 FieldDef fieldOfOdbcType(std::string_view name, int type, std::string_view typeName, std::int64_t size) {
