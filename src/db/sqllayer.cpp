@@ -7,6 +7,7 @@
 #include <system_error>
 #include <thread>
 
+#include "db/companyschema.h"
 #include "db/conversions.h"
 #include "db/serverregister.h"
 #include "db/sqltexts.h"
@@ -79,19 +80,20 @@ bool SqlLayer::SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::st
 }
 
 /// One try: the connection, unless an earlier try made it, and a look at a table that every company has.
-bool SqlLayer::tryServer() {
+bool SqlLayer::tryServer(const ServerOptions& options) {
     PassedOverSilently passedOver;
     return attempt(passedOver, "SQLÖppnaServer", [&] {
-        if (!FtgDB) FtgDB = openServerDatabase(connectString_);
+        if (!FtgDB) FtgDB = openServerDatabase(connectString_, options);
         SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
     });
 }
 
-bool SqlLayer::SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile) {
-    if (!openServerDatabase) return false;
+bool SqlLayer::SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile,
+                              const std::function<bool()>& waitForLock) {
+    const ServerOptions options{.locale = locale_, .wait = waitForLock, .tables = companySchema()};
     constexpr int kTries = 4;
     FtgDB.reset();
-    for (int tries = 1; !tryServer(); ++tries) {
+    for (int tries = 1; !tryServer(options); ++tries) {
         if (tries == kTries) {
             FtgDB.reset();
             return false;

@@ -12,6 +12,7 @@
 
 #include "platform/attempt.h"
 #include "platform/engine/database.h"
+#include "platform/engine/odbc/serverdatabase.h"
 #include "platform/locale.h"
 
 namespace kolmera {
@@ -30,9 +31,9 @@ class SqlLayer {
     const std::string& anslutning() const { return connectString_; }
     const std::string& senasteSats() const { return lastStatement_; }
 
-    /// Opens a database by its connect string, or throws PlatformError. Empty while this build has no server engine:
-    /// then only file companies can be opened and `SQLÖppnaServer` answers false.
-    std::function<std::unique_ptr<Database>(const std::string& connectString)> openServerDatabase;
+    /// Opens a database by its connect string, or throws PlatformError.
+    std::function<std::unique_ptr<Database>(const std::string& connectString, const ServerOptions& options)>
+        openServerDatabase = kolmera::openServerDatabase;
     /// Called while the layer waits before it tries again.
     std::function<void()> letEventsRun;
 
@@ -41,7 +42,9 @@ class SqlLayer {
     /// Looks the name up in DVSQLSvr.ini of the data folder (created empty when missing) and keeps its connect string.
     bool SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::string_view name);
     /// Opens the server database of the kept connect string; up to four tries, one second apart, events running.
-    bool SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile);
+    /// `waitForLock` is asked while another session holds a lock (`ServerOptions::wait`).
+    bool SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile,
+                        const std::function<bool()>& waitForLock = {});
     /// "name TAB description" per registered server company; nothing when DVSQLSvr.ini is missing.
     static std::vector<std::string> SQLServerLista(const std::filesystem::path& dataFolder);
 
@@ -89,7 +92,7 @@ class SqlLayer {
   private:
     Database& database();  ///< FtgDB, or PlatformError when no company is open
     std::string indexFields(std::string_view table, std::string_view index);
-    bool tryServer();
+    bool tryServer(const ServerOptions& options);
 
     Locale locale_;
     std::string connectString_;

@@ -58,7 +58,7 @@ bool CompanyRegister::openServer(std::string_view name) {
     SqlLayer& sql = state_.sql;
     sql.ÄrSQLFöretag = SqlLayer::ÄrSQLDatabas(upperCase(name));
     if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLServerSlåUpp(state_.dataFolder(), name);
-    if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLÖppnaServer([this] { boxes_.port().letEventsRun(); });
+    if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLÖppnaServer([this] { boxes_.port().letEventsRun(); }, waitForLock);
     return sql.ÄrSQLFöretag;
 }
 

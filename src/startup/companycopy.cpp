@@ -8,6 +8,7 @@
 
 #include "db/batchtransaction.h"
 #include "db/companyschema.h"
+#include "db/conversions.h"
 
 namespace kolmera {
 
@@ -38,11 +39,13 @@ class TableReader {
     [[nodiscard]] std::optional<std::int64_t> lastId() { return number("SELECT MAX(ID) FROM " + table_.name); }
 
   private:
+    /// The one number that a statement selects, none for Null. It is the result of an expression, so of no certain
+    /// type.
     std::optional<std::int64_t> number(const std::string& statement) {
         const auto records = database_.open(statement, RecordsetType::Snapshot, options::kReadOnly);
         const Value& value = records->value(0);
-        const auto* id = std::get_if<std::int64_t>(&value);
-        return id ? std::optional(*id) : std::nullopt;
+        if (isNull(value)) return std::nullopt;
+        return static_cast<std::int64_t>(TillDbl(value, Locale()));
     }
 
     std::optional<std::int64_t> firstBehind(std::int64_t id) {

@@ -66,7 +66,7 @@ TEST(LockedCompany, CancelEndsTheWait) {
 
 TEST(BrokenCompany, ATableThatIsMissingEndsTheRun) {
     BusyWorld world;
-    world.open()->execute("DROP TABLE Prodaltprodnr");
+    world.dropTable("Prodaltprodnr");
     world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 20),
                                world.texts().ModulText("KMR", 110));
     EXPECT_FALSE(world.run().completed);

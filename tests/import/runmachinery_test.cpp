@@ -48,10 +48,10 @@ TEST(Confirmation, SaysWhatIsGoingToBeRead) {
         ASSERT_EQ(world.port.confirmations.size(), 1U);
         const Confirmation& asked = world.port.confirmations[0];
         EXPECT_EQ(asked.captionSuffix, " Test");
-        EXPECT_EQ(asked.emptyTablesSuffix, " Ftg1.Mdb");
+        EXPECT_EQ(asked.emptyTablesSuffix, " " + world.shownCompany());
         EXPECT_FALSE(asked.tradeFormat);
         LanguageTexts& texts = world.texts();
-        const char* heading = "Testbolaget (Ftg1.Mdb)";
+        const std::string heading = "Testbolaget (" + world.shownCompany() + ")";
         std::string expected = *c.command ? texts.FormulärSträngMed3("PrisMain", 39, c.command, c.priceFile, heading)
                                           : texts.FormulärSträngMed2("PrisMain", 40, c.priceFile, heading);
         expected += "\r\n\r\n";

@@ -7,11 +7,12 @@
 
 #include "db/companyschema.h"
 #include "db/conversions.h"
+#include "db/serverregister.h"
 #include "definitions/couplingfile.h"
 #include "import/dispatcher.h"
 #include "platform/encodings.h"
-#include "platform/lettercase.h"
 #include "startup/datafolder.h"
+#include "support/testserver.h"
 
 namespace kolmera::test {
 namespace {
@@ -71,10 +72,10 @@ std::string shown(const Value& value) {
 
 }  // namespace
 
-World::World(Locale::Kind locale) : state(SettingsStore(folder_ / "settings.ini"), Locale(locale)) {
+World::World(Locale::Kind locale)
+    : state(SettingsStore(folder_ / "settings.ini"), Locale(locale)), server_(TestServer::named()) {
     fs::create_directories(program());
     createDataFolder(data());
-    copyCompany(company());
     state.ProgramMapp = (program() / "").string();
     state.DataMapp = (data() / "").string();
     texts_.ÖppnaSpråk(languageFolder(), {});
@@ -82,10 +83,18 @@ World::World(Locale::Kind locale) : state(SettingsStore(folder_ / "settings.ini"
     job.name = "Test";
     job.priceFile = "pris.txt";
     job.mask = kMask;
-    job.company = "FTG1.MDB";
+    if (server_) {
+        TestServer::ofProcess().reset();
+        job.company = "SQL;TEST";
+        registerServer(data(), {job.company, "Testbolaget", TestServer::ofProcess().connectString()});
+    } else {
+        copyCompany(company());
+        job.company = "FTG1.MDB";
+    }
 }
 
 std::unique_ptr<Database> World::open() const {
+    if (server_) return TestServer::ofProcess().open(state.locale);
     return openFileDatabase(company(), {.locale = state.locale, .password = {}, .wait = {}});
 }
 
@@ -95,7 +104,7 @@ Database& World::database() const {
 }
 
 void World::add(std::string_view table, const Row& row) {
-    const auto records = database().open(table, RecordsetType::Table);
+    const auto records = database().open(table, RecordsetType::Dynaset);
     records->addNew();
     for (const auto& [column, value] : row) records->set(column, value);
     records->update();
@@ -103,7 +112,7 @@ void World::add(std::string_view table, const Row& row) {
 
 void World::setting(std::string_view column, const Value& value) {
     const std::string_view table = ordinalOf("Syinställningar", column) >= 0 ? "Syinställningar" : "Syinställningar2";
-    const auto records = database().open(table, RecordsetType::Table);
+    const auto records = database().open(table, RecordsetType::Dynaset);
     records->edit();
     records->set(column, value);
     records->update();
@@ -139,12 +148,30 @@ void World::coupling(const std::string& code, const std::string& supplier, bool 
     CouplingFile(data()).save({.job = job.name, .code = code, .supplier = supplier, .mainSupplier = main});
 }
 
+void World::refuse(const std::string& table, const std::string& column, const std::string& texts) {
+    if (server_) {
+        TestServer::ofProcess().changeTables("ALTER TABLE \"" + table + "\" ADD CONSTRAINT \"refuse" + table +
+                                             "\" CHECK (\"" + column + "\" NOT IN (" + texts + "))");
+    } else {
+        open()->execute("CREATE TRIGGER refuse" + table + " BEFORE INSERT ON " + table + " WHEN NEW." + column +
+                        " IN (" + texts + ") BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    }
+}
+
+void World::dropTable(const std::string& table) {
+    if (server_) {
+        TestServer::ofProcess().changeTables("DROP TABLE \"" + table + "\"");
+    } else {
+        open()->execute("DROP TABLE " + table);
+    }
+}
+
 void World::moveToServer() {
     job.company = "SQL;TEST";
     std::string record = job.company;
     record.resize(400, ' ');
     std::ofstream(data() / "DVSQLSvr.ini", std::ios::binary) << record;
-    state.sql.openServerDatabase = [this](const std::string&) { return open(); };
+    state.sql.openServerDatabase = [this](const std::string&, const ServerOptions&) { return open(); };
 }
 
 RunSummary World::run() {
@@ -164,9 +191,8 @@ RunSummary World::run() {
 }
 
 std::string World::rows(std::string_view table, std::string_view columns) const {
-    const auto database = open();
-    const auto records = database->open("SELECT * FROM " + std::string(table) + " ORDER BY ID", RecordsetType::Dynaset,
-                                        options::kReadOnly);
+    const auto records = database().open("SELECT * FROM " + std::string(table) + " ORDER BY ID",
+                                         RecordsetType::Snapshot, options::kReadOnly);
     std::vector<int> ordinals;
     for (const std::string& column : split(columns, ", ")) ordinals.push_back(records->ordinal(column));
     std::string text;

@@ -9,6 +9,7 @@
 #include "definitions/maskfile.h"
 #include "import/importcontext.h"
 #include "platform/encodings.h"
+#include "platform/lettercase.h"
 #include "support/scriptedport.h"
 #include "support/temporaryfolder.h"
 
@@ -36,7 +37,8 @@ struct MaskSpec {
 };
 
 /// A data folder with a company, a job and its price file, in which whole runs are carried out. The first job is a
-/// mask job "Test" into "Testbolaget" (FTG1.mdb); tests change `job` before they run it.
+/// mask job "Test" into "Testbolaget"; tests change `job` before they run it. The company is the file FTG1.mdb or,
+/// where the environment names a database server, "SQL;TEST" on it: the same tests hold for both.
 class World {
     TemporaryFolder folder_;
 
@@ -54,6 +56,9 @@ class World {
     void priceFile(std::string_view text, CodePage page = CodePage::Windows1252);
     void rawPriceFile(std::string_view bytes);
     void coupling(const std::string& code, const std::string& supplier, bool main = false);
+    /// The database refuses new rows of a table that have one of these texts ("'A', 'B'") in a column.
+    void refuse(const std::string& table, const std::string& column, const std::string& texts);
+    void dropTable(const std::string& table);
     /// The job's company is from now on one of a database server. The engine of files stands in for the server's: what
     /// is tested is what runs ask of a server.
     void moveToServer();
@@ -70,6 +75,9 @@ class World {
     [[nodiscard]] std::filesystem::path company() const { return data() / "FTG1.mdb"; }
     [[nodiscard]] std::filesystem::path data() const { return folder_ / "data"; }
     [[nodiscard]] std::filesystem::path program() const { return folder_ / "program"; }
+    [[nodiscard]] bool onServer() const { return server_; }
+    /// The company's name as runs show it.
+    [[nodiscard]] std::string shownCompany() const { return properCase(job.company); }
     /// A session of another program on the company.
     [[nodiscard]] std::unique_ptr<Database> open() const;
 
@@ -80,6 +88,7 @@ class World {
   private:
     Database& database() const;
 
+    bool server_;
     mutable std::unique_ptr<Database> database_;  ///< open between runs, while a test states or reads rows
     mutable LanguageTexts texts_;
 };

@@ -53,7 +53,7 @@ TEST(TradeRun, StopsWithoutCoupledSupplier) {
     world.coupling("AB", "1010", true);  // of another job
     world.job.name = "(FINFO)";
     world.coupling("CD", "1020");  // the company has no such supplier
-    world.port.expect(world.texts().FormulärSträngMed2("PrisMain", 24, "Testbolaget (Ftg1.Mdb)", "(FINFO)"),
+    world.port.expect(world.texts().FormulärSträngMed2("PrisMain", 24, "Testbolaget (" + world.shownCompany() + ")", "(FINFO)"),
                       world.text(25));
     EXPECT_FALSE(world.run().completed);
     EXPECT_TRUE(world.port.confirmations.empty());
@@ -167,15 +167,8 @@ TEST(TradeRun, EmptiesTheTablesFirst) {
 
 TEST(TradeRun, GoesOnWhenARowCannotBeSaved) {
     TradeWorld world("(EIO)");
-    {
-        const auto database = world.open();
-        database->execute(
-            "CREATE TRIGGER refuse BEFORE INSERT ON Produkt WHEN NEW.Nummer IN ('1000002', '1000003') "
-            "BEGIN SELECT RAISE(ABORT, 'refused'); END");
-        database->execute(
-            "CREATE TRIGGER refusePrice BEFORE INSERT ON Levprislista WHEN NEW.Produktnr = '1000003' "
-            "BEGIN SELECT RAISE(ABORT, 'refused'); END");
-    }
+    world.refuse("Produkt", "Nummer", "'1000002', '1000003'");
+    world.refuse("Levprislista", "Produktnr", "'1000003'");
     world.priceFile(eioFile(4));
     const RunSummary summary = world.run();
     EXPECT_EQ(world.rows("Produkt", "Nummer"), "1000001\n1000004\n");
