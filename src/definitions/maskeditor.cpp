@@ -14,7 +14,7 @@ constexpr std::string_view kForm = "PrisMTyp";
 constexpr std::string_view kModule = "KMR";
 
 constexpr int kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41;
-constexpr int kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124;
+constexpr int kRelationsLeftOut = 104, kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124;
 
 bool within(int row, std::size_t count) { return row >= 0 && static_cast<std::size_t>(row) < count; }
 
@@ -48,6 +48,7 @@ bool MaskEditor::open(SqlLayer& sql, int maskNumber) {
         return false;
     }
     readSources();
+    if (relationsLeftOut_) boxes_.MeddelandeInfo(texts_.ModulTextMed(kModule, kRelationsLeftOut, mask_.Namn));
     if (targets_.headingsLeftOut) boxes_.MeddelandeInfo(texts_.ModulText(kModule, kHeadingsLeftOut));
     return true;
 }
@@ -57,7 +58,8 @@ void MaskEditor::load(int maskNumber) {
     if (auto stored = masks.read(maskNumber)) {
         mask_ = std::move(*stored);
         for (const Relation& relation : masks.relations(maskNumber)) {
-            if (relations_.size() == std::size_t{kMostRelations}) break;
+            relationsLeftOut_ = relations_.size() == std::size_t{kMostRelations};
+            if (relationsLeftOut_) break;
             relations_.push_back({static_cast<int>(relations_.size()) + 1, relation});
         }
     } else {

@@ -31,8 +31,9 @@ class MaskEditor {
     MaskEditor(LanguageTexts& texts, MessageBoxes& boxes, std::filesystem::path dataFolder,
                std::filesystem::path sample);
 
-    /// Begins with the mask of that number, 0 for a new one. Tells the user of headings that masks cannot use. False
-    /// when the company's tables cannot be read, which the user is told.
+    /// Begins with the mask of that number, 0 for a new one. Tells the user of headings that masks cannot use, and of
+    /// relations beyond the hundredth, which are not shown and not saved again. False when the company's tables cannot
+    /// be read, which the user is told.
     bool open(SqlLayer& sql, int maskNumber);
 
     // The mask. Whatever the sample is cut by cuts it anew.
@@ -107,6 +108,7 @@ class MaskEditor {
     TargetList targets_;
     SourceFields sources_;
     std::vector<EditedRelation> relations_;  ///< in the order of the list
+    bool relationsLeftOut_ = false;
     RuleEntries updateRules_, divisions_;
     Choice chosen_;
     std::string FrånPos_, Längd_;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <map>
 
 #include "definitions/editorworld.h"
@@ -293,6 +294,17 @@ TEST_F(MaskEditorTest, RefusesTheHundredAndFirstRelation) {
     for (int i = 0; i < kMostRelations; ++i) join(1, 0);
     world.expect(kForm, 41);
     join(1, 0);
+    EXPECT_EQ(relations().size(), 100U);
+}
+
+TEST_F(MaskEditorTest, TellsOfRelationsThatItCannotShow) {
+    Mask mask;
+    mask.Namn = "Annan";
+    MaskFile(world.data()).save(mask, std::vector<Relation>(100));
+    std::ofstream(world.data() / "PRISMPOS.TXT", std::ios::binary | std::ios::app)
+        << "00100100100000000US1" << std::string(9, '\0') << "\r\n";
+    world.port.expect(world.texts().ModulTextMed("KMR", 104, "Annan"), "Kolmera");
+    open("a\r\n", 1);
     EXPECT_EQ(relations().size(), 100U);
 }
 
