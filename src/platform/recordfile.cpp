@@ -114,10 +114,6 @@ int RecordFile::count() const {
     return static_cast<int>(std::min(descriptor_.size() / lengthOf(layout_), kMost));
 }
 
-int RecordFile::surplus() const {
-    return descriptor_.isOpen() ? static_cast<int>(descriptor_.size() % lengthOf(layout_)) : 0;
-}
-
 Record RecordFile::read(int number) const {
     if (number < 1 || number > count()) return Record(layout_);
     std::string bytes(lengthOf(layout_), ' ');

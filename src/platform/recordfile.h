@@ -80,8 +80,6 @@ class RecordFile {
 
     /// Whole records in the file (length / record length; a partial record at the end is ignored).
     [[nodiscard]] int count() const;
-    /// Bytes behind the last whole record: not 0 in a truncated file.
-    [[nodiscard]] int surplus() const;
     /// Record n; one beyond the end reads as blanks.
     [[nodiscard]] Record read(int number) const;
     /// Leaves all other records as they are, and a partial one at the end. `number` is 1 or more.
