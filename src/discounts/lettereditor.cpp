@@ -282,8 +282,7 @@ void LetterEditor::LäsFil(const fs::path& file) {
 bool LetterEditor::mayReplace(LetterExchange& exchange, const fs::path& file) {
     const std::string title = texts_.FormulärSträng(kForm, kReadTitle);
     try {
-        const Hourglass checking(boxes_.port());
-        if (exchange.usableLines(file) == 0) {
+        if (usableLines(exchange, file) == 0) {
             boxes_.MeddelandeVarning(noGroups(texts_, file), title);
             return false;
         }
@@ -292,6 +291,11 @@ bool LetterEditor::mayReplace(LetterExchange& exchange, const fs::path& file) {
         return false;
     }
     return rows_.empty() || boxes_.MeddelandeOKAvbryt(texts_.FormulärSträng(kForm, kAskToReplace), title) == Answer::OK;
+}
+
+std::int64_t LetterEditor::usableLines(LetterExchange& exchange, const fs::path& file) {
+    const Hourglass checking(boxes_.port());
+    return exchange.usableLines(file);
 }
 
 fs::path LetterEditor::proposedFile() const {

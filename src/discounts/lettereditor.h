@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -90,6 +91,7 @@ class LetterEditor {
     [[nodiscard]] bool find(std::string_view code);
     void saveGroup();
     bool mayReplace(LetterExchange& exchange, const std::filesystem::path& file);
+    std::int64_t usableLines(LetterExchange& exchange, const std::filesystem::path& file);
 
     StartState& state_;
     LanguageTexts& texts_;

@@ -201,7 +201,7 @@ void PrisRab::setTabOrders() {
 }
 
 void PrisRab::setSizes() {
-    constexpr int kUpperLines = 5, kGroupLines = 12, kCompanyLetters = 46, kNumberLetters = 14, kGroupLetters = 18;
+    constexpr int kUpperLines = 5, kGroupLines = 12, kCompanyLetters = 46, kNumberLetters = 14;
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     ftgLista_->setMinimumHeight(kUpperLines * metrics.lineSpacing());
@@ -209,9 +209,6 @@ void PrisRab::setSizes() {
     levLista_->setMinimumHeight(kUpperLines * metrics.lineSpacing());
     levLista_->setColumnWidth(0, kNumberLetters * letter);
     lista_->setMinimumHeight(kGroupLines * metrics.lineSpacing());
-    lista_->setColumnWidth(0, kGroupLetters * letter);
-    for (int column = 1; column < LetterRows::kColumns; ++column)
-        lista_->setColumnWidth(column, kNumberLetters * letter);
     for (QLineEdit* field : fields_) field->setMinimumWidth((kCodeLength + 1) * letter);
     totalRabatt_->setMinimumWidth((kCodeLength + 1) * letter);
 }
@@ -224,7 +221,7 @@ void PrisRab::nameColumns() {
     }
     groups_->setHeaders(std::move(headers));
     totalRabatt_->setAccessibleName(labels_.at(kTotalLabel)->text());
-    lista_->header()->setStretchLastSection(true);
+    lista_->header()->setSectionResizeMode(QHeaderView::Stretch);
 }
 
 void PrisRab::connectLists() {

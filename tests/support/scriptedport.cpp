@@ -16,6 +16,22 @@ void ScriptedPort::expectBeginning(const std::string& text, const std::string& t
     expected_.push_back({text, title, answer, true});
 }
 
+namespace {
+
+bool offers(Buttons buttons, Answer answer) {
+    switch (buttons) {
+        case Buttons::OK:
+            return answer == Answer::OK;
+        case Buttons::OKCancel:
+            return answer == Answer::OK || answer == Answer::Cancel;
+        case Buttons::YesNo:
+            return answer == Answer::Yes || answer == Answer::No;
+    }
+    return false;
+}
+
+}  // namespace
+
 Answer ScriptedPort::show(const Message& message) {
     if (expected_.empty()) {
         ADD_FAILURE() << "nobody expected this message: " << message.title << ": " << message.text;
@@ -25,7 +41,7 @@ Answer ScriptedPort::show(const Message& message) {
     expected_.pop_front();
     EXPECT_EQ(expected.beginning ? message.text.substr(0, expected.text.size()) : message.text, expected.text);
     EXPECT_EQ(message.title, expected.title);
-    EXPECT_EQ(message.buttons == Buttons::YesNo, expected.answer != Answer::OK) << message.text;
+    EXPECT_TRUE(offers(message.buttons, expected.answer)) << "no such button: " << message.text;
     EXPECT_FALSE(hourglassShown) << "the hourglass stands over " << message.text;
     return expected.answer;
 }

@@ -1,0 +1,270 @@
+#include "discounts/lettereditor.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "definitions/editorworld.h"
+#include "discounts/lettermessages.h"
+
+namespace kolmera {
+namespace {
+
+using test::EditorWorld;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* kForm = "PrisRab";
+constexpr const char* kTable = "LevrabattBrev";
+
+class LetterEditorTest : public testing::Test {
+  protected:
+    LetterEditorTest() {
+        for (const char* number : {"10", "20"}) {
+            world.add("Leverantör", {{"Nummer", number}, {"Söknamn", "Lev " + std::string(number)}});
+        }
+        group("10", "A1", 10, 5.0, 2.0);
+        group("10", "B2", 12.5);
+        group("20", "A1", 50);
+    }
+    void group(const char* supplier, std::string_view code, const Value& first, const Value& second = Null(),
+               const Value& third = Null()) {
+        world.add(kTable, {{"Leverantör", supplier},
+                           {"Rabattgrupp", std::string(code)},
+                           {"1Rabatt", first},
+                           {"2Rabatt", second},
+                           {"3Rabatt", third}});
+    }
+    /// Opens the window's logic on a job of the company and that supplier.
+    LetterEditor& open(const char* supplier = "10") {
+        world.job.supplier = supplier;
+        const int job = JobFile(world.data()).save(world.job);
+        editor = std::make_unique<LetterEditor>(world.state, world.texts(), world.boxes, world.companies);
+        editor->open(job);
+        return *editor;
+    }
+    void type(std::initializer_list<std::string> fields) {
+        int number = 0;
+        for (const std::string& text : fields) editor->edit(number++, text);
+    }
+    std::string fields() const {
+        std::string text;
+        for (int number = 0; number < LetterEditor::kFields; ++number) text.append(editor->field(number)).append("|");
+        return text + editor->TotalRabatt();
+    }
+    std::string row(int number) const {
+        std::string text;
+        for (int column = 0; column < LetterRows::kColumns; ++column) {
+            if (column > 0) text += '|';
+            text += editor->Lista().text(number, column);
+        }
+        return text;
+    }
+    std::string listed() const {
+        std::string codes;
+        for (int number = 0; number < editor->Lista().count(); ++number)
+            codes.append(editor->Lista().text(number, 0)).append(" ");
+        return codes;
+    }
+    std::string stored() {
+        editor.reset();
+        return world.rows(kTable, "Leverantör, Rabattgrupp, 1Rabatt, 2Rabatt");
+    }
+    std::filesystem::path write(const char* name, std::string_view content) {
+        std::ofstream(world.data() / name, std::ios::binary) << content;
+        return world.data() / name;
+    }
+    void expectBox(const std::string& text, const std::string& title, Answer answer = Answer::OK) {
+        world.port.expect(text, title, answer);
+    }
+    [[nodiscard]] std::string formText(int number) { return world.texts().FormulärSträng(kForm, number); }
+    [[nodiscard]] std::string moduleText(int number) { return world.texts().ModulText("KMR", number); }
+
+    EditorWorld world;
+    std::unique_ptr<LetterEditor> editor;
+};
+
+TEST_F(LetterEditorTest, BeginsWithTheJobsCompanyAndSupplier) {
+    open("20");
+    EXPECT_EQ(editor->chosenCompany(), 0);
+    EXPECT_EQ(editor->chosenSupplier(), 1);
+    EXPECT_EQ(editor->captionSuffix(), " - 20 - Lev 20");
+    EXPECT_EQ(listed(), "A1 ");
+
+    open("99");
+    EXPECT_EQ(editor->suppliers().size(), 2U);
+    EXPECT_EQ(editor->chosenSupplier(), -1);
+    EXPECT_EQ(editor->captionSuffix(), "");
+    EXPECT_EQ(listed(), "");
+
+    editor->open(0);
+    LetterEditor fresh(world.state, world.texts(), world.boxes, world.companies);
+    fresh.open(0);
+    EXPECT_EQ(fresh.chosenCompany(), -1) << "a company without a job";
+    EXPECT_EQ(fresh.companies().size(), 1U);
+}
+
+TEST_F(LetterEditorTest, OpensACompanyOnAServer) {
+    world.moveToServer();
+    open("10");
+    EXPECT_EQ(editor->chosenCompany(), 1);
+    EXPECT_EQ(editor->captionSuffix(), " - 10 - Lev 10");
+    std::filesystem::remove(world.data() / "DVSQLSvr.ini");
+    world.port.expectBeginning(world.texts().ResText(3300) + " SQL;TEST.", world.texts().ResText(3300));
+    EXPECT_FALSE(editor->chooseCompany(1));
+    EXPECT_TRUE(editor->suppliers().empty()) << "the suppliers of a company that is closed";
+    EXPECT_EQ(listed(), "");
+}
+
+TEST_F(LetterEditorTest, ListsAndShowsGroups) {
+    open();
+    EXPECT_EQ(row(0), "A1|10,00|5,00|2,00|||16,21");
+    EXPECT_EQ(row(1), "B2|12,50|||||12,50");
+    editor->chooseRow(0);
+    EXPECT_EQ(fields(), "A1|10|5|2|||16,21");
+    editor->chooseRow(1);
+    EXPECT_EQ(fields(), "B2|12,5|||||12,50") << "what the group before had stays";
+    editor->Avbryt();
+    EXPECT_EQ(fields(), "||||||");
+    editor->chooseSupplier(1);
+    editor->chooseRow(0);
+    EXPECT_EQ(fields(), "A1|50|||||50,00");
+    editor->chooseSupplier(0);
+    EXPECT_EQ(fields(), "||||||") << "another supplier's group would be saved here";
+}
+
+TEST_F(LetterEditorTest, LeavingAFieldCountsAndLooksUp) {
+    open();
+    type({"new", "10", "-10"});
+    EXPECT_EQ(editor->TotalRabatt(), "") << "counted while typing";
+    editor->leave(2);
+    EXPECT_EQ(editor->TotalRabatt(), "1,00");
+    editor->edit(0, "b2");
+    editor->leave(0);
+    EXPECT_EQ(fields(), "B2|12,5|||||12,50");
+    EXPECT_EQ(editor->chosenRow(), 1);
+    editor->edit(1, "99");
+    editor->leave(1);
+    editor->leave(0);
+    EXPECT_EQ(editor->field(1), "99") << "an unchanged code is looked up again";
+    for (const char* unknown : {"", "x", "O'\"x"}) {
+        editor->edit(0, unknown);
+        editor->leave(0);
+        EXPECT_EQ(editor->field(1), "99") << unknown;
+    }
+}
+
+TEST_F(LetterEditorTest, SavesNewAndChangedGroups) {
+    open();
+    type({"C'3", "7,5", "", "", "", "2"});
+    EXPECT_EQ(editor->Spara(), 0);
+    EXPECT_EQ(fields(), "||||||");
+    EXPECT_EQ(row(2), "C'3|7,50||||2,00|9,35");
+    EXPECT_EQ(editor->chosenRow(), 2);
+    type({"a1", "11", ""});
+    EXPECT_EQ(editor->Spara(), 0);
+    EXPECT_EQ(listed(), "B2 C'3 a1 ") << "a changed group goes to the end";
+    EXPECT_EQ(editor->chosenRow(), 2);
+    EXPECT_EQ(stored(), "10 a1 11 -\n10 B2 12.5 -\n20 A1 50 -\n10 C'3 7.5 -\n");
+}
+
+TEST_F(LetterEditorTest, SavesNothingThatIsWrong) {
+    open();
+    type({" ", "5"});
+    EXPECT_EQ(editor->Spara(), std::nullopt) << "without a code";
+    type({"X", "5", "", "1x"});
+    expectBox(world.texts().ModulTextMed("KMR", 308, "1x"), "Kolmera");
+    EXPECT_EQ(editor->Spara(), 3);
+    EXPECT_EQ(editor->field(3), "1x") << "the user's text is gone";
+    type({"A CODE TOO LONG", "5", "", ""});
+    world.port.expectBeginning(moduleText(309), "Kolmera");
+    EXPECT_EQ(editor->Spara(), std::nullopt);
+    open("99");
+    type({"X", "5"});
+    expectBox(moduleText(307), "Kolmera");
+    EXPECT_EQ(editor->Spara(), std::nullopt) << "without a supplier";
+    EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
+}
+
+TEST_F(LetterEditorTest, DeletesTheGroupOfTheCode) {
+    open();
+    EXPECT_FALSE(editor->canDelete());
+    editor->chooseRow(0);
+    editor->edit(0, "none");
+    editor->TaBort();
+    EXPECT_EQ(listed(), "A1 B2 ") << "another group than the one that is named";
+    editor->edit(0, "b2");
+    const std::string question = world.texts().FormulärSträngMed1(kForm, 20, "b2");
+    expectBox(question, formText(21), Answer::No);
+    editor->TaBort();
+    EXPECT_EQ(listed(), "A1 B2 ");
+    expectBox(question, formText(21), Answer::Yes);
+    editor->TaBort();
+    EXPECT_EQ(listed(), "A1 ");
+    EXPECT_EQ(fields(), "||||||");
+    EXPECT_EQ(stored(), "10 A1 10 5\n20 A1 50 -\n");
+}
+
+// Files.
+
+TEST_F(LetterEditorTest, ReplacesALongLetter) {
+    for (int i = 0; i < 120; ++i) group("10", fmt::format("OLD{}", i), 1);
+    const auto file = write("brev.txt", "N1\t5\r\nN2\t6,5\r\nN1\t7\r\n");
+    open();
+    expectBox(formText(15), formText(10), Answer::Cancel);
+    editor->LäsFil(file);
+    EXPECT_EQ(editor->Lista().count(), 122) << "Cancel has deleted groups";
+    expectBox(formText(15), formText(10), Answer::OK);
+    expectBox(world.texts().ModulTextMed("KMR", 304, "1 (N1)"), formText(10));
+    editor->LäsFil(file);
+    EXPECT_FALSE(world.port.hourglassShown);
+    EXPECT_EQ(listed(), "N1 N2 ");
+    EXPECT_EQ(stored(), "20 A1 50 -\n10 N1 5 -\n10 N2 6.5 -\n");
+}
+
+TEST_F(LetterEditorTest, ABadFileCostsNothing) {
+    open();
+    const auto none = world.data() / "none.txt";
+    world.port.expectBeginning(world.texts().ResText(1502) + " " + none.string() + ".", formText(10));
+    editor->LäsFil(none);
+    world.port.expectBeginning(world.texts().ResText(1502) + " " + world.data().string() + ".", formText(10));
+    editor->LäsFil(world.data());
+    const auto sheet = write("brev.XLSX", "A\t1\r\n");
+    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 131, "brev.XLSX"), formText(10));
+    editor->LäsFil(sheet);
+    const auto empty = write("tom.txt", "");
+    expectBox(noGroups(world.texts(), empty), formText(10));
+    editor->LäsFil(empty);
+    EXPECT_EQ(listed(), "A1 B2 ");
+    open("99");
+    expectBox(moduleText(307), "Kolmera");
+    editor->LäsFil(write("brev.txt", "A\t1\r\n"));
+    EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
+}
+
+TEST_F(LetterEditorTest, WritesALetter) {
+    open();
+    EXPECT_EQ(editor->proposedFile(), world.data() / "Rabattbrev1.txt");
+    write("RABATTBREV7.TXT", "");
+    write("Rabattbrev.doc", "");
+    EXPECT_EQ(editor->proposedFile(), world.data() / "Rabattbrev2.txt");
+    editor->SkapaFil(editor->proposedFile());
+    std::ifstream text(world.data() / "Rabattbrev2.txt", std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(text), {}), "A1\t10\t5\t2\t\t\r\nB2\t12,5\t\t\t\t\r\n");
+
+    const auto unwritable = world.data() / "none" / "brev.txt";
+    world.port.expectBeginning(world.texts().ResText(1502) + " " + unwritable.string() + ".", formText(11));
+    editor->SkapaFil(unwritable);
+    expectBox(world.texts().ModulTextMed("KMR", 130, "brev.xls"), formText(11));
+    editor->SkapaFil(world.data() / "brev.xls");
+    type({"Ω"});
+    editor->Spara();
+    expectBox(world.texts().ModulTextMed("KMR", 310, "1 (Ω)"), formText(11));
+    editor->SkapaFil(world.data() / "brev.txt");
+    open("99");
+    EXPECT_FALSE(editor->canWrite());
+}
+
+}  // namespace
+}  // namespace kolmera
