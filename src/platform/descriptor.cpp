@@ -40,6 +40,7 @@ void throwSystemError(int systemError) {
             throw PlatformError(errors::kFileNotFound, text);
         case ENOSPC:
         case EDQUOT:
+        case EFBIG:  // the user's or the disk's limit for a file
             throw PlatformError(errors::kDiskFull, text);
         default:
             throw PlatformError(errors::kInternal, text);

@@ -140,7 +140,7 @@ void addSheet(const fs::path& file, const std::string& prefix, std::span<const S
     if (exists) checkContent(target);
 
     const WorkFolder folder(target);
-    exists ? copyFile(target, folder.workbook()) : makeEmptyWorkbook(folder, prefix + "1");
+    exists ? copyFile(target, folder.workbook()) : makeEmptyWorkbook(folder, numberedSheetName(prefix, 1));
     Archive archive(folder.workbook(), Archive::Mode::Change);
     const Package package = Package::of(archive);
     checkProtection(package);

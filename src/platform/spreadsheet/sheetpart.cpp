@@ -93,7 +93,8 @@ void SheetPartWriter::cell(const Value& value, FieldType type) {
     if (const auto* number = std::get_if<double>(&value); number && std::isfinite(*number)) {
         xml_ += "<c><v>";
         // A number of a Single column is written as it was entered: 0.1, not 0.10000000149011612.
-        type == FieldType::Single ? appendNumber(static_cast<float>(*number), xml_) : appendNumber(*number, xml_);
+        const auto single = static_cast<float>(*number);
+        type == FieldType::Single&& std::isfinite(single) ? appendNumber(single, xml_) : appendNumber(*number, xml_);
         xml_ += "</v></c>";
     } else if (const auto* whole = std::get_if<std::int64_t>(&value)) {
         xml_ += "<c><v>";

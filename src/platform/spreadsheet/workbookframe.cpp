@@ -67,31 +67,38 @@ pugi::xml_attribute attributeOf(const pugi::xml_node& node, std::string_view nam
     return node.find_attribute([name](const pugi::xml_attribute& a) { return localName(a.name()) == name; });
 }
 
-/// `beginning` and the first number from `number` on that is not taken.
-template <typename IsTaken>
-std::string firstFree(std::string_view beginning, std::size_t number, std::string_view end, IsTaken isTaken) {
+/// The first name with a number from `number` on that is not taken.
+template <typename MakeName, typename IsTaken>
+std::string firstFree(std::size_t number, MakeName makeName, IsTaken isTaken) {
     for (;; ++number) {
-        std::string name = fmt::format("{}{}{}", beginning, number, end);
+        std::string name = makeName(number);
         if (!isTaken(name)) return name;
     }
 }
 
 }  // namespace
 
+std::string numberedSheetName(const std::string& prefix, std::size_t number) {
+    constexpr std::size_t kMostCharacters = 31;
+    const std::string digits = std::to_string(number);
+    return std::string(firstCharacters(prefix, kMostCharacters - digits.size())) + digits;
+}
+
 std::string FrameChange::freePart() const {
     const std::string folder = package_.workbook.substr(0, package_.workbook.rfind('/') + 1);
-    return firstFree(folder + "worksheets/sheet", package_.sheets.size() + 1, ".xml",
-                     [this](const std::string& part) { return archive_.find(part).has_value(); });
+    return firstFree(
+        package_.sheets.size() + 1,
+        [&folder](std::size_t number) { return fmt::format("{}worksheets/sheet{}.xml", folder, number); },
+        [this](const std::string& part) { return archive_.find(part).has_value(); });
 }
 
 std::string FrameChange::freeName(const std::string& prefix) const {
-    constexpr std::size_t kMostCharacters = 31;
-    constexpr std::size_t kMostDigits = 5;
-    const std::string_view beginning = firstCharacters(prefix, kMostCharacters - kMostDigits);
-    return firstFree(beginning, package_.sheets.size(), "", [this](const std::string& name) {
-        return std::ranges::any_of(package_.sheets,
-                                   [&name](const Package::Sheet& sheet) { return equalNoCase(sheet.name, name); });
-    });
+    return firstFree(
+        package_.sheets.size(), [&prefix](std::size_t number) { return numberedSheetName(prefix, number); },
+        [this](const std::string& name) {
+            return std::ranges::any_of(package_.sheets,
+                                       [&name](const Package::Sheet& sheet) { return equalNoCase(sheet.name, name); });
+        });
 }
 
 void FrameChange::enter(const std::string& part, const std::string& name) {
@@ -109,8 +116,9 @@ std::string FrameChange::addRelationship(const std::string& part) {
         taken.insert(attributeOf(child, "Id").value());
         if (std::string_view(attributeOf(child, "Type").value()).ends_with("/worksheet")) neighbour = child;
     }
-    std::string id =
-        firstFree("rId", taken.size() + 1, "", [&taken](const auto& name) { return taken.contains(name); });
+    std::string id = firstFree(
+        taken.size() + 1, [](std::size_t number) { return fmt::format("rId{}", number); },
+        [&taken](const std::string& name) { return taken.contains(name); });
     pugi::xml_node added = relationships.root().insert_copy_after(neighbour, neighbour);
     attributeOf(added, "Id").set_value(id.c_str());
     const std::string folder = package_.workbook.substr(0, package_.workbook.rfind('/') + 1);

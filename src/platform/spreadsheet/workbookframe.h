@@ -7,6 +7,9 @@
 
 namespace kolmera {
 
+/// The name of a sheet: `prefix`, cut so that no name has more than 31 characters, and a number.
+std::string numberedSheetName(const std::string& prefix, std::size_t number);
+
 /// Enters a new worksheet in the frame of a workbook: in the list of sheets, the workbook's relations and the list of
 /// the parts' types. The sheet's own part is added by the caller.
 class FrameChange {
@@ -15,8 +18,7 @@ class FrameChange {
 
     /// The part that the new sheet gets: beside the others, under a name that is free.
     [[nodiscard]] std::string freePart() const;
-    /// `prefix` and the number of sheets, or the next number that makes the name unique, cut to 31 characters in front
-    /// of the number.
+    /// The name with the number of sheets, or with the next number that makes it unique.
     [[nodiscard]] std::string freeName(const std::string& prefix) const;
 
     void enter(const std::string& part, const std::string& name);
