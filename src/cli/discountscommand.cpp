@@ -141,23 +141,19 @@ int LetterCommand::importLetter() {
     LetterExchange exchange(session_.state.sql, *supplier, port_);
     exchange.cancelled = [this] { return port_.cancelled(); };
     if (!canReplace(exchange)) return exitcode::kStopped;
-    try {
-        print(session_.text(303), exchange.deleteLetter());
-        return finish(exchange.readFrom(file_));
-    } catch (const PlatformError& error) {
-        return stop(readingStopped(session_.texts, error));
-    }
+    return finish(exchange.replaceFrom(file_));
 }
 
 int LetterCommand::finish(const LetterRead& report) {
+    if (report.cancelled || report.stopped) {
+        stop(remarks(session_.texts, report).front());
+        return report.cancelled ? exitcode::kCancelled : exitcode::kStopped;
+    }
+    print(session_.text(303), report.deleted);
     print(session_.text(300), report.lines);
     print(session_.text(301), report.added);
     print(session_.text(302), report.passedOver.count);
     printRemarks(report);
-    if (report.cancelled) {
-        surroundings_.err << session_.text(222) << '\n';
-        return exitcode::kCancelled;
-    }
     surroundings_.out << session_.text(315) << '\n';
     return port_.passedOver() > 0 ? exitcode::kPassedOver : exitcode::kDone;
 }

@@ -266,13 +266,10 @@ void LetterEditor::LäsFil(const fs::path& file) {
     const std::string title = texts_.FormulärSträng(kForm, kReadTitle);
     LetterRead report;
     closeLetter();
-    try {
+    tried(kCannotSave, [&] {
         const Hourglass reading(boxes_.port());
-        exchange.deleteLetter();
-        report = exchange.readFrom(file);
-    } catch (const PlatformError& error) {
-        boxes_.MeddelandeVarning(readingStopped(texts_, error), title);
-    }
+        report = exchange.replaceFrom(file);
+    });
     openLetter();
     const std::vector<std::string> lines = remarks(texts_, report);
     if (!lines.empty()) boxes_.MeddelandeVarning(fmt::format("{}", fmt::join(lines, "\r\n\r\n")), title);

@@ -82,18 +82,17 @@ bool hasNul(Pieces line) {
 /// Adds a group for each line it is given.
 class LetterReader {
   public:
-    LetterReader(Recordset& letter, std::string supplier, const Locale& locale, PassedOver& passedOver)
-        : letter_(letter), supplier_(std::move(supplier)), locale_(locale), passedOver_(passedOver) {}
-
-    LetterRead report;
+    LetterReader(Recordset& letter, std::string supplier, const Locale& locale, PassedOver& passedOver,
+                 LetterRead& report)
+        : letter_(letter), supplier_(std::move(supplier)), locale_(locale), passedOver_(passedOver), report_(report) {}
 
     void add(Pieces line) {
-        ++report.lines;
+        ++report_.lines;
         if (attempt(passedOver_, lettertable::kName, [&] { save(line); })) {
-            ++report.added;
+            ++report_.added;
         } else {
             letter_.cancelUpdate();
-            report.passedOver.note(TillText(line.front(), locale_));
+            report_.passedOver.note(TillText(line.front(), locale_));
         }
     }
 
@@ -110,7 +109,7 @@ class LetterReader {
         for (auto piece = line.begin() + 1; piece != line.end() && column < columns; ++piece, ++column) {
             if (isBlank(*piece)) continue;
             if (!attempt(passedOver_, lettertable::kName, [&] { letter_.set(column, *piece); })) {
-                report.notNumbers.note(TillText(line.front(), locale_));
+                report_.notNumbers.note(TillText(line.front(), locale_));
             }
         }
         letter_.update();
@@ -120,6 +119,7 @@ class LetterReader {
     std::string supplier_;
     const Locale& locale_;
     PassedOver& passedOver_;
+    LetterRead& report_;
 };
 
 /// Thrown to leave the rest of a file.
@@ -174,34 +174,72 @@ std::int64_t LetterExchange::usableLines(const std::filesystem::path& file) {
     return isText ? usable : 0;
 }
 
-std::int64_t LetterExchange::deleteLetter() {
-    const auto letter = open();
-    BatchTransaction batch(*sql_.FtgDB);
-    std::int64_t deleted = 0;
-    for (; !letter->eof(); letter->moveNext()) {
-        if (!attempt(passedOver_, lettertable::kName, [&] { letter->remove(); })) continue;
-        if (++deleted % kRowsOfTransaction == 0) batch.next();
+LetterRead LetterExchange::replaceFrom(const std::filesystem::path& file) {
+    LetterRows old(sql_.locale());
+    LetterRead report;
+    bool wasDeleted = false;
+    try {
+        report.deleted = deleteLetter(old);
+        wasDeleted = true;
+        readLetter(file, report);
+    } catch (const PlatformError& error) {
+        report.stopped = error;
     }
-    batch.end();
-    return deleted;
+    if (report.cancelled || report.stopped) report.restored = restore(old, wasDeleted);
+    return report;
 }
 
-LetterRead LetterExchange::readFrom(const std::filesystem::path& file) {
+/// Returns how many groups were deleted; `deleted` gets what the letter was.
+std::int64_t LetterExchange::deleteLetter(LetterRows& deleted) {
     const auto letter = open();
-    LetterReader reader(*letter, supplier_, sql_.locale(), passedOver_);
+    BatchTransaction batch(*sql_.FtgDB);
+    std::int64_t count = 0;
+    for (; !letter->eof(); letter->moveNext()) {
+        if (!attempt(passedOver_, lettertable::kName, [&] {
+                deleted.append(*letter);
+                letter->remove();
+            })) {
+            continue;
+        }
+        if (++count % kRowsOfTransaction == 0) batch.next();
+    }
+    batch.end();
+    return count;
+}
+
+void LetterExchange::readLetter(const std::filesystem::path& file, LetterRead& report) {
+    const auto letter = open();
+    LetterReader reader(*letter, supplier_, sql_.locale(), passedOver_, report);
     BatchTransaction batch(*sql_.FtgDB);
     try {
         eachLine(file, [&](Pieces line) {
             reader.add(line);
-            if (reader.report.lines % kRowsOfTransaction != 0) return;
+            if (report.lines % kRowsOfTransaction != 0) return;
             batch.next();
             if (cancelled && cancelled()) throw Cancelled();
         });
     } catch (const Cancelled&) {
-        reader.report.cancelled = true;
+        report.cancelled = true;
     }
     batch.end();
-    return std::move(reader.report);
+}
+
+/// Groups that are there still, because their deletion was undone, are passed over.
+bool LetterExchange::restore(const LetterRows& old, bool wasDeleted) {
+    PassedOverSilently there;
+    return attempt(passedOver_, lettertable::kName, [&] {
+        LetterRows unfinished(sql_.locale());
+        if (wasDeleted) deleteLetter(unfinished);
+        const auto letter = open();
+        LetterRead report;
+        LetterReader reader(*letter, supplier_, sql_.locale(), there, report);
+        BatchTransaction batch(*sql_.FtgDB);
+        for (int row = 0; row < old.count(); ++row) {
+            reader.add(old.values(row));
+            if ((row + 1) % kRowsOfTransaction == 0) batch.next();
+        }
+        batch.end();
+    });
 }
 
 LetterWritten LetterExchange::writeTo(const std::filesystem::path& file) {

@@ -3,12 +3,15 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "db/sqllayer.h"
+#include "discounts/letterrows.h"
 #include "platform/attempt.h"
 
 namespace kolmera {
@@ -28,13 +31,16 @@ struct NotedGroups {
     [[nodiscard]] std::string text() const;
 };
 
-/// What became of the lines of a file.
+/// What became of the old letter and of the lines of a file.
 struct LetterRead {
+    std::int64_t deleted = 0;
     std::int64_t lines = 0;
     std::int64_t added = 0;
     NotedGroups passedOver;  ///< lines that could not be saved: a code twice, or too long
     NotedGroups notNumbers;  ///< values left empty, because they are no numbers
     bool cancelled = false;
+    std::optional<PlatformError> stopped;  ///< why the database ended it
+    bool restored = false;                 ///< cancelled or stopped, and the old letter is back
 };
 
 struct LetterWritten {
@@ -57,16 +63,18 @@ class LetterExchange {
     /// deleted. The whole file is read, so that one that is no letter, or damaged at its end, costs nothing. 0 for a
     /// text file with NUL in it: it is no text.
     [[nodiscard]] std::int64_t usableLines(const std::filesystem::path& file);
-    /// Returns how many groups were deleted.
-    std::int64_t deleteLetter();
-    /// Adds a group for every line (or row of the first sheet) that is not empty. Pieces beyond the table's columns are
-    /// left out, columns without a piece stay empty.
-    LetterRead readFrom(const std::filesystem::path& file);
+    /// Deletes the letter, and adds a group for every line (or row of the first sheet) that is not empty. Pieces beyond
+    /// the table's columns are left out, columns without a piece stay empty. When that is cancelled or the database
+    /// ends it (a full disk), the old letter is put back as far as the database lets us.
+    LetterRead replaceFrom(const std::filesystem::path& file);
     /// Writes the letter in the order of the database: a text file is replaced, a workbook gets a new sheet
     /// "Rabattbrev" and a number. A file that cannot be written whole stays as it was.
     LetterWritten writeTo(const std::filesystem::path& file);
 
   private:
+    std::int64_t deleteLetter(LetterRows& deleted);
+    void readLetter(const std::filesystem::path& file, LetterRead& report);
+    [[nodiscard]] bool restore(const LetterRows& old, bool wasDeleted);
     [[nodiscard]] std::unique_ptr<Recordset> open(RecordsetType type = RecordsetType::Dynaset);
     LetterWritten writeText(Recordset& letter, const std::filesystem::path& file);
     static LetterWritten writeSheet(Recordset& letter, const std::filesystem::path& file);

@@ -5,7 +5,8 @@ namespace {
 
 constexpr std::string_view kModule = "KMR";
 constexpr int kCannotOpenFile = 1502;
-constexpr int kDatabaseStopped = 111, kDiskFullStopped = 112, kCannotSaveFile = 124;
+constexpr int kDatabaseStopped = 111, kDiskFullStopped = 112, kCancelled = 222, kStoppedRestored = 330,
+              kCancelledRestored = 331, kCannotSaveFile = 124;
 constexpr int kUnwritableSheet = 130, kUnreadableSheet = 131;
 constexpr int kLinesPassedOver = 304, kNotNumbers = 305, kNoGroups = 306, kQuestionMarks = 310;
 constexpr std::string_view kParagraph = "\r\n\r\n";
@@ -14,6 +15,17 @@ std::string named(std::string text, const std::filesystem::path& file) { return 
 
 std::string explained(std::string text, const PlatformError& error) {
     return text.append(kParagraph).append(error.description());
+}
+
+/// Why the letter is not the file's.
+std::string readingEnded(LanguageTexts& texts, const LetterRead& report) {
+    if (report.cancelled) {
+        return report.restored ? texts.ModulText(kModule, kCancelledRestored) : texts.ModulText(kModule, kCancelled);
+    }
+    const std::string reason = report.stopped->description();
+    if (report.restored) return texts.ModulTextMed(kModule, kStoppedRestored, reason);
+    return report.stopped->number() == errors::kDiskFull ? texts.ModulTextMed(kModule, kDiskFullStopped, reason)
+                                                         : texts.ModulTextMed(kModule, kDatabaseStopped, reason);
 }
 
 }  // namespace
@@ -29,12 +41,6 @@ std::string noGroups(LanguageTexts& texts, const std::filesystem::path& file) {
     return texts.ModulTextMed(kModule, kNoGroups, file.filename().string());
 }
 
-std::string readingStopped(LanguageTexts& texts, const PlatformError& error) {
-    const bool diskFull = error.number() == errors::kDiskFull;
-    return diskFull ? texts.ModulTextMed(kModule, kDiskFullStopped, error.description())
-                    : texts.ModulTextMed(kModule, kDatabaseStopped, error.description());
-}
-
 std::string writingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error) {
     if (!isSpreadsheet(file)) return explained(named(texts.ResText(kCannotOpenFile), file), error);
     if (error.number() == errors::kUnwritableFormat) {
@@ -44,6 +50,7 @@ std::string writingFailed(LanguageTexts& texts, const std::filesystem::path& fil
 }
 
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterRead& report) {
+    if (report.cancelled || report.stopped) return {readingEnded(texts, report)};
     std::vector<std::string> lines;
     if (report.passedOver.count > 0) {
         lines.push_back(texts.ModulTextMed(kModule, kLinesPassedOver, report.passedOver.text()));

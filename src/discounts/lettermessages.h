@@ -16,12 +16,10 @@ namespace kolmera {
 std::string readingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error);
 /// A file has no line that could become a group.
 std::string noGroups(LanguageTexts& texts, const std::filesystem::path& file);
-/// The database ended the reading of a letter.
-std::string readingStopped(LanguageTexts& texts, const PlatformError& error);
 /// A file could not be written.
 std::string writingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error);
 
-/// What was passed over or left out, a line each; nothing when everything went well.
+/// What ended the reading, else what was passed over or left out, a line each; nothing when everything went well.
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterRead& report);
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterWritten& report);
 

@@ -39,6 +39,16 @@ std::string LetterRows::text(int row, int column) const {
     return locale_.formatFixed(TotalRabatt(discounts), kDecimals);
 }
 
+std::vector<Value> LetterRows::values(int row) const {
+    const Row& group = rows_.at(static_cast<std::size_t>(row));
+    std::vector<Value> values(1 + kDiscountSteps);
+    values.front() = group.code;
+    for (std::size_t step = 0; step < group.discounts.size(); ++step) {
+        if (!std::isnan(group.discounts.at(step))) values.at(1 + step) = group.discounts.at(step);
+    }
+    return values;
+}
+
 int LetterRows::rowOf(std::int64_t id) const {
     const auto found = std::ranges::find(rows_, id, &Row::id);
     return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());

@@ -25,6 +25,8 @@ class LetterRows {
     [[nodiscard]] std::int64_t id(int row) const { return rows_.at(static_cast<std::size_t>(row)).id; }
     /// Two decimals, the locale's sign; a discount that is Null shows nothing.
     [[nodiscard]] std::string text(int row, int column) const;
+    /// The values as they are stored: the code and the discounts.
+    [[nodiscard]] std::vector<Value> values(int row) const;
     [[nodiscard]] int rowOf(std::int64_t id) const;  ///< -1 when there is none
 
     void clear() { rows_.clear(); }

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <fstream>
 
 #include "definitions/editorworld.h"
@@ -241,6 +243,56 @@ TEST_F(LetterEditorTest, ABadFileCostsNothing) {
     expectBox(moduleText(307), "Kolmera");
     editor->LäsFil(write("brev.txt", "A\t1\r\n"));
     EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
+}
+
+/// Lets no file of this process grow beyond that many bytes while this object lives.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limited{bytes, before_.rlim_max};
+        if (setrlimit(RLIMIT_FSIZE, &limited) != 0) throw std::runtime_error("no limit");
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, signal_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+  private:
+    void (*signal_)(int);
+    rlimit before_{};
+};
+
+TEST_F(LetterEditorTest, ADatabaseThatCannotGrowKeepsTheOldLetter) {
+    std::string lines;
+    for (int i = 0; i < 50000; ++i) lines += fmt::format("N{}\t5\r\n", i);
+    const auto file = write("brev.txt", lines);
+    open();
+    expectBox(formText(15), formText(10));
+    const std::string stopped = world.texts().ModulTextMed("KMR", 330, "\n");
+    world.port.expectBeginning(stopped.substr(0, stopped.find('\n')), formText(10));
+    {
+        const FileSizeLimit limit(static_cast<rlim_t>(std::filesystem::file_size(world.company()) + 200'000));
+        editor->LäsFil(file);
+    }
+    EXPECT_FALSE(world.port.hourglassShown);
+    EXPECT_EQ(row(0), "A1|10,00|5,00|2,00|||16,21");
+    EXPECT_EQ(stored(), "20 A1 50 -\n10 A1 10 5\n10 B2 12.5 -\n");
+}
+
+TEST_F(LetterEditorTest, ListsAHundredThousandGroups) {
+    std::string lines;
+    for (int i = 0; i < 100000; ++i) lines += fmt::format("G{:06}\t{},5\t5\r\n", i, i % 90);
+    const auto file = write("brev.txt", lines);
+    open();
+    expectBox(formText(15), formText(10));
+    editor->LäsFil(file);
+    ASSERT_EQ(editor->Lista().count(), 100000);
+    EXPECT_EQ(row(99999), "G099999|9,50|5,00||||14,03");
+    editor->chooseRow(99999);
+    EXPECT_EQ(fields(), "G099999|9,5|5||||14,03");
 }
 
 TEST_F(LetterEditorTest, WritesALetter) {

@@ -27,7 +27,7 @@ class LetterExchangeTest : public testing::Test {
     }
     LetterRead read(std::string_view text, const char* file = "letter.txt") {
         folder.write(file, fromUtf8(text, CodePage::Windows1252));
-        return exchange().readFrom(folder / file);
+        return exchange().replaceFrom(folder / file);
     }
     std::string rows(const char* supplier = "7", const char* order = "ID") {
         return company.select(
@@ -67,7 +67,6 @@ TEST_F(LetterExchangeTest, ReadsLinesOfText) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
-        exchange().deleteLetter();
         const LetterRead report = read(c.line);
         EXPECT_EQ(rows(), c.row);
         EXPECT_EQ(report.passedOver.count + report.notNumbers.count, 0);
@@ -75,36 +74,47 @@ TEST_F(LetterExchangeTest, ReadsLinesOfText) {
 }
 
 TEST_F(LetterExchangeTest, PassesBadLinesOverAndKeepsTheOthers) {
-    group("A1", 1.0);
-    const LetterRead report = read("A1\t2\r\nTOO LONG CODE\t2\r\nB2\t12.5\tx\t3\r\nC3\t1\nD4\t2\r\nE5\t4\r\ne5\t9\r\n");
+    const LetterRead report =
+        read("A1\t1\r\nA1\t2\r\nTOO LONG CODE\t2\r\nB2\t12.5\tx\t3\r\nC3\t1\nD4\t2\r\nE5\t4\r\ne5\t9\r\n");
     EXPECT_EQ(rows(), "A1 1    \nB2   3  \nE5 4    \n");
-    EXPECT_EQ(report.lines, 6);
-    EXPECT_EQ(report.added, 2);
+    EXPECT_EQ(report.lines, 7);
+    EXPECT_EQ(report.added, 3);
     EXPECT_EQ(report.passedOver.text(), "4 (A1, TOO LONG CODE, C3, e5)");
     EXPECT_EQ(report.notNumbers.text(), "2 (B2, B2)");
     EXPECT_EQ(company.passedOver.notes.size(), 6U);
 }
 
-TEST_F(LetterExchangeTest, DeletesAndReadsInBatches) {
+TEST_F(LetterExchangeTest, ReplacesOneSuppliersLetter) {
     group("OTHER", 1.0, "77");
     std::string text;
     for (int i = 0; i < 120; ++i) {
         group(fmt::format("OLD{}", i).c_str(), 1.0);
         text += fmt::format("N{}\t5\r\n", i);
     }
-    EXPECT_EQ(exchange().deleteLetter(), 120);
-    EXPECT_EQ(rows(), "");
-    EXPECT_EQ(rows("77"), "OTHER 1    \n") << "another supplier's letter";
-    EXPECT_EQ(read(text).added, 120);
+    const LetterRead report = read(text);
+    EXPECT_EQ(report.deleted, 120);
+    EXPECT_EQ(report.added, 120);
     EXPECT_FALSE(company.sql.FtgDB->inTransaction());
+    EXPECT_EQ(company.select("SELECT count(*) FROM LevrabattBrev WHERE Rabattgrupp LIKE 'N%'"), "120\n");
+    EXPECT_EQ(rows("77"), "OTHER 1    \n") << "another supplier's letter";
+    EXPECT_EQ(company.select("SELECT count(*) FROM LevrabattBrev"), "121\n");
+}
 
-    exchange().deleteLetter();
-    LetterExchange cancelled = exchange();
+TEST_F(LetterExchangeTest, CancelPutsTheOldLetterBack) {
+    group("A1", 12.3456789012345);
+    group("B2");
+    group("");
+    const std::string before = rows("7", "Rabattgrupp");
+    std::string text;
+    for (int i = 0; i < 120; ++i) text += fmt::format("N{}\t5\r\n", i);
+    folder.write("letter.txt", text);
+    LetterExchange letter = exchange();
     int asked = 0;
-    cancelled.cancelled = [&] { return ++asked == 2; };
-    const LetterRead report = cancelled.readFrom(folder / "letter.txt");
-    EXPECT_TRUE(report.cancelled);
-    EXPECT_EQ(report.added, 100) << "whole batches are kept";
+    letter.cancelled = [&] { return ++asked == 2; };
+    const LetterRead report = letter.replaceFrom(folder / "letter.txt");
+    EXPECT_TRUE(report.cancelled && report.restored);
+    EXPECT_EQ(report.lines, 100) << "asked elsewhere than behind a transaction";
+    EXPECT_EQ(rows("7", "Rabattgrupp"), before);
 }
 
 TEST_F(LetterExchangeTest, SeesWhatIsNoLetterBeforeAnythingIsDeleted) {
@@ -143,8 +153,7 @@ TEST_F(LetterExchangeTest, WritesWhatItReadsBack) {
         const LetterWritten report = exchange().writeTo(folder / file);
         EXPECT_EQ(report.groups, 6);
         EXPECT_EQ(report.questionMarks.count, 0);
-        exchange().deleteLetter();
-        EXPECT_EQ(exchange().readFrom(folder / file).added, 6);
+        EXPECT_EQ(exchange().replaceFrom(folder / file).added, 6);
         EXPECT_EQ(rows("7", "Rabattgrupp"), before);
     }
     EXPECT_THAT(folder.read("letter.txt"), testing::HasSubstr("ALL\t-5\t\t\t\t33,125\r\n"));

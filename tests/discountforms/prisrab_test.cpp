@@ -1,0 +1,225 @@
+#include "discounts/prisrab.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeView>
+#include <fstream>
+
+#include "definitions/jobfile.h"
+#include "support/qt/formworld.h"
+#include "ui/lists.h"
+#include "ui/qttext.h"
+
+namespace kolmera {
+namespace {
+
+using namespace test;
+
+class PrisRabTest : public testing::Test {
+  protected:
+    explicit PrisRabTest(const char* language = "SE") : world(Data::Demo, language) {
+        Job job;
+        job.name = "Brev";
+        job.company = "FTG1.mdb";
+        job.supplier = "1010";
+        JobbNr = JobFile(world.data).save(job);
+    }
+
+    void open(int number) {
+        form.reset();
+        form.emplace(world.program, number, nullptr);
+        form->fileToRead = form->fileToWrite = [this](const FileQuestion& question) {
+            asked = question;
+            return toQt(file);
+        };
+        form->show();
+        form->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&*form));
+    }
+    QTreeView& view(const char* name) { return control<QTreeView>(*form, name); }
+    QLineEdit& field(int number) {
+        return control<QLineEdit>(*form, QStringLiteral("Fält_%1").arg(number).toUtf8().constData());
+    }
+    QString total() { return control<QLabel>(*form, "TotalRabatt").text(); }
+    void press(const char* name) { control<QPushButton>(*form, name).click(); }
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(form->focusWidget() != nullptr ? form->focusWidget() : &*form, key, modifiers);
+    }
+    void type(const char* text) { QTest::keyClicks(form->focusWidget(), QString::fromUtf8(text)); }
+    QString cell(int row, int column) { return view("Lista").model()->index(row, column).data().toString(); }
+    int rows() { return view("Lista").model()->rowCount(); }
+    bool enabled(const char* name) { return control(*form, name).isEnabled(); }
+
+    FormWorld world;
+    std::string file;
+    FileQuestion asked;
+    int JobbNr = 0;
+    std::optional<PrisRab> form;
+};
+
+class PrisRabInEnglishTest : public PrisRabTest {
+  protected:
+    PrisRabInEnglishTest() : PrisRabTest("EN") {}
+};
+
+TEST_F(PrisRabTest, ShowsSwedishTexts) {
+    open(0);
+    expectTextsInBothLanguages(*form, world);
+    takePicture(*form, "prisrab-se");
+}
+
+TEST_F(PrisRabInEnglishTest, ShowsEnglishTexts) {
+    open(JobbNr);
+    EXPECT_EQ(form->windowTitle(), "Discount letters - 1010 - GRANÅSA EL");
+    EXPECT_EQ(control<QPushButton>(*form, "LäsFil").text(), "Read te&xt file...");
+    EXPECT_EQ(view("Lista").model()->headerData(1, Qt::Horizontal).toString(), "Disc. % 1");
+    takePicture(*form, "prisrab-en");
+}
+
+TEST_F(PrisRabTest, ChoosesCompanyAndSupplier) {
+    open(0);
+    EXPECT_EQ(form->windowTitle(), "Rabattbrev");
+    EXPECT_EQ(view("Lev_Lista").model()->rowCount(), 0) << "a company without a job";
+    EXPECT_FALSE(enabled("SkapaFil"));
+    control<QListWidget>(*form, "FTG_Lista").setCurrentRow(0);
+    ASSERT_GT(view("Lev_Lista").model()->rowCount(), 2);
+    selectRow(view("Lev_Lista"), 1);
+    EXPECT_EQ(form->windowTitle(), "Rabattbrev - 1020 - LYSHYTTAN");
+    const int groups = rows();
+    EXPECT_GT(groups, 0);
+    EXPECT_TRUE(enabled("SkapaFil"));
+
+    open(JobbNr);
+    EXPECT_EQ(form->windowTitle(), "Rabattbrev - 1010 - GRANÅSA EL");
+    EXPECT_EQ(view("Lev_Lista").currentIndex().row(), 0);
+    EXPECT_FALSE(view("Lista").currentIndex().isValid());
+    selectRow(view("Lev_Lista"), 1);
+    EXPECT_EQ(rows(), groups);
+}
+
+TEST_F(PrisRabTest, SavesAndDeletesByKeys) {
+    open(JobbNr);
+    const int before = rows();
+    field(0).setFocus();
+    type("NY1");
+    key(Qt::Key_Return);
+    EXPECT_EQ(form->focusWidget(), &field(1)) << "Enter is Tab";
+    type("1a0,,5-");
+    EXPECT_EQ(field(1).text(), "10,5-") << "keys that no number has";
+    field(1).selectAll();
+    type("10");
+    key(Qt::Key_Return);
+    type("5");
+    EXPECT_EQ(total(), "10,00");
+    key(Qt::Key_Return, Qt::ShiftModifier);
+    EXPECT_EQ(form->focusWidget(), &field(1));
+    EXPECT_EQ(total(), "14,50");
+    key(Qt::Key_F7);
+    ASSERT_EQ(rows(), before + 1);
+    EXPECT_EQ(cell(before, 0) + cell(before, LetterRows::kTotalColumn), "NY114,50");
+    EXPECT_EQ(view("Lista").currentIndex().row(), before);
+    EXPECT_EQ(field(0).text() + field(1).text() + total(), "") << "the selected row has filled the fields";
+    EXPECT_EQ(form->focusWidget(), &field(0));
+
+    // F7 in the code's own field first shows what the code stands for.
+    type("ny1");
+    key(Qt::Key_F7);
+    EXPECT_EQ(cell(before, LetterRows::kTotalColumn), "14,50") << "the discounts of the group are gone";
+    EXPECT_EQ(rows(), before + 1);
+
+    type("NY1");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(field(2).text(), "5");
+    EXPECT_TRUE(enabled("TaBort"));
+    world.boxPort.answers = {Answer::Yes};
+    key(Qt::Key_F9);
+    EXPECT_EQ(rows(), before);
+    EXPECT_EQ(field(0).text(), "");
+    EXPECT_FALSE(enabled("TaBort"));
+}
+
+TEST_F(PrisRabTest, ShowsTheChosenGroupAgain) {
+    open(JobbNr);
+    selectRow(view("Lista"), 1);
+    const QString code = field(0).text();
+    EXPECT_EQ(code, cell(1, 0));
+    EXPECT_EQ(total(), cell(1, LetterRows::kTotalColumn));
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible()) << "Esc has closed the window";
+    EXPECT_EQ(field(0).text() + total(), "");
+    QTest::mouseClick(view("Lista").viewport(), Qt::LeftButton, {},
+                      view("Lista").visualRect(view("Lista").currentIndex()).center());
+    EXPECT_EQ(field(0).text(), code);
+    key(Qt::Key_F8);
+    EXPECT_EQ(field(0).text(), "");
+    key(Qt::Key_L, Qt::AltModifier);
+    EXPECT_EQ(form->focusWidget(), &view("Lista"));
+    key(Qt::Key_F12);
+    EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(PrisRabTest, KeepsAWrongNumberInItsField) {
+    open(JobbNr);
+    field(0).setFocus();
+    type("NY1");
+    field(3).setFocus();
+    field(3).insert("12x");  // as pasting does
+    emit field(3).textEdited("12x");
+    world.boxPort.answers = {Answer::OK};
+    key(Qt::Key_F7);
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulTextMed("KMR", 308, "12x"));
+    EXPECT_EQ(form->focusWidget(), &field(3));
+    EXPECT_EQ(field(0).text() + field(3).text(), "NY112x");
+}
+
+TEST_F(PrisRabTest, ReadsAndWritesFiles) {
+    open(0);
+    world.boxPort.answers = {Answer::OK};
+    press("LäsFil");
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulText("KMR", 307));
+    EXPECT_TRUE(asked.title.isEmpty()) << "asked for a file without a supplier";
+
+    open(JobbNr);
+    const int groups = rows();
+    press("SkapaFil");  // cancelled
+    EXPECT_EQ(asked.title, "Spara rabattbrev");
+    EXPECT_EQ(asked.filters.split(";;").value(asked.filter), "Textfiler (*.txt)");
+    EXPECT_EQ(asked.path, toQt((world.data / "Rabattbrev1.txt").string()));
+    file = (world.folder / "brev.xlsx").string();
+    press("SkapaFil");
+    EXPECT_TRUE(std::filesystem::exists(file));
+
+    selectRow(view("Lev_Lista"), 9);
+    const int others = rows();
+    world.boxPort.answers.assign(others > 0 ? 1 : 0, Answer::OK);
+    press("LäsFil");
+    EXPECT_EQ(asked.title, "Läs in rabattbrev");
+    EXPECT_EQ(asked.path, toQt(world.folder.path().string())) << "the folder of the last file";
+    EXPECT_EQ(rows(), groups);
+    EXPECT_FALSE(world.boxPort.waiting);
+}
+
+TEST_F(PrisRabTest, ScrollsAHundredThousandGroups) {
+    open(JobbNr);
+    file = (world.folder / "brev.txt").string();
+    {
+        std::ofstream letter(file, std::ios::binary);
+        for (int i = 0; i < 100000; ++i) letter << "G" << i << "\t5\r\n";
+    }
+    world.boxPort.answers = {Answer::OK};
+    press("LäsFil");
+    ASSERT_EQ(rows(), 100000);
+    selectRow(view("Lista"), 99999);
+    EXPECT_EQ(field(0).text(), cell(99999, 0));
+    field(0).setFocus();
+    field(0).selectAll();
+    type("G5");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(cell(view("Lista").currentIndex().row(), 0), "G5");
+}
+
+}  // namespace
+}  // namespace kolmera
