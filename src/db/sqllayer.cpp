@@ -67,6 +67,7 @@ bool SqlLayer::ÄrSQLDatabas(std::string_view name) { return name.starts_with("S
 bool SqlLayer::SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::string_view name) {
     const std::string_view wanted = trimmed(firstCharacters(name, kRegisteredNameLength));
     PassedOverSilently passedOver;
+    serverError_.reset();
     bool found = false;
     attempt(passedOver, "SQLServerSlåUpp", [&] {
         for (const ServerCompany& server : registeredServers(dataFolder)) {
@@ -81,17 +82,22 @@ bool SqlLayer::SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::st
 
 /// One try: the connection, unless an earlier try made it, and a look at a table that every company has.
 bool SqlLayer::tryServer(const ServerOptions& options) {
-    PassedOverSilently passedOver;
-    return attempt(passedOver, "SQLÖppnaServer", [&] {
+    try {
         if (!FtgDB) FtgDB = openServerDatabase(connectString_, options);
         SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
-    });
+        return true;
+    } catch (const PlatformError& error) {
+        serverError_ = error;
+        if (error.endsRun()) FtgDB.reset();  // the connection that it had made is lost
+        return false;
+    }
 }
 
 bool SqlLayer::SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile,
                               const std::function<bool()>& waitForLock) {
     const ServerOptions options{.locale = locale_, .wait = waitForLock, .tables = companySchema()};
     constexpr int kTries = 4;
+    serverError_.reset();
     FtgDB.reset();
     for (int tries = 1; !tryServer(options); ++tries) {
         if (tries == kTries) {

@@ -45,6 +45,8 @@ class SqlLayer {
     /// `waitForLock` is asked while another session holds a lock (`ServerOptions::wait`).
     bool SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile,
                         const std::function<bool()>& waitForLock = {});
+    /// Why the server that was looked up last could not be opened.
+    const std::optional<PlatformError>& serverError() const { return serverError_; }
     /// "name TAB description" per registered server company; nothing when DVSQLSvr.ini is missing.
     static std::vector<std::string> SQLServerLista(const std::filesystem::path& dataFolder);
 
@@ -97,6 +99,7 @@ class SqlLayer {
     Locale locale_;
     std::string connectString_;
     std::string lastStatement_;
+    std::optional<PlatformError> serverError_;
 };
 
 }  // namespace kolmera

@@ -67,7 +67,10 @@ bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
     try {
         state_.sql.FtgDB = openFile(name, false);
         return true;
-    } catch (const PlatformError& error) {
+    } catch (const PlatformError& noFile) {
+        // What the server said tells more than that there is no file of its name.
+        const bool server = SqlLayer::ÄrSQLDatabas(upperCase(name));
+        const PlatformError error = server ? state_.sql.serverError().value_or(noFile) : noFile;
         boxes_.port().hourglass(false);
         const std::string title = texts_.ResText(kCannotOpen);
         boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + std::to_string(error.number()) +

@@ -167,5 +167,21 @@ TEST_F(CompanyRegisterTest, CompaniesThatDoNotOpenAreReported) {
     EXPECT_TRUE(std::filesystem::exists(world.data / "DVSQLSvr.ini")) << "the server register was not asked";
 }
 
+TEST_F(CompanyRegisterTest, AServerThatCannotBeOpenedSaysWhy) {
+    std::string server = "SQL;X";
+    server.resize(400, ' ');
+    write("DVSQLSvr.ini", server);
+    int tries = 0;
+    state.sql.openServerDatabase = [&](const std::string&, const ServerOptions&) -> std::unique_ptr<Database> {
+        throw PlatformError(errors::kServerGone, "try " + std::to_string(++tries));
+    };
+    port.answers = {Answer::OK, Answer::OK};
+    EXPECT_FALSE(companies.ÖppnaDatabas("sql;x"));
+    EXPECT_FALSE(companies.ÖppnaDatabas("FTG7.mdb"));
+    ASSERT_EQ(port.shown.size(), 2U);
+    EXPECT_TRUE(port.shown[0].starts_with("Kan inte öppna sql;x.\r\n\r\n3151\r\ntry 4|")) << port.shown[0];
+    EXPECT_TRUE(port.shown[1].starts_with("Kan inte öppna FTG7.mdb.\r\n\r\n3024\r\n")) << "the server's old error";
+}
+
 }  // namespace
 }  // namespace kolmera::test
