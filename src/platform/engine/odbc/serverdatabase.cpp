@@ -156,6 +156,7 @@ std::unique_ptr<Recordset> ServerDatabase::openTable(ServerTable& table, std::st
         return std::make_unique<ServerDynaset>(table, source, std::move(columns), std::move(rest), readOnly);
     }
     std::vector<FieldDef> fields;
+    fields.reserve(columns.size());
     for (const int column : columns) fields.push_back(table.field(column));
     return std::make_unique<MemoryRecordset>(source, type, std::move(fields),
                                              table.readAll(columns, rest.where, rest.order), session_.locale());

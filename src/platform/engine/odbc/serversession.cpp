@@ -129,7 +129,7 @@ ServerSession::Error ServerSession::tryOnce(const Attempt& attempt, StatementRes
 
 /// Sees to it that the server is in the transaction that the program is in, with everything written in it so far.
 ServerSession::Error ServerSession::startOnServer() {
-    if (const Error error = connection_.setAutomaticCommit(!open_)) return error;
+    if (Error error = connection_.setAutomaticCommit(!open_)) return error;
     onServer_ = open_;
     return open_ && rolledBack_ ? repeatKept() : std::nullopt;
 }
