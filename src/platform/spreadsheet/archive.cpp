@@ -2,9 +2,8 @@
 
 #include <zip.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <new>
+#include <cerrno>
+#include <utility>
 
 #include "platform/descriptor.h"
 #include "platform/error.h"
@@ -19,7 +18,9 @@ namespace {
         throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
     }
     const int systemError = zip_error_code_system(error);
-    if (zip_error_system_type(error) == ZIP_ET_SYS && systemError != 0) throwSystemError(systemError);
+    // EINVAL comes from a position in the file that cannot be: damage, too.
+    const bool isSystems = zip_error_system_type(error) == ZIP_ET_SYS && systemError != 0 && systemError != EINVAL;
+    if (isSystems) throwSystemError(systemError);
     throw PlatformError(errors::kUnreadableSpreadsheet,
                         std::string("The file is damaged: ") + zip_error_strerror(error) + ".");
 }
@@ -93,12 +94,9 @@ void Archive::put(const std::string& name, zip_source* source, bool isNew) {
     throwZipError(zip_get_error(zip_.get()));
 }
 
-void Archive::replace(const std::string& name, const std::string& bytes) {
-    // The archive frees the copy when it is done with it.
-    auto* copy = static_cast<char*>(std::malloc(bytes.size()));
-    if (!copy) throw std::bad_alloc();
-    std::memcpy(copy, bytes.data(), bytes.size());
-    put(name, zip_source_buffer(zip_.get(), copy, bytes.size(), 1), false);
+void Archive::replace(const std::string& name, std::string bytes) {
+    const std::string& kept = pending_.emplace_back(std::move(bytes));
+    put(name, zip_source_buffer(zip_.get(), kept.data(), kept.size(), 0), false);
 }
 
 void Archive::addFile(const std::string& name, const std::filesystem::path& file) {

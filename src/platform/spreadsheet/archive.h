@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,7 +31,7 @@ class Archive {
     [[nodiscard]] std::string bytes(const std::string& name, std::uint64_t most) const;
 
     /// Changes wait for `save`; without it the file stays as it is. All other entries are kept byte for byte.
-    void replace(const std::string& name, const std::string& bytes);
+    void replace(const std::string& name, std::string bytes);
     /// The file is read by `save`.
     void addFile(const std::string& name, const std::filesystem::path& file);
     void replaceWithFile(const std::string& name, const std::filesystem::path& file);
@@ -45,6 +46,7 @@ class Archive {
     [[nodiscard]] std::uint64_t existing(const std::string& name) const;
     void put(const std::string& name, zip_source* source, bool isNew);
 
+    std::list<std::string> pending_;  ///< what `save` will write
     struct Discard {
         void operator()(zip* archive) const;
     };
