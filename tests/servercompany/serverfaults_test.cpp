@@ -1,0 +1,148 @@
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "db/serverregister.h"
+#include "support/companyrows.h"
+#include "support/testserver.h"
+#include "support/world.h"
+
+namespace kolmera::test {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr int kRecords = 300;
+constexpr int kBatch = 25;
+
+/// A company with some of the products of its price file.
+struct FaultWorld : World {
+    FaultWorld() {
+        for (const int known : {7, 40, 41, 290}) add("Produkt", {{"Nummer", number(known)}, {"1Pålägg", 25.0}});
+        setting("PAutoUppdatUtpris", true);
+        mask({.relations = {{1, "Nummer", 'S'}, {2, "Inpris"}, {3, "Alternativ 1"}}});
+        std::string file;
+        for (int record = 1; record <= kRecords; ++record) {
+            file += fmt::format("{0}\t{1},50\tE{0}\r\n", number(record), record);
+        }
+        priceFile(file);
+    }
+    static std::string number(int record) { return fmt::format("N{}", record); }
+    [[nodiscard]] std::int64_t products() const { return std::ranges::count(rows("Produkt", "Nummer"), '\n'); }
+    void expectStop() {
+        port.expectBeginning(texts().ModulTextMed("KMR", 111, "").substr(0, 15), texts().ModulText("KMR", 110));
+    }
+};
+
+/// Another session that holds a row which the run writes.
+class RowHolder {
+  public:
+    RowHolder() : database_(TestServer::ofProcess().open()) {
+        database_->begin();
+        database_->execute("UPDATE Produkt SET Vikt = 1 WHERE Nummer = 'N40'");
+    }
+    void letGo() { database_->commit(); }
+
+  private:
+    std::unique_ptr<Database> database_;
+};
+
+std::string allRows() { return companyRows(*TestServer::ofProcess().open()); }
+
+std::string rowsOfAnUndisturbedRun() {
+    FaultWorld world;
+    EXPECT_TRUE(world.run().completed);
+    EXPECT_EQ(world.products(), kRecords);
+    return allRows();
+}
+
+TEST(ServerNotThere, IsTriedFourTimesAndTold) {
+    FaultWorld world;
+    registerServer(world.data(), {world.job.company, "", TestServer::ofProcess().connectString() + ";Port=1"});
+    int turns = 0;
+    world.port.onEvents = [&] { ++turns; };
+    const std::string title = world.texts().ResText(3300);
+    world.port.expectBeginning(title + " Sql;Test.\r\n\r\n3151\r\n", title);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(world.run().completed);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3)) << "not tried again";
+    EXPECT_GT(turns, 100) << "the window stands still meanwhile";
+}
+
+TEST(LostConnection, EndsTheRunAndTheNextOneConverges) {
+    const std::string undisturbed = rowsOfAnUndisturbedRun();
+    for (const int at : {2, 7, 12}) {
+        SCOPED_TRACE(at);
+        FaultWorld world;
+        int turns = 0;
+        world.port.onEvents = [&] {
+            if (++turns == at) TestServer::ofProcess().endSessions();
+        };
+        world.expectStop();
+        const RunSummary summary = world.run();
+        EXPECT_FALSE(summary.completed);
+        EXPECT_LT(summary.records, kRecords);
+        // The four products that were there before: N7 lies in the first batch, N40 and N41 in the second.
+        const std::int64_t kept = std::ranges::count(world.rows("Prodaltprodnr", "Alternativnr"), '\n');
+        EXPECT_EQ(kept % kBatch, 0) << kept << " records are no whole batches";
+        EXPECT_LE(kept, summary.records);
+        EXPECT_GE(kept, summary.records - 2 * kBatch) << "committed batches are lost";
+
+        world.port.onEvents = nullptr;
+        EXPECT_TRUE(world.run().completed);
+        EXPECT_THAT(world.port.passedOver, IsEmpty());
+        EXPECT_EQ(firstDifference(allRows(), undisturbed), "");
+    }
+}
+
+TEST(RefusedStatement, LeavesTheOthersOfItsBatch) {
+    FaultWorld world;
+    world.refuse("Produkt", "Nummer", "'N1', 'N25', 'N26', 'N60', 'N300'");
+    EXPECT_TRUE(world.run().completed);
+    EXPECT_EQ(world.products(), kRecords - 5);
+    EXPECT_EQ(world.rows("Produkt", "Nummer, Inpris").find("N60 "), std::string::npos);
+    EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris, 1Utpris"), HasSubstr("N7 7.5 9.38\n"));
+    EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris"), HasSubstr("\nN59 59.5\nN61 61.5\n"));
+}
+
+TEST(LockedRow, IsWaitedFor) {
+    const std::string undisturbed = rowsOfAnUndisturbedRun();
+    FaultWorld world;
+    RowHolder other;
+    int waits = 0;
+    const std::string waiting = world.texts().ModulTextMed("KMR", 114, world.shownCompany());
+    world.port.onEvents = [&] {
+        if (!world.port.statuses.empty() && world.port.statuses.back() == waiting && ++waits == 3) other.letGo();
+    };
+    EXPECT_TRUE(world.run().completed);
+    EXPECT_EQ(waits, 3) << "the run did not wait";
+    EXPECT_THAT(world.port.passedOver, IsEmpty());
+    EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris, 1Utpris, Vikt"), HasSubstr("N40 40.5 50.62 1\n"))
+        << "what the other session wrote is gone";
+    TestServer::ofProcess().open()->execute("UPDATE Produkt SET Vikt = 0 WHERE Nummer = 'N40'");
+    EXPECT_EQ(firstDifference(allRows(), undisturbed), "");
+}
+
+TEST(LockedRow, CancelEndsTheWait) {
+    FaultWorld world;
+    const RowHolder other;
+    int waits = 0;
+    const std::string waiting = world.texts().ModulTextMed("KMR", 114, world.shownCompany());
+    world.port.onEvents = [&] {
+        if (!world.port.statuses.empty() && world.port.statuses.back() == waiting && ++waits == 3)
+            world.port.pressCancel();
+    };
+    const RunSummary summary = world.run();
+    EXPECT_TRUE(summary.cancelled);
+    EXPECT_GE(waits, 3);
+    // The first batch is whole, and of the second what came before the row that is held.
+    const std::int64_t kept = std::ranges::count(world.rows("Prodaltprodnr", "Alternativnr"), '\n');
+    EXPECT_GE(kept, kBatch);
+    EXPECT_LT(kept, 40);
+}
+
+}  // namespace
+}  // namespace kolmera::test
