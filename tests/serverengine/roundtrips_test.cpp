@@ -79,6 +79,17 @@ TEST_F(RoundTrips, WalkingReadsInBlocks) {
     };
     EXPECT_EQ(walk(), 10 * 2 + 90 * 3 + 400 * 4U);
     EXPECT_LE(tripsOf([&] { (void)walk(); }), 12U);
+    const auto raise = [&] {
+        const auto records = dynaset(*database, "SELECT * FROM Produkt WHERE Nummer < 'N2' ORDER BY Nummer");
+        for (; !records->eof(); records->moveNext()) {
+            records->edit();
+            records->set("1Utpris", std::get<double>(records->value("1Utpris")) + 1);
+            records->update();
+        }
+    };
+    (void)tripsOf(raise);
+    EXPECT_LE(tripsOf(raise), 112 + 8U) << "rows are read again for every row that is written";
+    EXPECT_EQ(selectElsewhere("SELECT DISTINCT 1Utpris FROM Produkt WHERE Nummer < 'N2'"), "2");
 }
 
 TEST_F(RoundTrips, CopiedRowsKeepTheirIdsAndNewOnesFollow) {

@@ -202,19 +202,20 @@ void FileDatabase::insertRows(std::string_view table, std::span<const int> colum
                               std::span<const std::vector<Value>> rows) {
     flushAll();
     FileTable& target = fileTable(table);
-    ColumnSet ascending;  // the order of the statement's parameters
-    for (const int column : columns) ascending.add(column);
-    SqliteStatement& statement = target.insertStatement(ascending);
-    std::vector<Value> values(columns.size());  // the statement reads texts where they lie
+    ColumnSet written;
+    for (const int column : columns) written.add(column);
+    std::vector<std::size_t> places;  // of the statement's parameters, in a row
+    written.forEach([&](int column) {
+        places.push_back(static_cast<std::size_t>(std::ranges::find(columns, column) - columns.begin()));
+    });
+    SqliteStatement& statement = target.insertStatement(written);
     for (const std::vector<Value>& row : rows) {
         const StatementUse use(statement);
-        std::size_t parameter = 0;
-        ascending.forEach([&](int column) {
-            Value& value = values[parameter];
-            value = row[static_cast<std::size_t>(std::ranges::find(columns, column) - columns.begin())];
-            fitToField(target.field(column), value, session_.locale);
-            statement.bind(static_cast<int>(++parameter), value);
-        });
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            Value value = row[places[i]];
+            fitToField(target.field(columns[places[i]]), value, session_.locale);
+            statement.bind(static_cast<int>(i) + 1, value);
+        }
         statement.step();
     }
     target.noteWrite();

@@ -174,7 +174,7 @@ void ServerDynaset::findFirst(std::string_view criteria) {
 std::int64_t ServerDynaset::currentId() const { return found_ ? *found_ : ids_[position_.current()]; }
 
 bool ServerDynaset::takeFromBlock(std::int64_t id) {
-    if (block_.version != table_.version()) return false;
+    if (block_.version != table_.version() || !table_.hasAllLearned(block_)) return false;
     const auto place = std::ranges::find(block_.ids, id);
     if (place == block_.ids.end()) return false;
     row_.take(block_, static_cast<std::size_t>(place - block_.ids.begin()));
@@ -214,9 +214,20 @@ void ServerDynaset::edit() {
 
 void ServerDynaset::set(int ordinal, Value value) { row_.set(tableOrdinal(ordinal), std::move(value)); }
 
+/// What this recordset writes changes one row: of those read ahead, only that one is old then.
+template <typename Write>
+void ServerDynaset::writeCurrent(Write&& write) {
+    const bool upToDate = block_.version == table_.version();
+    const std::int64_t id = row_.adding() ? 0 : row_.id();
+    write();
+    if (!upToDate) return;
+    block_.version = table_.version();
+    std::ranges::replace(block_.ids, id, std::int64_t{0});
+}
+
 void ServerDynaset::update() {
     const bool adding = row_.adding();
-    row_.update();
+    writeCurrent([this] { row_.update(); });
     if (!adding) return;
     if (started_ && complete_) {
         ids_.push_back(row_.lastSaved());
@@ -229,7 +240,7 @@ void ServerDynaset::update() {
 void ServerDynaset::remove() {
     place();
     readCurrent();
-    row_.remove();
+    writeCurrent([this] { row_.remove(); });
     position_.remove();
 }
 

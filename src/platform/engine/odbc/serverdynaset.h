@@ -62,6 +62,8 @@ class ServerDynaset final : public Recordset {
     void readCurrent();
     [[nodiscard]] bool takeFromBlock(std::int64_t id);
     void readBlock(std::size_t first);
+    template <typename Write>
+    void writeCurrent(Write&& write);
     [[nodiscard]] std::int64_t currentId() const;
     [[nodiscard]] int tableOrdinal(int ordinal) const;
     [[nodiscard]] ServerStatement condition(std::string_view criteria) const;

@@ -56,6 +56,8 @@ class ServerTable {
     void noteWrite() { ++writes_; }
 
     void learn(int ordinal);
+    /// Whether rows read earlier have every column that they would be read with now.
+    [[nodiscard]] bool hasAllLearned(const Rows& rows) const { return rows.columns.size() == learned_.size(); }
 
     /// Rows with the learned columns that meet a condition, in an order; `limit` 0 reads all.
     Rows readRows(const ServerStatement& where, std::string_view order, int limit);
