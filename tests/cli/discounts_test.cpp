@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "cli/climachine.h"
+#include "platform/tsv.h"
+#include "startup/datafolder.h"
+#include "startup/inifile.h"
+
+namespace kolmera::test {
+namespace {
+
+class DiscountsCommand : public testing::Test {
+  protected:
+    DiscountsCommand() { EXPECT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err(); }
+
+    int discounts(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "discounts");
+        for (const std::string& each : {std::string("--data"), machine.data()}) arguments.push_back(each);
+        return machine.run(arguments);
+    }
+    std::string write(const char* name, std::string_view content) {
+        const std::string file = machine.file(name);
+        std::ofstream(file, std::ios::binary) << content;
+        return file;
+    }
+    /// The supplier's letter as a text file.
+    std::string letter(const char* supplier) {
+        const std::string file = machine.file("letter.txt");
+        EXPECT_EQ(discounts({"export", supplier, file}), 0) << machine.err();
+        return readWholeFile(file);
+    }
+    bool told(std::string_view part) { return machine.err().find(part) != std::string::npos; }
+
+    CliMachine machine;
+};
+
+TEST_F(DiscountsCommand, TakesALetterFromSupplierToSupplier) {
+    const std::string before = letter("1010");
+    EXPECT_EQ(before.substr(0, before.find('\n')), "A50\t28\t5\t3\t2\t1\r");
+    const std::string sheet = machine.file("letter.xlsx");
+    ASSERT_EQ(discounts({"export", "1010", sheet, "--company", "ftg1.mdb"}), 0) << machine.err();
+    ASSERT_EQ(discounts({"import", "5010", sheet, "--company", "Hedlunds Järn, El & Rör AB"}), 0) << machine.err();
+    EXPECT_EQ(machine.out(),
+              "Borttagna rabattgrupper: 2\nLästa rader: 12\nNya rabattgrupper: 12\nÖverhoppade rader: 0\n"
+              "Rabattbrevet är inläst.\n");
+    EXPECT_EQ(letter("5010"), before);
+}
+
+TEST_F(DiscountsCommand, CountsWhatWasPassedOver) {
+    const std::string file = write("new.txt", "A\t1\r\nA\t2\r\nB\tx\r\n");
+    EXPECT_EQ(discounts({"import", "1010", file}), cli::exitcode::kPassedOver);
+    EXPECT_TRUE(told("1 (A)")) << machine.err();
+    EXPECT_TRUE(told("1 (B)")) << machine.err();
+    EXPECT_EQ(letter("1010"), "A\t1\t\t\t\t\r\nB\t\t\t\t\t\r\n");
+}
+
+TEST_F(DiscountsCommand, StopsWithAMessageAndKeepsTheLetter) {
+    const std::string before = letter("1010");
+    const std::string good = write("good.txt", "A\t1\r\n");
+    const struct {
+        const char* fault;
+        std::vector<std::string> arguments;
+        const char* message;
+    } cases[] = {
+        {"no such supplier", {"import", "999", good}, "999"},
+        {"no such company", {"import", "1010", good, "--company", "FTG7.mdb"}, "FTG7.mdb"},
+        {"no such file", {"import", "1010", machine.file("none.txt")}, "none.txt"},
+        {"a folder", {"import", "1010", machine.data()}, "data"},
+        {"no letter in it", {"import", "1010", write("empty.txt", "")}, "empty.txt"},
+        {"a text named as a spreadsheet", {"import", "1010", write("text.xlsx", "A\t1\r\n")}, "text.xlsx"},
+        {"a supplier without a letter", {"export", "4020", machine.file("x.txt")}, "4020"},
+        {"a format that cannot be written", {"export", "1010", machine.file("x.xls")}, "xlsx"},
+        {"a full disk", {"export", "1010", "/dev/full"}, "/dev/full"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        EXPECT_EQ(discounts(c.arguments), cli::exitcode::kStopped);
+        EXPECT_TRUE(told(c.message)) << machine.err();
+    }
+    EXPECT_FALSE(std::filesystem::exists(machine.file("x.txt")));
+    EXPECT_EQ(letter("1010"), before);
+    EXPECT_EQ(machine.run({"discounts", "--data", machine.data()}), cli::exitcode::kUsage);
+}
+
+TEST_F(DiscountsCommand, CancelKeepsTheOldLetter) {
+    const std::string before = letter("1010");
+    std::string lines;
+    for (int i = 0; i < 60; ++i) lines.append("N").append(std::to_string(i)).append("\t1\r\n");
+    machine.cancel = true;
+    EXPECT_EQ(discounts({"import", "1010", write("new.txt", lines)}), cli::exitcode::kCancelled);
+    machine.cancel = false;
+    EXPECT_EQ(letter("1010"), before);
+}
+
+TEST_F(DiscountsCommand, AsksForACompanyWhenThereAreSeveral) {
+    createCompany(machine.data(), "FTG2.mdb", "Andra");
+    const std::string file = machine.file("x.txt");
+    EXPECT_EQ(discounts({"export", "1010", file}), cli::exitcode::kDone) << "the suite's current company";
+    writeIniValue(std::filesystem::path(machine.data()) / "DORVIK.INI", 2, "", "");
+    EXPECT_EQ(discounts({"export", "1010", file}), cli::exitcode::kStopped);
+    EXPECT_TRUE(told("FTG1.MDB, FTG2.MDB")) << machine.err();
+    EXPECT_EQ(discounts({"export", "1010", file, "--company", "andra"}), cli::exitcode::kStopped);
+    EXPECT_TRUE(told("1010")) << "the second company has no supplier";
+}
+
+}  // namespace
+}  // namespace kolmera::test
