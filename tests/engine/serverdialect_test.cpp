@@ -45,7 +45,9 @@ TEST(ServerDialect, SqlServerStatementsAreItsOwn) {
               "SET IDENTITY_INSERT [T] OFF");
     EXPECT_EQ(moveSequenceText(server, "T", "ID"), "");
     EXPECT_EQ(parameterMark(server, 7.5), "?");
-    EXPECT_EQ(serverSelectRest(server, " WHERE Kod > 1 ORDER BY KOD DESC", Locale(), exactName).order, "[Kod] DESC");
+    const ServerSelectRest rest = serverSelectRest(server, " WHERE Kod > 1 ORDER BY KOD DESC, 2;", Locale(), exactName);
+    EXPECT_EQ(rest.order, "[Kod] DESC, 2");
+    EXPECT_EQ(shown(rest.where), "[Kod] > ? | 1");
 }
 
 TEST(ServerDialect, OthersDifferWhereTheyMust) {

@@ -132,10 +132,16 @@ std::optional<ServerError> OdbcStatement::readAnswer(SQLRETURN code, std::span<c
         SQLLEN touched = 0;
         SQLRowCount(handle_, &touched);
         result.touched = touched;
-        fetchAll(types, result);
+        if (fetchAll(types, result)) finish();
     }
     SQLFreeStmt(handle_, SQL_CLOSE);
     return takeError();
+}
+
+/// An error in a later part of a statement is told only when the parts before it have been taken.
+void OdbcStatement::finish() {
+    SQLRETURN code = SQL_SUCCESS;
+    while (code != SQL_NO_DATA && good(code)) code = SQLMoreResults(handle_);
 }
 
 // Parameters.

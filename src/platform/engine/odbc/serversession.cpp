@@ -120,7 +120,7 @@ ServerSession::Error ServerSession::tryOnce(const Attempt& attempt, StatementRes
     Error error = startOnServer();
     repeating_ = error.has_value();
     if (!error) error = attempt(result);
-    if (!error || !open_ || survives(dialect(), failureOf(*error))) return error;
+    if (!error || !open_ || (!repeating_ && survives(dialect(), failureOf(*error)))) return error;
     rolledBack_ = true;
     startEpoch();
     if (const Error worse = connection_.endTransaction(false)) return ServerError{"08S01", 0, worse->description};
@@ -138,7 +138,7 @@ ServerSession::Error ServerSession::repeatKept() {
     for (const Kept& kept : kept_) {
         StatementResult result;
         const auto& [text, parameters] = kept.statement;
-        const Error error =
+        Error error =
             kept.once ? connection_.runOnce(text, parameters, result) : connection_.run(text, parameters, {}, result);
         if (error) return error;
         if (kept.oneRow && result.touched == 0) {

@@ -32,8 +32,10 @@ class Translator {
     Translator(const Dialect& dialect, const Locale& locale, const NameLookup& exactName, std::span<const Value> given)
         : dialect_(dialect), locale_(locale), exactName_(exactName), given_(given) {}
 
-    ServerStatement translate(std::span<const Token> pieces) {
+    /// `ordering` for columns to order by: a number among them is the place of a column.
+    ServerStatement translate(std::span<const Token> pieces, bool ordering = false) {
         ServerStatement statement;
+        ordering_ = ordering;
         for (std::size_t at = 0; at < pieces.size(); ++at) {
             const bool negative = isNegativeNumber(pieces, at);
             if (negative) ++at;
@@ -149,7 +151,7 @@ class Translator {
 
 /// One column of ORDER BY; Null comes first, as in a file.
 std::string orderTerm(const Dialect& dialect, Translator& translator, std::span<const Token> pieces) {
-    std::string term = translator.translate(pieces).text;
+    std::string term = translator.translate(pieces, true).text;
     if (dialect.nullsLast) term += pieces.back().is("DESC") ? " NULLS LAST" : " NULLS FIRST";
     return term;
 }
