@@ -127,22 +127,43 @@ TEST_F(ServerTransactions, TwoSessionsThatWaitForEachOtherBothEnd) {
     EXPECT_EQ(selectElsewhere(kNumbers), "'A' 2; 'B' 2");
 }
 
-TEST_F(ServerTransactions, ARowThatIsGoneWhenItIsWrittenAgainEndsTheRun) {
-    add(*database, "A");
-    add(*database, "B");
-    const auto blocker = open();
-    blocker->begin();
-    setPrice(*blocker, "B", 1);
-    const auto patient = open([&] {
-        (void)blocker->execute("DELETE FROM Produkt WHERE Nummer = 'A'");
-        blocker->commit();
-        return true;
-    });
-    patient->begin();
-    setPrice(*patient, "A", 2);
-    EXPECT_EQ(errorOf([&] { setPrice(*patient, "B", 2); }), -errors::kInternal);
-    EXPECT_FALSE(patient->inTransaction());
-    EXPECT_EQ(selectElsewhere(kNumbers), "'B' 1");
+TEST_F(ServerTransactions, WhatCannotBeWrittenAgainEndsTheRun) {
+    const struct {
+        const char* fault;
+        std::function<void(Database&)> meanwhile;
+        int number;
+        const char* left;
+    } cases[] = {
+        {"a changed row that another session deletes",
+         [](Database& in) { (void)in.execute("DELETE FROM Produkt WHERE Nummer = 'A'"); }, -errors::kInternal,
+         "'B' 1; 'D' 0"},
+        {"a new row that another session adds", [](Database& in) { add(in, "C"); }, -errors::kDuplicateKey,
+         "'A' 0; 'B' 1; 'C' 0; 'D' 0"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        (void)database->execute("DELETE FROM Produkt");
+        add(*database, "A");
+        add(*database, "B");
+        const auto blocker = open();
+        blocker->begin();
+        setPrice(*blocker, "B", 1);
+        const auto patient = open([&] {
+            if (!blocker->inTransaction()) return true;
+            c.meanwhile(*blocker);
+            blocker->commit();
+            return true;
+        });
+        patient->begin();
+        setPrice(*patient, "A", 2);
+        add(*patient, "C");
+        EXPECT_EQ(errorOf([&] { setPrice(*patient, "B", 2); }), c.number);
+        EXPECT_FALSE(patient->inTransaction());
+        patient->begin();
+        add(*patient, "D");
+        patient->commit();
+        EXPECT_EQ(selectElsewhere(kNumbers), c.left) << "half of the transaction was committed";
+    }
 }
 
 TEST_F(ServerTransactions, ALostConnectionEndsTheRunWithOneClearError) {
