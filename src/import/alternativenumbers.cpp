@@ -68,19 +68,33 @@ class ServerAlternatives final : public StoredAlternatives {
         rows_.push_back({heading, std::string(alternative)});
     }
     bool change(std::string_view productNumber, int heading, std::string_view alternative) override {
-        const std::string action = "UPDATE Prodaltprodnr SET Alternativnr = " + SqlLayer::SQLText(alternative);
-        if (!run(action, productNumber, heading)) return false;
+        Action action{"UPDATE Prodaltprodnr SET Alternativnr = "};
+        action.add(alternative);
+        if (!run(std::move(action), productNumber, heading)) return false;
         rowOf(heading)->alternative = alternative;
         return true;
     }
     void remove(std::string_view productNumber, int heading) override {
-        if (run("DELETE FROM Prodaltprodnr", productNumber, heading)) rows_.erase(rowOf(heading));
+        if (run({"DELETE FROM Prodaltprodnr"}, productNumber, heading)) rows_.erase(rowOf(heading));
     }
 
   private:
     struct Row {
         int heading;
         std::string alternative;
+    };
+
+    /// An action statement. A text in which `SQLKör` would rewrite words becomes a parameter.
+    struct Action {
+        std::string text;
+        std::vector<Value> parameters = {};
+
+        void add(std::string_view value) {
+            constexpr auto npos = std::string_view::npos;
+            const bool rewritten = value.find("TRUE") != npos || value.find("FALSE") != npos;
+            text += rewritten ? "?" : SqlLayer::SQLText(value);
+            if (rewritten) parameters.emplace_back(std::string(value));
+        }
     };
 
     void load(std::string_view productNumber) {
@@ -96,10 +110,11 @@ class ServerAlternatives final : public StoredAlternatives {
         loaded_ = true;
     }
     std::vector<Row>::iterator rowOf(int heading) { return std::ranges::find(rows_, heading, &Row::heading); }
-    bool run(const std::string& action, std::string_view productNumber, int heading) {
-        const std::string where =
-            " WHERE Produktnr = " + SqlLayer::SQLText(productNumber) + " AND Nummer = " + std::to_string(heading);
-        return sql_.SQLKör(action + where, passedOver_);
+    bool run(Action action, std::string_view productNumber, int heading) {
+        action.text += " WHERE Produktnr = ";
+        action.add(productNumber);
+        action.text += " AND Nummer = " + std::to_string(heading);
+        return sql_.SQLKör(action.text, action.parameters, passedOver_);
     }
 
     SqlLayer& sql_;

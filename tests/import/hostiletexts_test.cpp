@@ -22,6 +22,7 @@ constexpr const char* kHostile[] = {"O'Brien",
                                     "'#'",
                                     "TRUE'FALSE",
                                     "TRUE",
+                                    "1",  // what TRUE becomes in a statement
                                     "?",
                                     "?'?",
                                     "$1",
@@ -67,6 +68,27 @@ TEST(HostileTexts, AreValuesWhateverTheyLookLike) {
         EXPECT_THAT(world.port.passedOver, IsEmpty());
         EXPECT_EQ(world.rows("Produkt", "Nummer, Benämning"), eachOnce());
         EXPECT_EQ(world.rows("Prodaltprodnr", "Produktnr, Alternativnr"), eachOnce());
+    }
+}
+
+TEST(HostileTexts, ChangeAndDeleteOnlyTheirOwnAlternativeNumbers) {
+    World world;
+    world.mask({.oem = true, .relations = {{1, "Nummer", 'S'}, {2, "Alternativ 1"}}});
+    std::string before;
+    std::string emptied;
+    std::string texts;
+    for (const char* text : kHostile) {
+        before += fmt::format("{}\tbefore\r\n", text);
+        texts += fmt::format("{0}\t{0}\r\n", text);
+        emptied += fmt::format("{}\t\r\n", text);
+    }
+    for (const auto& [file, rows] : {std::pair(before, replaceAll(replaceAll(before, "\t", " "), "\r", "")),
+                                     std::pair(texts, eachOnce()), std::pair(emptied, std::string())}) {
+        SCOPED_TRACE(file.substr(0, 40));
+        world.priceFile(file, CodePage::Oem850);
+        EXPECT_TRUE(world.run().completed);
+        EXPECT_THAT(world.port.passedOver, IsEmpty());
+        EXPECT_EQ(world.rows("Prodaltprodnr", "Produktnr, Alternativnr"), rows);
     }
 }
 
