@@ -66,25 +66,26 @@ bool SqlLayer::ÄrSQLDatabas(std::string_view name) { return name.starts_with("S
 
 bool SqlLayer::SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::string_view name) {
     const std::string_view wanted = trimmed(firstCharacters(name, kRegisteredNameLength));
-    PassedOverSilently passedOver;
     serverError_.reset();
-    bool found = false;
-    attempt(passedOver, "SQLServerSlåUpp", [&] {
+    try {
         for (const ServerCompany& server : registeredServers(dataFolder)) {
             if (!equalNoCase(server.name, wanted)) continue;
             connectString_ = server.connectString;
-            found = true;
-            return;
+            return true;
         }
-    });
-    return found;
+        serverError_ = PlatformError(errors::kFileNotFound, "no company of that name is registered in DVSQLSvr.ini");
+    } catch (const PlatformError& error) {
+        serverError_ = error;
+    }
+    return false;
 }
 
 /// One try: the connection, unless an earlier try made it, and a look at a table that every company has.
 bool SqlLayer::tryServer(const ServerOptions& options) {
     try {
         if (!FtgDB) FtgDB = openServerDatabase(connectString_, options);
-        SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+        // A dynaset asks the server for nothing before something is asked of it.
+        static_cast<void>(SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly)->eof());
         return true;
     } catch (const PlatformError& error) {
         serverError_ = error;

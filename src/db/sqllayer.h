@@ -45,7 +45,7 @@ class SqlLayer {
     /// `waitForLock` is asked while another session holds a lock (`ServerOptions::wait`).
     bool SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile,
                         const std::function<bool()>& waitForLock = {});
-    /// Why the server that was looked up last could not be opened.
+    /// Why the server that was looked up last was not found or could not be opened.
     const std::optional<PlatformError>& serverError() const { return serverError_; }
     /// "name TAB description" per registered server company; nothing when DVSQLSvr.ini is missing.
     static std::vector<std::string> SQLServerLista(const std::filesystem::path& dataFolder);

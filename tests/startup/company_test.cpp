@@ -151,7 +151,8 @@ TEST_F(CompanyRegisterTest, CompaniesThatDoNotOpenAreReported) {
         std::string name, beginning;
     } cases[] = {
         {"missing file", "FTG7.mdb", "Kan inte öppna FTG7.mdb.\r\n\r\n3024\r\n"},
-        {"server company that is not registered", "sql;Åhus", "Kan inte öppna sql;Åhus.\r\n\r\n3024\r\n"},
+        {"server company that is not registered", "sql;Åhus",
+         "Kan inte öppna sql;Åhus.\r\n\r\n3024\r\nno company of that name is registered"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
