@@ -43,7 +43,8 @@ constexpr const char* kHostile[] = {"O'Brien",
                                     "\"",
                                     "a\vb",
                                     "é'ü",
-                                    "│┤'"};
+                                    "│┤'",
+                                    "ØÙÚÛ x"};
 
 std::string priceLines() {
     std::string file;

@@ -49,6 +49,7 @@ struct Dialect {
     Survives survives;
     bool textNumbers;            ///< numbers go and come as texts: the driver prints doubles with too few digits
     bool sendsBegin;             ///< the driver begins a transaction with a statement of its own
+    bool utf8Texts;              ///< texts go and come as UTF-8: the driver miscounts UTF-16
     bool storesNul;              ///< texts may hold NUL
     bool nullsLast;              ///< ORDER BY puts Null last unless told otherwise
     std::string_view echo;       ///< a statement that gives its text parameter back

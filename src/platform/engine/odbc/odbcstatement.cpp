@@ -164,21 +164,28 @@ bool OdbcStatement::bind(SQLUSMALLINT parameter, const Value& value) {
     }
     if (const auto* number = std::get_if<double>(&value)) return bindNumber(parameter, bound, *number);
     if (const auto* text = std::get_if<std::string>(&value)) {
-        bound.wide = toWide(*text);
-        return bindText(parameter, bound);
+        return bindText(parameter, bound, *text);
     }
     const auto* yes = std::get_if<bool>(&value);
     bound.whole = yes != nullptr ? static_cast<SQLBIGINT>(*yes) : std::get<std::int64_t>(value);
     if (dialect_.textNumbers) {
-        bound.wide = toWide(digits(bound.whole));
-        return bindText(parameter, bound);
+        return bindText(parameter, bound, digits(bound.whole));
     }
     bound.length = sizeof bound.whole;
     return good(SQLBindParameter(handle_, parameter, SQL_PARAM_INPUT, SQL_C_SBIGINT, SQL_BIGINT, 0, 0, &bound.whole, 0,
                                  &bound.length));
 }
 
-bool OdbcStatement::bindText(SQLUSMALLINT parameter, Bound& bound) {
+bool OdbcStatement::bindText(SQLUSMALLINT parameter, Bound& bound, std::string_view text) {
+    if (dialect_.utf8Texts) {
+        bound.narrow = text;
+        const SQLSMALLINT type = text.size() <= kLongestShortText ? SQL_VARCHAR : SQL_LONGVARCHAR;
+        bound.length = static_cast<SQLLEN>(text.size());
+        return good(SQLBindParameter(handle_, parameter, SQL_PARAM_INPUT, SQL_C_CHAR, type,
+                                     std::max<std::size_t>(text.size(), 1), 0, bound.narrow.data(), bound.length,
+                                     &bound.length));
+    }
+    bound.wide = toWide(text);
     const std::size_t size = bound.wide.size();
     const SQLSMALLINT type = size <= kLongestShortText ? SQL_WVARCHAR : SQL_WLONGVARCHAR;
     bound.length = static_cast<SQLLEN>(size * sizeof(SQLWCHAR));
@@ -189,8 +196,7 @@ bool OdbcStatement::bindText(SQLUSMALLINT parameter, Bound& bound) {
 /// As few digits as give the same number again, where numbers go as texts.
 bool OdbcStatement::bindNumber(SQLUSMALLINT parameter, Bound& bound, double value) {
     if (dialect_.textNumbers) {
-        bound.wide = toWide(digits(value));
-        return bindText(parameter, bound);
+        return bindText(parameter, bound, digits(value));
     }
     bound.number = value;
     bound.length = sizeof bound.number;
@@ -315,25 +321,35 @@ bool OdbcStatement::readDate(SQLUSMALLINT column, Value& into) {
 }
 
 /// Long texts come in pieces, each closed by a NUL that does not belong to it.
-bool OdbcStatement::readText(SQLUSMALLINT column, Value& into) {
-    buffer_.resize(kBufferUnits);
-    std::u16string whole;
+template <typename Text>
+bool OdbcStatement::readPieces(SQLUSMALLINT column, SQLSMALLINT type, Text& buffer, Text& whole, bool& null) {
+    constexpr std::size_t kUnit = sizeof(typename Text::value_type);
+    buffer.resize(kBufferUnits);
     for (;;) {
         SQLLEN length = 0;
-        const SQLRETURN code = SQLGetData(handle_, column, SQL_C_WCHAR, buffer_.data(),
-                                          static_cast<SQLLEN>(buffer_.size() * sizeof(SQLWCHAR)), &length);
+        const SQLRETURN code =
+            SQLGetData(handle_, column, type, buffer.data(), static_cast<SQLLEN>(buffer.size() * kUnit), &length);
         if (!good(code)) return false;
-        if (code == SQL_NO_DATA) break;
-        if (length == SQL_NULL_DATA) {
-            into = Null{};
-            return true;
-        }
-        const std::size_t most = buffer_.size() - 1;
-        const bool more = length == SQL_NO_TOTAL || static_cast<std::size_t>(length) / sizeof(SQLWCHAR) > most;
-        whole.append(buffer_, 0, more ? most : static_cast<std::size_t>(length) / sizeof(SQLWCHAR));
-        if (!more) break;
+        null = length == SQL_NULL_DATA;
+        if (null || code == SQL_NO_DATA) return true;
+        const std::size_t most = buffer.size() - 1;
+        const bool more = length == SQL_NO_TOTAL || static_cast<std::size_t>(length) / kUnit > most;
+        whole.append(buffer, 0, more ? most : static_cast<std::size_t>(length) / kUnit);
+        if (!more) return true;
     }
-    into = fromWide(whole);
+}
+
+bool OdbcStatement::readText(SQLUSMALLINT column, Value& into) {
+    bool null = false;
+    if (dialect_.utf8Texts) {
+        std::string text;
+        if (!readPieces(column, SQL_C_CHAR, buffer_, text, null)) return false;
+        into = null ? Value() : Value(std::move(text));
+        return true;
+    }
+    std::u16string text;
+    if (!readPieces(column, SQL_C_WCHAR, wideBuffer_, text, null)) return false;
+    into = null ? Value() : Value(fromWide(text));
     return true;
 }
 

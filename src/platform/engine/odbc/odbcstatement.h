@@ -58,7 +58,7 @@ class OdbcStatement {
     };
 
     bool bind(SQLUSMALLINT parameter, const Value& value);
-    bool bindText(SQLUSMALLINT parameter, Bound& bound);
+    bool bindText(SQLUSMALLINT parameter, Bound& bound, std::string_view text);
     bool bindNumber(SQLUSMALLINT parameter, Bound& bound, double value);
     std::optional<ServerError> readAnswer(SQLRETURN code, std::span<const FieldType> types, StatementResult& result);
     void finish();
@@ -70,6 +70,8 @@ class OdbcStatement {
     bool readDigits(SQLUSMALLINT column, FieldType type, Value& into);
     bool readDate(SQLUSMALLINT column, Value& into);
     bool readText(SQLUSMALLINT column, Value& into);
+    template <typename Text>
+    bool readPieces(SQLUSMALLINT column, SQLSMALLINT type, Text& buffer, Text& whole, bool& null);
     /// Keeps the error of a code that is none of the good ones.
     bool good(SQLRETURN code);
     std::optional<ServerError> takeError() { return std::exchange(error_, std::nullopt); }
@@ -77,7 +79,8 @@ class OdbcStatement {
     const Dialect& dialect_;
     SQLHSTMT handle_ = SQL_NULL_HSTMT;
     std::deque<Bound> bound_;
-    std::u16string buffer_;
+    std::u16string wideBuffer_;
+    std::string buffer_;
     std::optional<ServerError> error_;
 };
 
