@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <iterator>
 #include <optional>
 #include <ostream>
 #include <system_error>
@@ -14,9 +12,8 @@
 #include "discounts/letterexchange.h"
 #include "discounts/lettermessages.h"
 #include "platform/lettercase.h"
-#include "startup/company.h"
+#include "startup/companylist.h"
 #include "startup/startup.h"
-#include "ui/rules/listrows.h"
 
 namespace kolmera::cli {
 namespace fs = std::filesystem;
@@ -66,23 +63,15 @@ class LetterCommand {
 };
 
 std::optional<std::string> LetterCommand::companyDatabase() {
-    std::vector<std::string> rows = companies_.FyllFöretagsLista();
-    std::ranges::move(SqlLayer::SQLServerLista(session_.state.dataFolder()), std::back_inserter(rows));
+    const std::vector<std::string> rows = companyRows(companies_, session_.state.dataFolder());
+    const std::vector<std::string> databases = databasesOf(rows);
     const bool named = !arguments_.company.empty();
-    int row = rowOfCode(rows, named ? arguments_.company : session_.state.StandardFöretag);
-    if (row < 0 && named) {
-        const auto found = std::ranges::find_if(rows, [&](const std::string& each) {
-            return equalNoCase(each.substr(0, each.find('\t')), arguments_.company);
-        });
-        if (found != rows.end()) row = static_cast<int>(found - rows.begin());
-    }
-    if (row < 0 && !named && rows.size() == 1) row = 0;
-    if (row >= 0) return std::string(codeOfRow(rows[static_cast<std::size_t>(row)]).value_or(""));
-    std::vector<std::string_view> codes;
-    for (const std::string& each : rows) codes.push_back(codeOfRow(each).value_or(""));
+    const std::string_view wanted = named ? arguments_.company : session_.state.StandardFöretag;
+    if (const auto database = databaseNamed(rows, wanted)) return database;
+    if (!named && databases.size() == 1) return databases.front();
     stop(named          ? session_.text(313, arguments_.company)
          : rows.empty() ? session_.text(252, session_.state.dataFolder().string())
-                        : session_.text(314, fmt::format("{}", fmt::join(codes, ", "))));
+                        : session_.text(314, fmt::format("{}", fmt::join(databases, ", "))));
     return std::nullopt;
 }
 

@@ -3,12 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
+#include "startup/companylist.h"
 #include "ui/rules/listrows.h"
 
 namespace kolmera {
@@ -39,8 +39,7 @@ JobEditor::~JobEditor() { closeCompany(); }
 
 void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
     tradeFormat_ = ÄrStandardJobb;
-    companyRows_ = register_.FyllFöretagsLista();
-    std::ranges::move(SqlLayer::SQLServerLista(state_.dataFolder()), std::back_inserter(companyRows_));
+    companyRows_ = companyRows(register_, state_.dataFolder());
     PassedOverSilently passedOver;
     attempt(passedOver, "KOLMERA.TXT", [&] { job = JobFile(state_.dataFolder()).read(JobbNr).value_or(Job{}); });
     couplings.setJob(job.name);

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "db/conversions.h"
@@ -12,6 +10,7 @@
 #include "discounts/lettertable.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
+#include "startup/companylist.h"
 #include "ui/rules/listrows.h"
 
 namespace kolmera {
@@ -54,8 +53,7 @@ LetterEditor::LetterEditor(StartState& state, LanguageTexts& texts, MessageBoxes
 LetterEditor::~LetterEditor() { closeCompany(); }
 
 void LetterEditor::open(int JobbNr) {
-    companyRows_ = register_.FyllFöretagsLista();
-    std::ranges::move(SqlLayer::SQLServerLista(state_.dataFolder()), std::back_inserter(companyRows_));
+    companyRows_ = companyRows(register_, state_.dataFolder());
     if (JobbNr < 1) return;
     PassedOverSilently passedOver;
     Job job;

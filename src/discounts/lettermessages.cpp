@@ -11,7 +11,9 @@ constexpr int kUnwritableSheet = 130, kUnreadableSheet = 131;
 constexpr int kLinesPassedOver = 304, kNotNumbers = 305, kNoGroups = 306, kQuestionMarks = 310;
 constexpr std::string_view kParagraph = "\r\n\r\n";
 
-std::string named(std::string text, const std::filesystem::path& file) { return text + " " + file.string() + "."; }
+std::string named(const std::string& text, const std::filesystem::path& file) {
+    return text + " " + file.string() + ".";
+}
 
 std::string explained(std::string text, const PlatformError& error) {
     return text.append(kParagraph).append(error.description());
