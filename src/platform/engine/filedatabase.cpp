@@ -209,12 +209,13 @@ void FileDatabase::insertRows(std::string_view table, std::span<const int> colum
         places.push_back(static_cast<std::size_t>(std::ranges::find(columns, column) - columns.begin()));
     });
     SqliteStatement& statement = target.insertStatement(written);
+    std::vector<Value> values(places.size());  // the statement reads texts where they lie, when it is run
     for (const std::vector<Value>& row : rows) {
         const StatementUse use(statement);
         for (std::size_t i = 0; i < places.size(); ++i) {
-            Value value = row[places[i]];
-            fitToField(target.field(columns[places[i]]), value, session_.locale);
-            statement.bind(static_cast<int>(i) + 1, value);
+            values[i] = row[places[i]];
+            fitToField(target.field(columns[places[i]]), values[i], session_.locale);
+            statement.bind(static_cast<int>(i) + 1, values[i]);
         }
         statement.step();
     }
