@@ -37,6 +37,20 @@ TEST_F(RoundTrips, ARecordCostsOneForEachStatement) {
     EXPECT_EQ(tripsOf([&] { EXPECT_EQ(errorOf([&] { edit(std::string("bad")); }), errors::kWrongType); }), 0U);
 }
 
+TEST_F(RoundTrips, TheFirstRecordCostsLittleMore) {
+    for (const char* number : {"A", "B"}) add(*database, number);
+    const auto fresh =
+        openServerDatabase(TestServer::ofProcess().connectString(),
+                           {.locale = Locale(), .wait = {}, .tables = companySchema(), .roundTrips = &trips});
+    const auto readAll = [&](const std::string& number) {
+        const auto records = seek(*fresh, number);
+        for (const FieldDef& field : records->fields()) (void)records->value(field.name);
+    };
+    (void)fresh->table("Produkt");
+    EXPECT_EQ(tripsOf([&] { readAll("A"); }), 4U) << "two statements are prepared and run";
+    EXPECT_EQ(tripsOf([&] { readAll("B"); }), 2U) << "one is prepared and run, which reads what was asked for";
+}
+
 TEST_F(RoundTrips, ANewRecordCostsOneWithEverythingReadFromIt) {
     add(*database, "A", std::string("L"));
     EXPECT_EQ(tripsOf([&] {

@@ -13,7 +13,7 @@ namespace kolmera {
 
 namespace {
 
-constexpr std::size_t kMostPrepared = 64;
+constexpr std::size_t kMostPrepared = 128;  // an UPDATE for each set of changed columns
 constexpr SQLULEN kLoginSeconds = 10;
 
 SQLPOINTER number(SQLULEN value) { return reinterpret_cast<SQLPOINTER>(value); }  // NOLINT(performance-no-int-to-ptr)

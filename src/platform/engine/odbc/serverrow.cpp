@@ -40,20 +40,26 @@ void ServerRow::refresh() {
     if (version_ != table_.version() && !read(id_)) requirePresent();
 }
 
+/// Reads a column that was not read with the row: with all the others, because the next one asked for is seldom far.
 void ServerRow::load(int ordinal) {
     if (table_.field(ordinal).counter) {
         current_[at(ordinal)] = id_;
-    } else {
-        table_.learn(ordinal);
-        present_ = table_.readColumn(id_, ordinal, current_[at(ordinal)]);
-        requirePresent();
+        return loaded_.add(ordinal);
     }
-    loaded_.add(ordinal);
+    std::vector<Value> whole = table_.readWhole(id_);
+    present_ = !whole.empty();
+    requirePresent();
+    for (int column = 0; column < table_.columns(); ++column) {
+        if (loaded_.has(column)) continue;
+        current_[at(column)] = std::move(whole[at(column)]);
+        loaded_.add(column);
+    }
 }
 
 const Value& ServerRow::value(int ordinal) {
     if (mode_ == Mode::Add) return changed_.has(ordinal) ? edited_[at(ordinal)] : table_.defaults()[at(ordinal)];
     requirePresent();
+    table_.learn(ordinal);
     if (mode_ == Mode::Edit && changed_.has(ordinal)) return edited_[at(ordinal)];
     refresh();
     if (!loaded_.has(ordinal)) load(ordinal);
@@ -85,6 +91,7 @@ void ServerRow::set(int ordinal, Value value) {
     fitToField(field, value, table_.session().locale());
     table_.session().requireStorable(value);
     if (mode_ == Mode::Edit) {
+        table_.learn(ordinal);
         refresh();
         if (!loaded_.has(ordinal)) load(ordinal);
         if (value == current_[at(ordinal)]) return changed_.remove(ordinal);

@@ -10,7 +10,7 @@
 namespace kolmera {
 
 /// The current row of a dynaset on a server, and its editing. A column that was not read with the row is read when it
-/// is asked for, and belongs to what rows of its table are read with from then on.
+/// is asked for, and the rows of its table are read with it from then on.
 class ServerRow {
   public:
     ServerRow(ServerTable& table, bool readOnly);

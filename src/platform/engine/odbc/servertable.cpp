@@ -33,6 +33,7 @@ ServerTable::ServerTable(ServerSession& session, ServerTableInfo info)
     }
     for (const FieldDef& field : info_.definition.fields) {
         if (field.counter) key_ = columns();
+        all_.push_back(columns());
         quotedColumns_.push_back(kolmera::quotedName(session.dialect(), field.name));
         defaults_.push_back(defaultOf(field));
     }
@@ -98,11 +99,9 @@ std::vector<std::int64_t> ServerTable::readIds(const ServerStatement& where, std
     return ids;
 }
 
-bool ServerTable::readColumn(std::int64_t id, int ordinal, Value& into) {
-    std::vector<std::vector<Value>> rows = readAll(std::span(&ordinal, 1), byId(id), {});
-    if (rows.empty()) return false;
-    into = std::move(rows.front().front());
-    return true;
+std::vector<Value> ServerTable::readWhole(std::int64_t id) {
+    std::vector<std::vector<Value>> rows = readAll(all_, byId(id), {});
+    return rows.empty() ? std::vector<Value>() : std::move(rows.front());
 }
 
 std::vector<std::vector<Value>> ServerTable::readAll(std::span<const int> columns, const ServerStatement& where,

@@ -65,8 +65,8 @@ class ServerTable {
     Rows readRows(std::span<const std::int64_t> ids);
     /// The IDs of all rows that meet a condition, in an order.
     std::vector<std::int64_t> readIds(const ServerStatement& where, std::string_view order);
-    /// One column of one row; false when the row is not there.
-    bool readColumn(std::int64_t id, int ordinal, Value& into);
+    /// All columns of one row; empty when the row is not there.
+    std::vector<Value> readWhole(std::int64_t id);
     /// All rows with these columns, in the order that is asked for.
     std::vector<std::vector<Value>> readAll(std::span<const int> columns, const ServerStatement& where,
                                             std::string_view order);
@@ -90,6 +90,7 @@ class ServerTable {
     std::string quotedName_;
     std::vector<std::string> quotedColumns_;
     std::vector<Value> defaults_;
+    std::vector<int> all_;  ///< every ordinal
     int key_ = -1;
     ColumnSet learnedSet_;
     std::vector<int> learned_;  ///< in the order in which they were asked for
