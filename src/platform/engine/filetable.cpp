@@ -19,7 +19,7 @@ bool rulesOf(SqliteConnection& connection, const std::string& table) {
     SqliteStatement rules(connection,
                           "SELECT 1 FROM sqlite_master WHERE tbl_name = ? COLLATE NOCASE AND "
                           "(type = 'trigger' OR sql LIKE '%CHECK%' OR sql LIKE '%NOT NULL%')");
-    rules.bind(1, Value(table));
+    rules.bind(1, std::string_view(table));
     return rules.step();
 }
 
