@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include "db/batchtransaction.h"
@@ -164,6 +165,12 @@ std::unique_ptr<Recordset> LetterExchange::open(RecordsetType type) {
 bool LetterExchange::hasLetter() { return !open()->eof(); }
 
 std::int64_t LetterExchange::usableLines(const std::filesystem::path& file) {
+    // A pipe can be read only once; a folder is refused where it is opened.
+    std::error_code missing;
+    const std::filesystem::file_status status = std::filesystem::status(file, missing);
+    if (std::filesystem::exists(status) && !is_regular_file(status) && !is_directory(status)) {
+        throw PlatformError(errors::kInternal, "It is no ordinary file.");
+    }
     const int codeSize = open()->fields().at(lettertable::kCode).size;
     std::int64_t usable = 0;
     bool isText = true;

@@ -11,6 +11,7 @@
 #include "definitions/suppliermodel.h"
 #include "discounts/lettermodel.h"
 #include "ui/controls.h"
+#include "ui/fields.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lists.h"
@@ -267,8 +268,8 @@ void PrisRab::connectButtons() {
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
     connect(avbryt_, &QPushButton::clicked, this, [this] {
         letters_.Avbryt();
+        RensaFält(fields_, 0, LetterEditor::kFields - 1);
         presentFields();
-        focusCode();
     });
     connect(taBort_, &QPushButton::clicked, this, [this] {
         letters_.TaBort();

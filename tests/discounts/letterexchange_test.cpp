@@ -140,6 +140,7 @@ TEST_F(LetterExchangeTest, SeesWhatIsNoLetterBeforeAnythingIsDeleted) {
         << "a text named as a spreadsheet";
     EXPECT_THROW(std::ignore = exchange().usableLines(folder / "none.txt"), PlatformError);
     EXPECT_THROW(std::ignore = exchange().usableLines(folder.path()), PlatformError);
+    EXPECT_THROW(std::ignore = exchange().usableLines("/dev/null"), PlatformError) << "it may be a pipe";
     EXPECT_EQ(rows(), "") << "checking has read something in";
 }
 

@@ -32,6 +32,9 @@ TEST_F(ListsTest, VäljListradEfterKod) {
     EXPECT_EQ(selectedRow(list), 1) << "an unknown code moved the selection";
     VäljListradEfterKod(list, "Utan kod");
     EXPECT_EQ(selectedRow(list), 1) << "a row without a tab has no code";
+    list.addItem("SQL;Dalen\tPå servern");
+    VäljListradEfterKod(list, "Sql;dalen");
+    EXPECT_EQ(selectedRow(list), 4) << "the description of a server's company is no code";
     QComboBox box;
     box.addItems({"Arken\tFTG1.MDB", "Berget\tFTG2.MDB"});
     VäljListradEfterKod(box, " FTG2.mdb");
