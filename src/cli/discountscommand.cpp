@@ -67,7 +67,7 @@ std::optional<std::string> LetterCommand::companyDatabase() {
     const std::vector<std::string> databases = databasesOf(rows);
     const bool named = !arguments_.company.empty();
     const std::string_view wanted = named ? arguments_.company : session_.state.StandardFöretag;
-    if (const auto database = databaseNamed(rows, wanted)) return database;
+    if (auto database = databaseNamed(rows, wanted)) return database;
     if (!named && databases.size() == 1) return databases.front();
     stop(named          ? session_.text(313, arguments_.company)
          : rows.empty() ? session_.text(252, session_.state.dataFolder().string())

@@ -21,7 +21,7 @@ class DiscountsCommand : public testing::Test {
         return machine.run(arguments);
     }
     std::string write(const char* name, std::string_view content) {
-        const std::string file = machine.file(name);
+        std::string file = machine.file(name);
         std::ofstream(file, std::ios::binary) << content;
         return file;
     }

@@ -14,8 +14,6 @@ namespace kolmera {
 namespace {
 
 using test::EditorWorld;
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 constexpr const char* kForm = "PrisRab";
 constexpr const char* kTable = "LevrabattBrev";
