@@ -1,5 +1,6 @@
 #include "import/runpanel.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -55,7 +56,7 @@ void RunPanel::hourglass(bool on) { program_.boxes.port().hourglass(on); }
 
 void RunPanel::letEventsRun() {
     present();
-    program_.boxes.port().letEventsRun();
+    QCoreApplication::processEvents();  // with clicks: Cancel is one
     sinceEvents_.start();
 }
 

@@ -112,6 +112,6 @@ void QtMessagePort::hourglass(bool on) {
     }
 }
 
-void QtMessagePort::letEventsRun() { QCoreApplication::processEvents(); }
+void QtMessagePort::letEventsRun() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
 
 }  // namespace kolmera

@@ -14,6 +14,7 @@ class QtMessagePort final : public MessagePort {
 
     Answer show(const Message& message) override;
     void hourglass(bool on) override;
+    /// Windows are drawn; keys and clicks wait. A form that opens a company is in the middle of something.
     void letEventsRun() override;
 
   private:
