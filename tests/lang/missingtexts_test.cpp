@@ -37,6 +37,7 @@ std::vector<std::string> numbers(int first, int last) {
 
 const std::vector<Indirect> kIndirect = {
     {"src/cli/session.h", "number", {}},
+    {"src/cli/copycommand.cpp", "number", {"265", "266"}},
     {"src/cli/newcommand.cpp", "doneText", {"230", "231"}},
     {"src/cli/runcommand.cpp", "line.label", numbers(201, 208)},
     {"src/definitions/jobeditor.cpp", "first->first", numbers(30, 34)},

@@ -213,7 +213,7 @@ TEST_F(RecordFileTest, AFailedRewriteLeavesTheFile) {
     setrlimit(RLIMIT_FSIZE, &oneRecord);
     const int error = errorOf([&] { rewriteRecords(path, kLayout, dropFirst); });
     setrlimit(RLIMIT_FSIZE, &unlimited);
-    EXPECT_EQ(error, errors::kInternal);
+    EXPECT_EQ(error, errors::kDiskFull);
     EXPECT_EQ(folder.read("PEOPLE.TXT"), before);
 
     std::filesystem::create_directory(folder / "BUFFER.TXT");
