@@ -18,6 +18,7 @@ constexpr std::string_view kModule = "KMR";
 constexpr int kNotACompany = 15;
 constexpr int kAskToRepair = 16;
 constexpr int kNotRepaired = 18;
+constexpr int kRepaired = 117;
 
 bool isCompanyFile(const std::string& upperName) { return upperName.starts_with("FTG") && upperName.ends_with(".MDB"); }
 
@@ -132,7 +133,10 @@ std::optional<std::string> CompanyRegister::repairedCompany(const std::string& f
     if (boxes_.MeddelandeJaNej(question) != Answer::Yes) return std::nullopt;
     boxes_.port().hourglass(true);
     try {
-        repairFileDatabase(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
+        const RepairReport report =
+            repairFileDatabase(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
+        boxes_.port().hourglass(false);
+        boxes_.MeddelandeInfo(texts_.ModulTextMed(kModule, kRepaired, report.original.filename().string()));
     } catch (const PlatformError&) {
         boxes_.port().hourglass(false);
         boxes_.MeddelandeVarning(texts_.ModulText(kModule, kNotRepaired));

@@ -27,7 +27,8 @@ class CompanyRegisterTest : public ::testing::Test {
         state.DataMapp = world.data.string() + "/";
         world.root.write("texts.tsv",
                          "key\tSE\tEN\nRES_3300\tKan inte öppna\tx\nSP_MOD_KMR_015\t är inget företag\tx\n"
-                         "SP_MOD_KMR_016\t Reparera <VAR1>?\tx\nSP_MOD_KMR_018\tGick inte\tx\n");
+                         "SP_MOD_KMR_016\t Reparera <VAR1>?\tx\nSP_MOD_KMR_018\tGick inte\tx\n"
+                         "SP_MOD_KMR_117\tKvar: <VAR1>\tx\n");
         buildLanguageDatabase(world.root / "texts.tsv", world.root / "DVLang.sys");
         texts.ÖppnaSpråk(world.root.path(), {});
     }
@@ -111,9 +112,10 @@ TEST_F(CompanyRegisterTest, AskedToRepairNoLeavesTheFile) {
 TEST_F(CompanyRegisterTest, RepairedCompaniesAreListed) {
     company("FTG1.mdb", "Damaged");
     damage("FTG1.mdb");
-    port.answers = {Answer::Yes};
+    port.answers = {Answer::Yes, Answer::OK};
     EXPECT_EQ(companies.FyllFöretagsLista(), Rows{"Damaged\tFTG1.MDB"});
-    EXPECT_EQ(port.shown.size(), 1U);
+    ASSERT_EQ(port.shown.size(), 2U);
+    EXPECT_TRUE(port.shown[1].starts_with("Kvar: FTG1.mdb.damaged-1|")) << port.shown[1];
     EXPECT_EQ(read("DORVIK.FTG"), registerRecord("FTG1.MDB", "Damaged", ""));
 }
 
