@@ -59,7 +59,8 @@ void describeDiscounts(CLI::App& app, Options& options) {
           std::pair("import", "Replace the letter by a text file or spreadsheet")}) {
         CLI::App* command = discounts->add_subcommand(name, purpose);
         command->add_option("SUPPLIER", options.discounts.supplier, "Number of the supplier")->required();
-        command->add_option("FILE", options.discounts.file, ".xlsx or .xls for a spreadsheet, else text")->required();
+        command->add_option("FILE", options.discounts.file, "A text file or an .xlsx (an .xls can be read only)")
+            ->required();
         command->add_option("--data", options.discounts.dataFolder, "Data folder of the suite")->required();
         command->add_option("--company", options.discounts.company, "Company file, SQL;NAME or name of the company");
     }
