@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -13,6 +14,9 @@ namespace kolmera::bench {
 /// A connection to a company file on bare SQLite, with the Swedish collation. Errors are std::runtime_error.
 class Connection {
   public:
+    /// Physical commits keep this apart.
+    static constexpr std::chrono::milliseconds kCommitPause{250};
+
     explicit Connection(const std::filesystem::path& file);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -49,6 +53,7 @@ class Statement {
     [[nodiscard]] std::string_view name(int column) const { return sqlite3_column_name(handle_, column); }
     [[nodiscard]] int type(int column) const { return sqlite3_column_type(handle_, column); }
     [[nodiscard]] bool isNull(int column) const { return type(column) == SQLITE_NULL; }
+    [[nodiscard]] bool isText(int column) const { return type(column) == SQLITE_TEXT; }
     [[nodiscard]] double real(int column) const { return sqlite3_column_double(handle_, column); }
     [[nodiscard]] std::int64_t integer(int column) const { return sqlite3_column_int64(handle_, column); }
     /// Valid until the next step or reset.

@@ -9,14 +9,14 @@
 
 namespace kolmera::bench {
 
-/// A transaction that ends every 25 records, while the physical commits keep 250 ms apart.
+/// A transaction that ends every 25 records, while the physical commits keep the connection's pause apart.
 class JoinedCommits {
   public:
     explicit JoinedCommits(Connection& connection) : begin_(connection, "BEGIN"), commit_(connection, "COMMIT") {
         begin_.run();
     }
     void recordDone() {
-        if (++records_ % 25 != 0 || Clock::now() - last_ < std::chrono::milliseconds(250)) return;
+        if (++records_ % 25 != 0 || Clock::now() - last_ < Connection::kCommitPause) return;
         commit_.run();
         begin_.run();
         last_ = Clock::now();

@@ -70,7 +70,7 @@ Settings::Settings(Connection& connection) {
     vatRate1 = first.real(0);
     const auto take = [&](int at, int column) {
         if (first.isNull(at)) return;
-        if (first.type(at) == SQLITE_TEXT) {
+        if (first.isText(at)) {
             productDefaults.emplace_back(column, std::string(first.text(at)));
         } else if (first.real(at) != 0) {
             productDefaults.emplace_back(column, first.real(at));
