@@ -106,6 +106,30 @@ TEST_F(RoundTrips, WalkingReadsInBlocks) {
     EXPECT_EQ(selectElsewhere("SELECT DISTINCT 1Utpris FROM Produkt WHERE Nummer < 'N2'"), "2");
 }
 
+TEST_F(RoundTrips, ALongTableIsListedInPortions) {
+    constexpr int kRows = 20000;
+    std::vector<std::vector<Value>> rows;
+    for (int i = 1; i <= kRows; ++i) rows.push_back({std::int64_t{2 * i}, fmt::format("N{}", i)});
+    const std::vector<int> columns = {0, 1};
+    database->insertRows("Produkt", columns, rows);
+    for (const auto& [statement, count] : {std::pair("SELECT * FROM Produkt", kRows),
+                                           std::pair("SELECT * FROM Produkt WHERE Nummer <> 'N9999'", kRows - 1),
+                                           std::pair("SELECT * FROM Produkt WHERE Nummer < 'N2'", 11111)}) {
+        SCOPED_TRACE(statement);
+        const auto records = dynaset(*database, statement);
+        records->moveLast();
+        EXPECT_EQ(records->recordCount(), count);
+        EXPECT_EQ(textOf(records->value("Nummer")), count == 11111 ? "N19999" : "N20000");
+    }
+    const auto records = dynaset(*database, "Produkt");
+    EXPECT_LE(tripsOf([&] { records->moveLast(); }), 6U);
+    std::int64_t id = 0;
+    for (records->moveFirst(); !records->eof(); records->moveNext()) {
+        ASSERT_EQ(records->value("ID"), Value(id + 2));
+        id += 2;
+    }
+}
+
 TEST_F(RoundTrips, CopiedRowsKeepTheirIdsAndNewOnesFollow) {
     std::vector<std::vector<Value>> rows;
     for (int i = 0; i < 1000; ++i) {

@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t kMostRowsAtOnce = 400;
 /// IDs of one statement; a fixed number, so that it is one statement however many rows are asked for.
 constexpr std::size_t kIdsAtOnce = 64;
+constexpr int kIdsInPortion = 10000;
 
 }  // namespace
 
@@ -92,11 +93,15 @@ ServerTable::Rows ServerTable::readRows(std::span<const std::int64_t> ids) {
 }
 
 std::vector<std::int64_t> ServerTable::readIds(const ServerStatement& where, std::string_view order) {
+    // In the order of the key they come in portions: the rows of an answer take many times the memory of their IDs.
+    const int portion = order == quotedKey() ? kIdsInPortion : 0;
     std::vector<std::int64_t> ids;
-    for (const std::vector<Value>& row : readAll(std::span(&key_, 1), where, order)) {
-        ids.push_back(std::get<std::int64_t>(row.front()));
+    for (;;) {
+        const ServerStatement behind = ids.empty() ? where : both(where, {quotedKey() + " > ?", {ids.back()}});
+        const std::vector<std::vector<Value>> rows = readAll(std::span(&key_, 1), behind, order, portion);
+        for (const std::vector<Value>& row : rows) ids.push_back(std::get<std::int64_t>(row.front()));
+        if (portion == 0 || rows.size() < static_cast<std::size_t>(portion)) return ids;
     }
-    return ids;
 }
 
 std::vector<Value> ServerTable::readWhole(std::int64_t id) {
@@ -105,9 +110,10 @@ std::vector<Value> ServerTable::readWhole(std::int64_t id) {
 }
 
 std::vector<std::vector<Value>> ServerTable::readAll(std::span<const int> columns, const ServerStatement& where,
-                                                     std::string_view order) {
+                                                     std::string_view order, int limit) {
     const std::vector<std::string> names = quoted(columns);
-    const SelectParts parts{.columns = names, .table = quotedName_, .where = where.text, .order = order};
+    const SelectParts parts{
+        .columns = names, .table = quotedName_, .where = where.text, .order = order, .limit = limit};
     return session_.read({selectText(session_.dialect(), parts), where.parameters}, types(columns)).rows;
 }
 

@@ -67,9 +67,9 @@ class ServerTable {
     std::vector<std::int64_t> readIds(const ServerStatement& where, std::string_view order);
     /// All columns of one row; empty when the row is not there.
     std::vector<Value> readWhole(std::int64_t id);
-    /// All rows with these columns, in the order that is asked for.
+    /// All rows with these columns, in the order that is asked for; with a `limit`, the first of them.
     std::vector<std::vector<Value>> readAll(std::span<const int> columns, const ServerStatement& where,
-                                            std::string_view order);
+                                            std::string_view order, int limit = 0);
 
     /// Returns the new row's ID.
     std::int64_t insert(const ColumnSet& columns, const std::vector<Value>& values);
