@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -13,6 +14,8 @@
 namespace kolmera {
 
 namespace {
+
+constexpr std::int64_t kWindow = 500;  ///< IDs that are read at a time
 
 using Row = std::vector<Value>;  ///< the values of a row in the order of the schema's columns; the first is the ID
 
@@ -26,7 +29,6 @@ class TableReader {
 
     /// The next rows, some hundred at most; none behind the last.
     std::vector<Row> next() {
-        constexpr std::int64_t kWindow = 500;
         const std::optional<std::int64_t> first = firstBehind(last_);
         if (!first) return {};
         last_ = *first + kWindow - 1;
@@ -69,7 +71,7 @@ class TableReader {
 
     Database& database_;
     const TableDef& table_;
-    std::int64_t last_ = 0;
+    std::int64_t last_ = std::numeric_limits<std::int32_t>::min() - std::int64_t{1};  // below every ID
 };
 
 /// Goes through the rows of a table one by one.
@@ -102,7 +104,7 @@ class CompanyCopy {
 
     CopyResult run() {
         const bool fresh = isNew();
-        if (!fresh && !(holdsBeginnings() && goOn_())) return ended();
+        if (!fresh && !(holdsBeginnings() && goOn())) return ended();
         if (fresh) removeFirstRows();
         const bool whole = std::ranges::all_of(schema_, [&](const TableDef& table) { return copy(table); });
         target_.settle();
@@ -150,10 +152,11 @@ class CompanyCopy {
     bool isNew() {
         const std::vector<NewCompanyRow> firstRows = newCompanyRows({});
         return std::ranges::all_of(schema_, [&](const TableDef& table) {
-            const std::vector<Row> rows = TableReader(target_, table).next();
+            TableReader reader(target_, table);
+            const std::vector<Row> rows = reader.next();
             if (rows.empty()) return true;
             const NewCompanyRow* first = firstRow(firstRows, table);
-            return first && rows.size() == 1 && isFirstRow(table, *first, rows.front());
+            return first && rows.size() == 1 && isFirstRow(table, *first, rows.front()) && reader.next().empty();
         });
     }
 
@@ -173,6 +176,7 @@ class CompanyCopy {
         RowWalk to(target_, table);
         std::int64_t count = 0;
         for (; to.row() || (extent == Extent::Whole && from.row()); ++count, from.next(), to.next()) {
+            if (count % kWindow == 0 && !goOn()) return false;
             const Row* wanted = from.row();
             const Row* found = to.row();
             if (wanted && found && *wanted == *found) continue;
@@ -189,7 +193,7 @@ class CompanyCopy {
         std::vector<int> columns;
         for (const FieldDef& field : table.fields) columns.push_back(target_.table(table.name).ordinal(field.name));
         TableReader reader(source_, table);
-        reader.skipTo(TableReader(target_, table).lastId().value_or(0));
+        if (const auto last = TableReader(target_, table).lastId()) reader.skipTo(*last);
         BatchTransaction batch(target_);
         for (std::vector<Row> rows = reader.next(); !rows.empty(); rows = reader.next()) {
             if (!goOn()) break;

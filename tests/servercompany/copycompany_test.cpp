@@ -55,10 +55,10 @@ TEST_F(CopyCompany, ThereAndBackEveryRowIsTheSame) {
 TEST_F(CopyCompany, AnInterruptedCopyIsFinishedByTheNext) {
     const auto source = machine.open();
     const auto target = TestServer::ofProcess().open();
-    for (const int batches : {1, 2, 3}) {
+    for (const int answers : {1, 2, 6, 9}) {  // the later ones end the comparison with what is there
         int asked = 0;
-        const CopyResult result = copyCompany(*source, *target, [&] { return ++asked <= batches; });
-        ASSERT_EQ(result.outcome, CopyResult::Outcome::Cancelled) << batches;
+        const CopyResult result = copyCompany(*source, *target, [&] { return ++asked <= answers; });
+        ASSERT_EQ(result.outcome, CopyResult::Outcome::Cancelled) << answers;
     }
     EXPECT_NE(firstDifference(onFile(), onServer()), "") << "nothing was interrupted";
     EXPECT_EQ(copy("FTG1.mdb", "SQL;TEST"), 0) << machine.err();
