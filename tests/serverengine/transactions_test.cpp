@@ -90,6 +90,27 @@ TEST_F(ServerTransactions, AHeldLockIsWaitedForUntilItGoes) {
     EXPECT_EQ(selectElsewhere(kNumbers), "'A' 2; 'B' 0") << "what was written before the lock is lost";
 }
 
+TEST_F(ServerTransactions, ALockedTableIsWaitedForWhenItIsMet) {
+    const bool tables = TestServer::ofProcess().kind() == ServerKind::MariaDb;
+    add(*database, "A");
+    const auto other = open();
+    other->begin();
+    other->execute(tables ? "LOCK TABLES `Produkt` WRITE" : "LOCK TABLE \"Produkt\" IN ACCESS EXCLUSIVE MODE");
+    int waits = 0;
+    const auto patient = open([&] {
+        if (++waits == 2) {
+            if (tables) other->execute("UNLOCK TABLES");
+            other->commit();
+        }
+        return true;
+    });
+    patient->begin();
+    setPrice(*patient, "A", 2);
+    patient->commit();
+    EXPECT_EQ(waits, 2);
+    EXPECT_EQ(selectElsewhere(kNumbers), "'A' 2");
+}
+
 TEST_F(ServerTransactions, ALockThatIsGivenUpEndsTheRunAndKeepsTheBatch) {
     add(*database, "A");
     const auto other = open();

@@ -213,7 +213,10 @@ StatementResult ServerSession::tables() {
     return run([this](StatementResult& result) { return connection_.tables(result); });
 }
 
+/// A table that another session has locked is waited for first: what a driver says of its own statements on the
+/// catalogue does not tell a lock from any other error.
 StatementResult ServerSession::columns(std::string_view table) {
+    runStatement({"SELECT 1 FROM " + quotedName(dialect(), table) + " WHERE 1 = 0"}, {}, true);
     return run([&](StatementResult& result) { return connection_.columns(table, result); });
 }
 
