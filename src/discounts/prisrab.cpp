@@ -202,7 +202,8 @@ void PrisRab::setTabOrders() {
 }
 
 void PrisRab::setSizes() {
-    constexpr int kUpperLines = 5, kGroupLines = 12, kCompanyLetters = 46, kNumberLetters = 14;
+    constexpr int kUpperLines = 5, kGroupLines = 12, kNumberLetters = 14;
+    constexpr int kCompanyLetters = 66;  ///< the tab stop is at 52, a file's name behind it
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     ftgLista_->setMinimumHeight(kUpperLines * metrics.lineSpacing());
@@ -223,6 +224,8 @@ void PrisRab::nameColumns() {
     groups_->setHeaders(std::move(headers));
     totalRabatt_->setAccessibleName(labels_.at(kTotalLabel)->text());
     lista_->header()->setSectionResizeMode(QHeaderView::Stretch);
+    // The columns always fit; scaled fonts round them to a pixel more.
+    lista_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 void PrisRab::connectLists() {
