@@ -53,8 +53,9 @@ TEST(TradeRun, StopsWithoutCoupledSupplier) {
     world.coupling("AB", "1010", true);  // of another job
     world.job.name = "(FINFO)";
     world.coupling("CD", "1020");  // the company has no such supplier
-    world.port.expect(world.texts().FormulärSträngMed2("PrisMain", 24, "Testbolaget (" + world.shownCompany() + ")", "(FINFO)"),
-                      world.text(25));
+    world.port.expect(
+        world.texts().FormulärSträngMed2("PrisMain", 24, "Testbolaget (" + world.shownCompany() + ")", "(FINFO)"),
+        world.text(25));
     EXPECT_FALSE(world.run().completed);
     EXPECT_TRUE(world.port.confirmations.empty());
 }
