@@ -6,16 +6,21 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "db/batchtransaction.h"
 #include "db/companyschema.h"
 #include "db/conversions.h"
+#include "platform/error.h"
 
 namespace kolmera {
 
 namespace {
 
 constexpr std::int64_t kWindow = 500;  ///< IDs that are read at a time
+
+/// Before every ID, which has 32 bits.
+constexpr std::int64_t kBeforeFirst = std::int64_t{std::numeric_limits<std::int32_t>::min()} - 1;
 
 using Row = std::vector<Value>;  ///< the values of a row in the order of the schema's columns; the first is the ID
 
@@ -197,11 +202,20 @@ class CompanyCopy {
         BatchTransaction batch(target_);
         for (std::vector<Row> rows = reader.next(); !rows.empty(); rows = reader.next()) {
             if (!goOn()) break;
-            target_.insertRows(table.name, columns, rows);
+            insert(table, columns, rows);
             batch.next();
         }
         batch.end();
         return !cancelled_;
+    }
+
+    void insert(const TableDef& table, std::span<const int> columns, const std::vector<Row>& rows) {
+        try {
+            target_.insertRows(table.name, columns, rows);
+        } catch (const PlatformError& error) {
+            const std::string place = fmt::format("{}, ID {}-{}: ", table.name, idOf(rows.front()), idOf(rows.back()));
+            throw PlatformError(error.number(), place + error.description(), error.endsRun());
+        }
     }
 
     void verify() {

@@ -34,6 +34,9 @@ class CopyCompany : public testing::Test {
 };
 
 TEST_F(CopyCompany, ThereAndBackEveryRowIsTheSame) {
+    const std::vector<std::vector<Value>> below = {{std::int64_t{-5}, std::string("BELOW")},
+                                                   {std::int64_t{0}, std::string("ZERO")}};
+    machine.open()->insertRows("Prodgrupp", std::vector<int>{0, 1}, below);
     ASSERT_EQ(copy("FTG1.mdb", "SQL;TEST"), 0) << machine.err();
     EXPECT_THAT(machine.out(), HasSubstr("Leverantör: 12\n"));
     EXPECT_EQ(firstDifference(onFile(), onServer()), "");
@@ -50,6 +53,13 @@ TEST_F(CopyCompany, ThereAndBackEveryRowIsTheSame) {
         groups->moveToModified();
         EXPECT_EQ(groups->value("Nummer"), Value(std::string("NY")));
     }
+}
+
+TEST_F(CopyCompany, TellsWhichRowsAServerRefuses) {
+    machine.open()->execute("UPDATE Produkt SET Benämning = ? WHERE ID = 7",
+                            std::vector<Value>{std::string("a\0b", 3)});
+    EXPECT_EQ(copy("FTG1.mdb", "SQL;TEST"), 1);
+    EXPECT_THAT(machine.err(), HasSubstr("Produkt, ID 1-243: the database server cannot"));
 }
 
 TEST_F(CopyCompany, AnInterruptedCopyIsFinishedByTheNext) {
