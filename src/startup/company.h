@@ -20,7 +20,7 @@ class CompanyRegister {
         : state_(state), texts_(texts), boxes_(boxes) {}
 
     /// Opens the company's database as `state.sql.FtgDB`. A failure is shown in a message box and returns false; a
-    /// company that was open then stays open.
+    /// company that was open then stays open, unless a server has been tried.
     bool ÖppnaDatabas(std::string_view name);
     /// Asked again and again while another session holds a lock; returns false to give up. Set by runs.
     std::function<bool()> waitForLock;
