@@ -19,9 +19,6 @@ namespace {
 
 constexpr std::int64_t kWindow = 500;  ///< IDs that are read at a time
 
-/// Before every ID, which has 32 bits.
-constexpr std::int64_t kBeforeFirst = std::int64_t{std::numeric_limits<std::int32_t>::min()} - 1;
-
 using Row = std::vector<Value>;  ///< the values of a row in the order of the schema's columns; the first is the ID
 
 std::int64_t idOf(const Row& row) { return std::get<std::int64_t>(row.front()); }
