@@ -44,10 +44,15 @@ struct SummaryLine {
 };
 
 std::vector<SummaryLine> summaryLines(const RunSummary& summary, std::int64_t passedOver) {
-    return {{"records", 201, summary.records},     {"new", 202, summary.newProducts},
-            {"changed", 203, summary.changed},     {"skipped", 204, summary.skipped},
-            {"pricelist", 205, summary.priceList}, {"alternatives", 206, summary.alternatives},
-            {"documents", 207, summary.documents}, {"passed_over", 208, passedOver}};
+    return {{"records", 201, summary.records},
+            {"new", 202, summary.newProducts},
+            {"changed", 203, summary.changed},
+            {"skipped", 204, summary.skipped},
+            {"pricelist", 205, summary.priceList},
+            {"alternatives", 206, summary.alternatives},
+            {"documents", 207, summary.documents},
+            {"passed_over", 208, passedOver},
+            {"not_numbers", 213, summary.notNumbers.count}};
 }
 
 void printSummary(Session& session, const std::vector<SummaryLine>& lines, double seconds, std::ostream& out) {

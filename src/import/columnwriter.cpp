@@ -20,8 +20,12 @@ bool changesPrice(int ordinal) {
 }  // namespace
 
 ColumnWriter::ColumnWriter(const LoadedMask& mask, const Recordset& product, const ColumnSettings& settings,
-                           const PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver)
-    : prices_(prices), passedOver_(passedOver), Idag_(settings.Idag), locale_(settings.locale) {
+                           const PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver, NotNumbers& notNumbers)
+    : prices_(prices),
+      passedOver_(passedOver),
+      notNumbers_(notNumbers),
+      Idag_(settings.Idag),
+      locale_(settings.locale) {
     const auto& fields = product.fields();
     for (const Relation& relation : mask.relations) {
         const auto ordinal = static_cast<std::size_t>(productColumn(relation.Mål));
@@ -102,7 +106,8 @@ WrittenColumns ColumnWriter::write(Recordset& product, const EntryList& entries,
 
 void ColumnWriter::writeNumber(const Column& column, Recordset& product, std::string_view entry, bool newProduct,
                                WrittenColumns& written) {
-    double value = parseNumber(entry, column.source.Division, locale_);
+    const std::optional<double> number = readNumber(entry, column.source.Division, locale_);
+    double value = number.value_or(0);
     value += value * column.vatRate / 100;
     // Compares with the price before the write.
     if (datesPrice(column, product, value, newProduct)) written.setPriceDate = true;
@@ -111,6 +116,7 @@ void ColumnWriter::writeNumber(const Column& column, Recordset& product, std::st
     attempt(passedOver_, column.name, [&] {
         if (column.action == Action::WriteIfUnset && !unset(column.kind, product.value(column.ordinal))) return;
         product.set(column.ordinal, prices_.Avrunda(column.ordinal, value));
+        if (!number && !entry.empty()) notNumbers_.note(column.name, entry);
     });
 }
 

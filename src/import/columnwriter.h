@@ -9,6 +9,7 @@
 
 #include "import/entrylist.h"
 #include "import/loadedmask.h"
+#include "import/runport.h"
 #include "platform/attempt.h"
 #include "platform/date.h"
 #include "platform/engine/recordset.h"
@@ -35,7 +36,7 @@ struct WrittenColumns {
 class ColumnWriter {
   public:
     ColumnWriter(const LoadedMask& mask, const Recordset& product, const ColumnSettings& settings,
-                 const PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver);
+                 const PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver, NotNumbers& notNumbers);
 
     /// A value that a column refuses leaves that column as it was.
     WrittenColumns write(Recordset& product, const EntryList& entries, bool newProduct);
@@ -72,6 +73,7 @@ class ColumnWriter {
 
     const PrisClsRoundInprisOUtpris& prices_;
     PassedOver& passedOver_;
+    NotNumbers& notNumbers_;
     Date Idag_;
     Locale locale_;
     std::vector<Column> columns_;

@@ -36,7 +36,7 @@ std::optional<Date> fromShortYear(std::string_view text, Date Idag) {
 
 }  // namespace
 
-double parseNumber(std::string_view text, char division, const Locale& locale) {
+std::optional<double> readNumber(std::string_view text, char division, const Locale& locale) {
     const char sign = locale.decimalSign();
     std::optional<double> number;
     if (sign == '.' || text.find('.') == std::string_view::npos) {
@@ -44,7 +44,7 @@ double parseNumber(std::string_view text, char division, const Locale& locale) {
     } else {
         number = locale.parseNumber(replaceAll(text, ".", std::string_view(&sign, 1)));
     }
-    if (!number) return 0;
+    if (!number) return std::nullopt;
     switch (division) {
         case '1':
             return *number / 10;
@@ -55,6 +55,10 @@ double parseNumber(std::string_view text, char division, const Locale& locale) {
         default:
             return *number;
     }
+}
+
+double parseNumber(std::string_view text, char division, const Locale& locale) {
+    return readNumber(text, division, locale).value_or(0);
 }
 
 bool TolkaJaNej(std::string_view text) { return text.find_first_of("J1Y") != std::string_view::npos; }

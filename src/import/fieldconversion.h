@@ -12,8 +12,10 @@ namespace kolmera {
 /// Texts of price files as values. None of these fails: what cannot be read has a value of its own. The texts are
 /// trimmed.
 
-/// The number that the whole text is, "." and the locale's decimal sign both being decimal points; 0 when it is none.
-/// `division` '1', '2', '3' are 1, 2 or 3 implied decimals (the number is divided by 10, 100, 1000).
+/// The number that the whole text is, "." and the locale's decimal sign both being decimal points; nothing when it is
+/// none. `division` '1', '2', '3' are 1, 2 or 3 implied decimals (the number is divided by 10, 100, 1000).
+std::optional<double> readNumber(std::string_view text, char division, const Locale& locale);
+/// The same, 0 for a text that is no number.
 double parseNumber(std::string_view text, char division, const Locale& locale);
 
 /// True when the text contains "J", "1" or "Y" (upper case).

@@ -36,14 +36,15 @@ PriceListWriter::PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::uni
 
 bool PriceListWriter::write(std::string_view productNumber, std::string_view supplier,
                             const std::function<std::string()>& articleNumber, std::optional<double> discount,
-                            const EntryList& entries) {
+                            const EntryList& entries, NotNumbers* notNumbers) {
+    notNumbers_ = notNumbers;
     return attempt(passedOver_, "Levprislista", [&] {
         startRow(productNumber, supplier, articleNumber);
         set(columns_.Datum, dateOf(entries));
         if (mask_.hasPurchasePrice()) writePurchasePrice(supplier, discount, entries);
         for (std::size_t level = 1; level < mask_.prices.size(); ++level) {
             const Source& price = mask_.prices[level];
-            if (price.present()) set(columns_.Utpris[level], number(price, entries));
+            if (price.present()) set(columns_.Utpris[level], number(columns_.Utpris[level], price, entries));
         }
         priceList_->update();
     });
@@ -67,7 +68,7 @@ void PriceListWriter::set(int column, Value value) {
 
 void PriceListWriter::writePurchasePrice(std::string_view supplier, std::optional<double> discount,
                                          const EntryList& entries) {
-    const double gross = number(mask_.prices[0], entries);
+    const double gross = number(columns_.Inpris, mask_.prices[0], entries);
     const double net = mask_.discountCode.present() ? netByLetter(gross, supplier, entries.text(mask_.discountCode))
                                                     : netByDiscount(gross, discount, entries);
     set(columns_.Inpris, roundDecimals(net, InprisDec_));
@@ -76,7 +77,7 @@ void PriceListWriter::writePurchasePrice(std::string_view supplier, std::optiona
 
 /// Without a discount code: by the record's discount, or by the one that the row has.
 double PriceListWriter::netByDiscount(double gross, std::optional<double> discount, const EntryList& entries) {
-    if (!discount && mask_.discount.present()) discount = number(mask_.discount, entries);
+    if (!discount && mask_.discount.present()) discount = number(columns_.Rabatt, mask_.discount, entries);
     if (discount) set(columns_.Rabatt, *discount);
     return gross - gross * TillDbl(priceList_->value(columns_.Rabatt), sql_.locale()) / 100;
 }
@@ -93,8 +94,11 @@ Date PriceListWriter::dateOf(const EntryList& entries) const {
     return TolkaDatum(entries.text(mask_.date), Idag_, sql_.locale()).value_or(Idag_);
 }
 
-double PriceListWriter::number(const Source& source, const EntryList& entries) const {
-    return parseNumber(entries.text(source), source.Division, sql_.locale());
+double PriceListWriter::number(int column, const Source& source, const EntryList& entries) {
+    const std::string_view text = entries.text(source);
+    const std::optional<double> number = readNumber(text, source.Division, sql_.locale());
+    if (!number && !text.empty() && notNumbers_) notNumbers_->note(names_[static_cast<std::size_t>(column)], text);
+    return number.value_or(0);
 }
 
 }  // namespace kolmera

@@ -13,6 +13,7 @@
 #include "discounts/rabattbrev.h"
 #include "import/entrylist.h"
 #include "import/loadedmask.h"
+#include "import/runport.h"
 #include "import/seekkeys.h"
 #include "platform/date.h"
 
@@ -27,10 +28,11 @@ class PriceListWriter {
                     Date Idag, PassedOver& passedOver);
 
     /// Writes the row of a product and supplier; false when it could not be saved. `articleNumber` is asked for when
-    /// the row is new. `discount` is what the product's discount column got from the record.
+    /// the row is new. `discount` is what the product's discount column got from the record. `notNumbers` hears of
+    /// texts that are no numbers, for records whose columns are not written into a product as well.
     bool write(std::string_view productNumber, std::string_view supplier,
                const std::function<std::string()>& articleNumber, std::optional<double> discount,
-               const EntryList& entries);
+               const EntryList& entries, NotNumbers* notNumbers = nullptr);
 
   private:
     struct Columns {
@@ -46,12 +48,13 @@ class PriceListWriter {
     double netByDiscount(double gross, std::optional<double> discount, const EntryList& entries);
     double netByLetter(double gross, std::string_view supplier, std::string_view code);
     [[nodiscard]] Date dateOf(const EntryList& entries) const;
-    [[nodiscard]] double number(const Source& source, const EntryList& entries) const;
+    [[nodiscard]] double number(int column, const Source& source, const EntryList& entries);
 
     const LoadedMask& mask_;
     SqlLayer& sql_;
     std::unique_ptr<Recordset> priceList_;
     PassedOver& passedOver_;
+    NotNumbers* notNumbers_ = nullptr;
     Rabattbrev letters_;
     Columns columns_;
     std::vector<std::string> names_;  ///< table and column, for what is passed over

@@ -40,7 +40,7 @@ RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier,
       Förändringsdatum_(products_->ordinal(kFörändringsdatum)),
       settings_(columnSettings(tables, context.Idag, context.state.locale, context.port)),
       prices_(sql_, port_, Idag_, settings_.PPrisDatumBM),
-      columns_(mask, *products_, settings_, prices_, port_),
+      columns_(mask, *products_, settings_, prices_, port_, summary.notNumbers),
       defaults_(*tables.settings, *tables.settings2, context.state.locale, port_),
       matcher_(mask, jobSupplier, sql_, products_, port_),
       coupling_(mask.hasPurchasePrice(), sql_, prices_, port_) {
@@ -69,6 +69,9 @@ void RecordImport::import(const EntryList& entries) {
             break;
     }
     ++summary_.records;
+    if (summary_.notNumbers.count > 0 && summary_.notNumbers.firstRecord == 0) {
+        summary_.notNumbers.firstRecord = summary_.records;
+    }
     if (!written) ++summary_.skipped;
 }
 
@@ -96,7 +99,8 @@ bool RecordImport::importProduct(const ProductMatch& match, const EntryList& ent
 
 bool RecordImport::importPriceListOnly(const ProductMatch& match, const EntryList& entries) {
     const auto articleNumber = [&match] { return std::string(match.key); };
-    const bool written = priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries);
+    const bool written = priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries,
+                                           &summary_.notNumbers);
     if (written) ++summary_.priceList;
     return written;
 }

@@ -1,5 +1,7 @@
 #include "import/runmachinery.h"
 
+#include <fmt/format.h>
+
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -231,6 +233,16 @@ void tellWhatEndedTheRun(ImportContext& context, const std::string& company, con
     context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 110));
 }
 
+/// A price of 0 that nobody meant costs more than a message.
+void tellOfNotNumbers(ImportContext& context, const NotNumbers& notNumbers) {
+    LanguageTexts& texts = context.texts;
+    const std::string first = fmt::format("\"{}\" ({})", notNumbers.firstText, notNumbers.firstColumn);
+    const std::string text = texts.ModulTextMed("KMR", 323, fmt::format("{}", notNumbers.count)) +
+                             std::string(kLineBreaks) +
+                             texts.ModulTextMed("KMR", 324, fmt::format("{}", notNumbers.firstRecord)) + " " + first;
+    context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 325));
+}
+
 }  // namespace
 
 RunSummary carryOut(ImportContext& context, std::string_view jobText, const std::function<void(RunMachinery&)>& steps) {
@@ -255,6 +267,7 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
         context.boxes.MeddelandeVarning(context.texts.ModulTextMed("KMR", 321, priceFile),
                                         context.texts.ModulText("KMR", 322));
     }
+    if (summary.notNumbers.count > 0 && !ended) tellOfNotNumbers(context, summary.notNumbers);
     if (jobSettings) context.port.openJobSettings();
     return summary;
 }

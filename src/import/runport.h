@@ -39,6 +39,19 @@ class RunPort : public MessagePort, public PassedOver {
     virtual void progress(std::uint64_t /*position*/, std::uint64_t /*size*/) {}
 };
 
+/// Values of a price file that were written as 0, because they are no numbers; an empty one is not counted.
+struct NotNumbers {
+    std::int64_t count = 0;
+    std::int64_t firstRecord = 0;        ///< from 1
+    std::string firstColumn, firstText;  ///< table and column, and what the file says there
+
+    void note(std::string_view column, std::string_view text) {
+        if (++count > 1) return;
+        firstColumn = column;
+        firstText = text;
+    }
+};
+
 /// What a run did. Rows are counted when they are written.
 struct RunSummary {
     std::int64_t records = 0;  ///< records (mask) or lines (trade formats) read
@@ -48,6 +61,7 @@ struct RunSummary {
     std::int64_t priceList = 0;
     std::int64_t alternatives = 0;
     std::int64_t documents = 0;
+    NotNumbers notNumbers;
     bool cancelled = false;
     bool completed = false;  ///< the run reached its close-down (also when cancelled)
 };
