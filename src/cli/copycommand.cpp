@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <ostream>
-#include <system_error>
 
 #include "cli/session.h"
 #include "cli/terminalport.h"
@@ -55,12 +54,7 @@ int tell(Session& session, const CopyArguments& arguments, const CopyResult& res
 
 int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings, arguments.dataFolder);
-    const auto folder = absoluteFolder(arguments.dataFolder);
-    std::error_code unreachable;
-    if (!std::filesystem::is_directory(folder, unreachable)) {
-        surroundings.err << session.text(250) << ' ' << session.text(120, folder.string()) << '\n';
-        return exitcode::kStopped;
-    }
+    if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     if (equalNoCase(arguments.from, arguments.to)) {
         surroundings.err << session.text(250) << ' ' << session.text(268) << '\n';
         return exitcode::kUsage;

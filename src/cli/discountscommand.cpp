@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <ostream>
-#include <system_error>
 
 #include "cli/session.h"
 #include "cli/terminalport.h"
@@ -76,12 +75,7 @@ std::optional<std::string> LetterCommand::companyDatabase() {
 }
 
 bool LetterCommand::openCompany() {
-    const fs::path folder = session_.state.dataFolder();
-    std::error_code unreachable;
-    if (!fs::is_directory(folder, unreachable)) {
-        stop(session_.text(120, folder.string()));
-        return false;
-    }
+    if (!session_.hasDataFolder(surroundings_.err)) return false;
     LäsDorvikIni(session_.state);
     const std::optional<std::string> database = companyDatabase();
     return database && companies_.ÖppnaDatabas(*database);

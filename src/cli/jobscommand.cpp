@@ -5,7 +5,6 @@
 #include <array>
 #include <nlohmann/json.hpp>
 #include <ostream>
-#include <system_error>
 
 #include "cli/session.h"
 #include "import/joblist.h"
@@ -56,11 +55,7 @@ void printTable(const std::vector<TableRow>& rows, std::ostream& out) {
 int jobsCommand(const std::string& dataFolder, bool json, const Surroundings& surroundings) {
     Session session(surroundings, dataFolder);
     const auto folder = absoluteFolder(dataFolder);
-    std::error_code unreachable;
-    if (!std::filesystem::is_directory(folder, unreachable)) {
-        surroundings.err << session.text(250) << ' ' << session.text(120, folder.string()) << '\n';
-        return exitcode::kStopped;
-    }
+    if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const auto rows = jobRows(session.texts, {.drives = session.state.drives,
                                               .dataFolder = folder,
                                               .programFolder = surroundings.programFolder,

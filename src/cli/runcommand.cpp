@@ -6,7 +6,6 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <ostream>
-#include <system_error>
 
 #include "cli/session.h"
 #include "cli/terminalport.h"
@@ -85,11 +84,7 @@ bool writeSummary(const std::string& file, const std::string& job, const std::ve
 int runCommand(const RunArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings, arguments.dataFolder);
     const auto folder = absoluteFolder(arguments.dataFolder);
-    std::error_code unreachable;
-    if (!std::filesystem::is_directory(folder, unreachable)) {
-        surroundings.err << session.text(250) << ' ' << session.text(120, folder.string()) << '\n';
-        return exitcode::kStopped;
-    }
+    if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const auto job = JobFile(folder).find(trimmed(arguments.job));
     if (!job) {
         surroundings.err << session.text(250) << ' ' << session.text(125, arguments.job) << '\n';

@@ -1,7 +1,6 @@
 #include "cli/servercommands.h"
 
 #include <ostream>
-#include <system_error>
 
 #include "cli/session.h"
 #include "db/companyschema.h"
@@ -28,11 +27,7 @@ int serverSchemaCommand(const std::string& dialect, const std::string& companyNa
 int addServerCommand(const ServerArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings, arguments.dataFolder);
     const auto folder = absoluteFolder(arguments.dataFolder);
-    std::error_code unreachable;
-    if (!std::filesystem::is_directory(folder, unreachable)) {
-        surroundings.err << session.text(250) << ' ' << session.text(120, folder.string()) << '\n';
-        return exitcode::kStopped;
-    }
+    if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     ServerCompany server{arguments.name, arguments.description, arguments.connectString};
     if (!SqlLayer::ÄrSQLDatabas(upperCase(server.name))) server.name = "SQL;" + server.name;
     try {

@@ -1,5 +1,9 @@
 #include "cli/session.h"
 
+#include <filesystem>
+#include <ostream>
+#include <system_error>
+
 namespace kolmera::cli {
 
 std::filesystem::path absoluteFolder(const std::string& folder) {
@@ -18,6 +22,14 @@ Session::Session(const Surroundings& surroundings, const std::string& dataFolder
                      state.drives.resolve(state.settings.get("Sökvägar", "Server"), surroundings.programFolder));
     state.Språkkod = LanguageTexts::NormaliseraSpråk(state.settings.get("Start", "Lang", "SE"));
     texts.InitSpråkOrd(state.Språkkod);
+}
+
+bool Session::hasDataFolder(std::ostream& err) {
+    const std::filesystem::path folder = state.dataFolder();
+    std::error_code unreachable;
+    if (std::filesystem::is_directory(folder, unreachable)) return true;
+    err << text(250) << ' ' << text(120, folder.string()) << '\n';
+    return false;
 }
 
 }  // namespace kolmera::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <memory>
 #include <string>
 
@@ -18,6 +19,9 @@ struct Session {
     /// A text of the program's own module.
     std::string text(int number) { return texts.ModulText("KMR", number); }
     std::string text(int number, std::string_view var1) { return texts.ModulTextMed("KMR", number, var1); }
+
+    /// Whether the data folder is there; `err` tells when it is not.
+    bool hasDataFolder(std::ostream& err);
 
     StartState state;
     LanguageTexts texts;
