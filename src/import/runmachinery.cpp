@@ -267,7 +267,7 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
         context.boxes.MeddelandeVarning(context.texts.ModulTextMed("KMR", 321, priceFile),
                                         context.texts.ModulText("KMR", 322));
     }
-    if (summary.notNumbers.count > 0 && !ended) tellOfNotNumbers(context, summary.notNumbers);
+    if (summary.notNumbers.count > 0 && !ended && !summary.cancelled) tellOfNotNumbers(context, summary.notNumbers);
     if (jobSettings) context.port.openJobSettings();
     return summary;
 }
