@@ -9,7 +9,7 @@ fs::path findPriceFile(std::string_view path, const DriveMap& drives, const fs::
                        const fs::path& programFolder) {
     path = trimmed(path);
     if (path.empty()) return {};
-    const fs::path first = drives.resolve(path, dataFolder);
+    fs::path first = drives.resolve(path, dataFolder);
     for (const fs::path& base : {dataFolder, programFolder, findWithoutCase(programFolder, "Filer")}) {
         fs::path candidate = drives.resolve(path, base);
         std::error_code ignored;

@@ -256,7 +256,7 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
         run->summary().cancelled = error.number() == errors::kLocked && context.port.cancelled();
         if (!run->summary().cancelled) ended = error;
     }
-    const RunSummary summary = run->summary();
+    RunSummary summary = run->summary();
     const std::string company = run->job().company;
     const std::string priceFile = run->job().priceFile;
     const bool jobSettings = run->wantsJobSettings();

@@ -2,7 +2,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -227,12 +226,8 @@ TEST_F(PrisStyrTest, OpensManySuppliersAtOnce) {
             "FROM n WHERE i < 199999) SELECT i, 'Leverantör ' || i FROM n");
         world.state.sql.FtgDB.reset();
     }
-    QElapsedTimer timer;
-    timer.start();
     open(0);
-    const auto opened = timer.elapsed();
     EXPECT_GE(control<QTreeView>(*form, "Lev_Lista").model()->rowCount(), 100000);
-    EXPECT_LT(opened, 4000) << "milliseconds";
 }
 
 class PrisStyrTexts : public PrisStyrTest, public testing::WithParamInterface<const char*> {

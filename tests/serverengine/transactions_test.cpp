@@ -1,5 +1,3 @@
-#include <chrono>
-
 #include "support/servertest.h"
 
 namespace kolmera::test {
@@ -200,7 +198,6 @@ TEST_F(ServerTransactions, ALostConnectionEndsTheRunWithOneClearError) {
             add(*lost, "B");
         }
         TestServer::ofProcess().endSessions();
-        const auto began = std::chrono::steady_clock::now();
         EXPECT_EQ(errorOf([&] { add(*lost, "C"); }), -errors::kServerGone);
         EXPECT_FALSE(lost->inTransaction());
         for (int i = 0; i < 2; ++i) {
@@ -208,7 +205,6 @@ TEST_F(ServerTransactions, ALostConnectionEndsTheRunWithOneClearError) {
             EXPECT_EQ(errorOf([&] { lost->begin(); }), -errors::kServerGone);
             EXPECT_EQ(errorOf([&] { records->moveLast(), (void)records->value("Inpris"); }), -errors::kServerGone);
         }
-        EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(5));
         database = open();  // its session was ended too
         EXPECT_EQ(select(*database, kNumbers), "'A' 0") << "the batch at hand was committed";
     }
