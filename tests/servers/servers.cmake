@@ -8,7 +8,6 @@ set(file_only_tests
     FullDisk.*  # the disk is the server's
     RunStops.NothingOfTheCompanyIsTouchedBeforeTheMaskIsKnown  # looks for the file
     RunStops.CompaniesThatCannotBeOpened         # files that are damaged, no database, locked by a password
-    ServerRun.*                                  # compares a file with a stand-in for a server
 )
 list(JOIN file_only_tests ":" file_only_tests)
 
