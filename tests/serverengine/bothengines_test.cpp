@@ -196,18 +196,6 @@ TEST_F(BothEngines, WrongStatementsHaveTheirNumbers) {
     EXPECT_EQ(select(*database, "SELECT count(*) FROM Produkt"), "4") << "a statement that failed did something";
 }
 
-TEST_F(BothEngines, ACopyInAnotherSchemaIsAnotherTable) {
-    TestServer& server = TestServer::ofProcess();
-    server.changeTables("DROP SCHEMA IF EXISTS backup");
-    server.changeTables("CREATE SCHEMA backup");
-    server.changeTables("CREATE TABLE backup.\"Produkt\" AS SELECT * FROM \"Produkt\"");
-    const auto seen = open();
-    EXPECT_EQ(seen->table("Produkt").fields.size(), file->table("Produkt").fields.size());
-    EXPECT_EQ(select(*seen, "SELECT count(*) FROM Produkt"), "4");
-    server.changeTables("DROP TABLE backup.\"Produkt\"");
-    server.changeTables("DROP SCHEMA backup");
-}
-
 /// Position, count and what is read, step by step.
 std::string walk(Recordset& records, const std::vector<std::string>& steps) {
     std::string text;

@@ -53,7 +53,6 @@ struct Dialect {
     bool storesNul;              ///< texts may hold NUL
     bool nullsLast;              ///< ORDER BY puts Null last unless told otherwise
     std::string_view echo;       ///< a statement that gives its text parameter back
-    std::string_view ownSchema;  ///< a statement that gives the schema of names without one; empty where there is one
     std::string_view emptyRow;   ///< behind the table's name in an INSERT without columns
     std::size_t mostParameters;  ///< of one statement
     std::span<const std::string_view> session;  ///< statements run after connecting

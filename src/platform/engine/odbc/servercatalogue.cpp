@@ -13,7 +13,6 @@ namespace kolmera {
 namespace {
 
 // Columns of the catalogue's answers, from 0.
-constexpr std::size_t kSchema = 1;
 constexpr std::size_t kTableName = 2;
 namespace column {
 constexpr std::size_t kName = 3;
@@ -94,20 +93,10 @@ struct Column {
     Default given;
 };
 
-/// The rows about a table. The name that was asked for is a pattern ("_" stands for any letter), and tables of other
-/// schemas may have it too, such as a copy that somebody keeps.
-std::vector<Row> rowsOf(ServerSession& session, std::vector<Row> rows, const std::string& table) {
-    std::erase_if(rows, [&](const Row& row) { return text(row, kTableName) != table; });
-    const auto inAnother = [&](const Row& row) { return text(row, kSchema) != text(rows.front(), kSchema); };
-    if (std::ranges::none_of(rows, inAnother)) return rows;
-    const std::string own = session.ownSchema();
-    std::erase_if(rows, [&](const Row& row) { return text(row, kSchema) != own; });
-    return rows;
-}
-
 std::vector<Column> readColumns(ServerSession& session, const std::string& table) {
     std::vector<Column> columns;
-    for (const Row& row : rowsOf(session, session.columns(table).rows, table)) {
+    for (const Row& row : session.columns(table).rows) {
+        if (text(row, kTableName) != table) continue;  // the name is a pattern: "_" stands for any letter
         FieldDef field = fieldOfOdbcType(text(row, column::kName), static_cast<int>(number(row, column::kType)),
                                          text(row, column::kTypeName), number(row, column::kSize));
         field.defaultNull = true;
@@ -146,8 +135,8 @@ bool isKey(const IndexDef& index) { return index.unique && equalNoCase(index.fie
 
 std::vector<IndexDef> readIndexes(ServerSession& session, const std::string& table) {
     std::vector<IndexDef> indexes;
-    for (const Row& row : rowsOf(session, session.indexes(table).rows, table)) {
-        if (text(row, statistics::kIndexName).empty()) continue;
+    for (const Row& row : session.indexes(table).rows) {
+        if (text(row, statistics::kIndexName).empty() || text(row, kTableName) != table) continue;
         const std::string name = indexName(text(row, statistics::kIndexName), table);
         const auto same = [&](const IndexDef& index) { return index.name == name; };
         auto index = std::ranges::find_if(indexes, same);

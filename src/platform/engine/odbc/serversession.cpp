@@ -224,11 +224,4 @@ StatementResult ServerSession::indexes(std::string_view table) {
     return run([&](StatementResult& result) { return connection_.indexes(table, result); });
 }
 
-std::string ServerSession::ownSchema() {
-    constexpr FieldType kText = FieldType::Text;
-    if (dialect().ownSchema.empty()) return {};
-    const StatementResult result = read({std::string(dialect().ownSchema)}, std::span(&kText, 1));
-    return result.rows.empty() ? std::string() : std::string(textOf(result.rows.front().front()));
-}
-
 }  // namespace kolmera

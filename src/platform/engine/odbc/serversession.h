@@ -57,8 +57,6 @@ class ServerSession {
     StatementResult tables();
     StatementResult columns(std::string_view table);
     StatementResult indexes(std::string_view table);
-    /// The schema that a name without one is looked up in first; empty on a server without schemas.
-    std::string ownSchema();
 
   private:
     using Error = std::optional<ServerError>;
