@@ -7,6 +7,7 @@
 #include "cli/session.h"
 #include "cli/terminalport.h"
 #include "db/companyschema.h"
+#include "lang/errortext.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
 #include "startup/company.h"
@@ -72,8 +73,8 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
         const CopyResult result = copyCompany(*source, *target, [&] { return !port.cancelled(); });
         return tell(session, arguments, result, surroundings);
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' ' << session.text(269, arguments.to) << ' ' << error.description()
-                         << '\n';
+        surroundings.err << session.text(250) << ' ' << session.text(269, arguments.to) << ' '
+                         << errorText(session.texts, error) << '\n';
         return port.cancelled() ? exitcode::kCancelled : exitcode::kStopped;
     }
 }

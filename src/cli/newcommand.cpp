@@ -4,6 +4,7 @@
 
 #include "cli/democompany.h"
 #include "cli/session.h"
+#include "lang/errortext.h"
 #include "platform/error.h"
 #include "startup/datafolder.h"
 
@@ -29,8 +30,8 @@ int makeFolder(Session& session, const fs::path& folder, const Surroundings& sur
         createDataFolder(folder);
         fill();
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' ' << session.text(233, folder.string()) << ' ' << error.description()
-                         << '\n';
+        surroundings.err << session.text(250) << ' ' << session.text(233, folder.string()) << ' '
+                         << errorText(session.texts, error) << '\n';
         return exitcode::kStopped;
     }
     surroundings.out << session.text(doneText, folder.string()) << '\n';

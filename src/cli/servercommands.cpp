@@ -7,6 +7,7 @@
 #include "db/serverregister.h"
 #include "db/serverschema.h"
 #include "db/sqllayer.h"
+#include "lang/errortext.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
 
@@ -33,8 +34,8 @@ int addServerCommand(const ServerArguments& arguments, const Surroundings& surro
     try {
         registerServer(folder, server);
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' ' << session.text(262, server.name) << ' ' << error.description()
-                         << '\n';
+        surroundings.err << session.text(250) << ' ' << session.text(262, server.name) << ' '
+                         << errorText(session.texts, error) << '\n';
         return exitcode::kStopped;
     }
     surroundings.out << session.text(261, server.name) << '\n';

@@ -242,7 +242,8 @@ std::string SqlLayer::SQLVillkor(std::string_view table, std::string_view compar
     std::string criteria;
     for (std::size_t i = 0; i < columns.size() && i < std::min(keys.size(), kMaxKeys); ++i) {
         const int ordinal = definition.ordinal(columns[i]);
-        if (ordinal < 0) throw PlatformError(errors::kUnknownField, columns[i] + " is not a column of " + tableName);
+        if (ordinal < 0)
+            throw PlatformError(errors::kUnknownField, "there is no such column").about(tableName + ", " + columns[i]);
         const FieldType type = definition.fields[static_cast<std::size_t>(ordinal)].type;
         if (i > 0) criteria += " AND ";
         criteria += fmt::format("{} {} {}", columns[i], comparison, SQLLiteral(keys[i], type));

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "db/conversions.h"
+#include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
@@ -97,7 +98,7 @@ bool CouplingEditor::change(const std::function<void()>& statement) {
         return true;
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText("KMR", kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
         return false;
     }
 }

@@ -6,6 +6,7 @@
 
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
+#include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "startup/companylist.h"
@@ -169,7 +170,7 @@ void JobEditor::deleteMask() {
         MaskFile(state_.dataFolder()).remove(name);
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
     }
     maskRow_ = -1;
     readMasks();
@@ -214,7 +215,7 @@ JobEditor::Outcome JobEditor::save() {
         return {.JobbNr = JobFile(state_.dataFolder()).save(job)};
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
         return {};
     }
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
@@ -44,7 +45,7 @@ bool MaskEditor::open(SqlLayer& sql, int maskNumber) {
         targets_ = readTargets(sql, texts_);
         load(maskNumber);
     } catch (const PlatformError& error) {
-        boxes_.MeddelandeVarning(error.description());
+        boxes_.MeddelandeVarning(errorText(texts_, error));
         return false;
     }
     readSources();
@@ -268,7 +269,7 @@ MaskEditor::Saved MaskEditor::save() {
         return Saved::Yes;
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, error.description()), title);
+        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
         return Saved::Failed;
     }
 }

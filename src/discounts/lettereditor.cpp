@@ -8,6 +8,7 @@
 #include "definitions/jobfile.h"
 #include "discounts/lettermessages.h"
 #include "discounts/lettertable.h"
+#include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "startup/companylist.h"
@@ -69,7 +70,7 @@ bool LetterEditor::tried(int failureText, const std::function<void()>& statement
         statement();
         return true;
     } catch (const PlatformError& error) {
-        boxes_.MeddelandeVarning(texts_.ModulText(kModule, failureText) + "\r\n\r\n" + error.description());
+        boxes_.MeddelandeVarning(texts_.ModulText(kModule, failureText) + "\r\n\r\n" + errorText(texts_, error));
         return false;
     }
 }

@@ -1,5 +1,7 @@
 #include "discounts/lettermessages.h"
 
+#include "lang/errortext.h"
+
 namespace kolmera {
 namespace {
 
@@ -15,8 +17,8 @@ std::string named(const std::string& text, const std::filesystem::path& file) {
     return text + " " + file.string() + ".";
 }
 
-std::string explained(std::string text, const PlatformError& error) {
-    return text.append(kParagraph).append(error.description());
+std::string explained(LanguageTexts& texts, std::string text, const PlatformError& error) {
+    return text.append(kParagraph).append(errorText(texts, error));
 }
 
 /// Why the letter is not the file's.
@@ -24,7 +26,7 @@ std::string readingEnded(LanguageTexts& texts, const LetterRead& report) {
     if (report.cancelled) {
         return report.restored ? texts.ModulText(kModule, kCancelledRestored) : texts.ModulText(kModule, kCancelled);
     }
-    const std::string reason = report.stopped->description();
+    const std::string reason = errorText(texts, *report.stopped);
     if (report.restored) return texts.ModulTextMed(kModule, kStoppedRestored, reason);
     return report.stopped->number() == errors::kDiskFull ? texts.ModulTextMed(kModule, kDiskFullStopped, reason)
                                                          : texts.ModulTextMed(kModule, kDatabaseStopped, reason);
@@ -34,7 +36,8 @@ std::string readingEnded(LanguageTexts& texts, const LetterRead& report) {
 
 std::string readingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error) {
     const bool damagedSheet = isSpreadsheet(file) && error.number() != errors::kFileNotFound;
-    return explained(damagedSheet ? texts.ModulTextMed(kModule, kUnreadableSheet, file.filename().string())
+    return explained(texts,
+                     damagedSheet ? texts.ModulTextMed(kModule, kUnreadableSheet, file.filename().string())
                                   : named(texts.ResText(kCannotOpenFile), file),
                      error);
 }
@@ -44,11 +47,11 @@ std::string noGroups(LanguageTexts& texts, const std::filesystem::path& file) {
 }
 
 std::string writingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error) {
-    if (!isSpreadsheet(file)) return explained(named(texts.ResText(kCannotOpenFile), file), error);
+    if (!isSpreadsheet(file)) return explained(texts, named(texts.ResText(kCannotOpenFile), file), error);
     if (error.number() == errors::kUnwritableFormat) {
         return texts.ModulTextMed(kModule, kUnwritableSheet, file.filename().string());
     }
-    return explained(named(texts.ModulText(kModule, kCannotSaveFile), file), error);
+    return explained(texts, named(texts.ModulText(kModule, kCannotSaveFile), file), error);
 }
 
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterRead& report) {

@@ -15,6 +15,7 @@
 #include "import/jobicons.h"
 #include "import/joblistmodel.h"
 #include "import/runpanel.h"
+#include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
@@ -194,7 +195,7 @@ void PrisMain::taBort() {
         JobFile(program_.state.dataFolder()).remove(name);
     } catch (const PlatformError& error) {
         program_.boxes.MeddelandeVarning(
-            program_.texts.ModulText("KMR", kSaveFailedText) + ".\r\n\r\n" + error.description(), title);
+            program_.texts.ModulText("KMR", kSaveFailedText) + ".\r\n\r\n" + errorText(program_.texts, error), title);
     }
     FyllJobbLista(0);
 }

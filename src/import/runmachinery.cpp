@@ -10,6 +10,7 @@
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
 #include "import/preparation.h"
+#include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
@@ -37,7 +38,7 @@ bool RunMachinery::readDefinitions(const std::function<void()>& statement) {
         statement();
         return true;
     } catch (const PlatformError& error) {
-        warn(texts().ModulTextMed("KMR", 320, error.description()), texts().ModulText("KMR", 100));
+        warn(texts().ModulTextMed("KMR", 320, errorText(texts(), error)), texts().ModulText("KMR", 100));
         return false;
     }
 }
@@ -113,7 +114,7 @@ bool RunMachinery::FörberedFil(const std::string& command) {
         batch = startPreparation(context_.state, command);
     } catch (const PlatformError& error) {
         const std::string title = texts().FormulärSträng("PrisMain", 21);
-        warn(title + " " + command + "." + std::string(kLineBreaks) + error.description(), title);
+        warn(title + " " + command + "." + std::string(kLineBreaks) + errorText(texts(), error), title);
         return false;
     }
     Körläge(true);
@@ -144,7 +145,7 @@ bool RunMachinery::openPriceFile() {
         return true;
     } catch (const PlatformError& error) {
         const std::string title = texts().FormulärSträng("PrisMain", 27);
-        warn(title + " " + job_.priceFile + "." + std::string(kLineBreaks) + error.description(), title);
+        warn(title + " " + job_.priceFile + "." + std::string(kLineBreaks) + errorText(texts(), error), title);
         return false;
     }
 }
@@ -224,11 +225,11 @@ void tellWhatEndedTheRun(ImportContext& context, const std::string& company, con
     LanguageTexts& texts = context.texts;
     std::string text;
     if (error.number() == errors::kDiskFull) {
-        text = texts.ModulTextMed("KMR", 112, error.description());
+        text = texts.ModulTextMed("KMR", 112, errorText(texts, error));
     } else if (error.number() == errors::kLocked) {
         text = texts.ModulTextMed("KMR", 113, company);
     } else {
-        text = texts.ModulTextMed("KMR", 111, error.description());
+        text = texts.ModulTextMed("KMR", 111, errorText(texts, error));
     }
     context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 110));
 }

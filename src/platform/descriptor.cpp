@@ -33,18 +33,20 @@ struct stat statusOf(int descriptor) {
 }  // namespace
 
 void throwSystemError(int systemError) {
-    const std::string text = std::generic_category().message(systemError);
-    switch (systemError) {
-        case ENOENT:
-        case ENOTDIR:
-            throw PlatformError(errors::kFileNotFound, text);
-        case ENOSPC:
-        case EDQUOT:
-        case EFBIG:  // the user's or the disk's limit for a file
-            throw PlatformError(errors::kDiskFull, text);
-        default:
-            throw PlatformError(errors::kInternal, text);
-    }
+    const auto number = [systemError] {
+        switch (systemError) {
+            case ENOENT:
+            case ENOTDIR:
+                return errors::kFileNotFound;
+            case ENOSPC:
+            case EDQUOT:
+            case EFBIG:  // the user's or the disk's limit for a file
+                return errors::kDiskFull;
+            default:
+                return errors::kInternal;
+        }
+    };
+    throw PlatformError(number(), std::generic_category().message(systemError)).ofSystem(systemError);
 }
 
 Descriptor::Descriptor(const std::filesystem::path& file, int flags)

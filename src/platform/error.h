@@ -27,20 +27,44 @@ inline constexpr int kNotADatabase = 3343;
 inline constexpr int kWrongType = 3421;
 }  // namespace errors
 
-/// The one exception that the platform layer throws: a number of `errors` and a description for the user (UTF-8).
-/// `endsRun()` is set when going on would do harm: the database has rolled a whole transaction back by itself, or
-/// the user cancelled while waiting for a lock. Such an error is never passed over.
+/// The one exception that the platform layer throws: a number of `errors`, a description in English for developers
+/// and logs, and what the error is about: a file, table, column or value as the user knows it (UTF-8). Users read
+/// `errorText` (lang/errortext.h). `endsRun()` is set when going on would do harm: the database has rolled a whole
+/// transaction back by itself, or the user cancelled while waiting for a lock. Such an error is never passed over.
 class PlatformError : public std::runtime_error {
   public:
     PlatformError(int number, const std::string& description, bool endsRun = false)
         : std::runtime_error(description), number_(number), endsRun_(endsRun) {}
 
+    /// The same error about a thing, which stands before what it was about so far.
+    [[nodiscard]] PlatformError about(const std::string& subject) const {
+        PlatformError error = *this;
+        error.subject_ = subject_.empty() ? subject : subject + ": " + subject_;
+        return error;
+    }
+    /// The error of a system call, by the value of errno.
+    [[nodiscard]] PlatformError ofSystem(int systemError) const {
+        PlatformError error = *this;
+        error.systemError_ = systemError;
+        return error;
+    }
+    [[nodiscard]] PlatformError endingRun() const {
+        PlatformError error = *this;
+        error.endsRun_ = true;
+        return error;
+    }
+
     [[nodiscard]] int number() const { return number_; }
-    [[nodiscard]] std::string description() const { return what(); }
+    [[nodiscard]] int systemError() const { return systemError_; }  ///< 0: none
+    [[nodiscard]] const std::string& subject() const { return subject_; }
+    /// Subject and description, in English.
+    [[nodiscard]] std::string description() const { return subject_.empty() ? what() : subject_ + ": " + what(); }
     [[nodiscard]] bool endsRun() const { return endsRun_; }
 
   private:
     int number_;
+    int systemError_ = 0;
+    std::string subject_;
     bool endsRun_;
 };
 

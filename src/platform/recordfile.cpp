@@ -28,7 +28,7 @@ auto naming(std::string_view file, Statement&& statement) {
     try {
         return statement();
     } catch (const PlatformError& error) {
-        throw PlatformError(error.number(), std::string(file) + ": " + error.description(), error.endsRun());
+        throw error.about(std::string(file));
     }
 }
 
@@ -94,7 +94,8 @@ void Record::setNumber(RecordField field, int number) {
     const auto width = static_cast<std::size_t>(field.width);
     const std::string digits = std::to_string(number);
     if (number < 0 || digits.size() > width) {
-        throw PlatformError(errors::kTextTooLong, std::string(field.name) + ": " + digits);
+        throw PlatformError(errors::kTextTooLong, "the number has too many digits")
+            .about(std::string(field.name) + ": " + digits);
     }
     setText(field, std::string(width - digits.size(), '0') + digits);
 }
@@ -124,7 +125,8 @@ Record RecordFile::read(int number) const {
 
 void RecordFile::write(int number, const Record& record) {
     if (number < 1)
-        throw PlatformError(errors::kNoCurrentRecord, std::string(layout_.file) + ": " + std::to_string(number));
+        throw PlatformError(errors::kNoCurrentRecord, "there is no such record")
+            .about(std::string(layout_.file) + ": " + std::to_string(number));
     naming(layout_.file, [&] { descriptor_.writeAt(offsetOf(layout_, number), record.bytes()); });
 }
 

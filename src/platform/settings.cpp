@@ -128,7 +128,8 @@ std::string SettingsStore::get(const std::string& section, const std::string& ke
 }
 
 void SettingsStore::set(const std::string& section, const std::string& key, const std::string& value) {
-    if (value.find_first_of("\r\n") != std::string::npos) throw PlatformError(errors::kWrongType, key + ": " + value);
+    if (value.find_first_of("\r\n") != std::string::npos)
+        throw PlatformError(errors::kWrongType, "a setting is one line").about(key + ": " + value);
     // Read again: other programs of the suite write the same file.
     std::vector<std::string> lines = linesOf(file_);
     setEntry(lines, section, key, value);

@@ -17,7 +17,9 @@ std::string readWholeFile(const std::filesystem::path& file) {
     text << stream.rdbuf();
     if (!stream) {
         const int code = errno == 0 ? EIO : errno;
-        throw PlatformError(errors::kFileNotFound, file.string() + ": " + std::generic_category().message(code));
+        throw PlatformError(errors::kFileNotFound, std::generic_category().message(code))
+            .ofSystem(code)
+            .about(file.string());
     }
     return std::move(text).str();
 }

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "db/conversions.h"
+#include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "startup/companyfile.h"
@@ -75,7 +76,7 @@ bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
         boxes_.port().hourglass(false);
         const std::string title = texts_.ResText(kCannotOpen);
         boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + std::to_string(error.number()) +
-                                     "\r\n" + error.description(),
+                                     "\r\n" + errorText(texts_, error),
                                  title);
         return false;
     }
@@ -156,7 +157,7 @@ void CompanyRegister::showFailure(const std::string& file, const PlatformError& 
     if (error.number() == errors::kInternal) {
         boxes_.MeddelandeVarning(cannotOpen + ". " + file + texts_.ModulText(kModule, kNotACompany));
     } else {
-        boxes_.MeddelandeVarning(cannotOpen + " " + file + ".\r\n" + error.description());
+        boxes_.MeddelandeVarning(cannotOpen + " " + file + ".\r\n" + errorText(texts_, error));
     }
 }
 

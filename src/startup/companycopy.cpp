@@ -210,8 +210,8 @@ class CompanyCopy {
         try {
             target_.insertRows(table.name, columns, rows);
         } catch (const PlatformError& error) {
-            const std::string place = fmt::format("{}, ID {}-{}: ", table.name, idOf(rows.front()), idOf(rows.back()));
-            throw PlatformError(error.number(), place + error.description(), error.endsRun());
+            const std::string place = fmt::format("{}, ID {}-{}", table.name, idOf(rows.front()), idOf(rows.back()));
+            throw error.about(place);
         }
     }
 

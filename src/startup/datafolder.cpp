@@ -41,7 +41,9 @@ void ensureFile(const std::filesystem::path& folder, const std::string& name) {
     const std::filesystem::path file = findWithoutCase(folder, name);
     const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
     if (descriptor < 0) {
-        throw PlatformError(errors::kFileNotFound, file.string() + ": " + std::generic_category().message(errno));
+        throw PlatformError(errors::kFileNotFound, std::generic_category().message(errno))
+            .ofSystem(errno)
+            .about(file.string());
     }
     ::close(descriptor);
 }
@@ -83,7 +85,8 @@ void writeFirstRows(const std::filesystem::path& file, std::string_view companyN
 void createDataFolder(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
-    if (error) throw PlatformError(errors::kFileNotFound, folder.string() + ": " + error.message());
+    if (error)
+        throw PlatformError(errors::kFileNotFound, error.message()).ofSystem(error.value()).about(folder.string());
     ensureSettings(folder);
     for (const char* name : kEmptyFiles) ensureFile(folder, name);
     ensureTradeJobs(folder);

@@ -50,7 +50,7 @@ TEST(RunStops, EachWithItsMessage) {
          [](World& w) {
              std::filesystem::remove(w.data() / "PRISMASK.TXT");
              std::filesystem::create_directory(w.data() / "PRISMASK.TXT");
-             w.port.expect(w.texts().ModulTextMed("KMR", 320, "PRISMASK.TXT: Is a directory"),
+             w.port.expect(w.texts().ModulTextMed("KMR", 320, "Det är en mapp och ingen fil: PRISMASK.TXT."),
                            w.texts().ModulText("KMR", 100));
          }},
         {"no search key",

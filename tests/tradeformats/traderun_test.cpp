@@ -64,7 +64,7 @@ TEST(TradeRun, StopsWhenTheCouplingsCannotBeRead) {
     TradeWorld world("(EIO)");
     std::filesystem::remove(world.data() / "PRISLEV.TXT");
     std::filesystem::create_directory(world.data() / "PRISLEV.TXT");
-    world.port.expect(world.texts().ModulTextMed("KMR", 320, "PRISLEV.TXT: Is a directory"),
+    world.port.expect(world.texts().ModulTextMed("KMR", 320, "Det är en mapp och ingen fil: PRISLEV.TXT."),
                       world.texts().ModulText("KMR", 100));
     EXPECT_FALSE(world.run().completed);
 }

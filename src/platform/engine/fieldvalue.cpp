@@ -17,7 +17,7 @@ constexpr double kLargestCurrency = 922337203685477.5807;
 constexpr int kCurrencyDecimals = 4;
 
 [[noreturn]] void refuse(const FieldDef& field) {
-    throw PlatformError(errors::kWrongType, "the value does not fit the type of the field " + field.name);
+    throw PlatformError(errors::kWrongType, "the value does not fit the type of the field").about(field.name);
 }
 
 /// Smallest and largest whole number of a type.
@@ -119,7 +119,7 @@ bool fitsSize(std::string_view text, int size) {
 void fitText(const FieldDef& field, Value& value, const Locale& locale) {
     if (!std::holds_alternative<std::string>(value)) value = toText(value, locale);
     if (!fitsSize(textOf(value), field.size)) {
-        throw PlatformError(errors::kTextTooLong, "the text is too long for the field " + field.name);
+        throw PlatformError(errors::kTextTooLong, "the text is too long for the field").about(field.name);
     }
 }
 

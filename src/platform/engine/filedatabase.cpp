@@ -73,7 +73,7 @@ FileTable& FileDatabase::fileTable(std::string_view name) {
         names_ = readTableNames(session_.connection);  // it may have been made since
         found = findTable(name);
     }
-    if (found == nullptr) throw PlatformError(errors::kUnknownTable, "there is no table " + std::string(name));
+    if (found == nullptr) throw PlatformError(errors::kUnknownTable, "there is no such table").about(std::string(name));
     return *found;
 }
 
@@ -243,7 +243,7 @@ std::uint64_t FileDatabase::stamp(std::string_view table) {
 std::unique_ptr<Database> openFileDatabase(const std::filesystem::path& file, const OpenOptions& options) {
     std::error_code none;
     if (!std::filesystem::exists(file, none)) {
-        throw PlatformError(errors::kFileNotFound, "the file does not exist: " + file.string());
+        throw PlatformError(errors::kFileNotFound, "the file does not exist").about(file.string());
     }
     return std::make_unique<FileDatabase>(file, options);
 }

@@ -47,7 +47,8 @@ TableIndex FileTable::makeIndex(const IndexDef& index) const {
     for (const std::string& part : split(index.fields, ";")) {
         const bool marked = part.starts_with('+') || part.starts_with('-');
         const int ordinal = definition_.ordinal(std::string_view(part).substr(marked ? 1 : 0));
-        if (ordinal < 0) throw PlatformError(errors::kUnknownField, "index " + index.name + " has no column " + part);
+        if (ordinal < 0)
+            throw PlatformError(errors::kUnknownField, "an index has no such column").about(index.name + ", " + part);
         made.columns.push_back({ordinal, part.starts_with('-')});
     }
     return made;
@@ -57,7 +58,8 @@ const TableIndex& FileTable::index(std::string_view name) const {
     for (const TableIndex& candidate : indexes_) {
         if (equalNoCase(candidate.name, name)) return candidate;
     }
-    throw PlatformError(errors::kUnknownField, definition_.name + " has no index " + std::string(name));
+    throw PlatformError(errors::kUnknownField, "there is no such index")
+        .about(definition_.name + ", " + std::string(name));
 }
 
 template <typename MakeText>
@@ -113,7 +115,7 @@ void FileTable::writeHeldBack() {
     try {
         std::exchange(heldBack_, nullptr)->writeHeldBack();
     } catch (const PlatformError& error) {
-        throw PlatformError(error.number(), error.description(), true);
+        throw error.endingRun();
     }
 }
 

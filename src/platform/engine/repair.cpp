@@ -74,7 +74,7 @@ fs::path replace(const fs::path& file, const fs::path& newFile) {
 }  // namespace
 
 RepairReport repairFileDatabase(const fs::path& file, const OpenOptions& options) {
-    if (!fs::exists(file)) throw PlatformError(errors::kFileNotFound, "the file does not exist: " + file.string());
+    if (!fs::exists(file)) throw PlatformError(errors::kFileNotFound, "the file does not exist").about(file.string());
     const fs::path newFile = withSuffix(file, ".repaired");
     try {
         fs::remove(newFile);

@@ -46,6 +46,14 @@ int numberOfStatementError(std::string_view text) {
     return errors::kInternal;
 }
 
+/// What stands behind the colon of "UNIQUE constraint failed: Produkt.Nummer" and "no such table: Produkt".
+std::string namedThing(int number, std::string_view text) {
+    const std::size_t colon = text.rfind(": ");
+    const bool names =
+        number == errors::kDuplicateKey || number == errors::kUnknownTable || number == errors::kUnknownField;
+    return names && colon != std::string_view::npos ? std::string(text.substr(colon + 2)) : std::string();
+}
+
 int errorNumber(int extendedCode, std::string_view text) {
     const int code = extendedCode & 0xFF;
     if (code == SQLITE_CONSTRAINT) return numberOfConstraint(extendedCode);
@@ -225,7 +233,7 @@ void SqliteConnection::raise(int code) {
         startEpoch();
         endsRun = true;
     }
-    throw PlatformError(number, text, endsRun);
+    throw PlatformError(number, text, endsRun).about(namedThing(number, text));
 }
 
 int SqliteConnection::waitForLock(void* self, int calls) {

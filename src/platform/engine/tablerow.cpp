@@ -111,7 +111,7 @@ void TableRow::edit() {
 void TableRow::set(int ordinal, Value value) {
     if (mode_ == Mode::None) throw PlatformError(errors::kInternal, "the record is not being edited");
     const FieldDef& field = table_.field(ordinal);
-    if (field.counter) throw PlatformError(errors::kWrongType, "the field " + field.name + " is given by the engine");
+    if (field.counter) throw PlatformError(errors::kWrongType, "the field is given by the engine").about(field.name);
     fitToField(field, value, table_.session().locale);
     if (mode_ == Mode::Edit) {
         if (version_ != table_.version()) reload();

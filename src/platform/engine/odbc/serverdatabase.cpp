@@ -98,7 +98,7 @@ ServerTable& ServerDatabase::serverTable(std::string_view name) {
         readNames();  // it may have been made since
         found = findTable(name);
     }
-    if (found == nullptr) throw PlatformError(errors::kUnknownTable, "there is no table " + std::string(name));
+    if (found == nullptr) throw PlatformError(errors::kUnknownTable, "there is no such table").about(std::string(name));
     return *found;
 }
 

@@ -87,7 +87,7 @@ void ServerRow::edit() {
 void ServerRow::set(int ordinal, Value value) {
     if (mode_ == Mode::None) throw PlatformError(errors::kInternal, "the record is not being edited");
     const FieldDef& field = table_.field(ordinal);
-    if (field.counter) throw PlatformError(errors::kWrongType, "the field " + field.name + " is given by the engine");
+    if (field.counter) throw PlatformError(errors::kWrongType, "the field is given by the engine").about(field.name);
     fitToField(field, value, table_.session().locale());
     table_.session().requireStorable(value);
     if (mode_ == Mode::Edit) {

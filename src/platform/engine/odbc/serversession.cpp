@@ -169,7 +169,7 @@ void ServerSession::commit() {
         if (!nothing) run([this](StatementResult&) { return connection_.endTransaction(true); });
     } catch (const PlatformError& error) {
         end();
-        throw PlatformError(error.number(), error.description(), true);
+        throw error.endingRun();
     }
     end();
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "lang/languagetexts.h"
+#include "platform/error.h"
+
+namespace kolmera {
+
+/// What an error is, in the user's language: the sentence of its number (of errno, for an error of the system), what it
+/// is about behind a colon, and a full stop. An error that has no sentence is told in the words it came with.
+[[nodiscard]] std::string errorText(LanguageTexts& texts, const PlatformError& error);
+
+}  // namespace kolmera
