@@ -11,8 +11,8 @@ set(file_only_tests
 )
 list(JOIN file_only_tests ":" file_only_tests)
 
-set(server_programs_postgresql psql)
-set(server_programs_mariadb mariadbd mariadb)
+set(server_programs_postgresql psql initdb)
+set(server_programs_mariadb mariadbd mariadb mariadb-install-db)
 
 # The tests of a folder on one server.
 function(add_server_tests server name filter)
@@ -23,14 +23,8 @@ function(add_server_tests server name filter)
 endfunction()
 
 foreach(server postgresql mariadb)
-  foreach(program ${server_programs_${server}})
-    find_program(SERVER_PROGRAM_${program} ${program} PATHS /usr/sbin)
-    if(NOT SERVER_PROGRAM_${program})
-      add_test(NAME ${server}.missing COMMAND ${CMAKE_COMMAND} -E echo "skipped: ${program} is not installed")
-      set_tests_properties(${server}.missing PROPERTIES SKIP_REGULAR_EXPRESSION "skipped")
-    endif()
-  endforeach()
-  if(TEST ${server}.missing)
+  find_test_programs(found ${server} ${server_programs_${server}})
+  if(NOT found)
     continue()
   endif()
   set(script ${CMAKE_CURRENT_LIST_DIR}/server)
