@@ -16,18 +16,18 @@
 namespace kolmera::cli {
 namespace {
 
-int exitCode(const RunSummary& summary, std::int64_t passedOver) {
+int exitCode(const RunSummary& summary) {
     if (summary.cancelled) return exitcode::kCancelled;
     if (!summary.completed) return exitcode::kStopped;
-    return passedOver > 0 ? exitcode::kPassedOver : exitcode::kDone;
+    return summary.hasFaults() ? exitcode::kPassedOver : exitcode::kDone;
 }
 
-std::string outcome(Session& session, int code, std::int64_t passedOver) {
+std::string outcome(Session& session, int code) {
     switch (code) {
         case exitcode::kDone:
             return session.text(220);
         case exitcode::kPassedOver:
-            return session.text(221, fmt::format("{}", passedOver));
+            return session.text(370);
         case exitcode::kCancelled:
             return session.text(222);
         default:
@@ -42,7 +42,7 @@ struct SummaryLine {
     std::int64_t count;
 };
 
-std::vector<SummaryLine> summaryLines(const RunSummary& summary, std::int64_t passedOver) {
+std::vector<SummaryLine> summaryLines(const RunSummary& summary) {
     return {{"records", 201, summary.records},
             {"new", 202, summary.newProducts},
             {"changed", 203, summary.changed},
@@ -50,21 +50,13 @@ std::vector<SummaryLine> summaryLines(const RunSummary& summary, std::int64_t pa
             {"pricelist", 205, summary.priceList},
             {"alternatives", 206, summary.alternatives},
             {"documents", 207, summary.documents},
-            {"passed_over", 208, passedOver},
-            {"not_numbers", 213, summary.notNumbers.count}};
+            {"passed_over", 208, summary.report.failed()},
+            {"not_numbers", 213, summary.report.count(Remark::NotNumber)}};
 }
 
 void printSummary(Session& session, const std::vector<SummaryLine>& lines, double seconds, std::ostream& out) {
     for (const SummaryLine& line : lines) out << fmt::format("{}: {}\n", session.text(line.label), line.count);
     out << fmt::format("{}: {}\n", session.text(210), session.state.locale.formatFixed(seconds, 2));
-}
-
-void printPassedOver(Session& session, const TerminalPort& port, std::ostream& err) {
-    if (port.passedOver() == 0) return;
-    err << session.text(224) << '\n';
-    for (const auto& [key, group] : port.passedOverGroups()) {
-        err << fmt::format("{:>8} x  {}: {} ({})\n", group.count, group.what, group.description, group.number);
-    }
 }
 
 bool writeSummary(const std::string& file, const std::string& job, const std::vector<SummaryLine>& lines,
@@ -105,16 +97,14 @@ int runCommand(const RunArguments& arguments, const Surroundings& surroundings) 
     const RunSummary summary = Utför(context, job->name);
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
 
-    int code = exitCode(summary, port.passedOver());
-    const auto lines = summaryLines(summary, port.passedOver());
+    int code = exitCode(summary);
+    const auto lines = summaryLines(summary);
     if (summary.completed) printSummary(session, lines, elapsed.count(), surroundings.out);
-    printPassedOver(session, port, surroundings.err);
-    (code == exitcode::kDone ? surroundings.out : surroundings.err)
-        << outcome(session, code, port.passedOver()) << '\n';
+    (code == exitcode::kDone ? surroundings.out : surroundings.err) << outcome(session, code) << '\n';
     if (!arguments.summaryFile.empty() &&
         !writeSummary(arguments.summaryFile, job->name, lines, summary.cancelled, elapsed.count())) {
         surroundings.err << session.text(250) << ' ' << session.text(253, arguments.summaryFile) << '\n';
-        if (code == exitcode::kDone) code = exitcode::kStopped;
+        if (code != exitcode::kCancelled) code = exitcode::kStopped;
     }
     return code;
 }

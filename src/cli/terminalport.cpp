@@ -1,6 +1,5 @@
 #include "cli/terminalport.h"
 
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <ostream>
@@ -8,9 +7,6 @@
 #include "platform/lettercase.h"
 
 namespace kolmera::cli {
-namespace {
-constexpr std::size_t kMostGroups = 100;
-}
 
 TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables)
     : errors_(errors), cancel_(cancel), emptyTables_(emptyTables), bar_(STDERR_FILENO) {}
@@ -28,19 +24,6 @@ Answer TerminalPort::show(const Message& message) {
             return Answer::No;
     }
     return Answer::Cancel;
-}
-
-void TerminalPort::note(std::string_view what, const PlatformError& error) {
-    ++passedOver_;
-    std::string key = fmt::format("{} {} {}", what, error.number(), error.what());
-    // Descriptions may hold values of the price file: the list must not grow with it.
-    if (groups_.size() >= kMostGroups && !groups_.contains(key)) key = fmt::format("{} {}", what, error.number());
-    PassedOverGroup& group = groups_[key];
-    if (group.count++ == 0) {
-        group.what = what;
-        group.number = error.number();
-        group.description = error.description();
-    }
 }
 
 void TerminalPort::status(std::string_view text) { status_ = text; }

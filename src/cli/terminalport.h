@@ -3,7 +3,6 @@
 #include <atomic>
 #include <functional>
 #include <iosfwd>
-#include <map>
 #include <string>
 
 #include "cli/progressbar.h"
@@ -12,22 +11,15 @@
 namespace kolmera::cli {
 
 /// A run's surroundings on a terminal: messages go to the error stream, questions are answered No, confirmation is
-/// given, Ctrl-C is Cancel, and statements that were passed over are counted and listed by what they were and why.
-class TerminalPort final : public RunPort {
+/// given, and Ctrl-C is Cancel.
+class TerminalPort final : public RunPort, public PassedOver {
   public:
-    struct PassedOverGroup {
-        std::int64_t count = 0;
-        std::string what;
-        int number = 0;
-        std::string description;
-    };
-
     /// `cancel` is set by the signal handler. `emptyTables` ticks the box of the confirmation.
     TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables);
 
     Answer show(const Message& message) override;
     void letEventsRun() override {}
-    void note(std::string_view what, const PlatformError& error) override;
+    void note(std::string_view /*what*/, const PlatformError& /*error*/) override { ++passedOver_; }
     void status(std::string_view text) override;
     void runMode(bool on) override;
     bool cancelled() override { return cancel_.load(std::memory_order_relaxed); }
@@ -35,10 +27,11 @@ class TerminalPort final : public RunPort {
     void clearCancel() override {}
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
     void openJobSettings() override {}
+    void tell(const Message& message) override { show(message); }
+    [[nodiscard]] std::size_t examplesTold() const override { return 20; }
     void progress(std::uint64_t position, std::uint64_t size) override;
 
     [[nodiscard]] std::int64_t passedOver() const { return passedOver_; }
-    [[nodiscard]] const std::map<std::string, PassedOverGroup>& passedOverGroups() const { return groups_; }
 
   private:
     std::ostream& errors_;
@@ -47,7 +40,6 @@ class TerminalPort final : public RunPort {
     ProgressBar bar_;
     std::string status_;
     std::int64_t passedOver_ = 0;
-    std::map<std::string, PassedOverGroup> groups_;
 };
 
 }  // namespace kolmera::cli

@@ -20,12 +20,8 @@ bool changesPrice(int ordinal) {
 }  // namespace
 
 ColumnWriter::ColumnWriter(const LoadedMask& mask, const Recordset& product, const ColumnSettings& settings,
-                           const PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver, NotNumbers& notNumbers)
-    : prices_(prices),
-      passedOver_(passedOver),
-      notNumbers_(notNumbers),
-      Idag_(settings.Idag),
-      locale_(settings.locale) {
+                           const PrisClsRoundInprisOUtpris& prices, RunReport& report)
+    : prices_(prices), report_(report), Idag_(settings.Idag), locale_(settings.locale) {
     const auto& fields = product.fields();
     for (const Relation& relation : mask.relations) {
         const auto ordinal = static_cast<std::size_t>(productColumn(relation.Mål));
@@ -36,6 +32,7 @@ ColumnWriter::ColumnWriter(const LoadedMask& mask, const Recordset& product, con
         if (number) {
             column.dating = datingOf(column.ordinal, mask.date.present(), settings.PPrisDatumBM);
             column.discount = column.ordinal == target::kRabatt;
+            column.price = changesPrice(column.ordinal) && !column.discount;
             changesPrices_ = changesPrices_ || changesPrice(column.ordinal);
         }
         columns_.push_back(std::move(column));
@@ -96,7 +93,7 @@ WrittenColumns ColumnWriter::write(Recordset& product, const EntryList& entries,
             writeNumber(column, product, entry, newProduct, written);
             continue;
         }
-        attempt(passedOver_, column.name, [&] {
+        attempt(report_, column.name, [&] {
             if (column.action == Action::WriteIfUnset && !unset(column.kind, product.value(column.ordinal))) return;
             product.set(column.ordinal, converted(column, entry));
         });
@@ -113,17 +110,22 @@ void ColumnWriter::writeNumber(const Column& column, Recordset& product, std::st
     if (datesPrice(column, product, value, newProduct)) written.setPriceDate = true;
     if (column.discount) written.discount = value;
     if (column.action == Action::NoWrite) return;
-    attempt(passedOver_, column.name, [&] {
+    attempt(report_, column.name, [&] {
         if (column.action == Action::WriteIfUnset && !unset(column.kind, product.value(column.ordinal))) return;
         product.set(column.ordinal, prices_.Avrunda(column.ordinal, value));
-        if (!number && !entry.empty()) notNumbers_.note(column.name, entry);
+        if (number) return;
+        if (!entry.empty()) {
+            report_.zero(Remark::NotNumber, column.source.entry, column.name, entry);
+        } else if (column.price) {
+            report_.zero(Remark::MissingPrice, column.source.entry, column.name, entry);
+        }
     });
 }
 
 bool ColumnWriter::datesPrice(const Column& column, Recordset& product, double value, bool newProduct) {
     if (column.dating != Dating::OnLevelChange || newProduct) return column.dating != Dating::None;
     bool dates = false;
-    attempt(passedOver_, column.name, [&] {
+    attempt(report_, column.name, [&] {
         // A level with a markup is coupled: whether its price changes is seen when it is recomputed.
         const double markup = TillDbl(product.value(kPåläggPosition + levelOf(column.ordinal)), locale_);
         dates = markup == 0 && !NästanLika(TillDbl(product.value(column.ordinal), locale_), value);

@@ -9,8 +9,7 @@
 
 #include "import/entrylist.h"
 #include "import/loadedmask.h"
-#include "import/runport.h"
-#include "platform/attempt.h"
+#include "import/runreport.h"
 #include "platform/date.h"
 #include "platform/engine/recordset.h"
 #include "pricing/prisclsroundinprisoutpris.h"
@@ -36,7 +35,7 @@ struct WrittenColumns {
 class ColumnWriter {
   public:
     ColumnWriter(const LoadedMask& mask, const Recordset& product, const ColumnSettings& settings,
-                 const PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver, NotNumbers& notNumbers);
+                 const PrisClsRoundInprisOUtpris& prices, RunReport& report);
 
     /// A value that a column refuses leaves that column as it was.
     WrittenColumns write(Recordset& product, const EntryList& entries, bool newProduct);
@@ -58,7 +57,8 @@ class ColumnWriter {
         double vatRate = 0;    ///< added to a number, per cent
         Dating dating = Dating::None;
         bool discount = false;
-        std::string name;  ///< table and column, for what is passed over
+        bool price = false;  ///< a purchase or level price
+        std::string name;    ///< table and column, for what is passed over
     };
 
     static Kind kindOf(FieldType type);
@@ -72,8 +72,7 @@ class ColumnWriter {
     [[nodiscard]] bool unset(Kind kind, const Value& value) const;
 
     const PrisClsRoundInprisOUtpris& prices_;
-    PassedOver& passedOver_;
-    NotNumbers& notNumbers_;
+    RunReport& report_;
     Date Idag_;
     Locale locale_;
     std::vector<Column> columns_;

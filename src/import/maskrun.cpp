@@ -107,7 +107,7 @@ bool MaskRun::checkSupplier() {
 bool MaskRun::supplierExists() {
     const auto suppliers = sql_.SQLÖppnaTabell("Leverantör", "Nummer", options::kReadOnly, false);
     const Value number = job_.supplier;
-    sql_.SQLSök(*suppliers, "=", Keys(&number, 1), machinery_.port());
+    sql_.SQLSök(*suppliers, "=", Keys(&number, 1), machinery_.report());
     return !suppliers->noMatch();
 }
 
@@ -130,7 +130,7 @@ void MaskRun::enterRunMode() {
 }
 
 void MaskRun::removeEmptyAlternatives() {
-    sql_.SQLKör("DELETE FROM Prodaltprodnr WHERE Alternativnr = ''", machinery_.port());
+    sql_.SQLKör("DELETE FROM Prodaltprodnr WHERE Alternativnr = ''", machinery_.report());
 }
 
 void MaskRun::openTables() {

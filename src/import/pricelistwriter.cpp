@@ -22,12 +22,12 @@ PriceListWriter::Columns::Columns(const Recordset& priceList)
 }
 
 PriceListWriter::PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::unique_ptr<Recordset> priceList,
-                                 std::uint8_t InprisDec, Date Idag, PassedOver& passedOver)
+                                 std::uint8_t InprisDec, Date Idag, RunReport& report)
     : mask_(mask),
       sql_(sql),
       priceList_(std::move(priceList)),
-      passedOver_(passedOver),
-      letters_(sql, passedOver),
+      report_(report),
+      letters_(sql, report),
       columns_(*priceList_),
       InprisDec_(InprisDec),
       Idag_(Idag) {
@@ -36,9 +36,8 @@ PriceListWriter::PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::uni
 
 bool PriceListWriter::write(std::string_view productNumber, std::string_view supplier,
                             const std::function<std::string()>& articleNumber, std::optional<double> discount,
-                            const EntryList& entries, NotNumbers* notNumbers) {
-    notNumbers_ = notNumbers;
-    return attempt(passedOver_, "Levprislista", [&] {
+                            const EntryList& entries) {
+    return attempt(report_, "Levprislista", [&] {
         startRow(productNumber, supplier, articleNumber);
         set(columns_.Datum, dateOf(entries));
         if (mask_.hasPurchasePrice()) writePurchasePrice(supplier, discount, entries);
@@ -63,7 +62,7 @@ void PriceListWriter::startRow(std::string_view productNumber, std::string_view 
 }
 
 void PriceListWriter::set(int column, Value value) {
-    attempt(passedOver_, names_[static_cast<std::size_t>(column)], [&] { priceList_->set(column, std::move(value)); });
+    attempt(report_, names_[static_cast<std::size_t>(column)], [&] { priceList_->set(column, std::move(value)); });
 }
 
 void PriceListWriter::writePurchasePrice(std::string_view supplier, std::optional<double> discount,
@@ -77,7 +76,12 @@ void PriceListWriter::writePurchasePrice(std::string_view supplier, std::optiona
 
 /// Without a discount code: by the record's discount, or by the one that the row has.
 double PriceListWriter::netByDiscount(double gross, std::optional<double> discount, const EntryList& entries) {
-    if (!discount && mask_.discount.present()) discount = number(columns_.Rabatt, mask_.discount, entries);
+    // A discount of 0 may be a text that is no number, which the product's column did not take.
+    const bool unsure = !discount || *discount == 0;
+    if (unsure && mask_.discount.present()) {
+        const double own = number(columns_.Rabatt, mask_.discount, entries);
+        if (!discount) discount = own;
+    }
     if (discount) set(columns_.Rabatt, *discount);
     return gross - gross * TillDbl(priceList_->value(columns_.Rabatt), sql_.locale()) / 100;
 }
@@ -97,8 +101,14 @@ Date PriceListWriter::dateOf(const EntryList& entries) const {
 double PriceListWriter::number(int column, const Source& source, const EntryList& entries) {
     const std::string_view text = entries.text(source);
     const std::optional<double> number = readNumber(text, source.Division, sql_.locale());
-    if (!number && !text.empty() && notNumbers_) notNumbers_->note(names_[static_cast<std::size_t>(column)], text);
-    return number.value_or(0);
+    if (number) return *number;
+    const std::string& name = names_[static_cast<std::size_t>(column)];
+    if (!text.empty()) {
+        report_.zero(Remark::NotNumber, source.entry, name, text);
+    } else if (column != columns_.Rabatt) {
+        report_.zero(Remark::MissingPrice, source.entry, name, text);
+    }
+    return 0;
 }
 
 }  // namespace kolmera

@@ -13,7 +13,7 @@
 #include "discounts/rabattbrev.h"
 #include "import/entrylist.h"
 #include "import/loadedmask.h"
-#include "import/runport.h"
+#include "import/runreport.h"
 #include "import/seekkeys.h"
 #include "platform/date.h"
 
@@ -25,14 +25,13 @@ class PriceListWriter {
   public:
     /// `priceList` is `Levprislista` by its index "Produktnr".
     PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::unique_ptr<Recordset> priceList, std::uint8_t InprisDec,
-                    Date Idag, PassedOver& passedOver);
+                    Date Idag, RunReport& report);
 
     /// Writes the row of a product and supplier; false when it could not be saved. `articleNumber` is asked for when
-    /// the row is new. `discount` is what the product's discount column got from the record. `notNumbers` hears of
-    /// texts that are no numbers, for records whose columns are not written into a product as well.
+    /// the row is new. `discount` is what the product's discount column got from the record.
     bool write(std::string_view productNumber, std::string_view supplier,
                const std::function<std::string()>& articleNumber, std::optional<double> discount,
-               const EntryList& entries, NotNumbers* notNumbers = nullptr);
+               const EntryList& entries);
 
   private:
     struct Columns {
@@ -53,8 +52,7 @@ class PriceListWriter {
     const LoadedMask& mask_;
     SqlLayer& sql_;
     std::unique_ptr<Recordset> priceList_;
-    PassedOver& passedOver_;
-    NotNumbers* notNumbers_ = nullptr;
+    RunReport& report_;
     Rabattbrev letters_;
     Columns columns_;
     std::vector<std::string> names_;  ///< table and column, for what is passed over

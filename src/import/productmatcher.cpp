@@ -56,6 +56,7 @@ ProductMatch ProductMatcher::match(const EntryList& entries) {
             match.outcome = byAlternative(match.key);
     }
     match.productNumber = productNumber_;
+    if (match.key.empty()) match.skipped = Remark::NoKey;
     return match;
 }
 

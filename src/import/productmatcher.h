@@ -8,6 +8,7 @@
 #include "db/sqllayer.h"
 #include "import/entrylist.h"
 #include "import/loadedmask.h"
+#include "import/runreport.h"
 #include "import/seekkeys.h"
 
 namespace kolmera {
@@ -21,6 +22,7 @@ struct ProductMatch {
         PriceListOnly,  ///< only the supplier price list knows the article
     };
     Outcome outcome = Outcome::Skip;
+    Remark skipped = Remark::NoProduct;  ///< Skip: why
     std::string_view key;
     std::string_view supplier;       ///< whose prices the record brings
     std::string_view productNumber;  ///< PriceListOnly: the product of the price list's row

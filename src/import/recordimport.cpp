@@ -31,62 +31,57 @@ RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier,
                            MaskTables& tables, RunSummary& summary)
     : mask_(mask),
       sql_(context.state.sql),
-      port_(context.port),
       summary_(summary),
+      report_(summary.report),
       Idag_(context.Idag),
       products_(tables.products),
       Vägtinpris_(products_->ordinal("Vägtinpris")),
       Prisändrdat_(products_->ordinal("Prisändrdat")),
       Förändringsdatum_(products_->ordinal(kFörändringsdatum)),
-      settings_(columnSettings(tables, context.Idag, context.state.locale, context.port)),
-      prices_(sql_, port_, Idag_, settings_.PPrisDatumBM),
-      columns_(mask, *products_, settings_, prices_, port_, summary.notNumbers),
-      defaults_(*tables.settings, *tables.settings2, context.state.locale, port_),
-      matcher_(mask, jobSupplier, sql_, products_, port_),
-      coupling_(mask.hasPurchasePrice(), sql_, prices_, port_) {
+      settings_(columnSettings(tables, context.Idag, context.state.locale, report_)),
+      prices_(sql_, report_, Idag_, settings_.PPrisDatumBM),
+      columns_(mask, *products_, settings_, prices_, report_),
+      defaults_(*tables.settings, *tables.settings2, context.state.locale, report_),
+      matcher_(mask, jobSupplier, sql_, products_, report_),
+      coupling_(mask.hasPurchasePrice(), sql_, prices_, report_) {
     prices_.Init();
     if (mask.hasAlternatives) {
-        alternatives_.emplace(mask, storedAlternatives(sql_, std::move(tables.alternatives), port_), port_);
+        alternatives_.emplace(mask, storedAlternatives(sql_, std::move(tables.alternatives), report_), report_);
     }
     if (mask.UppdatLev) {
-        priceList_.emplace(mask, sql_, std::move(tables.priceList), prices_.InprisDec, Idag_, port_);
+        priceList_.emplace(mask, sql_, std::move(tables.priceList), prices_.InprisDec, Idag_, report_);
     }
-    if (mask.document.present()) documents_.emplace(mask, sql_, Idag_, port_);
+    if (mask.document.present()) documents_.emplace(mask, sql_, Idag_, report_);
 }
 
 void RecordImport::import(const EntryList& entries) {
+    report_.at(++summary_.records);
+    report_.about(entries.text(mask_.key));
     const ProductMatch found = match(entries);
-    bool written = false;
-    switch (found.outcome) {
-        case Outcome::Skip:
-            break;
-        case Outcome::PriceListOnly:
-            written = importPriceListOnly(found, entries);
-            break;
-        case Outcome::Edit:
-        case Outcome::Add:
-            written = importProduct(found, entries);
-            break;
-    }
-    ++summary_.records;
-    if (summary_.notNumbers.count > 0 && summary_.notNumbers.firstRecord == 0) {
-        summary_.notNumbers.firstRecord = summary_.records;
-    }
-    if (!written) ++summary_.skipped;
+    if (found.outcome == Outcome::Skip) return report_.remark(found.skipped);
+    if (found.key.empty()) report_.remark(Remark::EmptyKey);
+    if (!write(found, entries)) return report_.remark(Remark::NotSaved);
+    ++summary_.used;
 }
 
 ProductMatch RecordImport::match(const EntryList& entries) {
     ProductMatch found;
-    attempt(port_, "Produkt: sökning", [&] { found = matcher_.match(entries); });
+    found.skipped = Remark::NotSaved;
+    attempt(report_, "Produkt: sökning", [&] { found = matcher_.match(entries); });
     return found;
+}
+
+bool RecordImport::write(const ProductMatch& match, const EntryList& entries) {
+    return match.outcome == Outcome::PriceListOnly ? importPriceListOnly(match, entries)
+                                                   : importProduct(match, entries);
 }
 
 bool RecordImport::importProduct(const ProductMatch& match, const EntryList& entries) {
     const bool newProduct = match.outcome == Outcome::Add;
     std::optional<double> discount;
     if (!saveProduct(newProduct, entries, discount)) return false;
-    ++(newProduct ? summary_.newProducts : summary_.changed);
     takeProductNumber();
+    summary_.productSaved(productNumber_, newProduct);
     if (columns_.changesPrices()) coupling_.couple(*products_);
     if (alternatives_) summary_.alternatives += alternatives_->write(productNumber_, entries);
     if (priceList_) {
@@ -99,21 +94,20 @@ bool RecordImport::importProduct(const ProductMatch& match, const EntryList& ent
 
 bool RecordImport::importPriceListOnly(const ProductMatch& match, const EntryList& entries) {
     const auto articleNumber = [&match] { return std::string(match.key); };
-    const bool written = priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries,
-                                           &summary_.notNumbers);
+    const bool written = priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries);
     if (written) ++summary_.priceList;
     return written;
 }
 
 bool RecordImport::saveProduct(bool newProduct, const EntryList& entries, std::optional<double>& discount) {
     Recordset& product = *products_;
-    if (!attempt(port_, "Produkt", [&] { newProduct ? product.addNew() : product.edit(); })) return false;
+    if (!attempt(report_, "Produkt", [&] { newProduct ? product.addNew() : product.edit(); })) return false;
     const WrittenColumns written = columns_.write(product, entries, newProduct);
     discount = written.discount;
     if (newProduct) completeNewProduct();
-    attempt(port_, "Produkt.Förändringsdatum", [&] { SättÄndringsdatum(product, Förändringsdatum_, Idag_); });
-    if (written.setPriceDate) attempt(port_, "Produkt.Prisändrdat", [&] { product.set(Prisändrdat_, Idag_); });
-    return attempt(port_, "Produkt", [&] {
+    attempt(report_, "Produkt.Förändringsdatum", [&] { SättÄndringsdatum(product, Förändringsdatum_, Idag_); });
+    if (written.setPriceDate) attempt(report_, "Produkt.Prisändrdat", [&] { product.set(Prisändrdat_, Idag_); });
+    return attempt(report_, "Produkt", [&] {
         product.update();
         if (newProduct) product.moveToModified();
     });
@@ -123,14 +117,14 @@ void RecordImport::completeNewProduct() {
     Recordset& product = *products_;
     defaults_.SättNyProduktStandard(product);
     if (!mask_.hasPurchasePrice()) return;
-    attempt(port_, "Produkt.Vägtinpris", [&] {
+    attempt(report_, "Produkt.Vägtinpris", [&] {
         if (TillDbl(product.value(Vägtinpris_), sql_.locale()) != 0) return;
         product.set(Vägtinpris_, product.value(target::kInpris));
     });
 }
 
 void RecordImport::takeProductNumber() {
-    attempt(port_, "Produkt.Nummer", [&] { productNumber_ = textOf(products_->value(target::kNummer)); });
+    attempt(report_, "Produkt.Nummer", [&] { productNumber_ = textOf(products_->value(target::kNummer)); });
 }
 
 }  // namespace kolmera

@@ -38,6 +38,7 @@ class RecordImport {
 
   private:
     [[nodiscard]] ProductMatch match(const EntryList& entries);
+    [[nodiscard]] bool write(const ProductMatch& match, const EntryList& entries);
     bool importProduct(const ProductMatch& match, const EntryList& entries);
     bool importPriceListOnly(const ProductMatch& match, const EntryList& entries);
     [[nodiscard]] bool saveProduct(bool newProduct, const EntryList& entries, std::optional<double>& discount);
@@ -46,8 +47,8 @@ class RecordImport {
 
     const LoadedMask& mask_;
     SqlLayer& sql_;
-    RunPort& port_;
     RunSummary& summary_;
+    RunReport& report_;
     Date Idag_;
     std::unique_ptr<Recordset>& products_;
     int Vägtinpris_, Prisändrdat_, Förändringsdatum_;

@@ -1,7 +1,5 @@
 #include "import/runmachinery.h"
 
-#include <fmt/format.h>
-
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -10,6 +8,7 @@
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
 #include "import/preparation.h"
+#include "import/runmessage.h"
 #include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
@@ -67,7 +66,7 @@ bool RunMachinery::openCompany() {
 
 std::string RunMachinery::heading(Recordset& settings) {
     std::string name;
-    attempt(port(), "Syinställningar.FöretagsNamn",
+    attempt(report(), "Syinställningar.FöretagsNamn",
             [&] { name = TillText(settings.value("FöretagsNamn"), context_.state.locale); });
     return name + " (" + job_.company + ")";
 }
@@ -157,7 +156,7 @@ void RunMachinery::checkLineEnds() {
     attempt(passedOver, "checkLineEnds", [this] {
         PriceFile file(priceFilePath_);
         const bool lineFeeds = file.line().find('\n') != std::string_view::npos;
-        readAsOneLine_ = lineFeeds && file.atEnd();
+        summary_.readAsOneLine = lineFeeds && file.atEnd();
     });
 }
 
@@ -181,7 +180,7 @@ bool RunMachinery::emptyTable(Recordset& table, int every, const std::string& st
     port().status(status);
     BatchTransaction transaction(*sql().FtgDB);
     for (std::int64_t deleted = 1; !table.eof(); ++deleted) {
-        attempt(port(), "TömTabeller", [&] { table.remove(); });
+        attempt(report(), "TömTabeller", [&] { table.remove(); });
         table.moveNext();
         if (deleted % every != 0) continue;
         if (!progress(label + " ", deleted)) return false;
@@ -221,27 +220,26 @@ void RunMachinery::offerJobSettings(const std::string& text, const std::string& 
 
 namespace {
 
-void tellWhatEndedTheRun(ImportContext& context, const std::string& company, const PlatformError& error) {
-    LanguageTexts& texts = context.texts;
-    std::string text;
-    if (error.number() == errors::kDiskFull) {
-        text = texts.ModulTextMed("KMR", 112, errorText(texts, error));
-    } else if (error.number() == errors::kLocked) {
-        text = texts.ModulTextMed("KMR", 113, company);
-    } else {
-        text = texts.ModulTextMed("KMR", 111, errorText(texts, error));
-    }
-    context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 110));
+std::string whatEndedTheRun(LanguageTexts& texts, const std::string& company, const PlatformError& error) {
+    if (error.number() == errors::kDiskFull) return texts.ModulTextMed("KMR", 112, errorText(texts, error));
+    if (error.number() == errors::kLocked) return texts.ModulTextMed("KMR", 113, company);
+    return texts.ModulTextMed("KMR", 111, errorText(texts, error));
 }
 
-/// A price of 0 that nobody meant costs more than a message.
-void tellOfNotNumbers(ImportContext& context, const NotNumbers& notNumbers) {
+void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job,
+                   const std::optional<PlatformError>& ended) {
     LanguageTexts& texts = context.texts;
-    const std::string first = fmt::format("\"{}\" ({})", notNumbers.firstText, notNumbers.firstColumn);
-    const std::string text = texts.ModulTextMed("KMR", 323, fmt::format("{}", notNumbers.count)) +
-                             std::string(kLineBreaks) +
-                             texts.ModulTextMed("KMR", 324, fmt::format("{}", notNumbers.firstRecord)) + " " + first;
-    context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 325));
+    const std::string found = runMessage(texts, summary, job.priceFile, context.port.examplesTold());
+    if (ended) {
+        std::string text = whatEndedTheRun(texts, job.company, *ended);
+        if (!found.empty()) text += std::string(kLineBreaks) + found;
+        context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 110));
+    } else if (!found.empty()) {
+        Message message;
+        message.text = found;
+        message.title = texts.ModulText("KMR", summary.readAsOneLine ? 322 : 550);
+        context.port.tell(message);
+    }
 }
 
 }  // namespace
@@ -257,18 +255,12 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
         run->summary().cancelled = error.number() == errors::kLocked && context.port.cancelled();
         if (!run->summary().cancelled) ended = error;
     }
-    RunSummary summary = run->summary();
-    const std::string company = run->job().company;
-    const std::string priceFile = run->job().priceFile;
+    RunSummary summary = std::move(run->summary());
+    summary.skipped = summary.report.skipped();
+    const Job job = run->job();
     const bool jobSettings = run->wantsJobSettings();
-    const bool oneLine = run->readAsOneLine() && !ended && !summary.cancelled;
     run.reset();
-    if (ended) tellWhatEndedTheRun(context, company, *ended);
-    if (oneLine) {
-        context.boxes.MeddelandeVarning(context.texts.ModulTextMed("KMR", 321, priceFile),
-                                        context.texts.ModulText("KMR", 322));
-    }
-    if (summary.notNumbers.count > 0 && !ended && !summary.cancelled) tellOfNotNumbers(context, summary.notNumbers);
+    tellHowItWent(context, summary, job, ended);
     if (jobSettings) context.port.openJobSettings();
     return summary;
 }

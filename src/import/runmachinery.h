@@ -33,6 +33,7 @@ class RunMachinery {
     [[nodiscard]] SqlLayer& sql() { return context_.state.sql; }
     [[nodiscard]] const std::string& jobText() const { return jobText_; }
     [[nodiscard]] RunSummary& summary() { return summary_; }
+    [[nodiscard]] RunReport& report() { return summary_.report; }
 
     // The job and its company.
     /// Loads the current job; company in proper case, product groups in upper case. No such record: an empty job.
@@ -66,7 +67,6 @@ class RunMachinery {
     [[nodiscard]] PriceFile& priceFile() { return *priceFile_; }
     /// For files that are read by lines: notes when the open file has line feeds where it should have line ends.
     void checkLineEnds();
-    [[nodiscard]] bool readAsOneLine() const { return readAsOneLine_; }
 
     // During the run.
     void Körläge(bool on);
@@ -98,12 +98,11 @@ class RunMachinery {
     bool runMode_ = false;
     bool emptyTables_ = false;
     bool wantsJobSettings_ = false;
-    bool readAsOneLine_ = false;
 };
 
 /// Carries out the steps of one run: loads the job, runs `steps` to their end or first stop, closes down, and then
-/// tells of an error that ended the run or of a file that was read as one line, or opens the job's settings. Nothing is
-/// raised.
+/// tells in one message of an error that ended the run and of what the report has to tell, or opens the job's settings.
+/// Nothing is raised.
 RunSummary carryOut(ImportContext& context, std::string_view jobText, const std::function<void(RunMachinery&)>& steps);
 
 }  // namespace kolmera

@@ -28,13 +28,13 @@ class RunPanel final : public QWidget, public RunPort {
     Answer show(const Message& message) override;
     void hourglass(bool on) override;
     void letEventsRun() override;
-    void note(std::string_view /*what*/, const PlatformError& /*error*/) override {}
     void status(std::string_view text) override;
     void runMode(bool on) override;
     bool cancelled() override;
     void clearCancel() override { cancel_ = false; }
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
     void openJobSettings() override { onOpenJobSettings(); }
+    void tell(const Message& message) override;
     void progress(std::uint64_t position, std::uint64_t size) override;
 
   private:

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/attempt.h"
+#include "import/runsummary.h"
 #include "platform/messages.h"
 
 namespace kolmera {
@@ -26,7 +26,7 @@ struct ConfirmationAnswer {
 };
 
 /// What a run asks of its surroundings: the main window, the terminal, or a test's script.
-class RunPort : public MessagePort, public PassedOver {
+class RunPort : public MessagePort {
   public:
     virtual void status(std::string_view text) = 0;  ///< the text of Meddelande; a state, not a log
     virtual void runMode(bool on) = 0;               ///< Körläge: message line and Cancel shown or hidden
@@ -35,35 +35,12 @@ class RunPort : public MessagePort, public PassedOver {
     virtual void clearCancel() = 0;
     virtual ConfirmationAnswer confirm(const Confirmation& confirmation) = 0;
     virtual void openJobSettings() = 0;  ///< the user asked to mend the job
+    /// What the run found in its price file, when there is something to look into; told once, at the end.
+    virtual void tell(const Message& message) = 0;
+    /// Of each kind of thing to tell, so many examples.
+    [[nodiscard]] virtual std::size_t examplesTold() const { return 3; }
     /// Bytes of the price file read so far; for a progress bar.
     virtual void progress(std::uint64_t /*position*/, std::uint64_t /*size*/) {}
-};
-
-/// Values of a price file that were written as 0, because they are no numbers; an empty one is not counted.
-struct NotNumbers {
-    std::int64_t count = 0;
-    std::int64_t firstRecord = 0;        ///< from 1
-    std::string firstColumn, firstText;  ///< table and column, and what the file says there
-
-    void note(std::string_view column, std::string_view text) {
-        if (++count > 1) return;
-        firstColumn = column;
-        firstText = text;
-    }
-};
-
-/// What a run did. Rows are counted when they are written.
-struct RunSummary {
-    std::int64_t records = 0;  ///< records (mask) or lines (trade formats) read
-    std::int64_t newProducts = 0;
-    std::int64_t changed = 0;  ///< existing products saved
-    std::int64_t skipped = 0;  ///< records or lines that wrote nothing
-    std::int64_t priceList = 0;
-    std::int64_t alternatives = 0;
-    std::int64_t documents = 0;
-    NotNumbers notNumbers;
-    bool cancelled = false;
-    bool completed = false;  ///< the run reached its close-down (also when cancelled)
 };
 
 }  // namespace kolmera

@@ -50,10 +50,6 @@ void ScriptedPort::letEventsRun() {
     if (onEvents) onEvents();
 }
 
-void ScriptedPort::note(std::string_view what, const PlatformError& error) {
-    passedOver.push_back(std::string(what) + ": " + std::to_string(error.number()));
-}
-
 void ScriptedPort::status(std::string_view text) {
     statuses.emplace_back(text);
     if (text == cancelAtStatus) pressCancel();

@@ -30,7 +30,8 @@ class ScriptedPort final : public RunPort {
     // What happened.
     std::vector<Confirmation> confirmations;
     std::vector<std::string> statuses;
-    std::vector<std::string> passedOver;  ///< "what: error number"
+    std::vector<std::string> passedOver;  ///< "what: error number", one for each statement that failed
+    std::vector<std::string> told;        ///< what runs told at their end
     int jobSettingsOpened = 0;
     bool inRunMode = false;
     bool hourglassShown = false;
@@ -39,13 +40,13 @@ class ScriptedPort final : public RunPort {
     Answer show(const Message& message) override;
     void hourglass(bool on) override { hourglassShown = on; }
     void letEventsRun() override;
-    void note(std::string_view what, const PlatformError& error) override;
     void status(std::string_view text) override;
     void runMode(bool on) override { inRunMode = on; }
     bool cancelled() override;
     void clearCancel() override { cancelled_ = false; }
     ConfirmationAnswer confirm(const Confirmation& asked) override;
     void openJobSettings() override { ++jobSettingsOpened; }
+    void tell(const Message& message) override { told.push_back(message.text); }
 
     void pressCancel() { cancelled_ = true; }
 

@@ -183,7 +183,11 @@ RunSummary World::run() {
     MessageBoxes boxes(port, {});
     CompanyRegister companies(state, texts_, boxes);
     ImportContext context{state, texts_, boxes, companies, port, Idag, job.number};
-    const RunSummary summary = Utför(context, job.name);
+    RunSummary summary = Utför(context, job.name);
+    for (const RunReport::Failure& failure : summary.report.failures()) {
+        const std::string statement = failure.statement + ": " + std::to_string(failure.error.number());
+        port.passedOver.insert(port.passedOver.end(), static_cast<std::size_t>(failure.count), statement);
+    }
     EXPECT_FALSE(port.inRunMode);
     EXPECT_FALSE(port.hourglassShown);
     EXPECT_EQ(state.sql.FtgDB, nullptr) << "the run has left the company open";

@@ -31,7 +31,8 @@ TEST(Rsk, WritesArticleUnitAndGroup) {
     EXPECT_EQ(world.rows("Produkt", "Leverantör, Inpris, 1Utpris, Prisändrdat"), "1010 125.5 7 2026-01-05\n");
     EXPECT_EQ(world.rows("Levprislista", "Produktnr, Leverantör, Datum, RabattKod, InprisFöreRabatt"),
               "1871234 1010 2026-01-05 R12345 125.5\n1871234 1020 2026-01-05  110\n");
-    EXPECT_EQ(summary.changed, 2);
+    EXPECT_EQ(summary.changed, 1);
+    EXPECT_EQ(summary.saved, 2);
     EXPECT_EQ(summary.skipped, 0);
 }
 
@@ -79,8 +80,10 @@ TEST(RskGroups, AreReadBesideThePriceFile) {
     const RunSummary summary = world.run();
     EXPECT_EQ(world.rows("Prodgrupp", "Nummer, Benämning, Momskonto1, Rabattkonto"),
               "0432 Blandare tvättställ 1 0\n0500 " + std::string(40, 'x') + " 3010 3730\n19  3010 3730\n");
+    EXPECT_EQ(summary.groups, 3);
+    EXPECT_EQ(summary.groupLinesSkipped, 1);
     EXPECT_EQ(summary.records, 1);
-    EXPECT_EQ(summary.skipped, 1);
+    EXPECT_EQ(summary.skipped, 0);
 }
 
 TEST(RskGroups, AreLeftAloneByTheOtherFormat) {

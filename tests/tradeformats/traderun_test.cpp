@@ -19,6 +19,16 @@ std::string eioFile(int count) {
     return file;
 }
 
+std::string finfoLine(std::string_view price, std::string_view quantity, std::string_view salesPrice) {
+    return line({{1, "AB"}, {29, "15001234"}, {246, price}, {264, "20260105"}, {296, quantity}, {329, salesPrice}});
+}
+
+std::string goodRecord(std::string_view job) {
+    if (job == "(FINFO)") return finfoLine("00010000", "00001000000", "00015000");
+    const std::string header = job == "(RSK)" ? "0260105\r\n" : "";
+    return header + line({{1, "101000001"}, {10, "Artikel"}, {35, "20260105"}}) + "2AB00010000\r\n";
+}
+
 /// A record of PRISLEV.TXT as another program may have written it.
 void appendCoupling(const World& world, std::string_view code, std::string_view supplier) {
     std::string record(242, ' ');
@@ -72,8 +82,54 @@ TEST(TradeRun, StopsWhenTheCouplingsCannotBeRead) {
 TEST(TradeRun, TellsOfLineFeedsWhereLinesShouldEnd) {
     TradeWorld world("(EIO)");
     world.rawPriceFile(replaceAll(eioFile(100), "\r", ""));
-    world.port.expect(world.texts().ModulTextMed("KMR", 321, "pris.txt"), world.texts().ModulText("KMR", 322));
     EXPECT_EQ(world.run().records, 1);
+    ASSERT_EQ(world.port.told.size(), 1U);
+    EXPECT_EQ(world.port.told[0].find(world.texts().ModulTextMed("KMR", 321, "pris.txt")), 0U);
+}
+
+TEST(TradeRun, TellsWhatLinesDidNotBring) {
+    const struct {
+        const char* fault;
+        const char* job;
+        std::string lines;  // behind a good record
+        Remark remark;
+        const char* product;
+        const char* text;
+        bool faulty;
+    } cases[] = {
+        {"blank price", "(EIO)", "2AB           R1\r\n", Remark::MissingPrice, "1000001", "", true},
+        {"zeros for a price", "(EIO)", "2AB00000000 R1\r\n", Remark::MissingPrice, "1000001", "00000000", true},
+        {"damaged price", "(EIO)", "2AB0001O000 R1\r\n", Remark::DamagedPrice, "1000001", "0001O000", true},
+        {"price cut by the end of the line", "(RSK)", "2AB0001\r\n", Remark::DamagedPrice, "1000001", "0001", true},
+        {"code of nobody", "(EIO)", "2\xC5Z00010000\r\n", Remark::UncoupledCode, "1000001", "ÅZ", false},
+        {"other record type", "(EIO)", "9\x1B[2J\r\n", Remark::OtherLine, "", "9\\x1B[2J", false},
+        {"article without number", "(EIO)", "1\r\n2AB00010000\r\n", Remark::NoKey, "", "", false},
+        {"damaged sales price", "(FINFO)", finfoLine("00010000", "00001000000", "150,00"), Remark::NotNumber,
+         "15001234", "150,00", true},
+        {"damaged quantity", "(FINFO)", finfoLine("00010000", "0000l000000", "00015000"), Remark::DamagedQuantity,
+         "15001234", "0000l000000", true},
+        {"blank purchase price", "(FINFO)", finfoLine("", "00001000000", "00015000"), Remark::MissingPrice, "15001234",
+         "", true},
+        {"damaged purchase price", "(FINFO)", finfoLine("1O0", "00001000000", "00015000"), Remark::DamagedPrice,
+         "15001234", "1O0", true},
+        {"group of others", "(FINFO)", line({{1, "AB"}, {29, "20001234"}}), Remark::OutsideGroups, "", "20001234",
+         false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        TradeWorld world(c.job);
+        world.job.fromGroup = "1000";
+        world.job.toGroup = "1999";
+        world.rawPriceFile(goodRecord(c.job) + c.lines);
+        const RunSummary summary = world.run();
+        const RunReport::Tally& tally = summary.report.tally(c.remark);
+        ASSERT_EQ(tally.count, 1);
+        EXPECT_EQ(tally.examples[0].record, summary.records);
+        EXPECT_EQ(tally.examples[0].product, c.product);
+        EXPECT_EQ(tally.examples[0].text, c.text);
+        EXPECT_EQ(summary.hasFaults(), c.faulty);
+        EXPECT_EQ(world.port.told.size(), c.faulty ? 1U : 0U);
+    }
 }
 
 TEST(TradeRun, TouchesNothingUnlessConfirmed) {

@@ -17,7 +17,7 @@ class Eio final : public EioRsk {
     explicit Eio(const TradeFormatParts& parts);
 
   protected:
-    LineUse takeHeader(std::string_view /*line*/) override { return LineUse::PassedOver; }
+    LineUse takeHeader(std::string_view line) override { return otherLine(line); }
     void takeArticle(std::string_view line) override;
     void writePriceLevels(ProductRows& products, double price) override;
 };

@@ -23,17 +23,25 @@ LineUse EioRsk::takeLine(std::string_view line) {
         case 2:
             return takePrice(line);
         default:
-            return LineUse::PassedOver;
+            return otherLine(line);
     }
 }
 
 LineUse EioRsk::takePrice(std::string_view line) {
-    const CoupledSupplier* supplier = parts_.suppliers.find(cut(line, priceLine_.supplierCode));
-    if (!supplier || article_.number.empty()) return LineUse::PassedOver;
-    // A damaged price must not put 0 over a good one.
-    const Digits price = cutDigits(line, priceLine_.price, 100);
-    if (!price.whole()) return LineUse::PassedOver;
-    if (!writeProduct(*supplier, price.number)) return LineUse::PassedOver;
+    parts_.report.about(article_.number);
+    const std::string_view code = cut(line, priceLine_.supplierCode);
+    const CoupledSupplier* supplier = parts_.suppliers.find(code);
+    if (!supplier) {
+        parts_.report.uncoupled(toUtf8(code, page_));
+        return LineUse::PassedOver;
+    }
+    if (article_.number.empty()) return parts_.passOver(Remark::NoKey);
+    const Columns& columns = priceLine_.price;
+    const Digits price = cutDigits(line, columns, 100);
+    // A damaged price must not put 0 over a good one; a missing one is 0.
+    if (price.unreadable()) return parts_.passOver(Remark::DamagedPrice, columns.name, text(line, columns));
+    if (!writeProduct(*supplier, price.number)) return parts_.passOver(Remark::NotSaved);
+    if (price.number == 0) parts_.report.remark(Remark::MissingPrice, columns.name, text(line, columns));
     writeSupplierPrice(*supplier, price.number, text(line, priceLine_.discountCode));
     return LineUse::Written;
 }
@@ -52,7 +60,7 @@ bool EioRsk::writeProduct(const CoupledSupplier& supplier, double price) {
         products.row.write(products.Inpris, tables().roundedInpris(price));
         writePriceLevels(products, price);
     }
-    tables().saveProduct(found);
+    tables().saveProduct(article_.number, found);
     return true;
 }
 
@@ -66,6 +74,11 @@ void EioRsk::writeSupplierPrice(const CoupledSupplier& supplier, double price, s
     prices.row.write(prices.Inpris, tables().roundedInpris(price - price * discount));
     prices.row.write(prices.InprisFöreRabatt, price);
     tables().saveSupplierPrice();
+}
+
+LineUse EioRsk::otherLine(std::string_view line) const {
+    constexpr std::size_t kShownBytes = 80;
+    return parts_.passOver(Remark::OtherLine, {}, toUtf8(line.substr(0, kShownBytes), page_));
 }
 
 std::string EioRsk::text(std::string_view line, Columns columns) const { return toUtf8(cut(line, columns), page_); }

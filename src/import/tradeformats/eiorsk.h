@@ -38,6 +38,8 @@ class EioRsk : public TradeFormat {
     virtual void writePriceLevels(ProductRows& /*products*/, double /*price*/) {}
 
     [[nodiscard]] TradeTables& tables() { return parts_.tables; }
+    /// A line that is not read, because of its record type or because it says nothing.
+    [[nodiscard]] LineUse otherLine(std::string_view line) const;
     /// The text in these columns.
     [[nodiscard]] std::string text(std::string_view line, Columns columns) const;
     [[nodiscard]] std::optional<Date> date(std::string_view line, Columns columns) const;
@@ -47,7 +49,7 @@ class EioRsk : public TradeFormat {
 
   private:
     LineUse takePrice(std::string_view line);
-    bool writeProduct(const CoupledSupplier& supplier, double price);
+    [[nodiscard]] bool writeProduct(const CoupledSupplier& supplier, double price);
     void writeSupplierPrice(const CoupledSupplier& supplier, double price, std::string_view discountCode);
 
     TradeFormatParts parts_;

@@ -10,6 +10,8 @@ namespace {
 constexpr std::size_t kGroupCharacters = 5;  ///< of the group prefix, in column "Grupp"
 constexpr double kHundredths = 100;
 constexpr double kMillionths = 1'000'000;
+constexpr Columns kInpris = columns(kFinfo, "inpris"), kUtpris = columns(kFinfo, "utpris"),
+                  kFörpackningsantal = columns(kFinfo, "förpackningsantal");
 
 std::string text(std::string_view line, Columns columns) { return toUtf8(cut(line, columns), CodePage::Oem850); }
 
@@ -17,15 +19,20 @@ std::string text(std::string_view line, Columns columns) { return toUtf8(cut(lin
 
 LineUse Finfo::takeLine(std::string_view line) {
     std::string group = text(line, columns(kFinfo, "varugrupp"));
-    if (!inGroupRange(group)) return LineUse::PassedOver;
-    const CoupledSupplier* supplier = parts_.suppliers.find(cut(line, columns(kFinfo, "leverantörskod")));
-    if (!supplier) return LineUse::PassedOver;
+    if (!inGroupRange(group)) return parts_.passOver(Remark::OutsideGroups, {}, group);
+    const std::string_view code = cut(line, columns(kFinfo, "leverantörskod"));
+    const CoupledSupplier* supplier = parts_.suppliers.find(code);
     std::string number = text(line, columns(kFinfo, "produktnr"));
-    if (number.empty()) return LineUse::PassedOver;
-    // A price that the line does not reach is 0; a damaged one must not put 0 over a good one.
-    const Digits purchasePrice = cutDigits(line, columns(kFinfo, "inpris"), kHundredths);
-    const Digits salesPrice = cutDigits(line, columns(kFinfo, "utpris"), kHundredths);
-    if (purchasePrice.unreadable() || salesPrice.unreadable()) return LineUse::PassedOver;
+    parts_.report.about(number);
+    if (!supplier) {
+        parts_.report.uncoupled(toUtf8(code, CodePage::Oem850));
+        return LineUse::PassedOver;
+    }
+    if (number.empty()) return parts_.passOver(Remark::NoKey);
+    const Digits purchasePrice = cutDigits(line, kInpris, kHundredths);
+    // A damaged price must not put 0 over a good one; a missing one is 0.
+    if (purchasePrice.unreadable()) return parts_.passOver(Remark::DamagedPrice, kInpris.name, text(line, kInpris));
+    const Digits salesPrice = cutDigits(line, kUtpris, kHundredths);
 
     const Article article{
         .line = line,
@@ -35,7 +42,9 @@ LineUse Finfo::takeLine(std::string_view line) {
         .purchasePrice = purchasePrice.number,
         .salesPrice = salesPrice.number,
         .priceDate = TolkaDatum(text(line, columns(kFinfo, "prisdatum")), parts_.Idag, parts_.locale)};
-    if (!writeProduct(article)) return LineUse::PassedOver;
+    if (!writeProduct(article)) return parts_.passOver(Remark::NotSaved);
+    if (article.purchasePrice == 0) parts_.report.remark(Remark::MissingPrice, kInpris.name, text(line, kInpris));
+    if (salesPrice.unreadable()) parts_.report.remark(Remark::NotNumber, kUtpris.name, text(line, kUtpris));
     writeSupplierPrice(article);
     writeAlternatives(article);
     return LineUse::Written;
@@ -65,15 +74,18 @@ bool Finfo::writeProduct(const Article& article) {
     row.write(products.Inpris, parts_.tables.roundedInpris(article.purchasePrice));
     row.write(products.Utpris(1), parts_.tables.roundedUtpris(levelOnePrice(article, found), 1));
     row.write(products.Försäljning, std::string_view());
-    parts_.tables.saveProduct(found);
+    parts_.tables.saveProduct(article.number, found);
     return true;
 }
 
 void Finfo::writePackage(ProductRows& products, std::string_view line) {
-    const double quantity = cutDigits(line, columns(kFinfo, "förpackningsantal"), kMillionths).number;
-    if (quantity == 1) return;
+    const Digits quantity = cutDigits(line, kFörpackningsantal, kMillionths);
+    if (quantity.number == 1) return;
+    if (quantity.unreadable()) {
+        return parts_.report.remark(Remark::DamagedQuantity, kFörpackningsantal.name, text(line, kFörpackningsantal));
+    }
     const std::string unit = text(line, columns(kFinfo, "förpackningsenhet"));
-    products.row.write(products.Antal1, quantity);
+    products.row.write(products.Antal1, quantity.number);
     products.row.write(products.Rubrik0, unit);
     products.row.write(products.Rubrik1, unit);
 }

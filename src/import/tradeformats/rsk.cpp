@@ -11,7 +11,7 @@ Rsk::Rsk(const TradeFormatParts& parts)
 LineUse Rsk::takeHeader(std::string_view line) {
     // Every line without a record type is a header, and one without a date leaves the prices behind it without date.
     priceDate_ = date(line, columns(kRskHeader, "prisdatum"));
-    return priceDate_ ? LineUse::Noted : LineUse::PassedOver;
+    return priceDate_ ? LineUse::Noted : otherLine(line);
 }
 
 void Rsk::takeArticle(std::string_view line) {

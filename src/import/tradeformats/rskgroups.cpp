@@ -27,20 +27,21 @@ std::unique_ptr<PriceFile> openGroups(const std::filesystem::path& priceFile) {
 class GroupRows {
   public:
     GroupRows(RunMachinery& run, Recordset& settings)
-        : settings_(settings), passedOver_(run.port()), row_(run.sql(), run.port(), "Prodgrupp", "Nummer") {}
+        : settings_(settings), report_(run.report()), row_(run.sql(), report_, "Prodgrupp", "Nummer") {}
 
-    void put(const std::string& number, std::string_view name) {
+    /// Whether the group was saved.
+    bool put(const std::string& number, std::string_view name) {
         const RowWriter::Row found = row_.editOrAdd(number);
-        if (found == RowWriter::Row::Unreachable) return;
-        if (found == RowWriter::Row::New) SättGruppKonton(row_.rows(), settings_, passedOver_);
+        if (found == RowWriter::Row::Unreachable) return false;
+        if (found == RowWriter::Row::New) SättGruppKonton(row_.rows(), settings_, report_);
         row_.write(Nummer_, number);
         row_.write(Benämning_, name);
-        row_.save();
+        return row_.save();
     }
 
   private:
     Recordset& settings_;
-    PassedOver& passedOver_;
+    RunReport& report_;
     RowWriter row_;
     const Column Nummer_ = row_.column("Nummer");
     const Column Benämning_ = row_.column("Benämning");
@@ -61,16 +62,19 @@ bool LäsInproduktGrupperRSK(RunMachinery& run, Recordset& settings) {
     for (std::int64_t lines = 1; goesOn && !file->atEnd(); ++lines) {
         const std::string_view line = file->line();
         const std::string number = toUtf8(cut(line, columns(kRskGroup, "gruppnr")), CodePage::Oem850);
+        run.report().at(lines);
+        run.report().about(number);
         if (number.empty()) {
-            ++run.summary().skipped;
-        } else {
-            groups.put(number, toUtf8(cut(line, columns(kRskGroup, "benämning")), CodePage::Oem850));
+            ++run.summary().groupLinesSkipped;
+        } else if (groups.put(number, toUtf8(cut(line, columns(kRskGroup, "benämning")), CodePage::Oem850))) {
+            ++run.summary().groups;
         }
         if (lines % kLinesPerBatch != 0) continue;
         goesOn = run.progress(label, lines);
         if (goesOn) transaction.next();
     }
     transaction.end();
+    run.report().at(0);
     return goesOn;
 }
 

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "definitions/jobfile.h"
+#include "import/runreport.h"
 #include "import/tradeformats/suppliercouplings.h"
 #include "import/tradeformats/tradetables.h"
 #include "platform/date.h"
@@ -14,7 +15,7 @@ namespace kolmera {
 enum class LineUse {
     Noted,       ///< remembered for the lines behind it
     Written,     ///< a price record that went to the tables
-    PassedOver,  ///< nothing that can be used
+    PassedOver,  ///< nothing that can be used; the report has been told why
 };
 
 /// A trade format: takes the lines of a price file one by one, without their ends and before decoding, and writes the
@@ -28,10 +29,17 @@ class TradeFormat {
 /// What a format works with; all of it outlives the format.
 struct TradeFormatParts {
     TradeTables& tables;
+    RunReport& report;
     SupplierLookup& suppliers;
     const Job& job;  ///< product groups in upper case
     const Locale& locale;
     Date Idag;
+
+    /// Tells why a line is not used.
+    [[nodiscard]] LineUse passOver(Remark why, std::string_view column = {}, std::string_view text = {}) const {
+        report.remark(why, column, text);
+        return LineUse::PassedOver;
+    }
 };
 
 }  // namespace kolmera

@@ -57,7 +57,7 @@ void warnNoCoupling(RunMachinery& run, std::string_view heading) {
 bool emptyTables(RunMachinery& run, ProductRows& products, SupplierPriceRows& supplierPrices,
                  std::optional<AlternativeRows>& alternatives) {
     if (alternatives) return run.TömTabeller(products.row.rows(), supplierPrices.row.rows(), alternatives->row.rows());
-    AlternativeRows opened(run.sql(), run.port());
+    AlternativeRows opened(run.sql(), run.report());
     return run.TömTabeller(products.row.rows(), supplierPrices.row.rows(), opened.row.rows());
 }
 
@@ -71,9 +71,7 @@ bool goesOn(RunMachinery& run, std::int64_t lines) {
     return false;
 }
 
-std::int64_t rowsWritten(const RunSummary& summary) {
-    return summary.newProducts + summary.changed + summary.priceList + summary.alternatives;
-}
+std::int64_t rowsWritten(const RunSummary& summary) { return summary.saved + summary.priceList + summary.alternatives; }
 
 void readLines(RunMachinery& run, TradeFormat& format) {
     constexpr std::int64_t kRecordsPerBatch = 25;
@@ -84,11 +82,16 @@ void readLines(RunMachinery& run, TradeFormat& format) {
     std::int64_t written = 0;
     while (!file.atEnd()) {
         const std::int64_t before = rowsWritten(summary);
-        const LineUse use = format.takeLine(file.line());
-        const bool refused = use == LineUse::Written && rowsWritten(summary) == before;
-        if (use == LineUse::PassedOver || refused) ++summary.skipped;
-        if (use == LineUse::Written && ++written % kRecordsPerBatch == 0) transaction.next();
-        if (!goesOn(run, ++summary.records)) break;
+        summary.report.at(++summary.records);
+        if (format.takeLine(file.line()) == LineUse::Written) {
+            if (rowsWritten(summary) > before) {
+                ++summary.used;
+            } else {
+                summary.report.remark(Remark::NotSaved);
+            }
+            if (++written % kRecordsPerBatch == 0) transaction.next();
+        }
+        if (!goesOn(run, summary.records)) break;
     }
     transaction.end();
 }
@@ -99,19 +102,19 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
     SqlLayer& sql = run.sql();
     run.Körläge(true);
     run.port().clearCancel();
-    SupplierPriceRows supplierPrices(sql, run.port());
-    Rabattbrev discountLetters(sql, run.port());
+    SupplierPriceRows supplierPrices(sql, run.report());
+    Rabattbrev discountLetters(sql, run.report());
     std::optional<AlternativeRows> alternatives;
-    if (job.writesAlternatives) alternatives.emplace(sql, run.port());
+    if (job.writesAlternatives) alternatives.emplace(sql, run.report());
 
     if (run.emptyTables() && !emptyTables(run, products, supplierPrices, alternatives)) return;
     if (job.readsGroups && !LäsInproduktGrupperRSK(run, *company.settings)) return;
 
     run.port().status(run.texts().FormulärSträng("PrisMain", 28));
     const Date Idag = run.context().Idag;
-    PrisClsRoundInprisOUtpris prices(sql, run.port(), Idag);
+    PrisClsRoundInprisOUtpris prices(sql, run.report(), Idag);
     prices.Init();
-    NewProductDefaults defaults(*company.settings, *company.settings2, sql.locale(), run.port());
+    NewProductDefaults defaults(*company.settings, *company.settings2, sql.locale(), run.report());
     TradeTables tables({.products = products,
                         .supplierPrices = supplierPrices,
                         .alternatives = alternatives ? &*alternatives : nullptr,
@@ -121,8 +124,12 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
                         .summary = run.summary(),
                         .Idag = Idag});
     SupplierLookup lookup(std::move(suppliers), job.page);
-    const auto format =
-        job.format({.tables = tables, .suppliers = lookup, .job = run.job(), .locale = sql.locale(), .Idag = Idag});
+    const auto format = job.format({.tables = tables,
+                                    .report = run.report(),
+                                    .suppliers = lookup,
+                                    .job = run.job(),
+                                    .locale = sql.locale(),
+                                    .Idag = Idag});
     readLines(run, *format);
 }
 
@@ -133,10 +140,10 @@ void runTradeFormat(RunMachinery& run, const TradeJob& job) {
     std::vector<Coupling> couplings;
     if (!run.readDefinitions([&] { couplings = CouplingFile(run.context().state.dataFolder()).ofJob(job.name); }))
         return;
-    auto suppliers = coupledSuppliers(couplings, run.sql(), run.port());
+    auto suppliers = coupledSuppliers(couplings, run.sql(), run.report());
     if (suppliers.empty()) return warnNoCoupling(run, heading);
 
-    ProductRows products(run.sql(), run.port());
+    ProductRows products(run.sql(), run.report());
     auto rows = couplingRows(suppliers, run.texts().FormulärSträng("PrisUtFa", 3));
     if (!run.confirm(products.row.rows(), run.MeddelandeUtför(heading), std::move(rows))) return;
     if (!run.prepare() || !run.findPriceFile() || !run.openPriceFile()) return;

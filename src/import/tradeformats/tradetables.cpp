@@ -71,11 +71,11 @@ RowWriter::Row TradeTables::editOrAddProduct(std::string_view number) {
     return found;
 }
 
-void TradeTables::saveProduct(RowWriter::Row row) {
+void TradeTables::saveProduct(std::string_view number, RowWriter::Row row) {
     ProductRows& products = parts_.products;
     products.row.write(products.Förändringsdatum, parts_.Idag);
     if (!products.row.save()) return;
-    ++(row == RowWriter::Row::New ? parts_.summary.newProducts : parts_.summary.changed);
+    parts_.summary.productSaved(number, row == RowWriter::Row::New);
 }
 
 void TradeTables::saveSupplierPrice() {

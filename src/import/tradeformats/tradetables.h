@@ -6,7 +6,7 @@
 
 #include "discounts/rabattbrev.h"
 #include "import/defaults.h"
-#include "import/runport.h"
+#include "import/runsummary.h"
 #include "import/tradeformats/rowwriter.h"
 #include "platform/date.h"
 #include "pricing/changedate.h"
@@ -116,7 +116,7 @@ class TradeTables {
     /// that a default markup counts for the first price.
     RowWriter::Row editOrAddProduct(std::string_view number);
     /// Saves the product with today as the day of its change.
-    void saveProduct(RowWriter::Row row);
+    void saveProduct(std::string_view number, RowWriter::Row row);
     void saveSupplierPrice();
     void putAlternative(std::string_view product, int heading, std::string_view alternative);
 

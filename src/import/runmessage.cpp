@@ -1,0 +1,126 @@
+#include "import/runmessage.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "lang/errortext.h"
+#include "platform/printable.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kModule = "KMR";
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::size_t kErrorCharacters = 300;
+constexpr std::string_view kIndent = "    ";
+constexpr int kOneLine = 321, kFailures = 555, kNothingUsed = 563, kRecord = 564, kMore = 565, kSkipped = 204,
+              kNoCode = 566;
+
+class MessageText {
+  public:
+    MessageText(LanguageTexts& texts, std::size_t examples) : texts_(texts), examples_(examples) {}
+
+    void paragraph(std::string_view text) {
+        if (!text_.empty()) text_ += "\r\n\r\n";
+        text_ += text;
+    }
+    void counted(int label, std::int64_t count) {
+        paragraph(fmt::format("{}: {}", texts_.ModulText(kModule, label), count));
+    }
+    void line(std::string_view text) { (text_ += kLineEnd).append(kIndent).append(text); }
+    void examples(const RunReport::Tally& tally);
+    void failures(const RunReport& report);
+
+    [[nodiscard]] std::string text() && { return std::move(text_); }
+
+  private:
+    [[nodiscard]] std::string where(std::int64_t record, std::string_view product);
+    void more(std::size_t all) {
+        if (all > examples_) line(texts_.ModulTextMed(kModule, kMore, fmt::format("{}", all - examples_)));
+    }
+
+    LanguageTexts& texts_;
+    std::size_t examples_;
+    std::string text_;
+};
+
+/// "post 12, 4711: "
+std::string MessageText::where(std::int64_t record, std::string_view product) {
+    std::string where;
+    if (record > 0) where = texts_.ModulTextMed(kModule, kRecord, fmt::format("{}", record));
+    if (!where.empty() && !product.empty()) where += ", ";
+    where += product;
+    if (!where.empty()) where += ": ";
+    return where;
+}
+
+void MessageText::examples(const RunReport::Tally& tally) {
+    for (std::size_t i = 0; i < std::min(examples_, tally.examples.size()); ++i) {
+        const RunReport::Example& example = tally.examples[i];
+        std::string said = where(example.record, example.product) + '"' + example.text + '"';
+        if (!example.column.empty()) said += " (" + example.column + ")";
+        line(said);
+    }
+    more(static_cast<std::size_t>(tally.count));
+}
+
+void MessageText::failures(const RunReport& report) {
+    const auto& failures = report.failures();
+    for (std::size_t i = 0; i < std::min(examples_, failures.size()); ++i) {
+        const RunReport::Failure& failure = failures[i];
+        line(fmt::format("{}{}: {}{}", where(failure.record, failure.product), failure.statement,
+                         printable(errorText(texts_, failure.error), kErrorCharacters),
+                         failure.count > 1 ? fmt::format(" ({} x)", failure.count) : std::string()));
+    }
+    more(failures.size());
+}
+
+std::string codesByName(LanguageTexts& texts, const RunReport& report) {
+    std::vector<std::string> codes;
+    for (const auto& [code, count] : report.uncoupledCodes()) {
+        codes.push_back(fmt::format("{} {}", code.empty() ? texts.ModulText(kModule, kNoCode) : code, count));
+    }
+    return fmt::format(" ({})", fmt::join(codes, ", "));
+}
+
+bool hasSomethingToTell(const RunSummary& summary) {
+    return summary.hasFaults() || summary.report.count(Remark::EmptyKey) > 0;
+}
+
+}  // namespace
+
+std::string runMessage(LanguageTexts& texts, const RunSummary& summary, std::string_view priceFile,
+                       std::size_t examples) {
+    if (!hasSomethingToTell(summary)) return {};
+    const RunReport& report = summary.report;
+    MessageText message(texts, examples);
+    if (summary.readAsOneLine) message.paragraph(texts.ModulTextMed(kModule, kOneLine, priceFile));
+    if (summary.nothingUsed()) message.paragraph(texts.ModulTextMed(kModule, kNothingUsed, priceFile));
+    for (const RemarkKind& kind : kRemarks) {
+        if (report.count(kind.remark) == 0 || (kind.asItStands && kind.skips)) continue;
+        message.counted(kind.text, report.count(kind.remark));
+        message.examples(report.tally(kind.remark));
+    }
+    if (!report.failures().empty()) {
+        message.counted(kFailures, report.failedStatements());
+        message.failures(report);
+    }
+    if (summary.skipped > 0) {
+        message.counted(kSkipped, summary.skipped);
+        for (const std::string& reason : skipReasons(texts, report)) message.line(reason);
+    }
+    return std::move(message).text();
+}
+
+std::vector<std::string> skipReasons(LanguageTexts& texts, const RunReport& report) {
+    std::vector<std::string> reasons;
+    for (const RemarkKind& kind : kRemarks) {
+        const std::int64_t count = report.count(kind.remark);
+        if (!kind.skips || count == 0) continue;
+        std::string& reason = reasons.emplace_back(fmt::format("{}: {}", texts.ModulText(kModule, kind.text), count));
+        if (kind.remark == Remark::UncoupledCode) reason += codesByName(texts, report);
+    }
+    return reasons;
+}
+
+}  // namespace kolmera

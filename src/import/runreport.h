@@ -1,0 +1,115 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/attempt.h"
+
+namespace kolmera {
+
+/// What a run meets in its price file beside what it takes as it stands.
+enum class Remark {
+    NotNumber,        ///< a value that is no number and was read as 0
+    MissingPrice,     ///< a price that is missing, and was written as 0
+    DamagedPrice,     ///< trade formats: a line that is passed over, because its price cannot be read
+    DamagedQuantity,  ///< FINFO: a package that is left as it was, because its quantity cannot be read
+    NotSaved,         ///< a record that the database did not take
+    EmptyKey,         ///< a record without search key, written to the product whose own is empty
+    UncoupledCode,    ///< trade formats: a line of a supplier code that is not coupled
+    OutsideGroups,    ///< FINFO: a line outside the job's product groups
+    NoProduct,        ///< a record whose product does not exist, and is not to be made
+    NoKey,            ///< a record without search key or product number
+    OtherLine,        ///< trade formats: a line of a kind that is not read
+};
+
+struct RemarkKind {
+    Remark remark;
+    std::string_view name;  ///< in the summary file
+    int text;               ///< of the module KMR
+    bool asItStands;        ///< the file was taken as it stands: nothing to look into
+    bool skips;             ///< the record wrote nothing
+};
+
+/// One row a remark, in their order.
+inline constexpr RemarkKind kRemarks[] = {
+    {Remark::NotNumber, "not_numbers", 551, false, false},
+    {Remark::MissingPrice, "missing_prices", 552, false, false},
+    {Remark::DamagedPrice, "damaged_prices", 553, false, true},
+    {Remark::DamagedQuantity, "damaged_quantities", 554, false, false},
+    {Remark::NotSaved, "not_saved", 556, false, true},
+    {Remark::EmptyKey, "empty_keys", 557, true, false},
+    {Remark::UncoupledCode, "uncoupled_codes", 558, true, true},
+    {Remark::OutsideGroups, "outside_groups", 559, true, true},
+    {Remark::NoProduct, "no_product", 560, true, true},
+    {Remark::NoKey, "no_key", 561, true, true},
+    {Remark::OtherLine, "other_lines", 562, true, true},
+};
+
+/// Hears from the steps of an import what happened to the record at hand, counts it, and keeps the first of each kind
+/// as examples. Call `at` for each record, `about` as soon as its product is known; the rest only when there is
+/// something to tell. Texts of the file are kept short and printable.
+class RunReport final : public PassedOver {
+  public:
+    struct Example {
+        std::int64_t record = 0;  ///< record, or line of a trade format, from 1; 0 outside the file
+        std::string product;      ///< its number, or the search key of the record
+        std::string column;       ///< table and column, or the column of a trade format
+        std::string text;         ///< what the file says there
+    };
+    struct Tally {
+        std::int64_t count = 0;
+        std::vector<Example> examples;
+    };
+    /// Statements that failed alike.
+    struct Failure {
+        std::string statement;
+        PlatformError error;  ///< of the first one, as are record and product
+        std::int64_t record = 0;
+        std::string product;
+        std::int64_t count = 0;
+    };
+
+    void at(std::int64_t record) {
+        record_ = record;
+        product_.clear();
+    }
+    void about(std::string_view product) { product_.assign(product); }
+
+    void remark(Remark remark, std::string_view column = {}, std::string_view text = {});
+    /// A value of the price file that is written as 0. `source` is its place in the record, from 1: a value that goes
+    /// to several columns is one value. 0 when it goes to one.
+    void zero(Remark remark, int source, std::string_view column, std::string_view text);
+    /// A line of a supplier code that is not coupled; the codes are counted by name.
+    void uncoupled(std::string_view code);
+    /// A statement that the database refused.
+    void note(std::string_view what, const PlatformError& error) override;
+
+    [[nodiscard]] const Tally& tally(Remark remark) const { return tallies_[static_cast<std::size_t>(remark)]; }
+    [[nodiscard]] std::int64_t count(Remark remark) const { return tally(remark).count; }
+    [[nodiscard]] std::int64_t skipped() const;  ///< records that wrote nothing, whatever the reason
+    [[nodiscard]] std::int64_t failedStatements() const { return failedStatements_; }
+    [[nodiscard]] std::int64_t failed() const;  ///< damaged prices and quantities included
+    /// Something in the file was not taken as it stands.
+    [[nodiscard]] bool hasFaults() const;
+    [[nodiscard]] const std::vector<Failure>& failures() const { return failures_; }
+    /// Lines by supplier code that is not coupled; what goes beyond a hundred codes is in the tally only.
+    [[nodiscard]] const std::map<std::string, std::int64_t, std::less<>>& uncoupledCodes() const { return codes_; }
+
+  private:
+    Failure& failureLike(std::string_view what, const PlatformError& error);
+
+    std::int64_t record_ = 0;
+    std::string product_;
+    std::array<Tally, std::size(kRemarks)> tallies_;
+    std::int64_t zerosOf_ = 0;  ///< the record of `zeroSources_`
+    std::vector<int> zeroSources_;
+    std::int64_t failedStatements_ = 0;
+    std::vector<Failure> failures_;
+    std::map<std::string, std::int64_t, std::less<>> codes_;
+};
+
+}  // namespace kolmera
