@@ -3,14 +3,18 @@
 #include <fmt/format.h>
 
 #include <chrono>
-#include <fstream>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
+#include <sstream>
 
 #include "cli/session.h"
+#include "cli/summaryfile.h"
 #include "cli/terminalport.h"
 #include "definitions/jobfile.h"
 #include "import/dispatcher.h"
+#include "import/runmessage.h"
+#include "lang/errortext.h"
 #include "platform/lettercase.h"
 
 namespace kolmera::cli {
@@ -35,78 +39,156 @@ std::string outcome(Session& session, int code) {
     }
 }
 
-// What the run did, each number under its name in the JSON summary and the number of its label.
+// What the run did; a label is a text of the program's own module.
 struct SummaryLine {
-    const char* name;
     int label;
     std::int64_t count;
+    bool always = true;  ///< also when it is 0
 };
+constexpr int kSkipped = 204;
 
 std::vector<SummaryLine> summaryLines(const RunSummary& summary) {
-    return {{"records", 201, summary.records},
-            {"new", 202, summary.newProducts},
-            {"changed", 203, summary.changed},
-            {"skipped", 204, summary.skipped},
-            {"pricelist", 205, summary.priceList},
-            {"alternatives", 206, summary.alternatives},
-            {"documents", 207, summary.documents},
-            {"passed_over", 208, summary.report.failed()},
-            {"not_numbers", 213, summary.report.count(Remark::NotNumber)}};
+    const RunReport& report = summary.report;
+    return {{201, summary.records},
+            {202, summary.newProducts},
+            {203, summary.changed},
+            {kSkipped, summary.skipped},
+            {205, summary.priceList},
+            {206, summary.alternatives},
+            {207, summary.documents},
+            {371, summary.groups, false},
+            {372, summary.groupLinesSkipped, false},
+            {208, report.failed()},
+            {551, report.count(Remark::NotNumber)},
+            {552, report.count(Remark::MissingPrice)}};
 }
 
-void printSummary(Session& session, const std::vector<SummaryLine>& lines, double seconds, std::ostream& out) {
-    for (const SummaryLine& line : lines) out << fmt::format("{}: {}\n", session.text(line.label), line.count);
-    out << fmt::format("{}: {}\n", session.text(210), session.state.locale.formatFixed(seconds, 2));
+void printSummary(Session& session, const RunResult& result, std::ostream& out) {
+    for (const SummaryLine& line : summaryLines(result.summary)) {
+        if (line.count == 0 && !line.always) continue;
+        out << fmt::format("{}: {}\n", session.text(line.label), line.count);
+        if (line.label != kSkipped) continue;
+        for (const std::string& reason : skipReasons(session.texts, result.summary.report))
+            out << "  " << reason << '\n';
+    }
+    out << fmt::format("{}: {}\n", session.text(210), session.state.locale.formatFixed(result.seconds, 2));
 }
 
-bool writeSummary(const std::string& file, const std::string& job, const std::vector<SummaryLine>& lines,
-                  bool cancelled, double seconds) {
-    nlohmann::ordered_json json{{"job", job}};
-    for (const SummaryLine& line : lines) json[line.name] = line.count;
-    json["cancelled"] = cancelled;
-    json["seconds"] = seconds;
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream << json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-    stream.close();
-    return !stream.fail();
+/// One run of the terminal, from the first look at the command line to its summary file.
+class TerminalRun {
+  public:
+    TerminalRun(const RunArguments& arguments, const Surroundings& surroundings)
+        : arguments_(arguments),
+          surroundings_(surroundings),
+          session_(surroundings, arguments.dataFolder),
+          port_(surroundings.err, surroundings.cancel, arguments.emptyTables) {}
+
+    int run();
+
+  private:
+    [[nodiscard]] bool startSummary();
+    [[nodiscard]] bool finishSummary();
+    void carryOut();
+    [[nodiscard]] std::optional<Job> findJob();
+    void importJob(const Job& job);
+    void tellResult();
+    void say(const std::string& message);
+
+    const RunArguments& arguments_;
+    const Surroundings& surroundings_;
+    Session session_;
+    TerminalPort port_;
+    std::optional<SummaryFile> summaryFile_;
+    RunResult result_{.exitCode = exitcode::kStopped, .summary = {}, .messages = {}};
+};
+
+int TerminalRun::run() {
+    if (!startSummary()) return exitcode::kStopped;
+    try {
+        carryOut();
+    } catch (const PlatformError& error) {
+        say(errorText(session_.texts, error));
+    } catch (const std::exception& error) {
+        say(session_.text(255, error.what()));
+    }
+    if (!finishSummary() && result_.exitCode != exitcode::kCancelled) return exitcode::kStopped;
+    return result_.exitCode;
+}
+
+bool TerminalRun::startSummary() {
+    if (arguments_.summaryFile.empty()) return true;
+    try {
+        summaryFile_.emplace(arguments_.summaryFile, arguments_.job);
+        return true;
+    } catch (const PlatformError& error) {
+        say(session_.text(253, arguments_.summaryFile) + ' ' + errorText(session_.texts, error));
+        return false;
+    }
+}
+
+bool TerminalRun::finishSummary() {
+    if (!summaryFile_) return true;
+    const auto& told = port_.messages();
+    result_.messages.insert(result_.messages.end(), told.begin(), told.end());
+    try {
+        summaryFile_->finish(summaryJson(session_.texts, arguments_.job, result_));
+        return true;
+    } catch (const PlatformError& error) {
+        say(session_.text(253, arguments_.summaryFile) + ' ' + errorText(session_.texts, error));
+        return false;
+    }
+}
+
+void TerminalRun::carryOut() {
+    const auto job = findJob();
+    if (!job) return;
+    const auto start = std::chrono::steady_clock::now();
+    importJob(*job);
+    result_.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    result_.exitCode = exitCode(result_.summary);
+    tellResult();
+}
+
+std::optional<Job> TerminalRun::findJob() {
+    std::ostringstream told;
+    if (!session_.hasDataFolder(told)) {
+        surroundings_.err << told.str();
+        result_.messages.emplace_back(trimmed(replaceAll(told.str(), "\n", " ")));
+        return std::nullopt;
+    }
+    auto job = JobFile(absoluteFolder(arguments_.dataFolder)).find(trimmed(arguments_.job));
+    if (!job) say(session_.text(125, arguments_.job));
+    return job;
+}
+
+void TerminalRun::importJob(const Job& job) {
+    MessageBoxes boxes(port_, session_.state.helpFile);
+    CompanyRegister companies(session_.state, session_.texts, boxes);
+    ImportContext context{.state = session_.state,
+                          .texts = session_.texts,
+                          .boxes = boxes,
+                          .companies = companies,
+                          .port = port_,
+                          .Idag = Date::today(),
+                          .JobbNr = job.number};
+    result_.summary = Utför(context, job.name);
+}
+
+void TerminalRun::tellResult() {
+    if (result_.summary.completed) printSummary(session_, result_, surroundings_.out);
+    std::ostream& stream = result_.exitCode == exitcode::kDone ? surroundings_.out : surroundings_.err;
+    stream << outcome(session_, result_.exitCode) << '\n';
+}
+
+void TerminalRun::say(const std::string& message) {
+    surroundings_.err << session_.text(250) << ' ' << message << '\n';
+    result_.messages.push_back(message);
 }
 
 }  // namespace
 
 int runCommand(const RunArguments& arguments, const Surroundings& surroundings) {
-    Session session(surroundings, arguments.dataFolder);
-    const auto folder = absoluteFolder(arguments.dataFolder);
-    if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
-    const auto job = JobFile(folder).find(trimmed(arguments.job));
-    if (!job) {
-        surroundings.err << session.text(250) << ' ' << session.text(125, arguments.job) << '\n';
-        return exitcode::kStopped;
-    }
-
-    const auto start = std::chrono::steady_clock::now();
-    TerminalPort port(surroundings.err, surroundings.cancel, arguments.emptyTables);
-    MessageBoxes boxes(port, session.state.helpFile);
-    CompanyRegister companies(session.state, session.texts, boxes);
-    ImportContext context{.state = session.state,
-                          .texts = session.texts,
-                          .boxes = boxes,
-                          .companies = companies,
-                          .port = port,
-                          .Idag = Date::today(),
-                          .JobbNr = job->number};
-    const RunSummary summary = Utför(context, job->name);
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-
-    int code = exitCode(summary);
-    const auto lines = summaryLines(summary);
-    if (summary.completed) printSummary(session, lines, elapsed.count(), surroundings.out);
-    (code == exitcode::kDone ? surroundings.out : surroundings.err) << outcome(session, code) << '\n';
-    if (!arguments.summaryFile.empty() &&
-        !writeSummary(arguments.summaryFile, job->name, lines, summary.cancelled, elapsed.count())) {
-        surroundings.err << session.text(250) << ' ' << session.text(253, arguments.summaryFile) << '\n';
-        if (code != exitcode::kCancelled) code = exitcode::kStopped;
-    }
-    return code;
+    return TerminalRun(arguments, surroundings).run();
 }
 
 }  // namespace kolmera::cli

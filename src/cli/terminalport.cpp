@@ -13,8 +13,10 @@ TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel
 
 Answer TerminalPort::show(const Message& message) {
     bar_.clear();
-    if (!message.title.empty() && message.title != message.text) errors_ << message.title << ": ";
-    errors_ << replaceAll(message.text, "\r\n", "\n") << std::endl;
+    std::string told = replaceAll(message.text, "\r\n", "\n");
+    if (!message.title.empty() && message.title != message.text) told.insert(0, message.title + ": ");
+    errors_ << told << std::endl;
+    messages_.push_back(std::move(told));
     switch (message.buttons) {
         case Buttons::OK:
             return Answer::OK;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "cli/progressbar.h"
 #include "import/runport.h"
@@ -31,6 +32,8 @@ class TerminalPort final : public RunPort, public PassedOver {
     [[nodiscard]] std::size_t examplesTold() const override { return 20; }
     void progress(std::uint64_t position, std::uint64_t size) override;
 
+    /// What was told, a title before its text.
+    [[nodiscard]] const std::vector<std::string>& messages() const { return messages_; }
     [[nodiscard]] std::int64_t passedOver() const { return passedOver_; }
 
   private:
@@ -39,6 +42,7 @@ class TerminalPort final : public RunPort, public PassedOver {
     bool emptyTables_;
     ProgressBar bar_;
     std::string status_;
+    std::vector<std::string> messages_;
     std::int64_t passedOver_ = 0;
 };
 

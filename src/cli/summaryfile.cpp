@@ -1,0 +1,147 @@
+#include "cli/summaryfile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <nlohmann/json.hpp>
+
+#include "cli/commandline.h"
+#include "lang/errortext.h"
+#include "platform/printable.h"
+
+namespace kolmera::cli {
+namespace fs = std::filesystem;
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// A file of our own beside another one; removed unless it has taken the other one's place.
+struct Temporary {
+    explicit Temporary(const fs::path& beside);
+    Temporary(const Temporary&) = delete;
+    Temporary& operator=(const Temporary&) = delete;
+    ~Temporary() {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+    }
+
+    fs::path path;
+    Descriptor descriptor;
+};
+
+Temporary::Temporary(const fs::path& beside) {
+    for (int attempt = 0; !descriptor.isOpen(); ++attempt) {
+        path = beside.string() + "." + std::to_string(getpid()) + "." + std::to_string(attempt);
+        try {
+            descriptor = Descriptor(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+        } catch (const PlatformError& error) {
+            if (error.systemError() != EEXIST) throw;
+        }
+    }
+}
+
+std::string textOf(const Json& summary) {
+    return summary.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+}
+
+const char* outcomeOf(int exitCode) {
+    switch (exitCode) {
+        case exitcode::kDone:
+            return "done";
+        case exitcode::kPassedOver:
+            return "done_with_remarks";
+        case exitcode::kCancelled:
+            return "cancelled";
+        default:
+            return "stopped";
+    }
+}
+
+Json examplesJson(const RunReport::Tally& tally) {
+    Json examples = Json::array();
+    for (const RunReport::Example& example : tally.examples) {
+        examples.push_back({{"record", example.record},
+                            {"product", example.product},
+                            {"column", example.column},
+                            {"text", example.text}});
+    }
+    return examples;
+}
+
+Json remarksJson(const RunReport& report) {
+    Json remarks = Json::object();
+    for (const RemarkKind& kind : kRemarks) {
+        const RunReport::Tally& tally = report.tally(kind.remark);
+        remarks[std::string(kind.name)] = {{"count", tally.count}, {"examples", examplesJson(tally)}};
+    }
+    return remarks;
+}
+
+Json failuresJson(LanguageTexts& texts, const RunReport& report) {
+    constexpr std::size_t kErrorCharacters = 300;
+    Json failures = Json::array();
+    for (const RunReport::Failure& failure : report.failures()) {
+        failures.push_back({{"statement", failure.statement},
+                            {"error", failure.error.number()},
+                            {"text", printable(errorText(texts, failure.error), kErrorCharacters)},
+                            {"count", failure.count},
+                            {"record", failure.record},
+                            {"product", failure.product}});
+    }
+    return failures;
+}
+
+}  // namespace
+
+Json summaryJson(LanguageTexts& texts, const std::string& job, const RunResult& result) {
+    const RunSummary& summary = result.summary;
+    const RunReport& report = summary.report;
+    return {{"job", job},
+            {"outcome", outcomeOf(result.exitCode)},
+            {"exit_code", result.exitCode},
+            {"messages", result.messages},
+            {"records", summary.records},
+            {"used", summary.used},
+            {"new", summary.newProducts},
+            {"changed", summary.changed},
+            {"saved", summary.saved},
+            {"skipped", summary.skipped},
+            {"pricelist", summary.priceList},
+            {"alternatives", summary.alternatives},
+            {"documents", summary.documents},
+            {"groups", summary.groups},
+            {"group_lines_skipped", summary.groupLinesSkipped},
+            {"passed_over", report.failed()},
+            {"not_numbers", report.count(Remark::NotNumber)},
+            {"missing_prices", report.count(Remark::MissingPrice)},
+            {"read_as_one_line", summary.readAsOneLine},
+            {"cancelled", summary.cancelled},
+            {"seconds", result.seconds},
+            {"remarks", remarksJson(report)},
+            {"uncoupled_codes", report.uncoupledCodes()},
+            {"failed_statements", failuresJson(texts, report)}};
+}
+
+SummaryFile::SummaryFile(const fs::path& file, const std::string& job) : file_(fs::absolute(file)) {
+    const bool link = fs::is_symlink(fs::symlink_status(file_));
+    const fs::file_status status = fs::status(file_);
+    writtenDirectly_ = fs::exists(status) && !fs::is_regular_file(status);
+    // A file that may not be written must not be replaced either, though its folder would allow that.
+    if (writtenDirectly_ || (fs::exists(status) && !link)) existing_ = Descriptor(file_, O_WRONLY);
+    if (!writtenDirectly_) replaceBy({{"job", job}, {"outcome", "running"}});
+}
+
+void SummaryFile::finish(const Json& summary) {
+    if (writtenDirectly_) return existing_.write(textOf(summary));
+    replaceBy(summary);
+}
+
+void SummaryFile::replaceBy(const Json& summary) const {
+    const Temporary temporary(file_);
+    if (existing_.isOpen()) temporary.descriptor.copyRights(existing_);
+    temporary.descriptor.writeAt(0, textOf(summary));
+    moveOver(temporary.descriptor, temporary.path, file_);
+}
+
+}  // namespace kolmera::cli
