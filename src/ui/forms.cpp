@@ -4,10 +4,12 @@
 #include <QDialog>
 #include <QEventLoop>
 #include <QScreen>
+#include <QShortcut>
 #include <QTimer>
 #include <QWidget>
 #include <new>
 
+#include "ui/guidewindow.h"
 #include "ui/translation.h"
 
 namespace kolmera {
@@ -27,6 +29,9 @@ void loadForm(Program& program, QWidget& form) {
     ÖversättFormulär(form, program.texts);
     nameForScreenReaders(form);
     SättTypsnitt(form, program.state.TypsnittTahoma);
+    auto* help = new QShortcut(QKeySequence(QKeySequence::HelpContents), &form);
+    QObject::connect(help, &QShortcut::activated, &form,
+                     [&] { openGuide(&form, program.texts, program.state.programFolder()); });
 }
 
 bool VisaFormulär(Program& program, QWidget& form, bool modal) {

@@ -8,7 +8,7 @@ class QWidget;
 namespace kolmera {
 
 /// What every form does when its controls are made: translates the form, gives controls without a label their tool tip
-/// as the name that screen readers say, and applies the font option.
+/// as the name that screen readers say, applies the font option, and lets F1 open the guide.
 void loadForm(Program& program, QWidget& form);
 
 /// Shows a form, with the hourglass until it stands. A modal one (a QDialog) is closed when this returns; what it

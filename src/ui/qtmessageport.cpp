@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <span>
 
+#include "ui/guidewindow.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -95,6 +96,7 @@ void QtMessagePort::addHelp(QMessageBox& box, const Message& message) {
 void QtMessagePort::openHelp(const Message& message, QMessageBox& box) {
     const QString file = toQt(message.helpFile);
     if (QFileInfo::exists(file) && QDesktopServices::openUrl(QUrl::fromLocalFile(file))) return;
+    if (openGuide(&box, texts_, std::filesystem::path(message.helpFile).parent_path())) return;
     QMessageBox missing(QMessageBox::Warning, box.windowTitle(),
                         toQt(texts_.ModulTextMed("KMR", kHelpMissingText, message.helpFile)), QMessageBox::NoButton,
                         &box);
