@@ -4,8 +4,11 @@
 #include <QDialog>
 #include <QEventLoop>
 #include <QScreen>
+#include <QScrollArea>
 #include <QShortcut>
+#include <QStyle>
 #include <QTimer>
+#include <QVBoxLayout>
 #include <QWidget>
 #include <new>
 
@@ -21,6 +24,24 @@ void nameForScreenReaders(QWidget& form) {
             control->setAccessibleName(control->toolTip());
         }
     }
+}
+
+/// A form that needs more room than the screen has is scrolled, so that its last button can be reached.
+void scrollWhereTooLarge(QWidget& form) {
+    QLayout* layout = form.layout();
+    const QSize room = form.screen()->availableSize() - (form.frameSize() - form.size());
+    if (layout == nullptr || layout->totalMinimumSize().boundedTo(room) == layout->totalMinimumSize()) return;
+    const QSize wanted = form.sizeHint() + QSize(form.style()->pixelMetric(QStyle::PM_ScrollBarExtent), 0);
+    auto* contents = new QWidget;
+    contents->setLayout(layout);
+    auto* area = new QScrollArea(&form);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidget(contents);
+    auto* outer = new QVBoxLayout(&form);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->addWidget(area);
+    form.resize(wanted.boundedTo(room));
 }
 
 }  // namespace
@@ -39,6 +60,7 @@ bool VisaFormulär(Program& program, QWidget& form, bool modal) {
         {
             const Hourglass loading(program.boxes.port());
             form.ensurePolished();
+            scrollWhereTooLarge(form);
         }
         auto* dialog = dynamic_cast<QDialog*>(&form);
         if (modal && dialog != nullptr) {
