@@ -92,7 +92,7 @@ TEST_F(Opening, TheHeaderTellsWhoseFileItIs) {
 }
 
 TEST_F(Opening, TheJournalFollowsTheFileSystem) {
-    EXPECT_EQ(pragmas(*open(onNetwork(false))), "'wal' 1");
+    EXPECT_EQ(pragmas(*open(onNetwork(false))), "'wal' 2");
     add(*open(onNetwork(false)), "A");
     {
         const auto shared = open(onNetwork(true));
@@ -101,7 +101,7 @@ TEST_F(Opening, TheJournalFollowsTheFileSystem) {
         EXPECT_EQ(selectElsewhere("SELECT count(*) FROM Artikel"), "2") << "the file stayed locked";
     }
     const auto local = open(onNetwork(false));
-    EXPECT_EQ(pragmas(*local), "'wal' 1");
+    EXPECT_EQ(pragmas(*local), "'wal' 2");
     EXPECT_EQ(std::abs(errorOf([&] {
                   OpenOptions options = onNetwork(true);
                   options.wait = [] { return false; };

@@ -182,8 +182,9 @@ void SqliteConnection::shareOnNetwork() {
 }
 
 void SqliteConnection::useWriteAheadLog() {
-    const std::string journal = text("PRAGMA journal_mode=WAL");
-    run(journal == "wal" ? "PRAGMA synchronous=NORMAL" : "PRAGMA synchronous=FULL");
+    run("PRAGMA journal_mode=WAL");
+    // Every commit syncs the log: a checkpoint, which would do it too, may have to wait for other programs' readers.
+    run("PRAGMA synchronous=FULL");
     run("PRAGMA wal_autocheckpoint=16000");
 }
 
