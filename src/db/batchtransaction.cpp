@@ -4,18 +4,31 @@
 
 namespace kolmera {
 
+BatchTransaction::BatchTransaction(Database& database, Kind kind) : database_(database) {
+    if (kind == Kind::Whole) {
+        whole_ = database_.beginWhole();
+    } else {
+        database_.begin();
+    }
+}
+
 BatchTransaction::~BatchTransaction() {
     // Not so after `end`, nor when the engine has rolled the transaction back by itself.
     if (!database_.inTransaction()) return;
     try {
-        database_.commit();
+        commitOrRollBack();
     } catch (const PlatformError&) {
         // Only on the way out of an error that is reported already: without it, `end` has committed.
-        try {
-            database_.rollback();
-        } catch (const PlatformError&) {
-            return;
-        }
+        return;
+    }
+}
+
+void BatchTransaction::commitOrRollBack() {
+    if (whole_) return database_.rollback();
+    try {
+        database_.commit();
+    } catch (const PlatformError&) {
+        database_.rollback();
     }
 }
 

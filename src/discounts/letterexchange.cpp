@@ -7,7 +7,6 @@
 #include <system_error>
 #include <utility>
 
-#include "db/batchtransaction.h"
 #include "db/conversions.h"
 #include "discounts/lettertable.h"
 #include "platform/encodings.h"
@@ -29,10 +28,16 @@ bool isBlank(const Value& piece) { return isNull(piece) || piece == Value(std::s
 /// Which no code and no number has. (Lines end at CR: a lone LF is one of them.)
 bool isControl(char c) { return static_cast<unsigned char>(c) < ' '; }
 
+/// Whether a line names a group. One without would be the group of all price lines that have no code.
+bool hasCode(Pieces line) {
+    const Value& code = line.front();
+    return std::holds_alternative<std::string>(code) ? !trimmed(textOf(code)).empty() : !isNull(code);
+}
+
 /// Whether a line can become a group: a code that fits its column, and no control characters.
 bool isUsable(Pieces line, int codeSize) {
     const auto hasControls = [](const Value& piece) { return std::ranges::any_of(textOf(piece), isControl); };
-    if (std::ranges::any_of(line, hasControls)) return false;
+    if (!hasCode(line) || std::ranges::any_of(line, hasControls)) return false;
     return codeSize == 0 || characterCount(textOf(line.front())) <= static_cast<std::size_t>(codeSize);
 }
 
@@ -91,29 +96,53 @@ class LetterReader {
         ++report_.lines;
         if (attempt(passedOver_, lettertable::kName, [&] { save(line); })) {
             ++report_.added;
-        } else {
-            letter_.cancelUpdate();
-            report_.passedOver.note(TillText(line.front(), locale_));
+            return;
         }
+        letter_.cancelUpdate();
+        if (hasCode(line)) {
+            report_.passedOver.note(TillText(line.front(), locale_));
+        } else {
+            report_.withoutCode.note(fmt::format("{}", fmt::join(texts(line.subspan(1)), " ")));
+        }
+    }
+
+    /// Adds a group as it was stored before.
+    void put(Pieces group) {
+        if (!attempt(passedOver_, lettertable::kName, [&] { write(group); })) letter_.cancelUpdate();
     }
 
   private:
     void save(Pieces line) {
-        const int columns = static_cast<int>(letter_.fields().size());
         if (!isUsable(line, letter_.fields().at(lettertable::kCode).size)) {
             throw PlatformError(errors::kTextTooLong, "the line holds no discount group");
         }
+        write(line);
+    }
+
+    void write(Pieces line) {
+        const int columns = static_cast<int>(letter_.fields().size());
         letter_.addNew();
         letter_.set(lettertable::kSupplier, supplier_);
-        letter_.set(lettertable::kCode, isNull(line.front()) ? Value(std::string()) : line.front());
+        letter_.set(lettertable::kCode, line.front());
+        bool beyond = false;
         int column = lettertable::kFirstDiscount;
         for (auto piece = line.begin() + 1; piece != line.end() && column < columns; ++piece, ++column) {
             if (isBlank(*piece)) continue;
             if (!attempt(passedOver_, lettertable::kName, [&] { letter_.set(column, *piece); })) {
                 report_.notNumbers.note(TillText(line.front(), locale_));
             }
+            if (isBeyondPrice(TillDbl(letter_.value(column), locale_))) beyond = true;
         }
         letter_.update();
+        if (beyond) report_.beyond.note(TillText(line.front(), locale_));
+    }
+
+    [[nodiscard]] std::vector<std::string> texts(Pieces pieces) const {
+        std::vector<std::string> texts;
+        for (const Value& piece : pieces) {
+            if (!isBlank(piece)) texts.push_back(TillText(piece, locale_));
+        }
+        return texts;
     }
 
     Recordset& letter_;
@@ -184,69 +213,73 @@ std::int64_t LetterExchange::usableLines(const std::filesystem::path& file) {
 LetterRead LetterExchange::replaceFrom(const std::filesystem::path& file) {
     LetterRows old(sql_.locale());
     LetterRead report;
-    bool wasDeleted = false;
+    bool wasDeleted = false, mustRestore = false;
     try {
-        report.deleted = deleteLetter(old);
+        BatchTransaction batch(*sql_.FtgDB, BatchTransaction::Kind::Whole);
+        mustRestore = !batch.isWhole();
+        report.deleted = deleteLetter(batch, mustRestore ? &old : nullptr);
         wasDeleted = true;
-        readLetter(file, report);
+        readLetter(file, batch, report);
+        batch.end();
+    } catch (const Cancelled&) {
+        report.cancelled = true;
     } catch (const PlatformError& error) {
-        report.stopped = error;
+        // Giving up a lock that another program holds is how Cancel is obeyed there.
+        report.cancelled = error.number() == errors::kLocked && cancelled && cancelled();
+        if (!report.cancelled) report.stopped = error;
     }
-    if (report.cancelled || report.stopped) report.restored = restore(old, wasDeleted);
+    if (report.cancelled || report.stopped) report.restored = !mustRestore || restore(old, wasDeleted);
     return report;
 }
 
-/// Returns how many groups were deleted; `deleted` gets what the letter was.
-std::int64_t LetterExchange::deleteLetter(LetterRows& deleted) {
+/// Returns how many groups were deleted; `deleted`, if any, gets what the letter was.
+std::int64_t LetterExchange::deleteLetter(BatchTransaction& batch, LetterRows* deleted) {
     const auto letter = open();
-    BatchTransaction batch(*sql_.FtgDB);
     std::int64_t count = 0;
     for (; !letter->eof(); letter->moveNext()) {
         if (!attempt(passedOver_, lettertable::kName, [&] {
-                deleted.append(*letter);
+                if (deleted != nullptr) deleted->append(*letter);
                 letter->remove();
             })) {
             continue;
         }
         if (++count % kRowsOfTransaction == 0) batch.next();
     }
-    batch.end();
+    batch.next();
     return count;
 }
 
-void LetterExchange::readLetter(const std::filesystem::path& file, LetterRead& report) {
+void LetterExchange::readLetter(const std::filesystem::path& file, BatchTransaction& batch, LetterRead& report) {
     const auto letter = open();
     LetterReader reader(*letter, supplier_, sql_.locale(), passedOver_, report);
-    BatchTransaction batch(*sql_.FtgDB);
-    try {
-        eachLine(file, [&](Pieces line) {
-            reader.add(line);
-            if (report.lines % kRowsOfTransaction != 0) return;
-            batch.next();
-            if (cancelled && cancelled()) throw Cancelled();
-        });
-    } catch (const Cancelled&) {
-        report.cancelled = true;
-    }
-    batch.end();
+    eachLine(file, [&](Pieces line) {
+        reader.add(line);
+        if (report.lines % kRowsOfTransaction != 0) return;
+        batch.next();
+        if (cancelled && cancelled()) throw Cancelled();
+    });
 }
 
-/// Groups that are there still, because their deletion was undone, are passed over.
+/// Puts back what batches of a server have taken. Groups that are there still, because their deletion was undone, are
+/// passed over. Whatever ends this is told by the answer.
 bool LetterExchange::restore(const LetterRows& old, bool wasDeleted) {
     PassedOverSilently there;
-    return attempt(passedOver_, lettertable::kName, [&] {
-        LetterRows unfinished(sql_.locale());
-        if (wasDeleted) deleteLetter(unfinished);
+    try {
+        BatchTransaction batch(*sql_.FtgDB);
+        if (wasDeleted) deleteLetter(batch, nullptr);
         const auto letter = open();
         LetterRead report;
         LetterReader reader(*letter, supplier_, sql_.locale(), there, report);
-        BatchTransaction batch(*sql_.FtgDB);
         for (int row = 0; row < old.count(); ++row) {
-            reader.add(old.values(row));
+            reader.put(old.values(row));
             if ((row + 1) % kRowsOfTransaction == 0) batch.next();
         }
         batch.end();
-    });
+        return true;
+    } catch (const PlatformError& error) {
+        passedOver_.note(lettertable::kName, error);
+        return false;
+    }
 }
 
 LetterWritten LetterExchange::writeTo(const std::filesystem::path& file) {

@@ -10,6 +10,7 @@ constexpr int kCannotOpenFile = 1502;
 constexpr int kDatabaseStopped = 111, kDiskFullStopped = 112, kCancelled = 222, kStoppedRestored = 330,
               kCancelledRestored = 331, kCannotSaveFile = 124;
 constexpr int kUnwritableSheet = 130, kUnreadableSheet = 131;
+constexpr int kWithoutCode = 620, kBeyond = 621;
 constexpr int kLinesPassedOver = 304, kNotNumbers = 305, kNoGroups = 306, kQuestionMarks = 310;
 constexpr std::string_view kParagraph = "\r\n\r\n";
 
@@ -19,6 +20,10 @@ std::string named(const std::string& text, const std::filesystem::path& file) {
 
 std::string explained(LanguageTexts& texts, std::string text, const PlatformError& error) {
     return text.append(kParagraph).append(errorText(texts, error));
+}
+
+void addRemark(std::vector<std::string>& lines, LanguageTexts& texts, int text, const NotedGroups& groups) {
+    if (groups.count > 0) lines.push_back(texts.ModulTextMed(kModule, text, groups.text()));
 }
 
 /// Why the letter is not the file's.
@@ -57,18 +62,17 @@ std::string writingFailed(LanguageTexts& texts, const std::filesystem::path& fil
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterRead& report) {
     if (report.cancelled || report.stopped) return {readingEnded(texts, report)};
     std::vector<std::string> lines;
-    if (report.passedOver.count > 0) {
-        lines.push_back(texts.ModulTextMed(kModule, kLinesPassedOver, report.passedOver.text()));
-    }
-    if (report.notNumbers.count > 0) {
-        lines.push_back(texts.ModulTextMed(kModule, kNotNumbers, report.notNumbers.text()));
-    }
+    addRemark(lines, texts, kWithoutCode, report.withoutCode);
+    addRemark(lines, texts, kLinesPassedOver, report.passedOver);
+    addRemark(lines, texts, kNotNumbers, report.notNumbers);
+    addRemark(lines, texts, kBeyond, report.beyond);
     return lines;
 }
 
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterWritten& report) {
-    if (report.questionMarks.count == 0) return {};
-    return {texts.ModulTextMed(kModule, kQuestionMarks, report.questionMarks.text())};
+    std::vector<std::string> lines;
+    addRemark(lines, texts, kQuestionMarks, report.questionMarks);
+    return lines;
 }
 
 }  // namespace kolmera

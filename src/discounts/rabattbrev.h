@@ -18,6 +18,9 @@ inline constexpr int kDiscountSteps = 5;
 /// 16.21. A 0 is no step, a negative one a surcharge.
 double TotalRabatt(std::span<const float, kDiscountSteps> discounts);
 
+/// Whether a discount, or a surcharge, is more than the whole price: most often a decimal sign is missing.
+inline bool isBeyondPrice(double percent) { return percent > 100 || percent < -100; }
+
 /// The suppliers' discount letters of the open company, open for a run. Must be gone before the company database is
 /// closed.
 class Rabattbrev {

@@ -60,7 +60,6 @@ TEST_F(LetterExchangeTest, ReadsLinesOfText) {
         {"more pieces than columns", "B\t1\t2\t3\t4\t5\t6", "B 1 2 3 4 5\n"},
         {"decimals, blanks and signs", "C\t12,5\t -3 ", "C 12.5 -3   \n"},
         {"the code page", "Rör\t1", "Rör 1    \n"},
-        {"the empty code", "\t5", " 5    \n"},
         {"bytes counted for characters", "ÅÄÖåäöéüß€\t1", "ÅÄÖåäöéüß€ 1    \n"},
         {"a line end is missing", "X\t1\rY\t2", "X 1    \nY 2    \n"},
         {"empty lines are groups", "\r\n\r\nX\t1\r\n\t\t\r\n", "X 1    \n"},
@@ -74,14 +73,17 @@ TEST_F(LetterExchangeTest, ReadsLinesOfText) {
 }
 
 TEST_F(LetterExchangeTest, PassesBadLinesOverAndKeepsTheOthers) {
-    const LetterRead report =
-        read("A1\t1\r\nA1\t2\r\nTOO LONG CODE\t2\r\nB2\t12.5\tx\t3\r\nC3\t1\nD4\t2\r\nE5\t4\r\ne5\t9\r\n");
-    EXPECT_EQ(rows(), "A1 1    \nB2   3  \nE5 4    \n");
-    EXPECT_EQ(report.lines, 7);
-    EXPECT_EQ(report.added, 3);
+    const LetterRead report = read(
+        "A1\t1\r\nA1\t2\r\nTOO LONG CODE\t2\r\nB2\t12.5\tx\t3\r\nC3\t1\nD4\t2\r\nE5\t4\r\ne5\t9\r\n"
+        "\t25\t5\r\n \t7\r\nF6\t-150\r\n");
+    EXPECT_EQ(rows(), "A1 1    \nB2   3  \nE5 4    \nF6 -150    \n");
+    EXPECT_EQ(report.lines, 10);
+    EXPECT_EQ(report.added, 4);
+    EXPECT_EQ(report.withoutCode.text(), "2 (25 5, 7)") << "a group for all price lines without a code";
+    EXPECT_EQ(report.beyond.text(), "1 (F6)");
     EXPECT_EQ(report.passedOver.text(), "4 (A1, TOO LONG CODE, C3, e5)");
     EXPECT_EQ(report.notNumbers.text(), "2 (B2, B2)");
-    EXPECT_EQ(company.passedOver.notes.size(), 6U);
+    EXPECT_EQ(company.passedOver.notes.size(), 8U);
 }
 
 TEST_F(LetterExchangeTest, ReplacesOneSuppliersLetter) {
@@ -127,6 +129,7 @@ TEST_F(LetterExchangeTest, SeesWhatIsNoLetterBeforeAnythingIsDeleted) {
         {"empty lines", "\r\n\t\r\n", 0},
         {"LF ends: one line", "A\t1\nB\t2\n", 0},
         {"codes without tabs", "a long line of text\r\n", 0},
+        {"groups without codes", "\t5\r\n \t5\r\n", 0},
         {"no text at all", std::string("AB\r\n\0\x01\r\nCD\r\n", 12), 0},
         {"good lines among bad ones", "A\t1\r\na long line of text\r\nB\tx\r\n", 2},
     };
@@ -145,7 +148,7 @@ TEST_F(LetterExchangeTest, SeesWhatIsNoLetterBeforeAnythingIsDeleted) {
 }
 
 TEST_F(LetterExchangeTest, WritesWhatItReadsBack) {
-    for (const char* code : {"Å1", "12", "1E5", ""}) group(code, 12.25);
+    for (const char* code : {"Å1", "12", "1E5", "=A1"}) group(code, 12.25);
     group("NONE");
     company.add(kTable, {{"Leverantör", "7"}, {"Rabattgrupp", "ALL"}, {"1Rabatt", -5}, {"5Rabatt", 33.125}});
     const std::string before = rows("7", "Rabattgrupp");

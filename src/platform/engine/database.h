@@ -41,6 +41,13 @@ class Database {
 
     // Transactions. They do not nest; begin inside one is kInternal.
     virtual void begin() = 0;
+    /// Begins a transaction that takes in all that follow by `commitJoined` and `begin`: until `commit` nobody else
+    /// sees any of it or can write, and `rollback` takes back all of it. False where there is no such thing (a server):
+    /// then a transaction like any other has begun.
+    virtual bool beginWhole() {
+        begin();
+        return false;
+    }
     /// Ends the transaction; everything is on the disk when it returns.
     virtual void commit() = 0;
     /// Ends the transaction, and lets the physical commit wait until 250 ms have passed since the last one, or until

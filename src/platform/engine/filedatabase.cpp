@@ -225,6 +225,11 @@ void FileDatabase::insertRows(std::string_view table, std::span<const int> colum
 
 void FileDatabase::begin() { session_.transactions.begin(); }
 
+bool FileDatabase::beginWhole() {
+    session_.transactions.beginWhole();
+    return true;
+}
+
 void FileDatabase::commit() {
     flushAll();
     session_.transactions.commit();

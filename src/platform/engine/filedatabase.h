@@ -26,6 +26,7 @@ class FileDatabase final : public Database {
                     std::span<const std::vector<Value>> rows) override;
 
     void begin() override;
+    bool beginWhole() override;
     void commit() override;
     void commitJoined() override;
     void rollback() override { session_.transactions.rollback(); }

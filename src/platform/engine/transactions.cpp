@@ -15,7 +15,7 @@ constexpr auto kLongestJoin = std::chrono::milliseconds(250);
 Transactions::~Transactions() {
     if (!connection_.transactionOpen()) return;
     try {
-        if (joined_) {
+        if (joined_ && !whole_) {
             connection_.commit();
         } else {
             connection_.rollback();
@@ -31,11 +31,17 @@ void Transactions::begin() {
     throwKeptError();
     if (open()) throw PlatformError(errors::kInternal, "a transaction is open already");
     if (!connection_.transactionOpen()) {
-        joined_ = false;
+        joined_ = whole_ = false;
         connection_.begin();
         began_ = std::chrono::steady_clock::now();
     }
     open_ = true;
+}
+
+void Transactions::beginWhole() {
+    settle();
+    begin();
+    whole_ = true;
 }
 
 void Transactions::commit() {
@@ -47,18 +53,18 @@ void Transactions::commit() {
 void Transactions::commitJoined() {
     throwKeptError();
     requireOpen();
-    if (std::chrono::steady_clock::now() - began_ >= kLongestJoin) return commitPhysically();
+    if (!whole_ && std::chrono::steady_clock::now() - began_ >= kLongestJoin) return commitPhysically();
     open_ = false;
     joined_ = true;
 }
 
 void Transactions::rollback() {
     requireOpen();
-    if (joined_) {
+    if (joined_ && !whole_) {
         throw PlatformError(errors::kInternal,
                             "the transaction was joined to earlier ones and cannot be rolled back alone");
     }
-    open_ = false;
+    open_ = joined_ = whole_ = false;
     error_.reset();
     connection_.rollback();
 }
@@ -82,8 +88,7 @@ void Transactions::requireOpen() const {
 
 void Transactions::commitPhysically() {
     connection_.commit();
-    open_ = false;
-    joined_ = false;
+    open_ = joined_ = whole_ = false;
 }
 
 }  // namespace kolmera

@@ -16,10 +16,13 @@ class Transactions {
     explicit Transactions(SqliteConnection& connection) : connection_(connection) {}
     Transactions(const Transactions&) = delete;
     Transactions& operator=(const Transactions&) = delete;
-    /// Commits what was joined; a transaction that holds nothing joined and was never ended is rolled back.
+    /// Commits what was joined; a transaction that holds nothing joined, or is whole, and was never ended is rolled
+    /// back.
     ~Transactions();
 
     void begin();
+    /// The physical transaction that begins here lasts until `commit` or `rollback`, however many joined ones it holds.
+    void beginWhole();
     void commit();
     void commitJoined();
     void rollback();
@@ -40,6 +43,7 @@ class Transactions {
     SqliteConnection& connection_;
     bool open_ = false;
     bool joined_ = false;  ///< the physical transaction holds earlier transactions
+    bool whole_ = false;   ///< and is there whole or not at all
     std::chrono::steady_clock::time_point began_;
     std::optional<PlatformError> error_;
 };
