@@ -36,7 +36,7 @@ class EnterSomTab final : public QObject {
     }
 };
 
-/// Passes typed characters through a rule that answers 0 for those to be dropped.
+/// Passes typed characters through a rule that answers 0 for those to be dropped, or another character in their place.
 class KeyGate final : public QObject {
   public:
     KeyGate(QLineEdit& field, std::function<int(const std::string& text, int key)> rule)
@@ -51,7 +51,10 @@ class KeyGate final : public QObject {
         // Keys without a printable character (arrows, Ctrl+C ...) are the field's own. Ctrl+Alt types characters.
         const bool command = (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::ControlModifier;
         if (command || typed.size() != 1 || !typed[0].isPrint()) return false;
-        return rule_(textThatStays(), typed[0].unicode()) == keys::kRejected;
+        const int taken = rule_(textThatStays(), typed[0].unicode());
+        if (taken == typed[0].unicode()) return false;
+        if (taken != keys::kRejected) field_.insert(QChar(taken));
+        return true;
     }
 
   private:
@@ -87,6 +90,8 @@ void installEnterSomTabOn(QWidget& control) { control.installEventFilter(new Ent
 
 void allowNumbersOnly(QLineEdit& field, char Decimaltecken, bool allowDecimal, bool allowMinus) {
     new KeyGate(field, [=](const std::string& text, int key) {
+        // Keyboards and habits differ from the locale: a point that were dropped would make 1.5 into 15.
+        if (key == '.' || key == ',') key = Decimaltecken;
         return NumeriskTangent(text, key, Decimaltecken, allowDecimal, allowMinus);
     });
 }

@@ -15,7 +15,7 @@ void installEnterSomTab(QWidget& form);
 /// The same for one control, a row list for example.
 void installEnterSomTabOn(QWidget& control);
 
-/// Lets a text box take the keys of NumeriskTangent only.
+/// Lets a text box take the keys of NumeriskTangent only. Point and comma both type the decimal sign.
 void allowNumbersOnly(QLineEdit& field, char Decimaltecken, bool allowDecimal, bool allowMinus);
 /// Keeps the keys that SpärraTangent stops out of a text box.
 void blockKeys(QLineEdit& field);
