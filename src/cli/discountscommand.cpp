@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <ostream>
+#include <utility>
 
 #include "cli/session.h"
 #include "cli/terminalport.h"
@@ -28,13 +29,17 @@ class LetterCommand {
           session_(surroundings, arguments.dataFolder),
           port_(surroundings.err, surroundings.cancel, false),
           boxes_(port_, {}),
-          companies_(session_.state, session_.texts, boxes_) {}
+          companies_(session_.state, session_.texts, boxes_) {
+        companies_.waitForLock = [this] { return waitForLock(); };
+    }
 
     int exportLetter();
     int importLetter();
 
   private:
     bool openCompany();
+    bool waitForLock();
+    [[nodiscard]] int stopped() { return port_.cancelled() ? exitcode::kCancelled : exitcode::kStopped; }
     [[nodiscard]] std::optional<std::string> companyDatabase();
     [[nodiscard]] std::optional<std::string> supplierNumber();
     bool canReplace(LetterExchange& exchange);
@@ -55,11 +60,21 @@ class LetterCommand {
     const DiscountsArguments& arguments_;
     const Surroundings& surroundings_;
     fs::path file_;
+    std::string database_;  ///< of the company
     Session session_;
     TerminalPort port_;
     MessageBoxes boxes_;
     CompanyRegister companies_;
+    bool toldOfLock_ = false;
 };
+
+/// Another program keeps the company locked. Ctrl-C gives up.
+bool LetterCommand::waitForLock() {
+    if (!std::exchange(toldOfLock_, true)) {
+        surroundings_.err << session_.text(114, database_) << std::endl;
+    }
+    return !port_.cancelled();
+}
 
 std::optional<std::string> LetterCommand::companyDatabase() {
     const std::vector<std::string> rows = companyRows(companies_, session_.state.dataFolder());
@@ -78,7 +93,9 @@ bool LetterCommand::openCompany() {
     if (!session_.hasDataFolder(surroundings_.err)) return false;
     LäsDorvikIni(session_.state);
     const std::optional<std::string> database = companyDatabase();
-    return database && companies_.ÖppnaDatabas(*database);
+    if (!database) return false;
+    database_ = *database;
+    return companies_.ÖppnaDatabas(database_);
 }
 
 /// The supplier's number as the company writes it.
@@ -120,10 +137,10 @@ bool LetterCommand::canReplace(LetterExchange& exchange) {
 
 int LetterCommand::importLetter() {
     const std::optional<std::string> supplier = openCompany() ? supplierNumber() : std::nullopt;
-    if (!supplier) return exitcode::kStopped;
+    if (!supplier) return stopped();
     LetterExchange exchange(session_.state.sql, *supplier, port_);
     exchange.cancelled = [this] { return port_.cancelled(); };
-    if (!canReplace(exchange)) return exitcode::kStopped;
+    if (!canReplace(exchange)) return stopped();
     return finish(exchange.replaceFrom(file_));
 }
 
@@ -135,7 +152,7 @@ int LetterCommand::finish(const LetterRead& report) {
     print(session_.text(303), report.deleted);
     print(session_.text(300), report.lines);
     print(session_.text(301), report.added);
-    print(session_.text(302), report.passedOver.count);
+    print(session_.text(302), report.passedOver.count + report.withoutCode.count);
     printRemarks(report);
     surroundings_.out << session_.text(315) << '\n';
     return port_.passedOver() > 0 ? exitcode::kPassedOver : exitcode::kDone;

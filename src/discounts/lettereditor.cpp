@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "db/conversions.h"
@@ -22,6 +23,7 @@ constexpr std::string_view kForm = "PrisRab";
 constexpr std::string_view kModule = "KMR";
 constexpr int kReadTitle = 10, kWriteTitle = 11, kAskToReplace = 15, kFileName = 17, kAskToDelete = 20,
               kDeleteTitle = 21;
+constexpr int kWaiting = 114, kNoCode = 622, kAskBeyond = 623, kAskToDeleteNameless = 624;
 constexpr int kChooseSupplier = 307, kNoNumber = 308, kCannotSave = 309, kCannotShow = 318, kCannotDelete = 319;
 constexpr std::string_view kFileEnding = ".txt";
 
@@ -49,9 +51,14 @@ LetterEditor::LetterEditor(StartState& state, LanguageTexts& texts, MessageBoxes
       boxes_(boxes),
       register_(companies),
       rows_(state.locale),
-      folder_(state.dataFolder()) {}
+      folder_(state.dataFolder()) {
+    register_.waitForLock = [this] { return waitForLock(); };
+}
 
-LetterEditor::~LetterEditor() { closeCompany(); }
+LetterEditor::~LetterEditor() {
+    closeCompany();
+    register_.waitForLock = nullptr;
+}
 
 void LetterEditor::open(int JobbNr) {
     companyRows_ = companyRows(register_, state_.dataFolder());
@@ -64,12 +71,34 @@ void LetterEditor::open(int JobbNr) {
     if (row >= 0) chooseCompany(row);
 }
 
-/// Runs a statement; a failure is shown, with what could not be done in front of it. Returns whether it succeeded.
+bool LetterEditor::waitForLock() {
+    gaveUp_ = !keepWaiting || !keepWaiting(texts_.ModulTextMed(kModule, kWaiting, FtgFil_));
+    return !gaveUp_;
+}
+
+/// Covers statements that may have to wait for a lock.
+class LetterEditor::Patience {
+  public:
+    explicit Patience(LetterEditor& editor) : editor_(editor) { editor.gaveUp_ = false; }
+    ~Patience() {
+        if (editor_.waited) editor_.waited();
+    }
+    Patience(const Patience&) = delete;
+    Patience& operator=(const Patience&) = delete;
+
+  private:
+    LetterEditor& editor_;
+};
+
+/// Runs a statement; a failure is shown, with what could not be done in front of it, unless the user gave up waiting.
+/// Returns whether it succeeded.
 bool LetterEditor::tried(int failureText, const std::function<void()>& statement) {
     try {
+        const Patience patience(*this);
         statement();
         return true;
     } catch (const PlatformError& error) {
+        if (error.number() == errors::kLocked && gaveUp_ && keepWaiting) return false;
         boxes_.MeddelandeVarning(texts_.ModulText(kModule, failureText) + "\r\n\r\n" + errorText(texts_, error));
         return false;
     }
@@ -89,7 +118,10 @@ bool LetterEditor::chooseCompany(int row) {
     closeCompany();
     companyRow_ = row;
     FtgFil_ = codeOfRow(companyRows_.at(static_cast<std::size_t>(row))).value_or("");
-    if (!register_.ÖppnaDatabas(FtgFil_)) return false;
+    {
+        const Patience patience(*this);
+        if (!register_.ÖppnaDatabas(FtgFil_)) return false;
+    }
     tried(kCannotShow, [this] { suppliers_ = readSuppliers(state_.sql); });
     if (!jobsSupplier_.empty()) chooseSupplier(rowOfSupplier(suppliers_, jobsSupplier_));
     return true;
@@ -136,8 +168,7 @@ void LetterEditor::clearFields() {
 void LetterEditor::chooseRow(int row) {
     row_ = row >= 0 && row < rows_.count() ? row : -1;
     if (row_ < 0 || !letter_) return;
-    PassedOverSilently passedOver;
-    attempt(passedOver, "chooseRow", [this] {
+    tried(kCannotShow, [this] {
         letter_->findFirst(fmt::format("[ID] = {}", rows_.id(row_)));
         if (!letter_->noMatch()) showGroup();
     });
@@ -165,8 +196,7 @@ void LetterEditor::leave(int number) {
         total_ = TotalRabattText();
         return;
     }
-    PassedOverSilently passedOver;
-    attempt(passedOver, "SökPost", [this] {
+    tried(kCannotShow, [this] {
         if (!find(field(0))) return;
         row_ = rows_.rowOf(lettertable::idOf(*letter_));
         showGroup();
@@ -197,10 +227,19 @@ std::optional<int> LetterEditor::wrongDiscount() const {
 }
 
 std::optional<int> LetterEditor::Spara() {
-    if (trimmed(field(0)).empty() || !canRead()) return std::nullopt;
+    if (trimmed(field(0)).empty()) {
+        // Nothing was asked for, but a discount that is typed must not look saved.
+        if (std::all_of(fields_.begin() + 1, fields_.end(), [](const auto& text) { return text.empty(); })) return {};
+        boxes_.MeddelandeVarning(texts_.ModulText(kModule, kNoCode));
+        return 0;
+    }
+    if (!canRead()) return std::nullopt;
     if (const auto wrong = wrongDiscount()) {
         boxes_.MeddelandeVarning(texts_.ModulTextMed(kModule, kNoNumber, field(*wrong)));
         return wrong;
+    }
+    for (int number = 1; number < kFields; ++number) {
+        if (!mayExceedPrice(number)) return number;
     }
     if (!tried(kCannotSave, [this] { saveGroup(); })) {
         letter_->cancelUpdate();
@@ -208,6 +247,12 @@ std::optional<int> LetterEditor::Spara() {
     }
     clearFields();
     return 0;
+}
+
+/// Whether a discount is at most 100 per cent, or meant to be more.
+bool LetterEditor::mayExceedPrice(int number) {
+    if (!isBeyondPrice(TillDbl(field(number), state_.locale))) return true;
+    return boxes_.MeddelandeJaNejNej(texts_.ModulTextMed(kModule, kAskBeyond, field(number))) == Answer::Yes;
 }
 
 void LetterEditor::saveGroup() {
@@ -232,14 +277,25 @@ void LetterEditor::saveGroup() {
 
 void LetterEditor::Avbryt() { clearFields(); }
 
+/// Files may have been read in with a group that has no code.
+bool LetterEditor::showsNamelessGroup() const {
+    return field(0).empty() && row_ >= 0 && row_ < rows_.count() && rows_.text(row_, 0).empty();
+}
+
+/// Makes the group to delete the current record; false when there is none.
+bool LetterEditor::findGroupToDelete() {
+    if (!showsNamelessGroup()) return find(field(0));
+    letter_->findFirst(fmt::format("[ID] = {}", rows_.id(row_)));
+    return !letter_->noMatch();
+}
+
 void LetterEditor::TaBort() {
     if (!canDelete()) return;
     tried(kCannotDelete, [this] {
-        if (!find(field(0))) return;
-        if (boxes_.MeddelandeJaNejNej(texts_.FormulärSträngMed1(kForm, kAskToDelete, field(0)),
-                                      texts_.FormulärSträng(kForm, kDeleteTitle)) != Answer::Yes) {
-            return;
-        }
+        if (!findGroupToDelete()) return;
+        const std::string question = showsNamelessGroup() ? texts_.ModulText(kModule, kAskToDeleteNameless)
+                                                          : texts_.FormulärSträngMed1(kForm, kAskToDelete, field(0));
+        if (boxes_.MeddelandeJaNejNej(question, texts_.FormulärSträng(kForm, kDeleteTitle)) != Answer::Yes) return;
         const int row = rows_.rowOf(lettertable::idOf(*letter_));
         letter_->remove();
         if (row >= 0) rows_.remove(row);
@@ -261,6 +317,7 @@ void LetterEditor::LäsFil(const fs::path& file) {
     folder_ = file.parent_path();
     Reported passedOver;
     LetterExchange exchange(state_.sql, supplier().number, passedOver);
+    exchange.cancelled = [this] { return gaveUp_; };
     if (!mayReplace(exchange, file)) return;
     const std::string title = texts_.FormulärSträng(kForm, kReadTitle);
     LetterRead report;
@@ -290,6 +347,7 @@ bool LetterEditor::mayReplace(LetterExchange& exchange, const fs::path& file) {
 }
 
 std::int64_t LetterEditor::usableLines(LetterExchange& exchange, const fs::path& file) {
+    const Patience patience(*this);
     const Hourglass checking(boxes_.port());
     return exchange.usableLines(file);
 }
@@ -307,6 +365,7 @@ void LetterEditor::SkapaFil(const fs::path& file) {
     try {
         LetterWritten report;
         {
+            const Patience patience(*this);
             const Hourglass writing(boxes_.port());
             report = LetterExchange(state_.sql, supplier().number, passedOver).writeTo(file);
         }

@@ -24,6 +24,12 @@ class LetterEditor {
     LetterEditor(StartState& state, LanguageTexts& texts, MessageBoxes& boxes, CompanyRegister& companies);
     /// Closes the company database.
     ~LetterEditor();
+
+    /// Asked again and again while another program holds the company locked, with what to show; false gives up.
+    std::function<bool(const std::string& text)> keepWaiting;
+    /// The lock is there, or was given up.
+    std::function<void()> waited;
+
     LetterEditor(const LetterEditor&) = delete;
     LetterEditor& operator=(const LetterEditor&) = delete;
 
@@ -64,7 +70,7 @@ class LetterEditor {
     void Avbryt();
     /// Deletes the group of the code field, when the user agrees.
     void TaBort();
-    [[nodiscard]] bool canDelete() const { return !rows_.empty() && !field(0).empty(); }
+    [[nodiscard]] bool canDelete() const { return !rows_.empty() && (!field(0).empty() || showsNamelessGroup()); }
 
     // Files.
     /// Whether a supplier is chosen, whose letter could be read; the user is told when not.
@@ -79,6 +85,11 @@ class LetterEditor {
     void SkapaFil(const std::filesystem::path& file);
 
   private:
+    class Patience;
+    bool waitForLock();
+    bool mayExceedPrice(int number);
+    [[nodiscard]] bool showsNamelessGroup() const;
+    bool findGroupToDelete();
     bool tried(int failureText, const std::function<void()>& statement);
     void closeCompany();
     void closeLetter();
@@ -109,6 +120,7 @@ class LetterEditor {
     std::array<std::string, kFields> fields_;
     std::string total_;
     bool changed_ = false;
+    bool gaveUp_ = false;  ///< waiting for a lock
     std::filesystem::path folder_;
 };
 

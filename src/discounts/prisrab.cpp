@@ -23,6 +23,7 @@ namespace {
 constexpr std::string_view kForm = "PrisRab";
 constexpr int kReadTitle = 10, kWriteTitle = 11, kWriteFilters = 12, kReadFilters = 13;
 constexpr int kSecondFilter = 1;
+constexpr int kCancelWaiting = 141;
 constexpr int kCodeLength = 10;
 constexpr int kDiscountLength = 15;
 const std::vector<int> kCompanyTabStops{208};  ///< dialog units
@@ -59,7 +60,10 @@ class Showing {
 }  // namespace
 
 PrisRab::PrisRab(Program& program, int JobbNr, QWidget* parent)
-    : QDialog(parent), program_(program), letters_(program.state, program.texts, program.boxes, program.companies) {
+    : QDialog(parent),
+      program_(program),
+      letters_(program.state, program.texts, program.boxes, program.companies),
+      wait_(*this) {
     const Hourglass loading(program.boxes.port());
     setObjectName(toQt(kForm));
     setWindowTitle(QStringLiteral("Rabattbrev"));
@@ -78,6 +82,7 @@ PrisRab::PrisRab(Program& program, int JobbNr, QWidget* parent)
     connectFields();
     connectButtons();
     connectKeys();
+    connectWaiting();
     letters_.open(JobbNr);
     for (const std::string& row : letters_.companies()) ftgLista_->addItem(toQt(row));
     selectRow(*ftgLista_, letters_.chosenCompany());
@@ -260,6 +265,7 @@ void PrisRab::connectFields() {
             presentButtons();
         });
         connect(field, &QLineEdit::editingFinished, this, [this, number] {
+            if (wait_.shown()) return;
             letters_.leave(number);
             presentRow();
             presentFields();
@@ -291,6 +297,13 @@ void PrisRab::connectKeys() {
     pressOnKey(*this, QKeySequence(Qt::Key_F9), *taBort_);
     pressOnKey(*this, QKeySequence(Qt::Key_F12), *stäng_);
     focusOnAltL(*this, *lista_);
+}
+
+void PrisRab::connectWaiting() {
+    letters_.keepWaiting = [this](const std::string& text) {
+        return wait_.keepWaiting(toQt(text), toQt(program_.texts.ModulText("KMR", kCancelWaiting)));
+    };
+    letters_.waited = [this] { wait_.over(); };
 }
 
 // What follows from a choice: the company's suppliers, the supplier's letter, the fields of a group.

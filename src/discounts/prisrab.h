@@ -6,6 +6,7 @@
 
 #include "discounts/lettereditor.h"
 #include "ui/filedialogs.h"
+#include "ui/lockwait.h"
 #include "ui/program.h"
 
 class QBoxLayout;
@@ -46,6 +47,7 @@ class PrisRab final : public QDialog {
     void connectFields();
     void connectButtons();
     void connectKeys();
+    void connectWaiting();
 
     void presentCompany();
     void presentLetter();
@@ -60,7 +62,8 @@ class PrisRab final : public QDialog {
 
     Program& program_;
     LetterEditor letters_;
-    QString caption_;      ///< the window's own text
+    QString caption_;  ///< the window's own text
+    LockWait wait_;
     bool showing_ = true;  ///< lists are being filled: their selection is not the user's
 
     static constexpr int kLabels = 9;

@@ -171,8 +171,16 @@ TEST_F(LetterEditorTest, SavesNewAndChangedGroups) {
 
 TEST_F(LetterEditorTest, SavesNothingThatIsWrong) {
     open();
+    EXPECT_EQ(editor->Spara(), std::nullopt) << "nothing is asked for";
     type({" ", "5"});
-    EXPECT_EQ(editor->Spara(), std::nullopt) << "without a code";
+    expectBox(moduleText(622), "Kolmera");
+    EXPECT_EQ(editor->Spara(), 0) << "without a code";
+    for (const char* slip : {"100,1", "-250"}) {
+        type({"X", "5", slip});
+        expectBox(world.texts().ModulTextMed("KMR", 623, slip), "Kolmera", Answer::No);
+        EXPECT_EQ(editor->Spara(), 2);
+    }
+    editor->edit(2, "");
     type({"X", "5", "", "1x"});
     expectBox(world.texts().ModulTextMed("KMR", 308, "1x"), "Kolmera");
     EXPECT_EQ(editor->Spara(), 3);
@@ -204,6 +212,44 @@ TEST_F(LetterEditorTest, DeletesTheGroupOfTheCode) {
     EXPECT_EQ(listed(), "A1 ");
     EXPECT_EQ(fields(), "||||||");
     EXPECT_EQ(stored(), "10 A1 10 5\n20 A1 50 -\n");
+}
+
+TEST_F(LetterEditorTest, DeletesAGroupWithoutACode) {
+    group("10", "", 7);
+    open();
+    editor->chooseRow(listed().starts_with(" ") ? 0 : 2);
+    EXPECT_EQ(editor->field(1), "7");
+    EXPECT_TRUE(editor->canDelete());
+    expectBox(moduleText(624), formText(21), Answer::Yes);
+    editor->TaBort();
+    EXPECT_EQ(listed(), "A1 B2 ");
+    EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
+}
+
+TEST_F(LetterEditorTest, WaitsForALockUntilTheUserGivesUp) {
+    open();
+    const auto other = openFileDatabase(world.company(), OpenOptions());
+    other->begin();
+    int asked = 0, over = 0;
+    editor->keepWaiting = [&](const std::string& text) {
+        EXPECT_EQ(text, world.texts().ModulTextMed("KMR", 114, "FTG1.MDB"));
+        return ++asked % 3 != 0;
+    };
+    editor->waited = [&] { ++over; };
+    type({"X", "5"});
+    EXPECT_EQ(editor->Spara(), std::nullopt);
+    EXPECT_EQ(asked, 3);
+    EXPECT_EQ(over, 1) << "the window stays closed to the user";
+    EXPECT_EQ(editor->field(0), "X") << "the user's text is gone";
+    const auto file = write("brev.txt", "N1\t5\r\n");
+    expectBox(formText(15), formText(10));
+    expectBox(moduleText(331), formText(10));
+    editor->LäsFil(file);
+    EXPECT_EQ(asked, 6) << "giving up once is not enough";
+    other->commit();
+    type({"X", "5"});
+    EXPECT_EQ(editor->Spara(), 0);
+    EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n10 X 5 -\n");
 }
 
 // Files.
@@ -277,7 +323,7 @@ TEST_F(LetterEditorTest, ADatabaseThatCannotGrowKeepsTheOldLetter) {
     }
     EXPECT_FALSE(world.port.hourglassShown);
     EXPECT_EQ(row(0), "A1|10,00|5,00|2,00|||16,21");
-    EXPECT_EQ(stored(), "20 A1 50 -\n10 A1 10 5\n10 B2 12.5 -\n");
+    EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
 }
 
 TEST_F(LetterEditorTest, ListsAHundredThousandGroups) {
