@@ -21,6 +21,9 @@ struct Options {
     std::string summary;
     bool json = false;
     bool empty = false;
+    bool strict = false;
+    bool force = false;
+    std::string locale;
     std::string dialect;
     std::string server;
     std::string connectString;
@@ -84,6 +87,11 @@ void describe(CLI::App& app, Options& options) {
     run->add_option("JOB", options.job, "Name of the job")->required();
     addDataOption(*run, options);
     run->add_flag("--empty", options.empty, "Delete all products and supplier prices first");
+    CLI::Option* strict =
+        run->add_flag("--strict", options.strict, "Change nothing when the price file is not what it seems");
+    run->add_flag("--force", options.force, "Read a price file that is not what it seems")->excludes(strict);
+    run->add_option("--locale", options.locale, "How numbers are written: sv (12,50) or en (12.50)")
+        ->check(CLI::IsMember({"sv", "en"}));
     run->add_option("--summary", options.summary, "Write the summary as JSON to this file");
 
     describeServerCommands(app, options);
@@ -112,7 +120,10 @@ int dispatch(const CLI::App& app, const Options& options, const Surroundings& su
     return runCommand({.job = options.job,
                        .dataFolder = options.folder,
                        .emptyTables = options.empty,
-                       .summaryFile = options.summary},
+                       .summaryFile = options.summary,
+                       .locale = options.locale,
+                       .strict = options.strict,
+                       .force = options.force},
                       surroundings);
 }
 

@@ -13,6 +13,7 @@
 #include "cli/terminalport.h"
 #include "definitions/jobfile.h"
 #include "import/dispatcher.h"
+#include "import/pricefilelook.h"
 #include "import/runmessage.h"
 #include "lang/errortext.h"
 #include "platform/lettercase.h"
@@ -56,6 +57,9 @@ std::vector<SummaryLine> summaryLines(const RunSummary& summary) {
             {205, summary.priceList},
             {206, summary.alternatives},
             {207, summary.documents},
+            {507, summary.deleted.products, false},
+            {508, summary.deleted.priceList, false},
+            {509, summary.deleted.alternatives, false},
             {371, summary.groups, false},
             {372, summary.groupLinesSkipped, false},
             {208, report.failed()},
@@ -71,7 +75,17 @@ void printSummary(Session& session, const RunResult& result, std::ostream& out) 
         for (const std::string& reason : skipReasons(session.texts, result.summary.report))
             out << "  " << reason << '\n';
     }
+    out << fmt::format("{}: {}\n", session.text(506), result.numberForm);
     out << fmt::format("{}: {}\n", session.text(210), session.state.locale.formatFixed(result.seconds, 2));
+}
+
+Locale localeOf(const std::string& name) {
+    return Locale(name == "en" ? Locale::Kind::English : Locale::Kind::Swedish);
+}
+
+TerminalPort::Doubtful doubtful(const RunArguments& arguments) {
+    if (arguments.strict) return TerminalPort::Doubtful::None;
+    return arguments.force ? TerminalPort::Doubtful::All : TerminalPort::Doubtful::Harmless;
 }
 
 /// One run of the terminal, from the first look at the command line to its summary file.
@@ -81,7 +95,9 @@ class TerminalRun {
         : arguments_(arguments),
           surroundings_(surroundings),
           session_(surroundings, arguments.dataFolder),
-          port_(surroundings.err, surroundings.cancel, arguments.emptyTables) {}
+          port_(surroundings.err, surroundings.cancel, arguments.emptyTables, doubtful(arguments)) {
+        result_.numberForm = numberForm(session_.state.locale);
+    }
 
     int run();
 
@@ -99,7 +115,7 @@ class TerminalRun {
     Session session_;
     TerminalPort port_;
     std::optional<SummaryFile> summaryFile_;
-    RunResult result_{.exitCode = exitcode::kStopped, .summary = {}, .messages = {}};
+    RunResult result_{.exitCode = exitcode::kStopped, .summary = {}, .numberForm = {}, .messages = {}};
 };
 
 int TerminalRun::run() {
@@ -176,6 +192,7 @@ void TerminalRun::importJob(const Job& job) {
 
 void TerminalRun::tellResult() {
     if (result_.summary.completed) printSummary(session_, result_, surroundings_.out);
+    if (port_.hasRefusedFile()) surroundings_.err << session_.text(534) << ' ' << session_.text(350) << '\n';
     std::ostream& stream = result_.exitCode == exitcode::kDone ? surroundings_.out : surroundings_.err;
     stream << outcome(session_, result_.exitCode) << '\n';
 }
@@ -187,7 +204,9 @@ void TerminalRun::say(const std::string& message) {
 
 }  // namespace
 
-int runCommand(const RunArguments& arguments, const Surroundings& surroundings) {
+int runCommand(const RunArguments& arguments, const Surroundings& machine) {
+    Surroundings surroundings = machine;
+    if (!arguments.locale.empty()) surroundings.locale = localeOf(arguments.locale);
     return TerminalRun(arguments, surroundings).run();
 }
 

@@ -17,6 +17,7 @@ struct RunResult {
     int exitCode = 0;
     RunSummary summary;
     double seconds = 0;
+    std::string numberForm;             ///< how numbers were read: "12,50" or "12.50"
     std::vector<std::string> messages;  ///< what was told, in the user's language
 };
 

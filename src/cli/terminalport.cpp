@@ -8,15 +8,12 @@
 
 namespace kolmera::cli {
 
-TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables)
-    : errors_(errors), cancel_(cancel), emptyTables_(emptyTables), bar_(STDERR_FILENO) {}
+TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful)
+    : errors_(errors), cancel_(cancel), emptyTables_(emptyTables), doubtful_(doubtful), bar_(STDERR_FILENO) {}
 
 Answer TerminalPort::show(const Message& message) {
-    bar_.clear();
-    std::string told = replaceAll(message.text, "\r\n", "\n");
-    if (!message.title.empty() && message.title != message.text) told.insert(0, message.title + ": ");
-    errors_ << told << std::endl;
-    messages_.push_back(std::move(told));
+    const bool titled = !message.title.empty() && message.title != message.text;
+    print(titled ? message.title + ": " + message.text : message.text);
     switch (message.buttons) {
         case Buttons::OK:
             return Answer::OK;
@@ -35,7 +32,21 @@ void TerminalPort::runMode(bool on) {
 }
 
 ConfirmationAnswer TerminalPort::confirm(const Confirmation& confirmation) {
-    return {.confirmed = true, .emptyTables = emptyTables_ && confirmation.emptyTablesEnabled};
+    if (!confirmation.warning.empty()) print(confirmation.warning);
+    // An emptying that was interrupted may have left rows of the other tables.
+    return {.confirmed = true, .emptyTables = emptyTables_};
+}
+
+bool TerminalPort::readsDoubtful(const DoubtfulFile& file) {
+    print(file.title + ": " + file.text);
+    const bool read = doubtful_ == Doubtful::All || (doubtful_ == Doubtful::Harmless && !file.garbage);
+    refusedFile_ = !read;
+    return read;
+}
+
+void TerminalPort::print(std::string_view text) {
+    bar_.clear();
+    errors_ << messages_.emplace_back(replaceAll(text, "\r\n", "\n")) << std::endl;
 }
 
 void TerminalPort::progress(std::uint64_t position, std::uint64_t size) { bar_.draw(position, size, status_); }

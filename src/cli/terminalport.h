@@ -15,8 +15,11 @@ namespace kolmera::cli {
 /// given, and Ctrl-C is Cancel.
 class TerminalPort final : public RunPort, public PassedOver {
   public:
+    /// Which price files are read that are not what the run expects. By itself, those that write less than was meant.
+    enum class Doubtful { Harmless, None, All };
+
     /// `cancel` is set by the signal handler. `emptyTables` ticks the box of the confirmation.
-    TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables);
+    TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful = {});
 
     Answer show(const Message& message) override;
     void letEventsRun() override {}
@@ -27,6 +30,7 @@ class TerminalPort final : public RunPort, public PassedOver {
     /// A Ctrl-C stays a Ctrl-C: the preparation must not swallow it.
     void clearCancel() override {}
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
+    bool readsDoubtful(const DoubtfulFile& file) override;
     void openJobSettings() override {}
     void tell(const Message& message) override { show(message); }
     [[nodiscard]] std::size_t examplesTold() const override { return 20; }
@@ -35,11 +39,16 @@ class TerminalPort final : public RunPort, public PassedOver {
     /// What was told, a title before its text.
     [[nodiscard]] const std::vector<std::string>& messages() const { return messages_; }
     [[nodiscard]] std::int64_t passedOver() const { return passedOver_; }
+    [[nodiscard]] bool hasRefusedFile() const { return refusedFile_; }
 
   private:
+    void print(std::string_view text);
+
     std::ostream& errors_;
     const std::atomic<bool>& cancel_;
     bool emptyTables_;
+    Doubtful doubtful_;
+    bool refusedFile_ = false;
     ProgressBar bar_;
     std::string status_;
     std::vector<std::string> messages_;

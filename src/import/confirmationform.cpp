@@ -38,6 +38,15 @@ QLabel* runTextLabel(QWidget& form, const Confirmation& confirmation) {
     return label;
 }
 
+QLabel* numbersLabel(QWidget& form, const Confirmation& confirmation) {
+    const std::string warning = confirmation.warning.empty() ? "" : "\r\n\r\n" + confirmation.warning;
+    auto* label = new QLabel(withLineFeeds(confirmation.numbers + warning), &form);
+    label->setObjectName(QStringLiteral("Talform"));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
 }  // namespace
 
 ConfirmationForm::ConfirmationForm(Program& program, const char* name, const Confirmation& confirmation,
@@ -66,6 +75,7 @@ ConfirmationForm::ConfirmationForm(Program& program, const char* name, const Con
     top->addWidget(runTextLabel(*this, confirmation), 1);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
+    layout->addWidget(numbersLabel(*this, confirmation));
     layout->addLayout(contents_, 1);
     layout->addWidget(tabort_);
     layout->addWidget(buttons);

@@ -3,6 +3,7 @@
 #include "db/batchtransaction.h"
 #include "definitions/maskfile.h"
 #include "import/loadedmask.h"
+#include "import/pricefilelook.h"
 #include "import/recordimport.h"
 #include "import/recordreader.h"
 #include "import/runmachinery.h"
@@ -23,7 +24,9 @@ class MaskRun {
     [[nodiscard]] bool checkMask();
     [[nodiscard]] bool checkSupplier();
     void openProducts();
+    void checkColumns();
     [[nodiscard]] bool confirm();
+    [[nodiscard]] bool readsFile();
     void enterRunMode();
     void removeEmptyAlternatives();
     void openTables();
@@ -44,8 +47,9 @@ void MaskRun::run() {
     if (!loadMask() || !checkMask()) return;
     if (!machinery_.openCompany() || !checkSupplier()) return;
     openProducts();
+    checkColumns();
     if (!confirm()) return;
-    if (!machinery_.prepare() || !machinery_.findPriceFile()) return;
+    if (!machinery_.prepare() || !machinery_.findPriceFile() || !readsFile()) return;
     enterRunMode();
     removeEmptyAlternatives();
     if (!machinery_.openPriceFile()) return;
@@ -119,9 +123,29 @@ void MaskRun::openProducts() {
     tables_.settings2 = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
 }
 
+/// Relations to columns that this company does not have are passed over.
+void MaskRun::checkColumns() {
+    std::string missing;
+    for (const Relation& relation : mask_.relations) {
+        const int column = productColumn(relation.Mål);
+        if (column < static_cast<int>(tables_.products->fields().size())) continue;
+        missing += (missing.empty() ? "" : ", ") + std::to_string(relation.Mål);
+    }
+    if (!missing.empty()) {
+        machinery_.warn(texts_.ModulTextMed("KMR", 106, missing), texts_.FormulärSträng("PrisMain", 33));
+    }
+}
+
 bool MaskRun::confirm() {
     const std::string heading = machinery_.heading(*tables_.settings);
-    return machinery_.confirm(*tables_.products, machinery_.MeddelandeUtför(heading));
+    return machinery_.confirm(*tables_.products, *tables_.settings2, machinery_.MeddelandeUtför(heading));
+}
+
+bool MaskRun::readsFile() {
+    return machinery_.readsFile([this](const std::filesystem::path& file) {
+        const auto numbers = numberSources(mask_, tables_.products->fields());
+        return lookThroughMask(file, mask_, numbers, sql_.locale());
+    });
 }
 
 void MaskRun::enterRunMode() {
@@ -150,7 +174,6 @@ void MaskRun::readRecords() {
     machinery_.port().status(texts_.FormulärSträng("PrisMain", 28));
     RecordImport import(mask_, job_.supplier, machinery_.context(), tables_, machinery_.summary());
     RecordReader reader(machinery_.priceFile(), mask_);
-    if (mask_.layout != LoadedMask::Layout::Fixed) machinery_.checkLineEnds();
     BatchTransaction transaction(*sql_.FtgDB);
     while (reader.next()) {
         import.import(reader.entries());

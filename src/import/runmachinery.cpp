@@ -1,5 +1,6 @@
 #include "import/runmachinery.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -7,7 +8,9 @@
 #include "db/batchtransaction.h"
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
+#include "import/filedoubt.h"
 #include "import/preparation.h"
+#include "import/pricefilelook.h"
 #include "import/runmessage.h"
 #include "lang/errortext.h"
 #include "platform/attempt.h"
@@ -84,18 +87,35 @@ std::string RunMachinery::MeddelandeUtför(std::string_view heading) {
     return text;
 }
 
-bool RunMachinery::confirm(Recordset& products, std::string runText,
+/// Bounds that are no numbers in the user's locale count as 0, so that no price lies between them.
+std::string RunMachinery::roundingWarning(Recordset& settings2) {
+    constexpr std::size_t kBounds = 10;
+    std::string stored, bounds;
+    attempt(report(), "Syinställningar2.PPrisAvrund",
+            [&] { stored = TillText(settings2.value("PPrisAvrund"), context_.state.locale); });
+    std::vector<std::string> lines = split(stored, "\r\n");
+    lines.resize(std::min(lines.size(), kBounds));
+    for (const std::string& bound : lines) {
+        if (trimmed(bound).empty() || context_.state.locale.parseNumber(bound)) continue;
+        bounds += (bounds.empty() ? "\"" : ", \"") + bound + "\"";
+    }
+    return bounds.empty() ? bounds : texts().ModulTextMed("KMR", 505, bounds);
+}
+
+bool RunMachinery::confirm(Recordset& products, Recordset& settings2, std::string runText,
                            std::optional<std::vector<std::string>> couplings) {
     const bool hasProducts = !(products.bof() && products.eof());
     Confirmation confirmation{.captionSuffix = " " + jobText_,
                               .runText = std::move(runText),
+                              .numbers = texts().ModulTextMed("KMR", 504, numberForm(context_.state.locale)),
+                              .warning = roundingWarning(settings2),
                               .emptyTablesSuffix = " " + job_.company,
                               .emptyTablesEnabled = hasProducts,
                               .couplings = {},
                               .tradeFormat = couplings.has_value()};
     if (couplings) confirmation.couplings = std::move(*couplings);
     const ConfirmationAnswer answer = port().confirm(confirmation);
-    emptyTables_ = answer.emptyTables && hasProducts;
+    emptyTables_ = answer.emptyTables;
     return answer.confirmed;
 }
 
@@ -149,15 +169,19 @@ bool RunMachinery::openPriceFile() {
     }
 }
 
-void RunMachinery::checkLineEnds() {
-    constexpr std::uint64_t kOneLine = 1000;  ///< bytes; a file of no more may well be a single line
-    if (priceFile_->size() <= kOneLine) return;
-    PassedOverSilently passedOver;
-    attempt(passedOver, "checkLineEnds", [this] {
-        PriceFile file(priceFilePath_);
-        const bool lineFeeds = file.line().find('\n') != std::string_view::npos;
-        summary_.readAsOneLine = lineFeeds && file.atEnd();
-    });
+bool RunMachinery::readsFile(const std::function<FileFacts(const std::filesystem::path&)>& look) {
+    FileFacts facts;
+    PassedOverSilently passedOver;  // a file that cannot be read is told of where it is opened
+    attempt(passedOver, "readsFile", [&] { facts = look(priceFilePath_); });
+    if (facts.empty()) return true;
+    port().hourglass(false);
+    const std::string emptied = emptyTables_ ? job_.company : std::string();
+    if (!port().readsDoubtful(doubtfulFile(texts(), facts, job_.priceFile, emptied, context_.state.locale)))
+        return false;
+    port().hourglass(true);
+    summary_.readAsOneLine = std::ranges::any_of(
+        facts, [](const FileFact& fact) { return fact.look == FileLook::LineFeeds && fact.file.empty(); });
+    return true;
 }
 
 // During the run.
@@ -169,21 +193,21 @@ void RunMachinery::Körläge(bool on) {
 }
 
 bool RunMachinery::TömTabeller(Recordset& products, Recordset& supplierPriceList, Recordset& alternativeNumbers) {
-    return emptyTable(products, 25, texts().FormulärSträng("PrisMain", 50), texts().FormulärSträng("PrisMain", 51)) &&
-           emptyTable(supplierPriceList, 50, texts().FormulärSträng("PrisMain", 52),
-                      texts().FormulärSträng("PrisMain", 53)) &&
-           emptyTable(alternativeNumbers, 50, texts().FormulärSträng("PrisMain", 54),
-                      texts().FormulärSträng("PrisMain", 55));
+    return emptyTable(products, 25, 50, summary_.deleted.products) &&
+           emptyTable(supplierPriceList, 50, 52, summary_.deleted.priceList) &&
+           emptyTable(alternativeNumbers, 50, 54, summary_.deleted.alternatives);
 }
 
-bool RunMachinery::emptyTable(Recordset& table, int every, const std::string& status, const std::string& label) {
-    port().status(status);
+/// The label of the progress is the text behind the status line's.
+bool RunMachinery::emptyTable(Recordset& table, int every, int statusText, std::int64_t& deleted) {
+    port().status(texts().FormulärSträng("PrisMain", statusText));
+    const std::string label = texts().FormulärSträng("PrisMain", statusText + 1) + " ";
     BatchTransaction transaction(*sql().FtgDB);
-    for (std::int64_t deleted = 1; !table.eof(); ++deleted) {
-        attempt(report(), "TömTabeller", [&] { table.remove(); });
+    for (std::int64_t passed = 1; !table.eof(); ++passed) {
+        if (attempt(report(), "TömTabeller", [&] { table.remove(); })) ++deleted;
         table.moveNext();
-        if (deleted % every != 0) continue;
-        if (!progress(label + " ", deleted)) return false;
+        if (passed % every != 0) continue;
+        if (!progress(label, passed)) return false;
         transaction.next();
     }
     transaction.end();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "definitions/jobfile.h"
+#include "import/filefact.h"
 #include "import/importcontext.h"
 #include "platform/pricefile.h"
 
@@ -48,10 +49,11 @@ class RunMachinery {
     [[nodiscard]] std::string heading(Recordset& settings);
     /// What is going to be read into which company, and that the diskette must be in its drive.
     [[nodiscard]] std::string MeddelandeUtför(std::string_view heading);
-    /// Asks in the confirmation dialog. With `couplings` the one for trade formats, which lists them.
-    [[nodiscard]] bool confirm(Recordset& products, std::string runText,
+    /// Asks in the confirmation dialog. With `couplings` the one for trade formats, which lists them. `settings2` is
+    /// the row of Syinställningar2.
+    [[nodiscard]] bool confirm(Recordset& products, Recordset& settings2, std::string runText,
                                std::optional<std::vector<std::string>> couplings = std::nullopt);
-    /// The user has chosen to empty the tables first, and there are products.
+    /// The user has chosen to empty the tables first.
     [[nodiscard]] bool emptyTables() const { return emptyTables_; }
 
     // The price file.
@@ -61,12 +63,13 @@ class RunMachinery {
     /// count as done.
     [[nodiscard]] bool FörberedFil(const std::string& command);
     [[nodiscard]] bool findPriceFile();
+    /// Looks at the file that `findPriceFile` has found, before anything is changed. When it is not what the run
+    /// expects, it is read all the same or the run stops, as the user decides.
+    [[nodiscard]] bool readsFile(const std::function<FileFacts(const std::filesystem::path&)>& look);
     /// Opens the file that `findPriceFile` has found.
     [[nodiscard]] bool openPriceFile();
     [[nodiscard]] const std::filesystem::path& priceFilePath() const { return priceFilePath_; }
     [[nodiscard]] PriceFile& priceFile() { return *priceFile_; }
-    /// For files that are read by lines: notes when the open file has line feeds where it should have line ends.
-    void checkLineEnds();
 
     // During the run.
     void Körläge(bool on);
@@ -84,7 +87,8 @@ class RunMachinery {
     [[nodiscard]] bool wantsJobSettings() const { return wantsJobSettings_; }
 
   private:
-    [[nodiscard]] bool emptyTable(Recordset& table, int every, const std::string& status, const std::string& label);
+    [[nodiscard]] bool emptyTable(Recordset& table, int every, int statusText, std::int64_t& deleted);
+    [[nodiscard]] std::string roundingWarning(Recordset& settings2);
     void waitForBatch(const std::filesystem::path& batch);
 
     ImportContext& context_;

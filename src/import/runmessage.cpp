@@ -83,6 +83,15 @@ std::string codesByName(LanguageTexts& texts, const RunReport& report) {
     return fmt::format(" ({})", fmt::join(codes, ", "));
 }
 
+/// What is gone when the file has brought less than it should.
+void addDeleted(const RunSummary& summary, MessageText& message) {
+    const std::pair<int, std::int64_t> deleted[] = {
+        {507, summary.deleted.products}, {508, summary.deleted.priceList}, {509, summary.deleted.alternatives}};
+    for (const auto& [label, count] : deleted) {
+        if (count > 0) message.counted(label, count);
+    }
+}
+
 bool hasSomethingToTell(const RunSummary& summary) {
     return summary.hasFaults() || summary.report.count(Remark::EmptyKey) > 0;
 }
@@ -96,6 +105,7 @@ std::string runMessage(LanguageTexts& texts, const RunSummary& summary, std::str
     MessageText message(texts, examples);
     if (summary.readAsOneLine) message.paragraph(texts.ModulTextMed(kModule, kOneLine, priceFile));
     if (summary.nothingUsed()) message.paragraph(texts.ModulTextMed(kModule, kNothingUsed, priceFile));
+    addDeleted(summary, message);
     for (const RemarkKind& kind : kRemarks) {
         if (report.count(kind.remark) == 0 || (kind.asItStands && kind.skips)) continue;
         message.counted(kind.text, report.count(kind.remark));

@@ -20,6 +20,7 @@ namespace {
 constexpr int kPauseBetweenEvents = 40;  ///< milliseconds
 constexpr int kPermille = 1000;
 constexpr int kProgressText = 29;
+constexpr int kReadAllTheSameText = 503;  ///< of the program's own module
 
 }  // namespace
 
@@ -83,6 +84,11 @@ bool RunPanel::cancelled() {
 
 ConfirmationAnswer RunPanel::confirm(const Confirmation& confirmation) {
     return confirmation.tradeFormat ? answerOf<PrisUtFa>(confirmation) : answerOf<PrisUtfö>(confirmation);
+}
+
+bool RunPanel::readsDoubtful(const DoubtfulFile& file) {
+    const std::string question = program_.texts.ModulText("KMR", kReadAllTheSameText);
+    return program_.boxes.MeddelandeJaNejNej(file.text + "\r\n\r\n" + question, file.title) == Answer::Yes;
 }
 
 template <typename Form>

@@ -33,6 +33,7 @@ class RunPanel final : public QWidget, public RunPort {
     bool cancelled() override;
     void clearCancel() override { cancel_ = false; }
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
+    bool readsDoubtful(const DoubtfulFile& file) override;
     void openJobSettings() override { onOpenJobSettings(); }
     void tell(const Message& message) override;
     void progress(std::uint64_t position, std::uint64_t size) override;

@@ -14,6 +14,8 @@ namespace kolmera {
 struct Confirmation {
     std::string captionSuffix;           ///< blank and job text, behind the dialog's caption
     std::string runText;                 ///< the label
+    std::string numbers;                 ///< how numbers are read
+    std::string warning;                 ///< what the user has to know before; mostly empty
     std::string emptyTablesSuffix;       ///< blank and company, behind the check box's caption
     bool emptyTablesEnabled = false;     ///< the product table has rows
     std::vector<std::string> couplings;  ///< trade formats: rows of LevFastLista
@@ -25,6 +27,12 @@ struct ConfirmationAnswer {
     bool emptyTables = false;
 };
 
+/// A price file that is not what the run expects, in the user's words.
+struct DoubtfulFile {
+    std::string title, text;
+    bool garbage = false;  ///< reading it would write what nobody meant
+};
+
 /// What a run asks of its surroundings: the main window, the terminal, or a test's script.
 class RunPort : public MessagePort {
   public:
@@ -34,6 +42,8 @@ class RunPort : public MessagePort {
     virtual bool cancelled() = 0;
     virtual void clearCancel() = 0;
     virtual ConfirmationAnswer confirm(const Confirmation& confirmation) = 0;
+    /// Whether such a file is read all the same. Nothing has been changed yet.
+    virtual bool readsDoubtful(const DoubtfulFile& file) = 0;
     virtual void openJobSettings() = 0;  ///< the user asked to mend the job
     /// What the run found in its price file, when there is something to look into; told once, at the end.
     virtual void tell(const Message& message) = 0;

@@ -35,7 +35,10 @@ struct RunSummary {
     std::int64_t documents = 0;
     std::int64_t groups = 0;             ///< RSK: product groups saved
     std::int64_t groupLinesSkipped = 0;  ///< RSK: lines of RKOD.DAT without a number
-    bool readAsOneLine = false;          ///< the price file has line feeds where it should have line ends
+    struct {
+        std::int64_t products = 0, priceList = 0, alternatives = 0;
+    } deleted;                   ///< rows that went before the file was read
+    bool readAsOneLine = false;  ///< the price file has line feeds where it should have line ends
     bool cancelled = false;
     bool completed = false;  ///< the run reached its close-down (also when cancelled)
     RunReport report;

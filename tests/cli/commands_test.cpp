@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "cli/climachine.h"
 #include "cli/progressbar.h"
 #include "definitions/jobfile.h"
 #include "platform/engine/database.h"
+#include "platform/lettercase.h"
 #include "platform/tsv.h"
 
 namespace kolmera::test {
@@ -92,6 +94,46 @@ TEST(CommandLine, EmptyDeletesTheProductsFirst) {
               cli::exitcode::kPassedOver);
     const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
     EXPECT_EQ(products(machine), summary["new"].get<std::int32_t>());
+}
+
+TEST(CommandLine, DoubtfulFilesAreReadOnlyWhenAsked) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    const std::string file = machine.data() + "/Prisfiler/VERKTYG.TXT";
+    const std::string sound = readWholeFile(file);
+    const struct {
+        const char* fault;
+        std::string bytes;
+        std::vector<std::string> options;
+        int code;
+        bool kept;  // the products
+    } cases[] = {
+        {"garbage is read", replaceAll(sound, "\r", ""), {"--empty"}, cli::exitcode::kStopped, true},
+        {"--force is not heard",
+         replaceAll(sound, "\r", ""),
+         {"--empty", "--force"},
+         cli::exitcode::kPassedOver,
+         false},
+        {"an empty file stops by itself", "", {}, cli::exitcode::kPassedOver, true},
+        {"--strict is not heard", "", {"--empty", "--strict"}, cli::exitcode::kStopped, true},
+        {"the other locale is read",
+         replaceAll(sound, ".", ","),
+         {"--empty", "--locale", "en"},
+         cli::exitcode::kStopped,
+         true},
+        {"the own locale is not", sound, {"--strict", "--locale", "sv"}, cli::exitcode::kPassedOver, true},
+        {"both at once", sound, {"--strict", "--force"}, cli::exitcode::kUsage, true},
+        {"an unknown locale", sound, {"--locale", "de"}, cli::exitcode::kUsage, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        std::ofstream(file, std::ios::binary) << c.bytes;
+        const std::int32_t before = products(machine);
+        std::vector<std::string> arguments = {"run", "Smedhult verktyg", "--data", machine.data()};
+        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        EXPECT_EQ(machine.run(arguments), c.code) << machine.err();
+        EXPECT_EQ(products(machine) >= before, c.kept);
+    }
 }
 
 TEST(CommandLine, SummaryThatCannotBeWrittenIsTold) {

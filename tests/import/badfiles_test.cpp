@@ -55,37 +55,6 @@ TEST(BadFiles, NulWithinTextsIsKeptOrItsColumnPassedOver) {
     EXPECT_EQ(world.port.passedOver.size(), world.onServer() ? 1U : 0U);
 }
 
-TEST(BadFiles, TellOfLineFeedsWhereLinesShouldEnd) {
-    const auto lines = [](std::string_view end) {
-        std::string file;
-        for (int line = 0; line < 200; ++line) file += std::string("AB\tSpik").append(end);
-        return file;
-    };
-    const struct {
-        const char* fault;
-        const MaskSpec& mask;
-        std::string file;
-        bool told;
-    } cases[] = {
-        {"nothing said of a file that is one line", kTabs, lines("\n"), true},
-        {"the same of a record of lines", kLines, lines("\n"), true},
-        {"a file with line ends blamed", kTabs, lines("\r\n"), false},
-        {"a line feed in a text blamed", kTabs, "A\tSpik\n\r\n" + lines("\r\n"), false},
-        {"a single long line blamed", kTabs, lines(" "), false},
-        {"a short text of one line blamed", kTabs, "A\tSpik\nlång", false},
-        {"a layout without lines blamed", kFixed, lines("\n"), false},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        World world;
-        world.mask(c.mask);
-        world.rawPriceFile(c.file);
-        EXPECT_EQ(world.run().readAsOneLine, c.told);
-        const std::string text = world.texts().ModulTextMed("KMR", 321, "pris.txt");
-        EXPECT_EQ(world.port.told, c.told ? std::vector{text} : std::vector<std::string>{});
-    }
-}
-
 TEST(BadFiles, TextsThatLookLikeStatements) {
     World world;
     world.mask({.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Alternativ 1"}, {3, "0", 'R'}}});

@@ -194,15 +194,55 @@ TEST(EmptyTables, CancelReadsNothing) {
     }
 }
 
-TEST(EmptyTables, NotWithoutProducts) {
+TEST(EmptyTables, TakesWhatAnInterruptedEmptyingHasLeft) {
     World world;
     world.add("Levprislista", {{"Produktnr", "A"}});
     world.mask(kSimple);
     world.priceFile("A\t5\r\n");
     world.port.confirmation.emptyTables = true;
-    world.run();
-    EXPECT_FALSE(world.port.confirmations.at(0).emptyTablesEnabled);
-    EXPECT_EQ(lines(world.rows("Levprislista", "Produktnr")), 1U);
+    EXPECT_EQ(world.run().deleted.priceList, 1);
+    EXPECT_FALSE(world.port.confirmations.at(0).emptyTablesEnabled) << "the box of the window";
+    EXPECT_EQ(world.rows("Levprislista", "Produktnr"), "");
+}
+
+TEST(DoubtfulFile, ThatIsNotReadChangesNothing) {
+    FullWorld world;
+    world.add("Prodaltprodnr", {{"Produktnr", "A"}, {"Alternativnr", ""}});
+    world.rawPriceFile("PK\3\4 and so on");
+    world.port.readsDoubtfulFiles = false;
+    const RunSummary summary = world.run();
+    EXPECT_FALSE(summary.completed);
+    EXPECT_THAT(world.counts(), ElementsAre(60U, 110U, 111U));
+    ASSERT_EQ(world.port.doubtfulFiles.size(), 1U);
+    const DoubtfulFile& asked = world.port.doubtfulFiles[0];
+    EXPECT_TRUE(asked.garbage);
+    EXPECT_NE(asked.text.find(world.texts().ModulText("KMR", 511)), std::string::npos);
+    EXPECT_NE(asked.text.find(world.texts().ModulTextMed("KMR", 502, world.shownCompany())), std::string::npos)
+        << "the emptying is not named";
+}
+
+TEST(DoubtfulFile, OfWhichNothingIsUsedIsTold) {
+    FullWorld world;
+    world.rawPriceFile("");
+    const RunSummary summary = world.run();
+    EXPECT_TRUE(summary.nothingUsed());
+    EXPECT_EQ(summary.deleted.products, 60);
+    ASSERT_EQ(world.port.told.size(), 1U);
+    EXPECT_NE(world.port.told[0].find(world.texts().ModulText("KMR", 508) + ": 110"), std::string::npos);
+}
+
+TEST(Confirmation, NamesNumbersAndBoundsThatAreNone) {
+    for (const auto locale : {Locale::Kind::Swedish, Locale::Kind::English}) {
+        World world(locale);
+        world.mask(kSimple);
+        world.setting("PPrisAvrund", "0\r\n9,99\r\n10\r\n\r\n");
+        world.port.confirmation.confirmed = false;
+        world.run();
+        const bool swedish = locale == Locale::Kind::Swedish;
+        const Confirmation& asked = world.port.confirmations.at(0);
+        EXPECT_EQ(asked.numbers, world.texts().ModulTextMed("KMR", 504, swedish ? "12,50" : "12.50"));
+        EXPECT_EQ(asked.warning, swedish ? "" : world.texts().ModulTextMed("KMR", 505, "\"9,99\""));
+    }
 }
 
 TEST(Dispatcher, JobNumberZeroRunsNothing) {

@@ -127,6 +127,7 @@ TEST(UpdateRules, TargetsBehindTheHeadingsAndUnknownOnes) {
                               {2, "219"},  // behind the last column
                               {2, "999"}}});
     world.priceFile("A\t1\t1\r\n");
+    world.port.expect(world.texts().ModulTextMed("KMR", 106, "219, 999"), world.text(33));
     const RunSummary summary = world.run();
     EXPECT_EQ(world.rows("Produkt", "Nummer, Webshop, Frijanej"), "A True True\n");
     EXPECT_EQ(summary.newProducts, 1);

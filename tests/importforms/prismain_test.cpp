@@ -365,6 +365,8 @@ template <typename Form>
 void checkConfirmation(FormWorld& world, const std::string& picture) {
     const Confirmation confirmation{.captionSuffix = {},
                                     .runText = world.texts.FormulärSträngMed2("PrisMain", 40, "A.TXT", "Demo"),
+                                    .numbers = world.texts.ModulTextMed("KMR", 504, "12,50"),
+                                    .warning = {},
                                     .emptyTablesSuffix = {},
                                     .emptyTablesEnabled = false,
                                     .couplings = {"GR\t-->\t1010\tHuvudlev.\tGRANÅSA EL"},

@@ -65,4 +65,10 @@ ConfirmationAnswer ScriptedPort::confirm(const Confirmation& asked) {
     return confirmation;
 }
 
+bool ScriptedPort::readsDoubtful(const DoubtfulFile& file) {
+    doubtfulFiles.push_back(file);
+    EXPECT_FALSE(hourglassShown) << "the hourglass stands over " << file.text;
+    return readsDoubtfulFiles;
+}
+
 }  // namespace kolmera::test

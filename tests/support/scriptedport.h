@@ -22,6 +22,7 @@ class ScriptedPort final : public RunPort {
     /// The same with the beginning of the text only, where the system's own words follow.
     void expectBeginning(const std::string& text, const std::string& title, Answer answer = Answer::OK);
     ConfirmationAnswer confirmation{.confirmed = true};
+    bool readsDoubtfulFiles = true;
     /// Cancel is pressed as soon as the status line shows this text.
     std::string cancelAtStatus;
     /// Called each time that the run lets events run.
@@ -32,6 +33,7 @@ class ScriptedPort final : public RunPort {
     std::vector<std::string> statuses;
     std::vector<std::string> passedOver;  ///< "what: error number", one for each statement that failed
     std::vector<std::string> told;        ///< what runs told at their end
+    std::vector<DoubtfulFile> doubtfulFiles;
     int jobSettingsOpened = 0;
     bool inRunMode = false;
     bool hourglassShown = false;
@@ -45,6 +47,7 @@ class ScriptedPort final : public RunPort {
     bool cancelled() override;
     void clearCancel() override { cancelled_ = false; }
     ConfirmationAnswer confirm(const Confirmation& asked) override;
+    bool readsDoubtful(const DoubtfulFile& file) override;
     void openJobSettings() override { ++jobSettingsOpened; }
     void tell(const Message& message) override { told.push_back(message.text); }
 

@@ -1,5 +1,7 @@
 #include "import/tradeformats/traderun.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,6 +15,7 @@
 #include "import/tradeformats/finfo.h"
 #include "import/tradeformats/rsk.h"
 #include "import/tradeformats/rskgroups.h"
+#include "import/tradeformats/tradelook.h"
 
 namespace kolmera {
 namespace {
@@ -29,11 +32,12 @@ struct TradeJob {
     bool readsGroups;
     bool writesAlternatives;
     std::unique_ptr<TradeFormat> (*format)(const TradeFormatParts& parts);
+    const TradeLook& look;
 };
 
-constexpr TradeJob kEio{"(EIO)", CodePage::Windows1252, false, false, make<Eio>};
-constexpr TradeJob kRsk{"(RSK)", CodePage::Oem850, true, false, make<Rsk>};
-constexpr TradeJob kFinfoJob{"(FINFO)", CodePage::Oem850, false, true, make<Finfo>};
+constexpr TradeJob kEio{"(EIO)", CodePage::Windows1252, false, false, make<Eio>, kEioLook};
+constexpr TradeJob kRsk{"(RSK)", CodePage::Oem850, true, false, make<Rsk>, kRskLook};
+constexpr TradeJob kFinfoJob{"(FINFO)", CodePage::Oem850, false, true, make<Finfo>, kFinfoLook};
 
 std::unique_ptr<Recordset> openSettings(SqlLayer& sql, std::string_view table) {
     return sql.SQLÖppnaRs(table, RecordsetType::Dynaset, options::kReadOnly);
@@ -77,7 +81,6 @@ void readLines(RunMachinery& run, TradeFormat& format) {
     constexpr std::int64_t kRecordsPerBatch = 25;
     RunSummary& summary = run.summary();
     PriceFile& file = run.priceFile();
-    run.checkLineEnds();
     BatchTransaction transaction(*run.sql().FtgDB);
     std::int64_t written = 0;
     while (!file.atEnd()) {
@@ -133,6 +136,15 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
     readLines(run, *format);
 }
 
+bool readsFile(RunMachinery& run, const TradeJob& job, const std::vector<CoupledSupplier>& suppliers) {
+    return run.readsFile([&](const std::filesystem::path& file) {
+        SupplierLookup lookup(suppliers, job.page);
+        FileFacts facts = lookAtTradeFile(file, job.look, lookup, run.job());
+        if (job.readsGroups) std::ranges::move(lookAtGroups(file), std::back_inserter(facts));
+        return facts;
+    });
+}
+
 void runTradeFormat(RunMachinery& run, const TradeJob& job) {
     if (!run.openCompany()) return;
     CompanyTables company(run);
@@ -145,8 +157,8 @@ void runTradeFormat(RunMachinery& run, const TradeJob& job) {
 
     ProductRows products(run.sql(), run.report());
     auto rows = couplingRows(suppliers, run.texts().FormulärSträng("PrisUtFa", 3));
-    if (!run.confirm(products.row.rows(), run.MeddelandeUtför(heading), std::move(rows))) return;
-    if (!run.prepare() || !run.findPriceFile() || !run.openPriceFile()) return;
+    if (!run.confirm(products.row.rows(), *company.settings2, run.MeddelandeUtför(heading), std::move(rows))) return;
+    if (!run.prepare() || !run.findPriceFile() || !readsFile(run, job, suppliers) || !run.openPriceFile()) return;
     readPriceFile(run, job, products, company, std::move(suppliers));
     run.summary().completed = true;
 }

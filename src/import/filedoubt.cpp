@@ -1,0 +1,42 @@
+#include "import/filedoubt.h"
+
+#include <algorithm>
+
+#include "import/pricefilelook.h"
+#include "platform/printable.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::string_view kModule = "KMR";
+constexpr std::string_view kLineBreaks = "\r\n\r\n";
+constexpr int kTitle = 500, kUnexpected = 501, kEmptiedFirst = 502;
+constexpr int kNumberForm = 504, kSeparator = 530;
+
+/// The text of each fact, in the order of FileLook.
+constexpr std::size_t kShown = 40;  ///< characters of the file
+constexpr int kFirstFact = 510;
+int textNumber(FileLook look) { return kFirstFact + static_cast<int>(look); }
+
+}  // namespace
+
+std::string factText(LanguageTexts& texts, const FileFact& fact, const Locale& locale) {
+    std::string text = texts.ModulTextMed(kModule, textNumber(fact.look), printable(fact.example, kShown));
+    if (fact.look == FileLook::NoTabs && !fact.example.empty()) {
+        text += " " + texts.ModulTextMed(kModule, kSeparator, fact.example);
+    }
+    if (fact.look == FileLook::OtherNumbers) text += " " + texts.ModulTextMed(kModule, kNumberForm, numberForm(locale));
+    return fact.file.empty() ? text : fact.file + ": " + text;
+}
+
+DoubtfulFile doubtfulFile(LanguageTexts& texts, const FileFacts& facts, std::string_view priceFile,
+                          std::string_view emptied, const Locale& locale) {
+    DoubtfulFile doubt{.title = texts.ModulText(kModule, kTitle),
+                       .text = texts.ModulTextMed(kModule, kUnexpected, priceFile),
+                       .garbage = std::ranges::any_of(facts, &FileFact::garbage)};
+    for (const FileFact& fact : facts) doubt.text.append(kLineBreaks).append(factText(texts, fact, locale));
+    if (!emptied.empty()) doubt.text.append(kLineBreaks).append(texts.ModulTextMed(kModule, kEmptiedFirst, emptied));
+    return doubt;
+}
+
+}  // namespace kolmera

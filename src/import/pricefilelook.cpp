@@ -1,0 +1,241 @@
+#include "import/pricefilelook.h"
+
+#include <algorithm>
+
+#include "import/fieldconversion.h"
+#include "import/recordreader.h"
+
+namespace kolmera {
+namespace {
+
+using Layout = LoadedMask::Layout;
+
+constexpr std::int64_t kSeveral = 2;
+
+FileLook lookOf(Signature signature) {
+    switch (signature) {
+        case Signature::Compound:
+            return FileLook::Compound;
+        case Signature::Pdf:
+            return FileLook::Pdf;
+        case Signature::Packed:
+            return FileLook::Packed;
+        case Signature::WebPage:
+            return FileLook::WebPage;
+        case Signature::Utf16:
+            return FileLook::Utf16;
+        default:
+            return FileLook::Zip;
+    }
+}
+
+/// How the texts of number columns can be read.
+struct NumberForms {
+    std::int64_t count = 0, thisOnly = 0, otherOnly = 0;
+    std::string firstOther;
+
+    void add(std::string_view text, const Locale& locale) {
+        if (text.empty()) return;
+        ++count;
+        const bool here = readNumber(text, 'I', locale).has_value();
+        const bool there = readNumber(text, 'I', otherLocale(locale)).has_value();
+        if (here && !there) ++thisOnly;
+        if (here || !there) return;
+        if (++otherOnly == 1) firstOther = text;
+    }
+    /// Single slips are counted by the run.
+    [[nodiscard]] bool other() const { return otherOnly > 0 && thisOnly == 0; }
+    [[nodiscard]] bool mostly() const { return otherOnly * 20 >= count; }
+};
+
+/// What the records at the beginning of a file show.
+struct RecordsSeen {
+    std::int64_t records = 0, withoutKey = 0;
+    Utf8Count utf8;
+    NumberForms numbers;
+};
+
+class MaskLook {
+  public:
+    MaskLook(const FileSample& sample, const LoadedMask& mask) : sample_(sample), mask_(mask) {}
+
+    [[nodiscard]] FileFacts facts(const std::filesystem::path& file, const std::vector<Source>& numbers,
+                                  const Locale& locale) {
+        addLineFacts();
+        if (has(facts_, FileLook::LineFeeds)) {
+            addUtf8Facts(sample_, allLetters(sample_), readsFirstBytes(), facts_);
+            return std::move(facts_);
+        }
+        const RecordsSeen seen = readRecords(file, numbers, locale);
+        addUtf8Facts(sample_, seen.utf8, readsFirstBytes(), facts_);
+        if (mask_.layout == Layout::Tabs) addTabFact();
+        if (mask_.layout == Layout::Fixed) addDriftFact();
+        if (!has(facts_, FileLook::NoTabs) && !has(facts_, FileLook::Drifting)) addRecordFacts(seen);
+        return std::move(facts_);
+    }
+
+  private:
+    void addLineFacts() {
+        if (mask_.layout == Layout::Fixed) return;
+        if (mask_.layout == Layout::Lines) return addOneLineFact();
+        // A line feed within a text does not stand between two lines that have all columns.
+        const auto tabs = static_cast<std::ptrdiff_t>(std::max(mask_.entries - 1, 0));
+        addLineEndFacts(
+            sample_, [tabs](auto line) { return !line.empty() && std::ranges::count(line, '\t') >= tabs; }, facts_);
+    }
+
+    /// Where a line is a field, one with line feeds is a long text; a file of one line is not.
+    void addOneLineFact() {
+        LineEnds ends;
+        for (const std::string& piece : sample_.pieces()) ends.add(piece, [](auto line) { return !line.empty(); });
+        if (ends.lineFeeds == 0 || ends.carriageReturns + (ends.openEnd ? 1 : 0) > 1) return;
+        facts_.push_back({.look = FileLook::LineFeeds, .garbage = true});
+    }
+
+    [[nodiscard]] bool readsEntry(const std::function<bool(int)>& which) const {
+        return std::ranges::any_of(mask_.relations, [&](const Relation& each) { return which(each.Källa); });
+    }
+
+    /// Three bytes more before a fixed record move every piece of the file.
+    [[nodiscard]] bool readsFirstBytes() const {
+        return mask_.layout == Layout::Fixed || readsEntry([](int entry) { return entry == 1; });
+    }
+
+    [[nodiscard]] RecordsSeen readRecords(const std::filesystem::path& path, const std::vector<Source>& numbers,
+                                          const Locale& locale) const {
+        RecordsSeen seen;
+        PriceFile file(path);
+        RecordReader reader(file, mask_);
+        while (file.position() < kLookedAt && reader.next()) {
+            const EntryList& entries = reader.entries();
+            if (entries.text(mask_.key).empty()) ++seen.withoutKey;
+            for (const Relation& each : mask_.relations) addLetters(entries.text(each.Källa), seen.utf8);
+            for (const Source& number : numbers) seen.numbers.add(entries.text(number), locale);
+        }
+        seen.records = reader.count();
+        return seen;
+    }
+
+    void addLetters(std::string_view text, Utf8Count& count) const {
+        const auto beyondAscii = [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; };
+        if (std::ranges::any_of(text, beyondAscii)) count.add(fromUtf8(text, mask_.codePage));
+    }
+
+    void addTabFact() {
+        const int last = mask_.entries;
+        if (!readsEntry([last](int entry) { return entry < last; })) return;
+        for (const std::string& piece : sample_.pieces()) {
+            if (piece.find('\t') != std::string::npos) return;
+        }
+        facts_.push_back({.look = FileLook::NoTabs, .garbage = true, .example = likelySeparator()});
+    }
+
+    /// What stands between the columns in place of tabs; empty when nothing does.
+    [[nodiscard]] std::string likelySeparator() const {
+        const std::string_view beginning = sample_.beginning();
+        const std::string_view line = beginning.substr(0, beginning.find('\r'));
+        char likely = ';';
+        for (const char other : {',', '|'}) {
+            if (std::ranges::count(line, other) > std::ranges::count(line, likely)) likely = other;
+        }
+        return std::ranges::count(line, likely) == 0 ? std::string() : std::string(1, likely);
+    }
+
+    /// The character that is dropped behind each record is to be the end of a line where the file has lines.
+    void addDriftFact() {
+        const std::string_view bytes = sample_.beginning();
+        if (bytes.find_first_of("\r\n") == std::string_view::npos) return;
+        const auto length = static_cast<std::size_t>(mask_.Postlängd);
+        std::int64_t ends = 0, others = 0;
+        bool allTheSame = true;
+        for (std::size_t at = length; at < bytes.size(); at += length + 1) {
+            ++(endsLine(bytes, at) ? ends : others);
+            allTheSame = allTheSame && bytes[at] == bytes[length];
+        }
+        const bool ownSeparator = allTheSame && others > 1 && bytes[length] > ' ';
+        if (others == 0 || others < ends || ownSeparator) return;
+        facts_.push_back({.look = FileLook::Drifting, .garbage = true, .example = std::to_string(length)});
+    }
+
+    [[nodiscard]] static bool endsLine(std::string_view bytes, std::size_t at) {
+        if (bytes[at] == '\n') return true;
+        return bytes[at] == '\r' && bytes.substr(at, 2) != "\r\n";
+    }
+
+    void addRecordFacts(const RecordsSeen& seen) {
+        if (seen.records > 0 && seen.withoutKey == seen.records) facts_.push_back({.look = FileLook::NoKeys});
+        if (!seen.numbers.other()) return;
+        facts_.push_back(
+            {.look = FileLook::OtherNumbers, .garbage = seen.numbers.mostly(), .example = seen.numbers.firstOther});
+    }
+
+    const FileSample& sample_;
+    const LoadedMask& mask_;
+    FileFacts facts_;
+};
+
+}  // namespace
+
+std::optional<FileFact> factOfBeginning(const FileSample& sample) {
+    if (!sample.plainFile()) return std::nullopt;
+    if (sample.empty()) return FileFact{.look = FileLook::Empty};
+    const Signature signature = signatureOf(sample.beginning());
+    if (signature == Signature::None) return std::nullopt;
+    return FileFact{.look = lookOf(signature), .garbage = true};
+}
+
+Utf8Count allLetters(const FileSample& sample) {
+    Utf8Count count;
+    for (const std::string& piece : sample.pieces()) count.add(piece);
+    return count;
+}
+
+void addUtf8Facts(const FileSample& sample, const Utf8Count& read, bool readsFirstBytes, FileFacts& facts) {
+    const bool marked = sample.beginning().starts_with(kUtf8Mark);
+    if (marked && readsFirstBytes) facts.push_back({.look = FileLook::Utf8Mark, .garbage = true});
+    if (allLetters(sample).invalid > 0 || !read.atLeast(1)) return;
+    const bool several = marked || read.atLeast(kSeveral);
+    facts.push_back({.look = FileLook::Utf8, .garbage = several});
+}
+
+void addLineEndFacts(const FileSample& sample, const std::function<bool(std::string_view)>& isRecord,
+                     FileFacts& facts) {
+    LineEnds ends;
+    for (const std::string& piece : sample.pieces()) ends.add(piece, isRecord);
+    if (ends.lineFeeds == 0) return;
+    const bool most = ends.lineFeeds >= ends.carriageReturns;
+    facts.push_back({.look = most ? FileLook::LineFeeds : FileLook::SomeLineFeeds, .garbage = most});
+}
+
+bool has(const FileFacts& facts, FileLook look) {
+    return std::ranges::find(facts, look, &FileFact::look) != facts.end();
+}
+
+std::vector<Source> numberSources(const LoadedMask& mask, const std::vector<FieldDef>& columns) {
+    std::vector<Source> sources;
+    for (const Relation& relation : mask.relations) {
+        const auto ordinal = static_cast<std::size_t>(productColumn(relation.Mål));
+        if (ordinal == 0 || ordinal >= columns.size() || relation.Division == 'S') continue;
+        if (relation.TypKod == 'I' && !mask.UppdatLev) continue;
+        const FieldType type = columns[ordinal].type;
+        if (type != FieldType::Single && type != FieldType::Double) continue;
+        sources.push_back({relation.Källa, relation.Division, relation.TypKod});
+    }
+    return sources;
+}
+
+FileFacts lookThroughMask(const std::filesystem::path& file, const LoadedMask& mask, const std::vector<Source>& numbers,
+                          const Locale& locale) {
+    const FileSample sample(file);
+    if (!sample.plainFile()) return {};
+    if (auto fact = factOfBeginning(sample)) return {std::move(*fact)};
+    return MaskLook(sample, mask).facts(file, numbers, locale);
+}
+
+Locale otherLocale(const Locale& locale) {
+    return Locale(locale.kind() == Locale::Kind::Swedish ? Locale::Kind::English : Locale::Kind::Swedish);
+}
+
+std::string numberForm(const Locale& locale) { return locale.formatFixed(12.5, 2); }
+
+}  // namespace kolmera
