@@ -38,7 +38,7 @@ ConfirmationAnswer TerminalPort::confirm(const Confirmation& confirmation) {
 }
 
 bool TerminalPort::readsDoubtful(const DoubtfulFile& file) {
-    print(file.title + ": " + file.text);
+    print(file.text);
     const bool read = doubtful_ == Doubtful::All || (doubtful_ == Doubtful::Harmless && !file.garbage);
     refusedFile_ = !read;
     return read;

@@ -1,9 +1,12 @@
 #include "definitions/maskeditor.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 
+#include "import/filedoubt.h"
+#include "import/pricefilelook.h"
 #include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
@@ -15,7 +18,8 @@ constexpr std::string_view kForm = "PrisMTyp";
 constexpr std::string_view kModule = "KMR";
 
 constexpr int kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41;
-constexpr int kRelationsLeftOut = 104, kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124;
+constexpr int kRelationsLeftOut = 104, kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124,
+              kDoublesProducts = 535;
 
 bool within(int row, std::size_t count) { return row >= 0 && static_cast<std::size_t>(row) < count; }
 
@@ -266,12 +270,39 @@ MaskEditor::Saved MaskEditor::save() {
             return Saved::Failed;
         }
         mask_.number = masks.save(mask_, relations);
-        return Saved::Yes;
     } catch (const PlatformError& error) {
         const std::string title = texts_.ModulText(kModule, kCannotSave);
         boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
         return Saved::Failed;
     }
+    tellWhatRunsWillDo(relations);
+    return Saved::Yes;
+}
+
+/// Products are found by the supplier's article number among the supplier's own; those that the mask makes are
+/// nobody's.
+bool MaskEditor::doublesProducts() const {
+    const auto has = [this](auto&& test) {
+        return std::ranges::any_of(relations_, [&](const auto& edited) { return test(edited.relation); });
+    };
+    return mask_.SkapaNya == 'J' &&
+           has([](const Relation& each) { return each.Division == 'S' && each.Mål == target::kLevartikelnr; }) &&
+           !has([](const Relation& each) { return each.Mål == target::kLeverantör && each.TypKod != 'I'; });
+}
+
+void MaskEditor::tellWhatRunsWillDo(const std::vector<Relation>& relations) {
+    std::vector<std::string> remarks;
+    if (doublesProducts()) remarks.push_back(texts_.ModulText(kModule, kDoublesProducts));
+    const LoadedMask mask(mask_, relations);
+    const Locale locale;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "sample", [&] {
+        if (sample_.empty() || relations.empty() || mask.emptyRecords()) return;
+        for (const FileFact& fact : lookThroughMask(sample_, mask, {}, locale)) {
+            if (fact.garbage) remarks.push_back(factText(texts_, fact, locale));
+        }
+    });
+    if (!remarks.empty()) boxes_.MeddelandeInfo(fmt::format("{}", fmt::join(remarks, "\r\n\r\n")));
 }
 
 }  // namespace kolmera

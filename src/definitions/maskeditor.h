@@ -83,13 +83,15 @@ class MaskEditor {
     void createRelation();
     void removeRelation();
     enum class Saved { Yes, NoName, Failed };
-    /// Tells the user what stands in the way.
+    /// Tells the user what stands in the way, and of a saved mask what a run with it would do wrong.
     Saved save();
 
   private:
     void load(int maskNumber);
     void readSources();
     SourceFields cutSample();
+    [[nodiscard]] bool doublesProducts() const;
+    void tellWhatRunsWillDo(const std::vector<Relation>& relations);
     [[nodiscard]] std::vector<Piece> pieces() const;
     void numberPieces();
     void showPositions(Piece piece);

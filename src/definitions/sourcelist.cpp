@@ -4,14 +4,17 @@
 
 #include <algorithm>
 
+#include "platform/lettercase.h"
 #include "platform/locale.h"
 #include "platform/pricefile.h"
 
 namespace kolmera {
 namespace {
 
-// Tabs and line ends inside a field would be taken for the columns of the list.
+// Tabs and line ends inside a field would be taken for the columns of the list. A line feed ends no line and has to be
+// seen.
 std::string printable(std::string text) {
+    text = replaceAll(text, "\n", "↵");
     constexpr unsigned char kFirstPrintable = 0x20;
     std::ranges::replace_if(
         text, [](char letter) { return static_cast<unsigned char>(letter) < kFirstPrintable; }, ' ');

@@ -82,6 +82,22 @@ class MaskLook {
         const auto tabs = static_cast<std::ptrdiff_t>(std::max(mask_.entries - 1, 0));
         addLineEndFacts(
             sample_, [tabs](auto line) { return !line.empty() && std::ranges::count(line, '\t') >= tabs; }, facts_);
+        if (facts_.empty() && isOneLineOfEqualParts()) {
+            facts_.push_back({.look = FileLook::LineFeeds, .garbage = true});
+        }
+    }
+
+    /// A mask that was made against such a file takes all of it for one line with as many columns.
+    [[nodiscard]] bool isOneLineOfEqualParts() const {
+        constexpr int kMany = 3;
+        std::string_view rest = sample_.beginning();
+        if (rest.find('\r') < rest.size() - 2) return false;
+        const auto tabs = std::ranges::count(rest.substr(0, rest.find('\n')), '\t');
+        int parts = 0;
+        for (; rest.find('\n') != std::string_view::npos; rest.remove_prefix(rest.find('\n') + 1), ++parts) {
+            if (std::ranges::count(rest.substr(0, rest.find('\n')), '\t') != tabs) return false;
+        }
+        return tabs > 0 && parts >= kMany;
     }
 
     /// Where a line is a field, one with line feeds is a long text; a file of one line is not.

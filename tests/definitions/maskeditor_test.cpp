@@ -121,7 +121,7 @@ TEST_F(MaskEditorTest, CutsTheSampleAsTheUserTypes) {
         {"a line that the file lacks is left out", "ett\r\ntv\xE5", 'F', 'N', "3", {" 1.\tett", " 2.\ttvå", " 3.\t"}},
         {"text behind the last tab is lost", "a\tb\t\r\nc", 'T', 'N', "", {" 1.\ta", " 2.\tb", " 3.\t"}},
         {"a line without tabs has no column", "abc\r\n", 'T', 'N', "", {" 1.\tabc"}},
-        {"line ends end a fixed record", "ab\r\ncdef", 'P', 'N', "6", {" 1.\tab  cd"}},
+        {"line ends end a fixed record", "ab\r\ncdef", 'P', 'N', "6", {" 1.\tab ↵cd"}},
         {"a short file is read beyond its end", "ab", 'P', 'N', "6", {" 1.\tab"}},
         {"DOS letters taken for Windows ones", "\x86\x84\x94\r\n", 'T', 'J', "", {" 1.\tåäö"}},
         {"a row of a whole file without line ends", lines, 'F', 'N', "1", {" 1.\t" + std::string(500, 'x')}},
@@ -335,6 +335,20 @@ TEST_F(MaskEditorTest, SavesAndOpensAgain) {
         EXPECT_THAT(stored(1), ElementsAre("1>1 US", "2>6 UI")) << "a second set of relations";
     }
     EXPECT_EQ(MaskFile(world.data()).all().size(), 1U);
+}
+
+TEST_F(MaskEditorTest, TellsWhatRunsWillDo) {
+    open("a\tb\nc\td\ne\tf\n");
+    editor->setNamn("Kontor");
+    editor->setFilTyp('T');
+    editor->setSkapaNya('J');
+    join(1, 4);
+    const std::string doubles = world.texts().ModulText("KMR", 535);
+    world.port.expect(doubles + "\r\n\r\n" + world.texts().ModulText("KMR", 519), "Kolmera");
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes);
+    join(2, 3);
+    world.port.expect(world.texts().ModulText("KMR", 519), "Kolmera");
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes) << "a supplier is read";
 }
 
 TEST_F(MaskEditorTest, SavesAnswersAsTheyAreShown) {

@@ -106,6 +106,7 @@ TEST(PriceFileLook, ThroughAMask) {
         {"line feeds", tabs(), "A1\tSpik\t12,50\nA2\tSpik\t1\n", "!LF"},
         {"one record with a line feed", tabs(), "A1\tSpik\t12,50\n", "!LF"},
         {"line feeds with CR LF at the end", tabs(), "A1\tSpik\t12,50\nA2\tSpik\t1\r\n", "!LF"},
+        {"a mask made against line feeds", maskOf('T', 7, tabs().relations), repeated(3, "A1\tSpik\t1\n"), "!LF"},
         {"some line feeds", tabs(), sound + "A4\tSpik\t1\nA5\tSpik\t1\r\n", "SomeLF"},
         {"line feeds in the middle of a large file", tabs(), big + "A1\tSpik\t1\nA2\tSpik\t1\r\n" + big, "SomeLF"},
         {"line feeds at the end of a large file", tabs(), big + "A1\tSpik\t1\nA2\tSpik\t1\r\n", "SomeLF"},

@@ -49,7 +49,7 @@ const std::vector<Indirect> kIndirect = {
      {"11", "12", "15", "20", "21", "25", "26", "31", "32", "33", "34", "35"}},
     {"src/definitions/targetlist.cpp", "place", numbers(0, 155)},
     {"src/discounts/lettereditor.cpp", "failureText", {"309", "318", "319"}},
-    {"src/discounts/lettermessages.cpp", "text", {"304", "305", "310"}},
+    {"src/discounts/lettermessages.cpp", "text", {"304", "305", "310", "620", "621"}},
     {"src/import/confirmationform.cpp", "form", {"PrisUtfö", "PrisUtFa"}},
     {"src/import/prismain.cpp", "static_cast<int>(column) + 1", numbers(1, 4)},
     {"src/import/runmessage.cpp", "label", {"204", "507", "508", "509", "555"}},
