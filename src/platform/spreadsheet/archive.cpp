@@ -26,8 +26,11 @@ namespace {
 }
 
 zip* opened(const std::filesystem::path& file, Archive::Mode mode) {
+    const int flags = mode == Archive::Mode::Read   ? ZIP_RDONLY
+                      : mode == Archive::Mode::Make ? ZIP_CREATE | ZIP_EXCL
+                                                    : 0;
     int number = 0;
-    zip* archive = zip_open(file.c_str(), mode == Archive::Mode::Read ? ZIP_RDONLY : 0, &number);
+    zip* archive = zip_open(file.c_str(), flags, &number);
     if (archive) return archive;
     zip_error_t error;
     zip_error_init_with_code(&error, number);
@@ -94,17 +97,13 @@ void Archive::put(const std::string& name, zip_source* source, bool isNew) {
     throwZipError(zip_get_error(zip_.get()));
 }
 
-void Archive::replace(const std::string& name, std::string bytes) {
+void Archive::putBytes(const std::string& name, std::string bytes, bool isNew) {
     const std::string& kept = pending_.emplace_back(std::move(bytes));
-    put(name, zip_source_buffer(zip_.get(), kept.data(), kept.size(), 0), false);
+    put(name, zip_source_buffer(zip_.get(), kept.data(), kept.size(), 0), isNew);
 }
 
 void Archive::addFile(const std::string& name, const std::filesystem::path& file) {
     put(name, zip_source_file(zip_.get(), file.c_str(), 0, 0), true);
-}
-
-void Archive::replaceWithFile(const std::string& name, const std::filesystem::path& file) {
-    put(name, zip_source_file(zip_.get(), file.c_str(), 0, 0), false);
 }
 
 void Archive::save() {

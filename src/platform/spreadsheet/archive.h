@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 struct zip;
 struct zip_source;
@@ -18,7 +19,7 @@ namespace kolmera {
 /// an entry with a password, or that of the system (kDiskFull ...).
 class Archive {
   public:
-    enum class Mode { Read, Change };
+    enum class Mode { Read, Change, Make };
 
     explicit Archive(const std::filesystem::path& file, Mode mode = Mode::Read);
 
@@ -31,10 +32,10 @@ class Archive {
     [[nodiscard]] std::string bytes(const std::string& name, std::uint64_t most) const;
 
     /// Changes wait for `save`; without it the file stays as it is. All other entries are kept byte for byte.
-    void replace(const std::string& name, std::string bytes);
+    void replace(const std::string& name, std::string bytes) { putBytes(name, std::move(bytes), false); }
+    void add(const std::string& name, std::string bytes) { putBytes(name, std::move(bytes), true); }
     /// The file is read by `save`.
     void addFile(const std::string& name, const std::filesystem::path& file);
-    void replaceWithFile(const std::string& name, const std::filesystem::path& file);
     void save();
 
   private:
@@ -44,6 +45,7 @@ class Archive {
     static constexpr std::uint64_t kSmall = std::uint64_t{64} << 20;
 
     [[nodiscard]] std::uint64_t existing(const std::string& name) const;
+    void putBytes(const std::string& name, std::string bytes, bool isNew);
     void put(const std::string& name, zip_source* source, bool isNew);
 
     std::list<std::string> pending_;  ///< what `save` will write

@@ -1,7 +1,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <xlsxwriter.h>
 
 #include <cerrno>
 #include <string>
@@ -11,6 +10,7 @@
 #include "platform/error.h"
 #include "platform/lettercase.h"
 #include "platform/spreadsheet/filekind.h"
+#include "platform/spreadsheet/newworkbook.h"
 #include "platform/spreadsheet/package.h"
 #include "platform/spreadsheet/sheetpart.h"
 #include "platform/spreadsheet/workbook.h"
@@ -91,30 +91,12 @@ void checkProtection(const Package& package) {
     if (package.isLocked) throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected from changes.");
 }
 
-void writeSheet(const fs::path& file, const Package& package, std::span<const SheetColumn> columns,
-                const NextRow& next) {
+void writeSheet(const fs::path& file, bool isStrict, std::span<const SheetColumn> columns, const NextRow& next) {
     SheetPartWriter sheet(file, columns,
-                          package.isStrict ? "http://purl.oclc.org/ooxml/spreadsheetml/main"
-                                           : "http://schemas.openxmlformats.org/spreadsheetml/2006/main");
+                          isStrict ? "http://purl.oclc.org/ooxml/spreadsheetml/main"
+                                   : "http://schemas.openxmlformats.org/spreadsheetml/2006/main");
     while (const auto row = next()) sheet.row(*row);
     sheet.finish();
-}
-
-/// Makes a workbook with one empty sheet. The library that makes it writes numbers with 16 digits and in the process's
-/// locale, and does not notice a full disk while it writes rows: so it gets none.
-void makeEmptyWorkbook(const WorkFolder& folder, const std::string& sheetName) {
-    std::string temporary = folder.path().string();
-    lxw_workbook_options options{};
-    options.tmpdir = temporary.data();
-    errno = 0;
-    lxw_workbook* workbook = workbook_new_opt(folder.workbook().c_str(), &options);
-    if (!workbook) throw std::bad_alloc();
-    const bool added = workbook_add_worksheet(workbook, sheetName.c_str()) != nullptr;
-    const lxw_error result = workbook_close(workbook);
-    if (!added) throw PlatformError(errors::kInternal, "A sheet cannot be named " + sheetName + ".");
-    if (result == LXW_NO_ERROR) return;
-    if (errno != 0) throwSystemError(errno);
-    throw PlatformError(errors::kInternal, lxw_strerror(result));
 }
 
 void copyFile(const fs::path& from, const fs::path& to) {
@@ -129,6 +111,31 @@ void copyFile(const fs::path& from, const fs::path& to) {
     }
 }
 
+/// Makes the workbook of the folder from the target and one sheet more.
+void extend(const fs::path& target, const WorkFolder& folder, const std::string& prefix,
+            std::span<const SheetColumn> columns, const NextRow& next) {
+    copyFile(target, folder.workbook());
+    Archive archive(folder.workbook(), Archive::Mode::Change);
+    const Package package = Package::of(archive);
+    checkProtection(package);
+    writeSheet(folder.sheet(), package.isStrict, columns, next);
+    FrameChange frame(archive, package);
+    const std::string part = frame.freePart();
+    frame.enter(part, frame.freeName(prefix));
+    archive.addFile(part, folder.sheet());
+    archive.save();
+}
+
+/// Makes the workbook of the folder with one sheet.
+void make(const WorkFolder& folder, const std::string& prefix, std::span<const SheetColumn> columns,
+          const NextRow& next) {
+    writeSheet(folder.sheet(), false, columns, next);
+    Archive archive(folder.workbook(), Archive::Mode::Make);
+    addNewFrame(archive, numberedSheetName(prefix, 1));
+    archive.addFile(kNewSheetPart, folder.sheet());
+    archive.save();
+}
+
 }  // namespace
 
 void addSheet(const fs::path& file, const std::string& prefix, std::span<const SheetColumn> columns,
@@ -140,20 +147,11 @@ void addSheet(const fs::path& file, const std::string& prefix, std::span<const S
     if (exists) checkContent(target);
 
     const WorkFolder folder(target);
-    exists ? copyFile(target, folder.workbook()) : makeEmptyWorkbook(folder, numberedSheetName(prefix, 1));
-    Archive archive(folder.workbook(), Archive::Mode::Change);
-    const Package package = Package::of(archive);
-    checkProtection(package);
-    writeSheet(folder.sheet(), package, columns, next);
     if (exists) {
-        FrameChange frame(archive, package);
-        const std::string part = frame.freePart();
-        frame.enter(part, frame.freeName(prefix));
-        archive.addFile(part, folder.sheet());
+        extend(target, folder, prefix, columns, next);
     } else {
-        archive.replaceWithFile(package.firstWorksheet().part, folder.sheet());
+        make(folder, prefix, columns, next);
     }
-    archive.save();
 
     const Descriptor finished(folder.workbook(), O_RDONLY);
     if (exists) finished.copyRights(Descriptor(target, O_RDONLY));
