@@ -70,12 +70,12 @@ class TextLines {
 };
 
 /// Gives every line that is not empty.
-void eachLine(const std::filesystem::path& file, const EachLine& use) {
+void eachLine(const std::filesystem::path& file, std::size_t columns, const EachLine& use) {
     const EachLine filled = [&](Pieces line) {
         if (!std::ranges::all_of(line, isBlank)) use(line);
     };
     if (isSpreadsheet(file)) {
-        readFirstSheet(file, filled);
+        readFirstSheet(file, columns, filled);
     } else {
         TextLines(file).each(filled);
     }
@@ -155,6 +155,9 @@ class LetterReader {
 /// Thrown to leave the rest of a file.
 struct Cancelled {};
 
+/// How many columns of a letter files hold.
+std::size_t exported(const Recordset& letter) { return letter.fields().size() - lettertable::kCode; }
+
 /// The pieces of the current record that files hold.
 std::vector<Value> exportedValues(Recordset& letter) {
     std::vector<Value> values;
@@ -200,10 +203,11 @@ std::int64_t LetterExchange::usableLines(const std::filesystem::path& file) {
     if (std::filesystem::exists(status) && !is_regular_file(status) && !is_directory(status)) {
         throw PlatformError(errors::kInternal, "It is no ordinary file.");
     }
-    const int codeSize = open()->fields().at(lettertable::kCode).size;
+    const auto letter = open();
+    const int codeSize = letter->fields().at(lettertable::kCode).size;
     std::int64_t usable = 0;
     bool isText = true;
-    eachLine(file, [&](Pieces line) {
+    eachLine(file, exported(*letter), [&](Pieces line) {
         if (isUsable(line, codeSize)) ++usable;
         if (hasNul(line)) isText = false;
     });
@@ -252,7 +256,7 @@ std::int64_t LetterExchange::deleteLetter(BatchTransaction& batch, LetterRows* d
 void LetterExchange::readLetter(const std::filesystem::path& file, BatchTransaction& batch, LetterRead& report) {
     const auto letter = open();
     LetterReader reader(*letter, supplier_, sql_.locale(), passedOver_, report);
-    eachLine(file, [&](Pieces line) {
+    eachLine(file, exported(*letter), [&](Pieces line) {
         reader.add(line);
         if (report.lines % kRowsOfTransaction != 0) return;
         batch.next();

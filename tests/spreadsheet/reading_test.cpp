@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <stdexcept>
 
@@ -48,6 +49,28 @@ TEST(ReadingASheet, GoesByTheContentNotByTheName) {
     std::filesystem::copy_file(savedWorkbook("letter.xlsx"), folder / "new.XLS");
     std::filesystem::copy_file(savedWorkbook("letter.xls"), folder / "old.xlsx");
     EXPECT_EQ(rowsOf(folder / "new.XLS"), rowsOf(folder / "old.xlsx"));
+}
+
+TEST(ReadingASheet, TakesNoMoreMemoryThanItsTexts) {
+    std::string cells;
+    for (int i = 0; i < 2000; ++i) cells += R"(<c t="s"><v>0</v></c>)";
+    Parts parts = workbookOf("<row><c><v>1</v></c></row><row>" + cells + "</row>");
+    parts["xl/sharedStrings.xml"] =
+        R"(<sst xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><si><t>)" +
+        std::string(900'000, 'x') + "</t></si></sst>";
+    const TemporaryFolder folder;
+    writeZip(folder / "bomb.xlsx", parts);
+    EXPECT_LT(std::filesystem::file_size(folder / "bomb.xlsx"), 20'000U);
+    int rows = 0;
+    rusage before{}, after{};
+    getrusage(RUSAGE_SELF, &before);
+    readFirstSheet(folder / "bomb.xlsx", 6, [&](std::span<const Value> row) {
+        EXPECT_EQ(row.size(), 6U);
+        ++rows;
+    });
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_EQ(rows, 1);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 512 << 10) << "kilobytes for a few megabytes of text";
 }
 
 TEST(ReadingASheet, UnderstandsItsCells) {
@@ -218,7 +241,7 @@ TEST(ReadingASheet, EndsWithTheErrorOfTheReceiver) {
         const auto failing = [&rows](std::span<const Value>) {
             if (++rows == 2) throw std::runtime_error("enough");
         };
-        EXPECT_THROW(readFirstSheet(savedWorkbook(name), failing), std::runtime_error) << name;
+        EXPECT_THROW(readFirstSheet(savedWorkbook(name), 6, failing), std::runtime_error) << name;
         EXPECT_EQ(rows, 2) << name;
     }
 }

@@ -95,8 +95,9 @@ struct Print {
 }  // namespace
 
 std::string rowsOf(const std::filesystem::path& file) {
+    constexpr std::size_t kColumns = 30;
     std::string lines;
-    readFirstSheet(file, [&lines](std::span<const Value> row) {
+    readFirstSheet(file, kColumns, [&lines](std::span<const Value> row) {
         for (const Value& value : row) lines += std::visit(Print(), value) + " ";
         lines.back() = '\n';
     });

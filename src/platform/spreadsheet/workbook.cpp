@@ -7,7 +7,8 @@
 
 namespace kolmera {
 
-void readFirstSheet(const std::filesystem::path& file, const std::function<void(std::span<const Value> row)>& row) {
+void readFirstSheet(const std::filesystem::path& file, std::size_t columns,
+                    const std::function<void(std::span<const Value> row)>& row) {
     bool isNames = true;
     const auto dataRow = [&isNames, &row](std::span<const Value> cells) {
         if (!isNames) row(cells);
@@ -15,9 +16,9 @@ void readFirstSheet(const std::filesystem::path& file, const std::function<void(
     };
     switch (kindOf(file)) {
         case FileKind::Xlsx:
-            return readXlsxRows(file, dataRow);
+            return readXlsxRows(file, columns, dataRow);
         case FileKind::Xls:
-            return readXlsRows(file, dataRow);
+            return readXlsRows(file, columns, dataRow);
         case FileKind::Encrypted:
             throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
         case FileKind::Other:

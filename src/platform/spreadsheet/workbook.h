@@ -11,17 +11,19 @@
 
 namespace kolmera {
 
-/// Streams the data rows of a workbook's first sheet to `row`; the first row that is not empty holds the column names
-/// and is not given. Reads .xlsx and .xls; the content decides which of them it is, not the file's name.
+/// Streams the data rows of a workbook's first sheet to `row`, of each its first `columns` cells; the first row that is
+/// not empty holds the column names and is not given. Reads .xlsx and .xls; the content decides which of them it is,
+/// not the file's name.
 ///
 /// A cell is Null, a double, a bool, a Date (by its number format, without its time of day; a time of day alone stays a
 /// number) or a text that is not empty. A formula has the value that was saved with it, an error value ("#N/A") is
-/// Null. A row ends with its last cell that is not Null, and a row without such a cell is passed over, so `row` never
-/// gets an empty span.
+/// Null. A row ends with its last such cell that is not Null, and a row without one is passed over, so `row` never gets
+/// an empty span. Memory does not grow with the cells that are left out, nor with how often a text is used.
 ///
 /// Throws PlatformError: kFileNotFound, kUnreadableSpreadsheet, kProtectedSpreadsheet (it needs a password), or what
 /// `row` throws. Rows that were read before a damaged place have been given by then.
-void readFirstSheet(const std::filesystem::path& file, const std::function<void(std::span<const Value> row)>& row);
+void readFirstSheet(const std::filesystem::path& file, std::size_t columns,
+                    const std::function<void(std::span<const Value> row)>& row);
 
 /// A column of a sheet to write: its name stands in the first row.
 struct SheetColumn {

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "platform/error.h"
@@ -40,7 +41,8 @@ enum Kind : int {
 };
 
 constexpr std::uint16_t kVersion8 = 0x600;
-constexpr std::size_t kMostCells = std::size_t{1} << 23;
+constexpr std::size_t kMostRows = 65536;
+constexpr std::size_t kMostColumns = 256;
 
 [[noreturn]] void refuse(const std::string& reason) { throw PlatformError(errors::kUnreadableSpreadsheet, reason); }
 
@@ -64,10 +66,12 @@ class Globals {
 
     [[nodiscard]] std::uint64_t firstSheet() const { return *firstSheet_; }
 
-    [[nodiscard]] Value sharedText(std::size_t number) const {
+    [[nodiscard]] Value sharedText(std::size_t number) const { return std::string(*texts_.text(number)); }
+    /// Whether a shared text has characters; it has to be there.
+    [[nodiscard]] bool hasText(std::size_t number) const {
         const auto text = texts_.text(number);
         if (!text) refuse("The sheet refers to a text that the workbook lacks.");
-        return text->empty() ? Value() : Value(std::string(*text));
+        return !text->empty();
     }
 
     [[nodiscard]] Value number(double number, std::size_t format) const {
@@ -121,16 +125,21 @@ class Globals {
     bool startsIn1904_ = false;
 };
 
+struct SharedText {
+    std::uint32_t number;
+};
+
 struct Cell {
     std::uint16_t row;
     std::uint16_t column;
-    Value value;
+    std::variant<Value, SharedText> value;
 };
 
 /// Collects the cells of a sheet.
 class SheetCells {
   public:
-    SheetCells(BiffRecords& records, const Globals& globals) : records_(records), globals_(globals) {
+    SheetCells(BiffRecords& records, const Globals& globals, std::size_t columns)
+        : records_(records), globals_(globals), columns_(columns) {
         records.seek(globals.firstSheet());
         if (!records.next() || records.kind() != kBegin) refuse("The workbook is damaged.");
         // Charts in the sheet have a beginning and an end of their own.
@@ -147,6 +156,11 @@ class SheetCells {
 
     [[nodiscard]] const std::vector<Cell>& cells() const { return cells_; }
 
+    [[nodiscard]] Value valueOf(const Cell& cell) const {
+        const auto* shared = std::get_if<SharedText>(&cell.value);
+        return shared != nullptr ? globals_.sharedText(shared->number) : std::get<Value>(cell.value);
+    }
+
   private:
     void read() {
         switch (records_.kind()) {
@@ -158,7 +172,7 @@ class SheetCells {
             case kManyNumbers:
                 return readManyNumbers();
             case kSharedLabel:
-                return readCell([this](std::size_t) { return globals_.sharedText(records_.doubleWord()); });
+                return readSharedText();
             case kLabel:
             case kRichLabel:
                 return readCell([this](std::size_t) { return textOrNull(records_.text()); });
@@ -186,6 +200,14 @@ class SheetCells {
         add(row_, column_, readValue(format));
     }
 
+    void readSharedText() {
+        const std::uint16_t row = records_.word();
+        const std::uint16_t column = records_.word();
+        records_.skip(2);
+        const std::uint32_t number = records_.doubleWord();
+        if (globals_.hasText(number)) keep({row, column, SharedText{number}});
+    }
+
     void readManyNumbers() {
         constexpr std::size_t kPair = 6;
         const std::uint16_t row = records_.word();
@@ -210,13 +232,19 @@ class SheetCells {
     static Value textOrNull(std::string text) { return text.empty() ? Value() : Value(std::move(text)); }
 
     void add(std::uint16_t row, std::uint16_t column, Value value) {
-        if (isNull(value)) return;
-        if (cells_.size() == kMostCells) refuse("The sheet has too many cells.");
-        cells_.push_back({row, column, std::move(value)});
+        if (!isNull(value)) keep({row, column, std::move(value)});
+    }
+
+    void keep(Cell cell) {
+        if (cell.column >= kMostColumns) refuse("The sheet has more columns than a sheet can have.");
+        if (cell.column >= columns_) return;
+        if (cells_.size() == kMostRows * std::min(columns_, kMostColumns)) refuse("The sheet has too many cells.");
+        cells_.push_back(std::move(cell));
     }
 
     BiffRecords& records_;
     const Globals& globals_;
+    const std::size_t columns_;
     std::vector<Cell> cells_;
     std::uint16_t row_ = 0;
     std::uint16_t column_ = 0;
@@ -225,22 +253,21 @@ class SheetCells {
 
 }  // namespace
 
-void readXlsRows(const std::filesystem::path& file, const std::function<void(std::span<const Value> row)>& row) {
-    constexpr std::size_t kMostColumns = 256;
+void readXlsRows(const std::filesystem::path& file, std::size_t columns,
+                 const std::function<void(std::span<const Value> row)>& row) {
     const CompoundFile compound(file);
     auto stream = compound.stream("Workbook");
     if (!stream && compound.stream("Book")) refuse("Workbooks from before 1997 cannot be read.");
     if (!stream) refuse("The file is not a workbook.");
     BiffRecords records(std::move(*stream));
     const Globals globals(records);
-    const SheetCells sheet(records, globals);
+    const SheetCells sheet(records, globals, columns);
 
     std::vector<Value> values;
     const std::vector<Cell>& cells = sheet.cells();
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        if (cells[i].column >= kMostColumns) refuse("The sheet has more columns than a sheet can have.");
         values.resize(cells[i].column + std::size_t{1});
-        values.back() = cells[i].value;
+        values.back() = sheet.valueOf(cells[i]);
         if (i + 1 < cells.size() && cells[i + 1].row == cells[i].row) continue;
         row(values);
         values.clear();

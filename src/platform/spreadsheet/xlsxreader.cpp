@@ -50,9 +50,9 @@ Value textOrNull(std::string_view text) {
 /// The cells of a sheet, row by row.
 class SheetPart final : public XmlHandler {
   public:
-    SheetPart(const SharedStrings& strings, const CellFormats& formats, bool startsIn1904,
+    SheetPart(const SharedStrings& strings, const CellFormats& formats, bool startsIn1904, std::size_t columns,
               const std::function<void(std::span<const Value> row)>& row)
-        : strings_(strings), formats_(formats), startsIn1904_(startsIn1904), row_(row) {}
+        : strings_(strings), formats_(formats), startsIn1904_(startsIn1904), columns_(columns), row_(row) {}
 
     void start(std::string_view name, const XmlAttributes& attributes) override {
         if (name == "sheetData") inData_ = true;
@@ -75,7 +75,7 @@ class SheetPart final : public XmlHandler {
         if (name == "row") {
             if (!cells_.empty()) row_(cells_);
         } else if (name == "c") {
-            setCell(value());
+            setCell();
         } else if (name == "v") {
             inValue_ = false;
         } else {
@@ -133,9 +133,11 @@ class SheetPart final : public XmlHandler {
         return formats_.isDate(format_) ? dateOfSerial(*number, startsIn1904_) : Value(*number);
     }
 
-    void setCell(Value value) {
-        if (isNull(value)) return;
+    void setCell() {
         if (column_ >= kMostColumns) refuse("The sheet has more columns than a sheet can have.");
+        if (column_ >= columns_) return;
+        Value value = this->value();
+        if (isNull(value)) return;
         if (column_ >= cells_.size()) cells_.resize(column_ + 1);
         cells_[column_] = std::move(value);
     }
@@ -143,6 +145,7 @@ class SheetPart final : public XmlHandler {
     const SharedStrings& strings_;
     const CellFormats& formats_;
     const bool startsIn1904_;
+    const std::size_t columns_;
     const std::function<void(std::span<const Value> row)>& row_;
 
     bool inData_ = false;
@@ -158,13 +161,14 @@ class SheetPart final : public XmlHandler {
 
 }  // namespace
 
-void readXlsxRows(const std::filesystem::path& file, const std::function<void(std::span<const Value> row)>& row) {
+void readXlsxRows(const std::filesystem::path& file, std::size_t columns,
+                  const std::function<void(std::span<const Value> row)>& row) {
     const Archive archive(file);
     const Package package = Package::of(archive);
     const Package::Sheet& sheet = package.firstWorksheet();
     const SharedStrings strings = SharedStrings::of(archive, package.partOfType("sharedStrings"));
     const CellFormats formats = CellFormats::of(archive, package.partOfType("styles"));
-    SheetPart part(strings, formats, package.startsIn1904, row);
+    SheetPart part(strings, formats, package.startsIn1904, columns, row);
     readXmlPart(archive, sheet.part, kMostSheetBytes, part);
 }
 
