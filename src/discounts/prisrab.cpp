@@ -207,14 +207,16 @@ void PrisRab::setTabOrders() {
 }
 
 void PrisRab::setSizes() {
-    constexpr int kUpperLines = 5, kGroupLines = 12, kNumberLetters = 14;
-    constexpr int kCompanyLetters = 66;  ///< the tab stop is at 52, a file's name behind it
+    constexpr int kUpperLines = 5, kGroupLines = 12;
+    constexpr int kSupplierLetters = 30;  ///< number and search name
+    constexpr int kCompanyLetters = 66;   ///< the tab stop is at 52, a file's name behind it
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     ftgLista_->setMinimumHeight(kUpperLines * metrics.lineSpacing());
     ftgLista_->setMinimumWidth(kCompanyLetters * letter);
     levLista_->setMinimumHeight(kUpperLines * metrics.lineSpacing());
-    levLista_->setColumnWidth(0, kNumberLetters * letter);
+    levLista_->setMinimumWidth(kSupplierLetters * letter);
+    levLista_->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     lista_->setMinimumHeight(kGroupLines * metrics.lineSpacing());
     for (QLineEdit* field : fields_) field->setMinimumWidth((kCodeLength + 1) * letter);
     totalRabatt_->setMinimumWidth((kCodeLength + 1) * letter);
@@ -229,8 +231,14 @@ void PrisRab::nameColumns() {
     groups_->setHeaders(std::move(headers));
     totalRabatt_->setAccessibleName(labels_.at(kTotalLabel)->text());
     lista_->header()->setSectionResizeMode(QHeaderView::Stretch);
-    // The columns always fit; scaled fonts round them to a pixel more.
+    lista_->header()->setStretchLastSection(false);  // which would keep it wider than its share
+    // The code's caption is the longest; the other columns share what is left.
+    lista_->header()->setSectionResizeMode(0, QHeaderView::Fixed);
+    lista_->setColumnWidth(0, lista_->header()->sectionSizeHint(0));
+    // Scaled fonts round the columns to a pixel more than there is.
     lista_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    ftgLista_->setAccessibleName(labels_.at(kCompanyLabel)->text().remove('&'));
+    levLista_->setAccessibleName(labels_.at(kSupplierLabel)->text().remove('&'));
 }
 
 void PrisRab::connectLists() {

@@ -1,10 +1,14 @@
 #include "discounts/prisrab.h"
 
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QProgressDialog>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 #include <fstream>
 
@@ -76,6 +80,12 @@ TEST_F(PrisRabInEnglishTest, ShowsEnglishTexts) {
     EXPECT_EQ(form->windowTitle(), "Discount letters - 1010 - GRANÅSA EL");
     EXPECT_EQ(control<QPushButton>(*form, "LäsFil").text(), "Read te&xt file...");
     EXPECT_EQ(view("Lista").model()->headerData(1, Qt::Horizontal).toString(), "Disc. % 1");
+    EXPECT_EQ(view("Lev_Lista").accessibleName(), "From supplier") << "a screen reader says nothing";
+    EXPECT_EQ(control<QListWidget>(*form, "FTG_Lista").accessibleName(), "To company");
+    form->resize(form->minimumSizeHint());
+    QTest::qWait(0);
+    EXPECT_LE(view("Lista").header()->length(), view("Lista").viewport()->width() + 1) << "the last column is cut";
+    EXPECT_FALSE(view("Lev_Lista").horizontalScrollBar()->isVisible()) << "search names are cut";
     takePicture(*form, "prisrab-en");
 }
 
@@ -98,6 +108,28 @@ TEST_F(PrisRabTest, ChoosesCompanyAndSupplier) {
     EXPECT_FALSE(view("Lista").currentIndex().isValid());
     selectRow(view("Lev_Lista"), 1);
     EXPECT_EQ(rows(), groups);
+}
+
+TEST_F(PrisRabTest, WaitsForALockedCompanyWithACancelButton) {
+    open(JobbNr);
+    const auto other = openFileDatabase(world.data / "FTG1.mdb", OpenOptions());
+    other->begin();
+    field(0).setFocus();
+    type("NY1");
+    QString said;
+    QTimer::singleShot(0, &*form, [&] {
+        auto* dialog = form->findChild<QProgressDialog*>(QStringLiteral("Väntar"));
+        if (dialog == nullptr) return;
+        said = dialog->labelText();
+        dialog->cancel();
+    });
+    press("Spara");
+    EXPECT_EQ(said, toQt(world.program.texts.ModulTextMed("KMR", 114, "FTG1.MDB"))) << "the window is frozen";
+    EXPECT_EQ(field(0).text(), "NY1") << "what was typed is gone";
+    EXPECT_EQ(form->findChild<QProgressDialog*>(), nullptr);
+    other->rollback();
+    press("Spara");
+    EXPECT_EQ(field(0).text(), "");
 }
 
 TEST_F(PrisRabTest, SavesAndDeletesByKeys) {
