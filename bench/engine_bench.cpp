@@ -145,7 +145,7 @@ class Bare {
     explicit Bare(const std::filesystem::path& file) {
         check(sqlite3_open_v2(file.c_str(), &connection_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr));
         check(registerSwedishCollation(connection_));
-        for (const char* pragma : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL", "PRAGMA cache_size=-65536",
+        for (const char* pragma : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=FULL", "PRAGMA cache_size=-65536",
                                    "PRAGMA wal_autocheckpoint=16000", "PRAGMA temp_store=MEMORY"}) {
             run(pragma);
         }

@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
         sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
         Connection company(folder / kCompanyFile);
         company.execute(
-            "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA cache_size = -65536; "
+            "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA cache_size = -65536; "
             "PRAGMA wal_autocheckpoint = 16000");
         switch (format->format) {
             case Format::Eio:
