@@ -103,6 +103,8 @@ TEST(PriceFileLook, ThroughAMask) {
         {"UTF-8 that is not read", numberAndPrice(), "A1\tL\xC3\xA5s\t12,50\r\nA2\tR\xC3\xB6r\t1\r\n", ""},
         {"Windows letters in pairs that UTF-8 has too", tabs(), repeated(3, "A1\tCAF\xC9\xAE\t12,50\r\n"), ""},
         {"one letter of Windows", tabs(), "A1\tL\xC3\xA5s\t1\r\nA2\tR\xC3\xB6r\t1\r\nA3\tl\xE5s\t1\r\n", ""},
+        {"a letter of Windows in a column that is not read", numberAndPrice(), repeated(2, "A\xC3\xA5\tR\xF6r\t1\r\n"),
+         ""},
         {"line feeds", tabs(), "A1\tSpik\t12,50\nA2\tSpik\t1\n", "!LF"},
         {"one record with a line feed", tabs(), "A1\tSpik\t12,50\n", "!LF"},
         {"line feeds with CR LF at the end", tabs(), "A1\tSpik\t12,50\nA2\tSpik\t1\r\n", "!LF"},

@@ -238,6 +238,26 @@ TEST_F(PrisMainTest, EmptiesTheTablesOnlyBehindASecondYes) {
     EXPECT_EQ(products(notOfTheFile), 0);
 }
 
+TEST_F(PrisMainTest, AsksBeforeItReadsADoubtfulFile) {
+    std::ofstream(world.data / "Prisfiler" / "VERKTYG.TXT", std::ios::binary) << "PK\3\4";
+    select(kMaskJob);
+    const std::int64_t before = products();
+    for (const Answer answer : {Answer::No, Answer::Yes}) {
+        world.boxPort.shown.clear();
+        // Emptying is asked about twice; what is read all the same is told about at the end.
+        world.boxPort.answers = {Answer::Yes, answer, Answer::OK};
+        const WhenShown asked("PrisUtfö", [&](QDialog& form) {
+            control<QCheckBox>(form, "Tabort").click();
+            confirm(form);
+        });
+        press("Utför");
+        EXPECT_TRUE(world.boxPort.shown.at(1).starts_with("Prisfilen ser inte ut som väntat|"));
+        EXPECT_TRUE(world.boxPort.shown.at(1).ends_with(world.texts.ModulText("KMR", 503)));
+        EXPECT_EQ(products() == before, answer == Answer::No);
+    }
+    world.boxPort.answers.clear();
+}
+
 TEST_F(PrisMainTest, ListsTheCouplingsOfATradeFormat) {
     select("(EIO)");
     const WhenShown asked("PrisUtFa", [&](QDialog& form) {
