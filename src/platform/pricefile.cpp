@@ -1,9 +1,11 @@
 #include "platform/pricefile.h"
 
 #include <fcntl.h>
+#include <poll.h>
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace kolmera {
 
@@ -13,8 +15,20 @@ constexpr std::size_t kLongestLine = 16'777'216;
 constexpr char kEndMark = 0x1A;
 }  // namespace
 
-PriceFile::PriceFile(const std::filesystem::path& file) : descriptor_(file, O_RDONLY), buffer_(kBufferSize) {
+// Opening a pipe must not wait for its writer: waiting is `waitForBytes`.
+PriceFile::PriceFile(const std::filesystem::path& file, std::function<bool()> cancelled)
+    : descriptor_(file, O_RDONLY | O_NONBLOCK), cancelled_(std::move(cancelled)), buffer_(kBufferSize) {
     size_ = descriptor_.size();
+}
+
+void PriceFile::stopIfCancelled() const {
+    if (cancelled_ && cancelled_()) throw ReadingCancelled();
+}
+
+void PriceFile::waitForBytes() const {
+    constexpr int kPause = 20;  // milliseconds
+    pollfd file{.fd = descriptor_.get(), .events = POLLIN, .revents = 0};
+    while (poll(&file, 1, kPause) <= 0) stopIfCancelled();
 }
 
 bool PriceFile::fill() {
@@ -25,6 +39,7 @@ bool PriceFile::fill() {
         begin_ = 0;
     }
     if (end_ == buffer_.size()) buffer_.resize(buffer_.size() * 2);
+    waitForBytes();
     const std::size_t got = descriptor_.read(buffer_.data() + end_, buffer_.size() - end_);
     fileRead_ += got;
     end_ += got;
@@ -55,6 +70,7 @@ std::string_view PriceFile::line() {
         if (found == nullptr && length > kLongestLine) {
             length = kLongestLine;
             end_ = begin_ + length;
+            stopIfCancelled();
         }
         if (!fill()) {
             length = std::min(length, end_ - begin_);  // without the end mark

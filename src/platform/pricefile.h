@@ -3,21 +3,31 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/descriptor.h"
+#include "platform/error.h"
 
 namespace kolmera {
+
+/// The user has cancelled while a price file had nothing to read.
+struct ReadingCancelled : PlatformError {
+    ReadingCancelled() : PlatformError(errors::kInternal, "cancelled", true) {}
+};
 
 /// A price file read from front to back, through a buffer whose size does not depend on the file. Lines end at CR or
 /// at CR LF; a lone LF stays inside the line. One 0x1A at the very end of the file is dropped; elsewhere it is a
 /// character like any other, and so is NUL. Throws PlatformError when the file cannot be opened (a folder, missing,
 /// no right to read) or read; the description is the system's.
+///
+/// A pipe may be silent for long, and a device may be one line without an end: `cancelled` is asked meanwhile, and
+/// ReadingCancelled is thrown when it answers true.
 class PriceFile {
   public:
-    explicit PriceFile(const std::filesystem::path& file);
+    explicit PriceFile(const std::filesystem::path& file, std::function<bool()> cancelled = {});
     PriceFile(const PriceFile&) = delete;
     PriceFile& operator=(const PriceFile&) = delete;
 
@@ -32,9 +42,12 @@ class PriceFile {
     [[nodiscard]] std::uint64_t position() const;               ///< bytes read so far, for progress
 
   private:
+    void waitForBytes() const;
+    void stopIfCancelled() const;
     bool fill();  ///< reads on behind end_; false at the end of the file. Moves what is not yet read to the front.
 
     Descriptor descriptor_;
+    std::function<bool()> cancelled_;
     std::uint64_t size_ = 0;
     std::uint64_t fileRead_ = 0;
     std::vector<char> buffer_;

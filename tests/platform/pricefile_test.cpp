@@ -1,6 +1,8 @@
 #include "platform/pricefile.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "platform/error.h"
 #include "support/temporaryfolder.h"
@@ -121,6 +123,21 @@ TEST_F(PriceFileTest, RefusesWhatIsNoFileWithTheSystemsText) {
     };
     EXPECT_EQ(failure(folder.path()), "3000 Is a directory");
     EXPECT_EQ(failure(folder / "missing.txt"), "3024 No such file or directory");
+}
+
+TEST_F(PriceFileTest, CancelIsHeardWhereThereIsNothingToRead) {
+    const auto pipe = folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    bool cancelled = false;
+    PriceFile file(pipe, [&] { return cancelled; });  // without a writer
+    const Descriptor writer(pipe, O_RDWR);
+    writer.write("a\r\nb");
+    EXPECT_EQ(file.line(), "a");
+    cancelled = true;
+    EXPECT_THROW(file.line(), ReadingCancelled);
+
+    PriceFile endless("/dev/zero", [&] { return cancelled; });
+    EXPECT_THROW(endless.line(), ReadingCancelled);
 }
 
 }  // namespace
