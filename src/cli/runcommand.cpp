@@ -1,13 +1,16 @@
 #include "cli/runcommand.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <chrono>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <sstream>
 
+#include "cli/nearnames.h"
 #include "cli/session.h"
 #include "cli/summaryfile.h"
 #include "cli/terminalport.h"
@@ -106,6 +109,7 @@ class TerminalRun {
     [[nodiscard]] bool finishSummary();
     void carryOut();
     [[nodiscard]] std::optional<Job> findJob();
+    [[nodiscard]] std::string nearJobs();
     void importJob(const Job& job);
     void tellResult();
     void say(const std::string& message);
@@ -119,11 +123,13 @@ class TerminalRun {
 };
 
 int TerminalRun::run() {
-    if (!startSummary()) return exitcode::kStopped;
+    if (!startSummary()) return port_.cancelled() ? exitcode::kCancelled : exitcode::kStopped;
     try {
         carryOut();
     } catch (const PlatformError& error) {
         say(errorText(session_.texts, error));
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         say(session_.text(255, error.what()));
     }
@@ -134,7 +140,7 @@ int TerminalRun::run() {
 bool TerminalRun::startSummary() {
     if (arguments_.summaryFile.empty()) return true;
     try {
-        summaryFile_.emplace(arguments_.summaryFile, arguments_.job);
+        summaryFile_.emplace(arguments_.summaryFile, arguments_.job, surroundings_.cancel);
         return true;
     } catch (const PlatformError& error) {
         say(session_.text(253, arguments_.summaryFile) + ' ' + errorText(session_.texts, error));
@@ -173,8 +179,16 @@ std::optional<Job> TerminalRun::findJob() {
         return std::nullopt;
     }
     auto job = JobFile(absoluteFolder(arguments_.dataFolder)).find(trimmed(arguments_.job));
-    if (!job) say(session_.text(125, arguments_.job));
+    if (!job) say(session_.text(125, arguments_.job) + ' ' + nearJobs());
     return job;
+}
+
+std::string TerminalRun::nearJobs() {
+    std::vector<std::string> names;
+    for (const Job& job : JobFile(absoluteFolder(arguments_.dataFolder)).all()) names.push_back(job.name);
+    const std::vector<std::string> near = nearNames(arguments_.job, names);
+    if (near.empty()) return session_.text(458, arguments_.dataFolder);
+    return session_.text(457, fmt::format("\"{}\"", fmt::join(near, "\", \"")));
 }
 
 void TerminalRun::importJob(const Job& job) {

@@ -4,9 +4,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <nlohmann/json.hpp>
+#include <ostream>
+#include <thread>
 
 #include "cli/commandline.h"
+#include "cli/terminalstream.h"
 #include "lang/errortext.h"
 #include "platform/printable.h"
 
@@ -120,6 +124,8 @@ Json summaryJson(LanguageTexts& texts, const std::string& job, const RunResult& 
             {"missing_prices", report.count(Remark::MissingPrice)},
             {"read_as_one_line", summary.readAsOneLine},
             {"number_form", result.numberForm},
+            {"preparation_status", summary.preparation.exitStatus},
+            {"file_not_renewed", summary.preparation.fileNotRenewed},
             {"cancelled", summary.cancelled},
             {"seconds", result.seconds},
             {"remarks", remarksJson(report)},
@@ -127,17 +133,37 @@ Json summaryJson(LanguageTexts& texts, const std::string& job, const RunResult& 
             {"failed_statements", failuresJson(texts, report)}};
 }
 
-SummaryFile::SummaryFile(const fs::path& file, const std::string& job) : file_(fs::absolute(file)) {
+SummaryFile::SummaryFile(const fs::path& file, const std::string& job, const std::atomic<bool>& cancel)
+    : file_(fs::absolute(file)), cancel_(cancel) {
     const bool link = fs::is_symlink(fs::symlink_status(file_));
     const fs::file_status status = fs::status(file_);
     writtenDirectly_ = fs::exists(status) && !fs::is_regular_file(status);
     // A file that may not be written must not be replaced either, though its folder would allow that.
-    if (writtenDirectly_ || (fs::exists(status) && !link)) existing_ = Descriptor(file_, O_WRONLY);
+    if (writtenDirectly_ || (fs::exists(status) && !link)) existing_ = openInPlace();
     if (!writtenDirectly_) replaceBy({{"job", job}, {"outcome", "running"}});
 }
 
+Descriptor SummaryFile::openInPlace() const {
+    constexpr auto kPause = std::chrono::milliseconds(20);
+    for (;; std::this_thread::sleep_for(kPause)) {
+        try {
+            return Descriptor(file_, O_WRONLY | O_NONBLOCK);
+        } catch (const PlatformError& error) {
+            const bool noReader = error.systemError() == ENXIO;
+            if (!noReader || cancel_.load(std::memory_order_relaxed)) throw;
+        }
+    }
+}
+
+void SummaryFile::writeInPlace(const std::string& text) const {
+    TerminalStream buffer(existing_.get(), cancel_);
+    std::ostream stream(&buffer);
+    stream << text << std::flush;
+    if (!stream.good()) throw PlatformError(errors::kDiskFull, "the summary could not be written to its end");
+}
+
 void SummaryFile::finish(const Json& summary) {
-    if (writtenDirectly_) return existing_.write(textOf(summary));
+    if (writtenDirectly_) return writeInPlace(textOf(summary));
     replaceBy(summary);
 }
 

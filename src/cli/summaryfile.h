@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <nlohmann/json_fwd.hpp>
@@ -29,14 +30,17 @@ nlohmann::ordered_json summaryJson(LanguageTexts& texts, const std::string& job,
 /// the last words only. Errors are PlatformError.
 class SummaryFile {
   public:
-    /// Throws when the file cannot be written.
-    SummaryFile(const std::filesystem::path& file, const std::string& job);
+    /// Throws when the file cannot be written. A pipe is waited for until it has a reader or `cancel` is set.
+    SummaryFile(const std::filesystem::path& file, const std::string& job, const std::atomic<bool>& cancel);
     void finish(const nlohmann::ordered_json& summary);
 
   private:
     void replaceBy(const nlohmann::ordered_json& summary) const;
+    [[nodiscard]] Descriptor openInPlace() const;
+    void writeInPlace(const std::string& text) const;
 
     std::filesystem::path file_;
+    const std::atomic<bool>& cancel_;
     Descriptor existing_;  ///< the file that is replaced, for its rights, or the pipe
     bool writtenDirectly_ = false;
 };

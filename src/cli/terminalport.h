@@ -29,6 +29,7 @@ class TerminalPort final : public RunPort, public PassedOver {
     bool cancelled() override { return cancel_.load(std::memory_order_relaxed); }
     /// A Ctrl-C stays a Ctrl-C: the preparation must not swallow it.
     void clearCancel() override {}
+    [[nodiscard]] bool cancelEndsPreparation() const override { return true; }
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
     bool readsDoubtful(const DoubtfulFile& file) override;
     void openJobSettings() override {}

@@ -1,5 +1,8 @@
 #include "import/runmachinery.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -80,7 +83,7 @@ std::string RunMachinery::MeddelandeUtför(std::string_view heading) {
                            : texts().FormulärSträngMed3("PrisMain", 39, job_.command, job_.priceFile, heading);
     text += kLineBreaks;
     const std::string& source = job_.command.empty() ? job_.priceFile : job_.command;
-    if (const auto diskette = disketteDrive(source, context_.state.drives)) {
+    if (const auto diskette = disketteDrive(source)) {
         text += texts().FormulärSträngMed1("PrisMain", 41, std::string_view(&*diskette, 1));
         text += texts().FormulärSträng("PrisMain", 42);
     }
@@ -128,29 +131,52 @@ bool RunMachinery::prepare() {
 
 bool RunMachinery::FörberedFil(const std::string& command) {
     port().clearCancel();
-    std::filesystem::path batch;
     try {
-        batch = startPreparation(context_.state, command);
+        const FileMark before(wantedPriceFile());
+        BatchFile batch = preparationBatch(context_.state, command);
+        if (!startInTurn(batch, command)) return false;
+        const bool ended = waitUntil([&] { return batch.ended(); });
+        summary_.preparation = {.exitStatus = batch.exitStatus().value_or(0),
+                                .stillRunning = !ended,
+                                .fileNotRenewed = ended && FileMark(wantedPriceFile()).unchangedSince(before)};
+        summary_.cancelled = !ended && port().cancelEndsPreparation();
+        return !summary_.cancelled;
     } catch (const PlatformError& error) {
         const std::string title = texts().FormulärSträng("PrisMain", 21);
         warn(title + " " + command + "." + std::string(kLineBreaks) + errorText(texts(), error), title);
         return false;
     }
+}
+
+bool RunMachinery::startInTurn(BatchFile& batch, const std::string& command) {
+    if (!batch.takeTurn()) {
+        Körläge(true);
+        port().status(texts().ModulText("KMR", 450));
+        summary_.cancelled = !waitUntil([&] { return batch.takeTurn(); });
+        if (summary_.cancelled) return false;
+    }
+    batch.start(command, context_.state.drives);
     Körläge(true);
     port().status(texts().FormulärSträng("PrisMain", 22) + " " + command + " ...");
-    waitForBatch(batch);
     return true;
 }
 
-void RunMachinery::waitForBatch(const std::filesystem::path& batch) {
+bool RunMachinery::waitUntil(const std::function<bool()>& done) {
     constexpr auto kPause = std::chrono::milliseconds(10);
-    std::error_code unreadable;
-    while (std::filesystem::exists(batch, unreadable) && !port().cancelled()) std::this_thread::sleep_for(kPause);
+    while (!done()) {
+        if (port().cancelled()) return false;
+        std::this_thread::sleep_for(kPause);
+    }
+    return true;
+}
+
+std::filesystem::path RunMachinery::wantedPriceFile() const {
+    const StartState& state = context_.state;
+    return kolmera::findPriceFile(job_.priceFile, state.drives, state.dataFolder(), state.programFolder());
 }
 
 bool RunMachinery::findPriceFile() {
-    const StartState& state = context_.state;
-    priceFilePath_ = kolmera::findPriceFile(job_.priceFile, state.drives, state.dataFolder(), state.programFolder());
+    priceFilePath_ = wantedPriceFile();
     std::error_code unreadable;
     if (!priceFilePath_.empty() && std::filesystem::exists(priceFilePath_, unreadable)) return true;
     const std::string title = texts().FormulärSträng("PrisMain", 26);
@@ -158,9 +184,13 @@ bool RunMachinery::findPriceFile() {
     return false;
 }
 
+std::unique_ptr<PriceFile> RunMachinery::open(const std::filesystem::path& file) {
+    return std::make_unique<PriceFile>(file, [this] { return port().cancelled(); });
+}
+
 bool RunMachinery::openPriceFile() {
     try {
-        priceFile_ = std::make_unique<PriceFile>(priceFilePath_);
+        priceFile_ = open(priceFilePath_);
         return true;
     } catch (const PlatformError& error) {
         const std::string title = texts().FormulärSträng("PrisMain", 27);
@@ -250,10 +280,36 @@ std::string whatEndedTheRun(LanguageTexts& texts, const std::string& company, co
     return texts.ModulTextMed("KMR", 111, errorText(texts, error));
 }
 
+/// Why the file that was read may be an old one.
+std::vector<std::string> doubtsAboutPreparation(LanguageTexts& texts, const Job& job,
+                                                const PreparationReport& preparation) {
+    constexpr int kNotFound = 127;
+    std::vector<std::string> doubts;
+    if (preparation.exitStatus != 0) {
+        const int reason = preparation.exitStatus == kNotFound ? 453 : 452;
+        doubts.push_back(texts.ModulTextMed("KMR", 451, job.command) + " " +
+                         texts.ModulTextMed("KMR", reason, fmt::format("{}", preparation.exitStatus)));
+    }
+    if (preparation.stillRunning) doubts.push_back(texts.ModulTextMed("KMR", 454, job.command));
+    if (preparation.fileNotRenewed) doubts.push_back(texts.ModulTextMed("KMR", 455, job.priceFile));
+    return doubts;
+}
+
+std::string titleOf(LanguageTexts& texts, const RunSummary& summary, bool doubted) {
+    if (doubted) return texts.ModulText("KMR", 456);
+    return summary.readAsOneLine ? texts.ModulText("KMR", 322) : texts.ModulText("KMR", 550);
+}
+
 void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job,
                    const std::optional<PlatformError>& ended) {
     LanguageTexts& texts = context.texts;
-    const std::string found = runMessage(texts, summary, job.priceFile, context.port.examplesTold());
+    std::vector<std::string> paragraphs;
+    if (!summary.cancelled) paragraphs = doubtsAboutPreparation(texts, job, summary.preparation);
+    const bool doubted = !paragraphs.empty();
+    if (std::string said = runMessage(texts, summary, job.priceFile, context.port.examplesTold()); !said.empty()) {
+        paragraphs.push_back(std::move(said));
+    }
+    const std::string found = fmt::format("{}", fmt::join(paragraphs, kLineBreaks));
     if (ended) {
         std::string text = whatEndedTheRun(texts, job.company, *ended);
         if (!found.empty()) text += std::string(kLineBreaks) + found;
@@ -261,7 +317,7 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
     } else if (!found.empty()) {
         Message message;
         message.text = found;
-        message.title = texts.ModulText("KMR", summary.readAsOneLine ? 322 : 550);
+        message.title = titleOf(texts, summary, doubted);
         context.port.tell(message);
     }
 }
@@ -274,6 +330,9 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
     context.port.clearCancel();  // what was cancelled before is not this run
     try {
         if (run->HämtaKolmeraData()) steps(*run);
+    } catch (const ReadingCancelled&) {
+        run->summary().cancelled = true;
+        run->summary().completed = true;
     } catch (const PlatformError& error) {
         // Giving up a lock that another program holds is how Cancel is obeyed there.
         run->summary().cancelled = error.number() == errors::kLocked && context.port.cancelled();

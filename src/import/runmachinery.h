@@ -11,6 +11,7 @@
 #include "definitions/jobfile.h"
 #include "import/filefact.h"
 #include "import/importcontext.h"
+#include "platform/batchprocess.h"
 #include "platform/pricefile.h"
 
 namespace kolmera {
@@ -59,8 +60,9 @@ class RunMachinery {
     // The price file.
     /// Shows the hourglass and runs the job's preparation command when it has one.
     [[nodiscard]] bool prepare();
-    /// Starts a command as the batch file EXPA@#01.BAT and waits until that file is gone or Cancel is pressed; both
-    /// count as done.
+    /// Starts a command as the batch file EXPA@#01.BAT, in its turn among all programs, and waits until that file is
+    /// gone or Cancel is pressed; both count as done, except where Cancel means the run. How it went is noted in the
+    /// summary. False, too, when the wait for the turn was cancelled.
     [[nodiscard]] bool FörberedFil(const std::string& command);
     [[nodiscard]] bool findPriceFile();
     /// Looks at the file that `findPriceFile` has found, before anything is changed. When it is not what the run
@@ -70,6 +72,8 @@ class RunMachinery {
     [[nodiscard]] bool openPriceFile();
     [[nodiscard]] const std::filesystem::path& priceFilePath() const { return priceFilePath_; }
     [[nodiscard]] PriceFile& priceFile() { return *priceFile_; }
+    /// Opens a file that is read in this run, so that Cancel is heard while it has nothing to read.
+    [[nodiscard]] std::unique_ptr<PriceFile> open(const std::filesystem::path& file);
 
     // During the run.
     void Körläge(bool on);
@@ -89,7 +93,10 @@ class RunMachinery {
   private:
     [[nodiscard]] bool emptyTable(Recordset& table, int every, int statusText, std::int64_t& deleted);
     [[nodiscard]] std::string roundingWarning(Recordset& settings2);
-    void waitForBatch(const std::filesystem::path& batch);
+    [[nodiscard]] bool startInTurn(BatchFile& batch, const std::string& command);
+    /// Waits until `done`. False when cancelled.
+    [[nodiscard]] bool waitUntil(const std::function<bool()>& done);
+    [[nodiscard]] std::filesystem::path wantedPriceFile() const;
 
     ImportContext& context_;
     std::string jobText_;

@@ -41,6 +41,8 @@ class RunPort : public MessagePort {
     /// Lets waiting events run, then tells whether Cancel was pressed.
     virtual bool cancelled() = 0;
     virtual void clearCancel() = 0;
+    /// Whether Cancel ends the run while the preparation command runs; otherwise it ends the wait for the command.
+    [[nodiscard]] virtual bool cancelEndsPreparation() const { return false; }
     virtual ConfirmationAnswer confirm(const Confirmation& confirmation) = 0;
     /// Whether such a file is read all the same. Nothing has been changed yet.
     virtual bool readsDoubtful(const DoubtfulFile& file) = 0;

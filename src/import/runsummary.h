@@ -22,6 +22,13 @@ class SavedProducts {
     std::size_t used_ = 0;
 };
 
+/// How the preparation command of a run went.
+struct PreparationReport {
+    int exitStatus = 0;           ///< not 0: it failed; 127: there is no such program
+    bool stillRunning = false;    ///< the wait for it was given up
+    bool fileNotRenewed = false;  ///< the price file is the same as before the command
+};
+
 /// What a run did. Rows are counted when they are written.
 struct RunSummary {
     std::int64_t records = 0;  ///< records (mask) or lines (trade formats) read
@@ -41,14 +48,17 @@ struct RunSummary {
     bool readAsOneLine = false;  ///< the price file has line feeds where it should have line ends
     bool cancelled = false;
     bool completed = false;  ///< the run reached its close-down (also when cancelled)
+    PreparationReport preparation;
     RunReport report;
     SavedProducts products;
 
     void productSaved(std::string_view number, bool isNew);
     /// The file was read to its end, and nothing of it could be used.
     [[nodiscard]] bool nothingUsed() const { return completed && !cancelled && used == 0; }
-    /// Something in the file was not taken as it stands.
-    [[nodiscard]] bool hasFaults() const { return report.hasFaults() || readAsOneLine || nothingUsed(); }
+    /// The file was not prepared, or something in it was not taken as it stands.
+    [[nodiscard]] bool hasFaults() const {
+        return preparation.exitStatus != 0 || report.hasFaults() || readAsOneLine || nothingUsed();
+    }
 };
 
 }  // namespace kolmera

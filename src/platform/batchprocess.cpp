@@ -3,11 +3,14 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <spawn.h>
+#include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <iterator>
 #include <string_view>
@@ -15,6 +18,7 @@
 
 #include "platform/descriptor.h"
 #include "platform/encodings.h"
+#include "platform/error.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -22,6 +26,12 @@ namespace kolmera {
 namespace fs = std::filesystem;
 
 namespace {
+
+// What the shell of a batch holds besides its output. Its commands do not: a program that a command leaves behind must
+// not keep the turn.
+constexpr int kStatusInShell = 8;
+constexpr int kLockInShell = 9;
+constexpr std::string_view kWithoutOurs = "8>&- 9>&-";
 
 std::string shellQuoted(const std::string& text) { return fmt::format("'{}'", replaceAll(text, "'", "'\\''")); }
 
@@ -59,7 +69,7 @@ std::string patternOf(const std::string& name) {
 
 /// Turns the lines of a batch file into lines for /bin/sh. The commands of the batch language that are known here take
 /// Windows paths; any other line is the shell's as it is, in a shell of its own, so that nothing in it (an error in its
-/// quotes, an "exit") keeps the later lines from running.
+/// quotes, an "exit") keeps the later lines from running. The first exit status that is not 0 is kept.
 class ShellScript {
   public:
     ShellScript(const fs::path& folder, const DriveMap& drives) : folder_(folder), drives_(drives) {}
@@ -75,11 +85,14 @@ class ShellScript {
             (this->*command->translate)(argumentsOf(words));
             return;
         }
-        addLine("( eval {} )", shellQuoted(std::string(line)));
+        addCommand("( eval {} )", shellQuoted(std::string(line)));
     }
 
-    /// Adds the removal of a file whatever folder the lines before have gone to.
-    void removeAtEnd(const fs::path& file) { addLine("rm -f -- {}", shellQuoted(file.string())); }
+    /// Adds the end: tells the exit status, and removes a file whatever folder the lines before have gone to.
+    void endBy(const fs::path& removedFile) {
+        addLine("echo $kolmera_status >&{}", kStatusInShell);
+        addLine("rm -f -- {}", shellQuoted(removedFile.string()));
+    }
 
     [[nodiscard]] const std::string& text() const { return script_; }
 
@@ -95,6 +108,12 @@ class ShellScript {
     void addLine(fmt::format_string<Values...> format, Values&&... values) {
         fmt::format_to(std::back_inserter(script_), format, std::forward<Values>(values)...);
         script_ += '\n';
+    }
+
+    template <typename... Values>
+    void addCommand(fmt::format_string<Values...> format, Values&&... values) {
+        const std::string command = fmt::format(format, std::forward<Values>(values)...);
+        addLine("{} {} || kolmera_failed $?", command, kWithoutOurs);
     }
 
     /// Several commands in one line are written for the shell.
@@ -125,13 +144,13 @@ class ShellScript {
     }
 
     void remove(const Arguments& names) {
-        for (const std::string& name : names) addLine("rm -f -- {}", filesOf(name));
+        for (const std::string& name : names) addCommand("rm -f -- {}", filesOf(name));
     }
 
     void copy(const Arguments& names) {
         if (names.empty()) return;
         const fs::path to = names.size() > 1 ? resolved(names[1]) : folder_;
-        addLine("cp -f -- {} {}", filesOf(names[0]), shellQuoted(to.string()));
+        addCommand("cp -f -- {} {}", filesOf(names[0]), shellQuoted(to.string()));
     }
 
     /// An existing file of the new name stays, and the old one too.
@@ -139,23 +158,25 @@ class ShellScript {
         if (names.size() < 2) return;
         const fs::path from = resolved(names[0]);
         const std::string to = shellQuoted(drives_.resolve(names[1], from.parent_path()).string());
-        addLine("[ -e {0} ] || mv -- {1} {0}", to, shellQuoted(from.string()));
+        addCommand("[ ! -e {0} ] && mv -- {1} {0}", to, shellQuoted(from.string()));
     }
 
     void changeFolder(const Arguments& names) {
         if (names.empty()) return;
         const fs::path wanted = resolved(names[0]);
+        addCommand("cd -- {}", shellQuoted(wanted.string()));
         std::error_code ignored;
-        if (!fs::is_directory(wanted, ignored)) return;
-        folder_ = wanted;
-        addLine("cd -- {}", shellQuoted(folder_.string()));
+        if (fs::is_directory(wanted, ignored)) folder_ = wanted;
     }
 
     void nothing(const Arguments&) {}
 
     fs::path folder_;
     const DriveMap& drives_;
-    std::string script_ = "ECHO() { echo \"$@\"; }\n";
+    std::string script_ =
+        "ECHO() { echo \"$@\"; }\n"
+        "kolmera_status=0\n"
+        "kolmera_failed() { [ $kolmera_status != 0 ] || kolmera_status=$1; }\n";
 };
 
 constexpr ShellScript::Command ShellScript::kCommands[8] = {
@@ -167,11 +188,13 @@ constexpr ShellScript::Command ShellScript::kCommands[8] = {
 /// What the shell starts with: its own session, no signal ignored or blocked.
 class SpawnSettings {
   public:
-    explicit SpawnSettings(const fs::path& folder) {
+    SpawnSettings(const fs::path& folder, const Descriptor& status, const Descriptor& lock) {
         posix_spawn_file_actions_init(&actions);
         posix_spawnattr_init(&attributes);
         posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
         posix_spawn_file_actions_adddup2(&actions, 2, 1);
+        posix_spawn_file_actions_adddup2(&actions, status.get(), kStatusInShell);
+        posix_spawn_file_actions_adddup2(&actions, lock.get(), kLockInShell);
         sigset_t signals;
         sigemptyset(&signals);
         posix_spawnattr_setsigmask(&attributes, &signals);
@@ -192,12 +215,11 @@ class SpawnSettings {
 
 /// Starts a script as a process that is nobody's child here: the shell that is started puts it in the background,
 /// where it has no input, and ends at once.
-void startDetached(const std::string& script, const fs::path& folder) {
+void startDetached(const std::string& script, const SpawnSettings& settings) {
     std::string shell = "/bin/sh";
     std::string option = "-c";
     std::string background = fmt::format("(\n{}) &", script);
     char* arguments[] = {shell.data(), option.data(), background.data(), nullptr};
-    const SpawnSettings settings(folder);
     pid_t process = 0;
     const int error = posix_spawn(&process, shell.c_str(), &settings.actions, &settings.attributes, arguments, environ);
     if (error != 0) throwSystemError(error);
@@ -205,18 +227,63 @@ void startDetached(const std::string& script, const fs::path& folder) {
     }
 }
 
+/// The same file under a number that the shell's own cannot meet.
+Descriptor beyondTheShells(const Descriptor& descriptor) {
+    return Descriptor(fcntl(descriptor.get(), F_DUPFD_CLOEXEC, kLockInShell + 1));
+}
+
+Descriptor openLock(const fs::path& file) {
+    try {
+        return beyondTheShells(Descriptor(file, O_RDWR | O_CREAT | O_NOFOLLOW));
+    } catch (const PlatformError&) {
+        return beyondTheShells(Descriptor(file, O_RDONLY | O_NOFOLLOW));  // another user has made it
+    }
+}
+
 }  // namespace
 
-void startBatch(const fs::path& folder, const std::string& batchName, const std::string& command,
-                const DriveMap& drives) {
-    const fs::path batch = folder / batchName;
-    const std::string content = fmt::format("{}\r\nDEL {}\r\n", command, batchName);
-    Descriptor(batch, O_WRONLY | O_CREAT | O_TRUNC).writeAt(0, fromUtf8(content, CodePage::Windows1252));
+// The lock's name begins with a dot, so that "DEL *.*" passes it by.
+BatchFile::BatchFile(const fs::path& folder, const std::string& name)
+    : folder_(folder), name_(name), file_(folder / name), lock_(openLock(folder / fmt::format(".{}.lock", name))) {}
 
-    ShellScript script(folder, drives);
+bool BatchFile::takeTurn() {
+    if (flock(lock_.get(), LOCK_EX | LOCK_NB) == 0) return true;
+    if (errno != EWOULDBLOCK && errno != EINTR) throwSystemError(errno);
+    return false;
+}
+
+void BatchFile::start(const std::string& command, const DriveMap& drives) {
+    std::error_code told;
+    fs::remove(file_, told);
+    const Descriptor batch(file_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+    try {
+        batch.write(fromUtf8(fmt::format("{}\r\nDEL {}\r\n", command, name_), CodePage::Windows1252));
+        run(command, drives);
+    } catch (const PlatformError&) {
+        fs::remove(file_, told);
+        throw;
+    }
+}
+
+void BatchFile::run(const std::string& command, const DriveMap& drives) {
+    ShellScript script(folder_, drives);
     for (const std::string& line : split(replaceAll(command, "\r", ""), "\n")) script.add(line);
-    script.removeAtEnd(batch);
-    startDetached(script.text(), folder);
+    script.endBy(file_);
+    status_ = beyondTheShells(Descriptor(memfd_create("status", MFD_CLOEXEC)));
+    startDetached(script.text(), SpawnSettings(folder_, status_, lock_));
+}
+
+bool BatchFile::ended() const {
+    std::error_code unreadable;
+    return !fs::exists(fs::symlink_status(file_, unreadable));
+}
+
+std::optional<int> BatchFile::exitStatus() const {
+    std::string text(8, '\0');
+    text.resize(status_.readAt(0, text.data(), text.size()));
+    int status = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), status);
+    return error == std::errc() && end != text.data() ? std::optional(status) : std::nullopt;
 }
 
 }  // namespace kolmera

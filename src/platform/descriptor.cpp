@@ -58,6 +58,10 @@ Descriptor::Descriptor(const std::filesystem::path& file, int flags)
     throwSystemError(failure);
 }
 
+Descriptor::Descriptor(int opened) : descriptor_(opened) {
+    if (opened < 0) throwSystemError(errno);
+}
+
 Descriptor::Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {

@@ -16,6 +16,8 @@ class Descriptor {
     Descriptor() = default;  ///< no file
     /// Opens with the flags of open(2). A folder is refused.
     Descriptor(const std::filesystem::path& file, int flags);
+    /// Takes over what a call of the system has opened; -1 is its failure, told by errno.
+    explicit Descriptor(int opened);
     Descriptor(Descriptor&& other) noexcept;
     Descriptor& operator=(Descriptor&& other) noexcept;
     ~Descriptor();

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "import/dispatcher.h"
+#include "platform/batchprocess.h"
 #include "support/world.h"
 
 namespace kolmera::test {
@@ -33,7 +34,8 @@ TEST(Confirmation, SaysWhatIsGoingToBeRead) {
     } cases[] = {
         {"a plain file", "", "pris.txt", false},
         {"a file on a diskette", "", "a:\\pris.txt", true},
-        {"a name that begins with A", "", "Apris.txt", false},
+        {"a name that begins with a small a", "", "apris.txt", false},
+        {"a name that begins with A", "", "Apris.txt", true},
         {"a command", "true", "A:\\pris.txt", false},
         {"a command on a diskette", "B:\\pris.exe", "pris.txt", true},
     };
@@ -105,6 +107,71 @@ TEST(Preparation, CancelEndsTheWaitAndThenTheRun) {
     EXPECT_TRUE(summary.completed);
     EXPECT_TRUE(summary.cancelled);
     EXPECT_EQ(summary.records, 25) << "the file is not read, or to its end";
+}
+
+TEST(Preparation, ThatFailedOrRenewedNothingIsTold) {
+    const struct {
+        const char* fault;
+        const char* command;
+        int status;
+        bool renewed;
+    } cases[] = {{"a failing command goes unnoticed", "exit 9", 9, false},
+                 {"a missing program goes unnoticed", "no-such-program", 127, false},
+                 {"an old file goes unnoticed", "true", 0, false},
+                 {"a file with the times of its archive counts as old",
+                  "cp -p ../../data/pris.txt x; mv x ../../data/pris.txt", 0, true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        World world;
+        world.mask(kSimple);
+        world.priceFile("A\t5\r\n");
+        world.job.command = c.command;
+        const auto text = [&](int number, const std::string& var) {
+            return world.texts().ModulTextMed("KMR", number, var);
+        };
+        std::string told;
+        if (c.status != 0) {
+            told = text(451, c.command) + " " + text(c.status == 127 ? 453 : 452, std::to_string(c.status));
+        }
+        if (!c.renewed) told += (told.empty() ? "" : "\r\n\r\n") + text(455, "pris.txt");
+        const RunSummary summary = world.run();
+        EXPECT_EQ(summary.preparation.exitStatus, c.status);
+        EXPECT_EQ(summary.hasFaults(), c.status != 0);
+        EXPECT_EQ(world.port.told, told.empty() ? std::vector<std::string>() : std::vector{told});
+        EXPECT_EQ(world.rows("Produkt", "Nummer"), "A\n") << "the run goes on all the same";
+    }
+}
+
+struct TwoPreparations : World {
+    TwoPreparations() {
+        mask(kSimple);
+        std::filesystem::create_directories(program() / "Filer");
+        job.command = "printf 'B\\t7\\r\\n' > pris.txt";
+        BatchFile other(program() / "Filer", "EXPA@#01.BAT");
+        EXPECT_TRUE(other.takeTurn());
+        other.start("while [ ! -e go ]; do sleep 0.01; done; printf 'A\\t5\\r\\n' > pris.txt", {});
+    }
+    ~TwoPreparations() { letOtherEnd(); }
+    void letOtherEnd() const { std::ofstream(program() / "Filer" / "go"); }
+    [[nodiscard]] bool waits() const { return !port.statuses.empty() && port.statuses.back() == waiting(); }
+    [[nodiscard]] std::string waiting() const { return texts().ModulText("KMR", 450); }
+};
+
+TEST(Preparation, WaitsForTheCommandOfAnotherRun) {
+    TwoPreparations world;
+    world.port.onEvents = [&] {
+        if (world.waits()) world.letOtherEnd();
+    };
+    EXPECT_EQ(world.run().preparation.exitStatus, 0);
+    EXPECT_EQ(world.rows("Produkt", "Nummer"), "B\n") << "read behind the other's command";
+}
+
+TEST(Preparation, CancelBeforeItsTurnReadsNothing) {
+    TwoPreparations world;
+    world.priceFile("C\t5\r\n");
+    world.port.cancelAtStatus = world.waiting();
+    EXPECT_TRUE(world.run().cancelled);
+    EXPECT_EQ(world.rows("Produkt", "Nummer"), "");
 }
 
 TEST(Progress, IsShownEvery25Records) {

@@ -26,14 +26,22 @@ struct BatchTest : testing::Test {
         fs::create_directories(work);
         fs::create_directories(folder / "a");
     }
-    void start(const std::string& command) { startBatch(work, kBatch, command, drives); }
-    bool ends() {
+    static bool soon(const std::function<bool()>& comes) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (fs::exists(work / kBatch)) {
+        while (!comes()) {
             if (std::chrono::steady_clock::now() > deadline) return false;
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
         return true;
+    }
+    BatchFile start(const std::string& command) {
+        BatchFile batch(work, kBatch);
+        EXPECT_TRUE(soon([&] { return batch.takeTurn(); }));
+        batch.start(command, drives);
+        return batch;
+    }
+    bool ends() {
+        return soon([this] { return !fs::exists(work / kBatch); });
     }
     bool runs(const std::string& command) {
         start(command);
@@ -52,11 +60,48 @@ TEST_F(BatchTest, WritesTheBatchByteForByte) {
     EXPECT_EQ(errno, ECHILD);
 }
 
-TEST_F(BatchTest, EndsWhateverTheCommandDoes) {
-    for (const char* command : {"false", "no-such-program", "echo 'no end of the quote", "exit 3", "cd /", "CD /", ")",
-                                "REM nothing", "cat", "", "set -e; false"}) {
-        EXPECT_TRUE(runs(command)) << command;
+TEST_F(BatchTest, EndsWhateverTheCommandDoesAndTellsHow) {
+    const std::pair<const char*, int> cases[] = {{"false", 1},
+                                                 {"no-such-program", 127},
+                                                 {"echo 'no end of the quote", 2},
+                                                 {"exit 3", 3},
+                                                 {"cd /", 0},
+                                                 {"CD /", 0},
+                                                 {"CD none", 2},
+                                                 {")", 2},
+                                                 {"REM no", 0},
+                                                 {"cat", 0},
+                                                 {"", 0},
+                                                 {"set -e; false", 1},
+                                                 {"exit 9\r\nexit 3\r\ntrue", 9},
+                                                 {"kill -9 $(exec sh -c 'echo $PPID')", 137},
+                                                 {"DEL none", 0},
+                                                 {"COPY none x", 1}};
+    for (const auto& [command, status] : cases) {
+        SCOPED_TRACE(command);
+        const BatchFile batch = start(command);
+        EXPECT_TRUE(ends());
+        EXPECT_EQ(batch.exitStatus(), status);
     }
+}
+
+TEST_F(BatchTest, OneAtATimeEvenWhenNobodyWaitsForTheFirst) {
+    start("while [ ! -e go ]; do sleep 0.01; done; sleep 30 &");
+    BatchFile second(work, kBatch);
+    EXPECT_FALSE(second.takeTurn());
+    folder.write("Filer/go", "");
+    EXPECT_TRUE(soon([&] { return second.takeTurn(); })) << "what a command leaves behind keeps the turn";
+    EXPECT_TRUE(second.ended()) << "the turn came before the end";
+}
+
+TEST_F(BatchTest, ReplacesWhatLiesThereWithoutFollowingIt) {
+    folder.write("precious", "kept");
+    fs::create_symlink(folder / "precious", work / kBatch);
+    EXPECT_TRUE(runs("true"));
+    EXPECT_EQ(folder.read("precious"), "kept");
+    fs::remove(work / ".EXPA@#01.BAT.lock");
+    fs::create_symlink(folder / "precious", work / ".EXPA@#01.BAT.lock");
+    EXPECT_THROW(BatchFile(work, kBatch), PlatformError);
 }
 
 TEST_F(BatchTest, RunsTheCommandInItsFolder) {
@@ -101,7 +146,7 @@ TEST_F(BatchTest, CommandsOfTheBatchLanguage) {
 
 TEST_F(BatchTest, RefusesAFolderThatIsNotThere) {
     try {
-        startBatch(folder / "none", kBatch, "true", drives);
+        BatchFile(folder / "none", kBatch);
         FAIL();
     } catch (const PlatformError& error) {
         EXPECT_EQ(error.number(), errors::kFileNotFound);

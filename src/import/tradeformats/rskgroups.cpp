@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::int64_t kLinesPerBatch = 50;
 
-std::unique_ptr<PriceFile> openGroups(const std::filesystem::path& priceFile) {
+std::unique_ptr<PriceFile> openGroups(RunMachinery& run) {
     try {
-        return std::make_unique<PriceFile>(findWithoutCase(priceFile.parent_path(), "RKOD.DAT"));
+        return run.open(findWithoutCase(run.priceFilePath().parent_path(), "RKOD.DAT"));
     } catch (const PlatformError&) {
         return nullptr;  // The run does without groups.
     }
@@ -50,7 +50,7 @@ class GroupRows {
 }  // namespace
 
 bool LäsInproduktGrupperRSK(RunMachinery& run, Recordset& settings) {
-    const auto file = openGroups(run.priceFilePath());
+    const auto file = openGroups(run);
     if (!file) return true;
     const std::string label = run.texts().FormulärSträng("PrisMain", 57) + " ";
     run.port().status(run.texts().FormulärSträng("PrisMain", 56));
