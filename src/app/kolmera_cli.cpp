@@ -1,11 +1,17 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
-#include <iostream>
+#include <new>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "cli/commandline.h"
+#include "cli/terminalstream.h"
 #include "platform/settings.h"
 
 namespace {
@@ -25,17 +31,42 @@ void listenForCancel() {
     sigaction(SIGTERM, &action, nullptr);
 }
 
-}  // namespace
+/// A file that is opened later must not become the program's output.
+void occupyStandardStreams() {
+    while (true) {
+        const int descriptor = open("/dev/null", O_RDWR);
+        if (descriptor > STDERR_FILENO) close(descriptor);
+        if (descriptor < 0 || descriptor > STDERR_FILENO) return;
+    }
+}
 
-int main(int argc, char** argv) {
-    listenForCancel();
+int run(const std::vector<std::string>& arguments) {
+    kolmera::cli::TerminalStream outBuffer(STDOUT_FILENO, cancel);
+    kolmera::cli::TerminalStream errBuffer(STDERR_FILENO, cancel);
+    std::ostream out(&outBuffer);
+    std::ostream err(&errBuffer);
+    err << std::unitbuf;
     std::error_code ignored;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-    const kolmera::cli::Surroundings surroundings{.out = std::cout,
-                                                  .err = std::cerr,
+    const kolmera::cli::Surroundings surroundings{.out = out,
+                                                  .err = err,
                                                   .programFolder = program.parent_path(),
                                                   .settingsFile = kolmera::SettingsStore::userFile(),
                                                   .locale = kolmera::Locale::ofUser(),
                                                   .cancel = cancel};
-    return kolmera::cli::runCommandLine(std::vector<std::string>(argv + 1, argv + argc), surroundings);
+    return kolmera::cli::runCommandLine(arguments, surroundings);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    occupyStandardStreams();
+    listenForCancel();
+    try {
+        return run(std::vector<std::string>(argv + 1, argv + argc));
+    } catch (const std::bad_alloc&) {
+        // The language database cannot be asked any more.
+        std::fputs("kolmera-cli: Minnet räcker inte. There is not enough memory.\n", stderr);
+        return kolmera::cli::exitcode::kStopped;
+    }
 }

@@ -1,6 +1,7 @@
 #include "cli/commandline.h"
 
 #include <CLI/CLI.hpp>
+#include <new>
 #include <ostream>
 
 #include "cli/copycommand.h"
@@ -9,6 +10,7 @@
 #include "cli/newcommand.h"
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
+#include "cli/session.h"
 #include "platform/error.h"
 
 namespace kolmera::cli {
@@ -127,9 +129,7 @@ int dispatch(const CLI::App& app, const Options& options, const Surroundings& su
                       surroundings);
 }
 
-}  // namespace
-
-int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
+int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
     CLI::App app("Kolmera without a window: makes data folders, lists and runs import jobs.", "kolmera-cli");
     Options options;
     describe(app, options);
@@ -140,10 +140,23 @@ int runCommandLine(const std::vector<std::string>& arguments, const Surroundings
     }
     try {
         return dispatch(app, options, surroundings);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         surroundings.err << error.what() << '\n';
         return exitcode::kStopped;
     }
+}
+
+}  // namespace
+
+int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
+    const int code = carryOutLine(arguments, surroundings);
+    if (surroundings.out.flush().good()) return code;
+    if (surroundings.cancel.load(std::memory_order_relaxed)) return exitcode::kCancelled;
+    Session session(surroundings);
+    surroundings.err << session.text(250) << ' ' << session.text(460) << '\n';
+    return code == exitcode::kDone ? exitcode::kStopped : code;
 }
 
 }  // namespace kolmera::cli

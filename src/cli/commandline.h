@@ -29,7 +29,8 @@ inline constexpr int kPassedOver = 3;  ///< done, but statements were passed ove
 inline constexpr int kCancelled = 130;
 }  // namespace exitcode
 
-/// Runs one command line (without the program's name) and returns its exit code.
+/// Runs one command line (without the program's name) and returns its exit code: never kDone when what it prints could
+/// not be written. Throws std::bad_alloc only.
 int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& surroundings);
 
 }  // namespace kolmera::cli

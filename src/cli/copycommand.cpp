@@ -56,6 +56,9 @@ int tell(Session& session, const CopyArguments& arguments, const CopyResult& res
 int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings, arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
+    for (const std::string& company : {arguments.from, arguments.to}) {
+        if (session.cutAtSemicolon(company, surroundings.err)) return exitcode::kUsage;
+    }
     if (equalNoCase(arguments.from, arguments.to)) {
         surroundings.err << session.text(250) << ' ' << session.text(268) << '\n';
         return exitcode::kUsage;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 #include <ostream>
 #include <utility>
@@ -18,6 +19,13 @@
 namespace kolmera::cli {
 namespace fs = std::filesystem;
 namespace {
+
+/// Files that a text under their name would not be.
+bool isOtherSpreadsheet(const fs::path& file) {
+    constexpr std::string_view kExtensions[] = {".ods", ".fods", ".ots", ".sxc", ".numbers", ".gnumeric"};
+    const std::string extension = file.extension().string();
+    return std::ranges::any_of(kExtensions, [&](std::string_view other) { return equalNoCase(extension, other); });
+}
 
 /// One command on one supplier's letter: finds the company and the supplier, and tells what is wrong with them.
 class LetterCommand {
@@ -108,6 +116,7 @@ std::optional<std::string> LetterCommand::supplierNumber() {
 }
 
 int LetterCommand::exportLetter() {
+    if (isOtherSpreadsheet(file_)) return stop(session_.text(130, file_.filename().string()));
     const std::optional<std::string> supplier = openCompany() ? supplierNumber() : std::nullopt;
     if (!supplier) return exitcode::kStopped;
     LetterExchange exchange(session_.state.sql, *supplier, port_);
@@ -136,6 +145,7 @@ bool LetterCommand::canReplace(LetterExchange& exchange) {
 }
 
 int LetterCommand::importLetter() {
+    if (isOtherSpreadsheet(file_)) return stop(session_.text(131, file_.filename().string()));
     const std::optional<std::string> supplier = openCompany() ? supplierNumber() : std::nullopt;
     if (!supplier) return stopped();
     LetterExchange exchange(session_.state.sql, *supplier, port_);

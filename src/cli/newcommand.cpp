@@ -1,10 +1,13 @@
 #include "cli/newcommand.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <ostream>
 
 #include "cli/democompany.h"
 #include "cli/session.h"
 #include "lang/errortext.h"
+#include "platform/descriptor.h"
 #include "platform/error.h"
 #include "startup/datafolder.h"
 
@@ -19,20 +22,57 @@ bool mayBeFilled(const fs::path& folder) {
     return !fs::exists(folder, ignored) || (fs::is_directory(folder, ignored) && fs::is_empty(folder, ignored));
 }
 
+/// A folder that is filled out of sight, and shows itself whole or not at all: beside the wanted folder, or inside it
+/// when that is there already (it may have rights of its own). What is unfinished is removed.
+class FolderInTheMaking {
+  public:
+    explicit FolderInTheMaking(const fs::path& wanted)
+        : wanted_(wanted.has_filename() ? wanted : wanted.parent_path()), exists_(fs::exists(wanted)) {
+        const fs::path place = exists_ ? wanted_ : wanted_.parent_path();
+        fs::create_directories(place);
+        std::string name = (place / ".kolmera-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throwSystemError(errno);
+        private_ = name;
+        fs::create_directory(folder());  // with the rights that the user gives to new folders
+    }
+    FolderInTheMaking(const FolderInTheMaking&) = delete;
+    FolderInTheMaking& operator=(const FolderInTheMaking&) = delete;
+    ~FolderInTheMaking() {
+        std::error_code ignored;
+        fs::remove_all(private_, ignored);
+    }
+
+    [[nodiscard]] fs::path folder() const { return private_ / "folder"; }
+    void finish() {
+        if (!exists_) return fs::rename(folder(), wanted_);
+        const std::vector<fs::path> entries(fs::directory_iterator(folder()), {});
+        for (const fs::path& entry : entries) fs::rename(entry, wanted_ / entry.filename());
+    }
+
+  private:
+    fs::path wanted_;
+    fs::path private_;
+    bool exists_;
+};
+
 // Makes the folder and lets `fill` write into it; the message tells how it went.
 int makeFolder(Session& session, const fs::path& folder, const Surroundings& surroundings, int doneText,
-               const std::function<void()>& fill) {
-    if (!mayBeFilled(folder)) {
-        surroundings.err << session.text(250) << ' ' << session.text(232, folder.string()) << '\n';
+               const std::function<void(const fs::path& folder)>& fill) {
+    const auto stopped = [&](int text, std::string_view reason) {
+        surroundings.err << session.text(250) << ' ' << session.text(text, folder.string()) << reason << '\n';
         return exitcode::kStopped;
-    }
+    };
+    if (!mayBeFilled(folder)) return stopped(232, "");
     try {
-        createDataFolder(folder);
-        fill();
+        FolderInTheMaking making(folder);
+        createDataFolder(making.folder());
+        fill(making.folder());
+        making.finish();
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' ' << session.text(233, folder.string()) << ' '
-                         << errorText(session.texts, error) << '\n';
-        return exitcode::kStopped;
+        return stopped(233, " " + errorText(session.texts, error));
+    } catch (const fs::filesystem_error& error) {
+        const PlatformError cause(errors::kInternal, error.code().message());
+        return stopped(233, " " + errorText(session.texts, cause.ofSystem(error.code().value())));
     }
     surroundings.out << session.text(doneText, folder.string()) << '\n';
     return exitcode::kDone;
@@ -43,17 +83,17 @@ int makeFolder(Session& session, const fs::path& folder, const Surroundings& sur
 int newCommand(const std::string& folder, const std::string& companyName, const Surroundings& surroundings) {
     Session session(surroundings);
     const fs::path target = absoluteFolder(folder);
-    return makeFolder(session, target, surroundings, 230, [&] {
-        createCompany(target, kCompanyFile, companyName.empty() ? session.text(234) : companyName);
+    return makeFolder(session, target, surroundings, 230, [&](const fs::path& made) {
+        createCompany(made, kCompanyFile, companyName.empty() ? session.text(234) : companyName);
     });
 }
 
 int demoCommand(const std::string& folder, const Surroundings& surroundings) {
     Session session(surroundings);
     const fs::path target = absoluteFolder(folder);
-    return makeFolder(session, target, surroundings, 231, [&] {
-        createCompany(target, kCompanyFile, session.text(235));
-        fillDemoCompany(surroundings.programFolder / "demo", target, target / kCompanyFile, session.state.locale);
+    return makeFolder(session, target, surroundings, 231, [&](const fs::path& made) {
+        createCompany(made, kCompanyFile, session.text(235));
+        fillDemoCompany(surroundings.programFolder / "demo", made, made / kCompanyFile, session.state.locale);
     });
 }
 

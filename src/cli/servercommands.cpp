@@ -29,6 +29,7 @@ int addServerCommand(const ServerArguments& arguments, const Surroundings& surro
     Session session(surroundings, arguments.dataFolder);
     const auto folder = absoluteFolder(arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
+    if (session.cutAtSemicolon(arguments.name, surroundings.err)) return exitcode::kUsage;
     ServerCompany server{arguments.name, arguments.description, arguments.connectString};
     if (!SqlLayer::ÄrSQLDatabas(upperCase(server.name))) server.name = "SQL;" + server.name;
     try {

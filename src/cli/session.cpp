@@ -4,6 +4,9 @@
 #include <ostream>
 #include <system_error>
 
+#include "cli/builtintexts.h"
+#include "platform/lettercase.h"
+
 namespace kolmera::cli {
 
 std::filesystem::path absoluteFolder(const std::string& folder) {
@@ -18,6 +21,7 @@ Session::Session(const Surroundings& surroundings, const std::string& dataFolder
     state.Decimaltecken = state.locale.decimalSign();
     state.Signatur = "DV";
 
+    texts.fallBackOn(builtInTexts());
     texts.ÖppnaSpråk(surroundings.programFolder,
                      state.drives.resolve(state.settings.get("Sökvägar", "Server"), surroundings.programFolder));
     state.Språkkod = LanguageTexts::NormaliseraSpråk(state.settings.get("Start", "Lang", "SE"));
@@ -30,6 +34,12 @@ bool Session::hasDataFolder(std::ostream& err) {
     if (std::filesystem::is_directory(folder, unreachable)) return true;
     err << text(250) << ' ' << text(120, folder.string()) << '\n';
     return false;
+}
+
+bool Session::cutAtSemicolon(std::string_view company, std::ostream& err) {
+    if (!equalNoCase(trimmed(company), "SQL")) return false;
+    err << text(250) << ' ' << text(459) << '\n';
+    return true;
 }
 
 }  // namespace kolmera::cli

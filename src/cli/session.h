@@ -23,6 +23,9 @@ struct Session {
     /// Whether the data folder is there; `err` tells when it is not.
     bool hasDataFolder(std::ostream& err);
 
+    /// Whether a company's name is what the shell has left of SQL;NAME without quotes; `err` tells when it is.
+    bool cutAtSemicolon(std::string_view company, std::ostream& err);
+
     StartState state;
     LanguageTexts texts;
 };

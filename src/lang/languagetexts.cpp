@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "lang/wordtable.h"
@@ -28,6 +29,17 @@ std::unique_ptr<Database> openIn(const std::filesystem::path& folder) {
     attempt(passedOver, "DVLang.sys",
             [&] { database = openFileDatabase(findWithoutCase(folder, "DVLang.sys"), options); });
     return database;
+}
+
+std::optional<std::string> textOfLines(std::span<const std::string_view> lines, std::string_view key,
+                                       std::string_view language) {
+    const std::string beginning = std::string(key) + "\t";
+    const auto line = std::ranges::find_if(lines, [&](std::string_view text) { return text.starts_with(beginning); });
+    if (line == lines.end()) return std::nullopt;
+    const std::string_view texts = line->substr(beginning.size());
+    const std::size_t tab = texts.find('\t');
+    return std::string(language == "EN" && tab != std::string_view::npos ? texts.substr(tab + 1)
+                                                                         : texts.substr(0, tab));
 }
 
 }  // namespace
@@ -61,14 +73,14 @@ void LanguageTexts::InitSpråkOrd(std::string_view languageCode) {
 
 std::optional<std::string> LanguageTexts::storedText(std::string_view key) {
     std::optional<std::string> text;
-    if (!lang_) return text;
     PassedOverSilently passedOver;
     attempt(passedOver, "DVLang.sys", [&] {
+        if (!lang_) return;
         const Value keys[] = {std::string(key)};
         lang_->seek("=", keys);
         if (!lang_->noMatch()) text = textOf(lang_->value(language_));
     });
-    return text;
+    return text ? text : textOfLines(fallback_, key, language_);
 }
 
 std::string LanguageTexts::SpråkText(std::string_view key) { return AvkodaPlatshållare(storedText(key).value_or("")); }

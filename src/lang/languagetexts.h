@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,8 @@ class LanguageTexts {
     static std::string NormaliseraSpråk(std::string_view code);
     void InitSpråkOrd(std::string_view languageCode);
     void StängSpråk();
+    /// Lines "key TAB SE TAB EN" for what DVLang.sys does not have; they must outlive the object.
+    void fallBackOn(std::span<const std::string_view> lines) { fallback_ = lines; }
 
     [[nodiscard]] const std::string& language() const { return language_; }
     [[nodiscard]] std::string SpråkText(std::string_view key);
@@ -51,6 +54,7 @@ class LanguageTexts {
     std::string language_ = "SE";
     std::unique_ptr<Database> database_;
     std::unique_ptr<Recordset> lang_;
+    std::span<const std::string_view> fallback_;
     std::array<std::string, 49> words_;
     std::map<int, std::string> startMessages_;
 };

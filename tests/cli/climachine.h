@@ -21,7 +21,7 @@ class CliMachine {
         err_.str("");
         return cli::runCommandLine(arguments, {.out = out_,
                                                .err = err_,
-                                               .programFolder = KOLMERA_BIN_DIR,
+                                               .programFolder = programFolder,
                                                .settingsFile = folder_ / "settings.ini",
                                                .locale = Locale(Locale::Kind::Swedish),
                                                .cancel = cancel});
@@ -37,7 +37,11 @@ class CliMachine {
     }
     [[nodiscard]] std::string file(std::string_view name) const { return (folder_ / name).string(); }
 
+    /// From now on nothing can be written to the output.
+    void closeOutput() { out_.setstate(std::ios::badbit); }
+
     std::atomic<bool> cancel{false};
+    std::filesystem::path programFolder = KOLMERA_BIN_DIR;
 
   private:
     TemporaryFolder folder_;

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "cli/climachine.h"
 #include "cli/progressbar.h"
+#include "cli/terminalstream.h"
 #include "definitions/jobfile.h"
+#include "platform/descriptor.h"
 #include "platform/engine/database.h"
 #include "platform/lettercase.h"
 #include "platform/tsv.h"
@@ -61,6 +64,7 @@ TEST(CommandLine, RunStopsWithAMessage) {
         const char* message;
     } cases[] = {
         {"an unknown job", {"run", "Finns ej", "--data", machine.data()}, "Finns ej"},
+        {"a name with a slip", {"run", "smedhultverktig", "--data", machine.data()}, "\"Smedhult verktyg\""},
         {"no data folder", {"run", "(EIO)", "--data", machine.file("none")}, "none"},
         {"a folder name that the system refuses", {"run", "(EIO)", "--data", std::string(300, 'x')}, "Datamappen"},
         {"the same, for the list of jobs", {"jobs", "--data", std::string(300, 'x')}, "Datamappen"},
@@ -84,6 +88,58 @@ TEST(CommandLine, CancelKeepsWhatWasRead) {
     EXPECT_EQ(summary["cancelled"], true);
     EXPECT_EQ(summary["records"], 25) << "Cancel is looked at behind every 25th record";
     EXPECT_EQ(products(machine), before + summary["new"].get<std::int32_t>());
+}
+
+TEST(CommandLine, CancelDuringThePreparationEmptiesNothing) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    JobFile jobs(machine.data());
+    auto job = *jobs.find("Smedhult verktyg");
+    job.command = "sleep 3";
+    jobs.save(job);
+    const std::int32_t before = products(machine);
+    machine.cancel = true;
+    EXPECT_EQ(machine.run({"run", job.name, "--data", machine.data(), "--empty"}), cli::exitcode::kCancelled);
+    EXPECT_EQ(products(machine), before);
+}
+
+TEST(CommandLine, AFolderIsMadeWholeOrNotAtAll) {
+    CliMachine machine;
+    machine.programFolder = machine.file("program");  // without the demo's files
+    const std::filesystem::path parent = std::filesystem::path(machine.data()).parent_path();
+    for (const bool there : {false, true}) {
+        SCOPED_TRACE(there);
+        if (there) std::filesystem::create_directory(machine.data());
+        EXPECT_EQ(machine.run({"demo", machine.data()}), cli::exitcode::kStopped);
+        EXPECT_TRUE(contains(machine.err(), "Fel: ")) << "no texts without DVLang.sys: " << machine.err();
+        EXPECT_EQ(std::filesystem::is_empty(there ? std::filesystem::path(machine.data()) : parent), true);
+    }
+    machine.programFolder = KOLMERA_BIN_DIR;
+    EXPECT_EQ(machine.run({"demo", machine.data()}), cli::exitcode::kDone) << machine.err();
+}
+
+TEST(CommandLine, OutputThatCannotBeWrittenIsNoSuccess) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"new", machine.data() + "/"}), cli::exitcode::kDone) << machine.err();
+    machine.closeOutput();
+    EXPECT_EQ(machine.run({"jobs", "--data", machine.data()}), cli::exitcode::kStopped);
+    EXPECT_NE(machine.err(), "");
+    machine.cancel = true;
+    EXPECT_EQ(machine.run({"jobs", "--data", machine.data()}), cli::exitcode::kCancelled);
+}
+
+TEST(TerminalStream, WaitsForAReaderUntilCancelled) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const Descriptor reader(ends[0]);
+    const Descriptor writer(ends[1]);
+    std::atomic<bool> cancel{true};
+    cli::TerminalStream buffer(writer.get(), cancel);
+    std::ostream out(&buffer);
+    out << "what there is room for is written" << std::flush;
+    EXPECT_TRUE(out.good());
+    out << std::string(1'000'000, 'x') << std::flush;
+    EXPECT_FALSE(out.good());
 }
 
 TEST(CommandLine, EmptyDeletesTheProductsFirst) {

@@ -72,6 +72,7 @@ TEST_F(DiscountsCommand, StopsWithAMessageAndKeepsTheLetter) {
         {"a text named as a spreadsheet", {"import", "1010", write("text.xlsx", "A\t1\r\n")}, "text.xlsx"},
         {"a supplier without a letter", {"export", "4020", machine.file("x.txt")}, "4020"},
         {"a format that cannot be written", {"export", "1010", machine.file("x.xls")}, "xlsx"},
+        {"text under the name of another spreadsheet", {"export", "1010", machine.file("x.ods")}, "xlsx"},
         {"a full disk", {"export", "1010", "/dev/full"}, "/dev/full"},
     };
     for (const auto& c : cases) {

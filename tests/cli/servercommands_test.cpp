@@ -53,6 +53,8 @@ TEST(CopyCompanyCommand, CopiesBetweenFiles) {
         return machine.run({"copy-company", from, to, "--data", machine.data()});
     };
     EXPECT_EQ(copy("FTG1.mdb", "ftg1.MDB"), cli::exitcode::kUsage);
+    EXPECT_EQ(copy("FTG1.mdb", "SQL"), cli::exitcode::kUsage) << "what the shell leaves of SQL;NAME";
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(machine.data()) / "SQL"));
     EXPECT_EQ(copy("FTG8.mdb", "FTG9.mdb"), cli::exitcode::kStopped);
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(machine.data()) / "FTG9.mdb"))
         << "made without a source";
