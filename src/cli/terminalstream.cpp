@@ -21,7 +21,7 @@ TerminalStream::int_type TerminalStream::overflow(int_type c) {
 bool TerminalStream::waitForRoom() const {
     constexpr int kPause = 200;  // milliseconds; a reader that is only slow has this time also behind a Ctrl-C
     pollfd output{.fd = descriptor_, .events = POLLOUT, .revents = 0};
-    while (poll(&output, 1, kPause) == 0) {
+    while (poll(&output, 1, kPause) <= 0) {
         if (cancel_.load(std::memory_order_relaxed)) return false;
     }
     return true;
