@@ -8,6 +8,7 @@
 #include "cli/discountscommand.h"
 #include "cli/jobscommand.h"
 #include "cli/newcommand.h"
+#include "cli/repaircommand.h"
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
 #include "cli/session.h"
@@ -96,6 +97,10 @@ void describe(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"sv", "en"}));
     run->add_option("--summary", options.summary, "Write the summary as JSON to this file");
 
+    CLI::App* repair = app.add_subcommand("repair", "Save what can be read of a damaged company");
+    repair->add_option("COMPANY", options.company, "Company file of the data folder")->required();
+    addDataOption(*repair, options);
+
     describeServerCommands(app, options);
     describeDiscounts(app, options);
 }
@@ -104,6 +109,7 @@ int dispatch(const CLI::App& app, const Options& options, const Surroundings& su
     if (app.got_subcommand("new")) return newCommand(options.folder, options.company, surroundings);
     if (app.got_subcommand("demo")) return demoCommand(options.folder, surroundings);
     if (app.got_subcommand("jobs")) return jobsCommand(options.folder, options.json, surroundings);
+    if (app.got_subcommand("repair")) return repairCommand(options.company, options.folder, surroundings);
     if (app.got_subcommand("discounts")) {
         const bool writes = app.get_subcommand("discounts")->got_subcommand("export");
         return (writes ? exportDiscountsCommand : importDiscountsCommand)(options.discounts, surroundings);

@@ -202,6 +202,7 @@ void TerminalRun::importJob(const Job& job) {
                           .Idag = Date::today(),
                           .JobbNr = job.number};
     result_.summary = Utför(context, job.name);
+    if (!companies.damagedCompany().empty()) say(session_.text(609, companies.damagedCompany()));
 }
 
 void TerminalRun::tellResult() {

@@ -344,6 +344,8 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
     const bool jobSettings = run->wantsJobSettings();
     run.reset();
     tellHowItWent(context, summary, job, ended);
+    const bool damaged = ended && ended->number() == errors::kDamaged;
+    if (damaged && !SqlLayer::ÄrSQLDatabas(upperCase(job.company))) context.companies.offerRepair(job.company);
     if (jobSettings) context.port.openJobSettings();
     return summary;
 }

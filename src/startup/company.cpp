@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <system_error>
 
+#include "db/companyschema.h"
 #include "db/conversions.h"
 #include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "startup/companyfile.h"
 #include "startup/passwordfile.h"
+#include "startup/repairtexts.h"
 
 namespace kolmera {
 
@@ -19,7 +21,6 @@ constexpr std::string_view kModule = "KMR";
 constexpr int kNotACompany = 15;
 constexpr int kAskToRepair = 16;
 constexpr int kNotRepaired = 18;
-constexpr int kRepaired = 117;
 
 bool isCompanyFile(const std::string& upperName) { return upperName.starts_with("FTG") && upperName.ends_with(".MDB"); }
 
@@ -46,6 +47,7 @@ OpenOptions CompanyRegister::openOptions(std::string_view name) {
     result.locale = state_.locale;
     result.password = LösenFör(name);
     result.wait = waitForLock;
+    result.knownTables = companySchema;
     return result;
 }
 
@@ -73,13 +75,27 @@ bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
         // What the server said tells more than that there is no file of its name.
         const bool server = SqlLayer::ÄrSQLDatabas(upperCase(name));
         const PlatformError error = server ? state_.sql.serverError().value_or(noFile) : noFile;
-        boxes_.port().hourglass(false);
-        const std::string title = texts_.ResText(kCannotOpen);
-        boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + std::to_string(error.number()) +
-                                     "\r\n" + errorText(texts_, error),
-                                 title);
+        warnNotOpened(name, error);
+        return !server && error.number() == errors::kDamaged && offerRepair(std::string(name)) && openRepaired(name);
+    }
+}
+
+bool CompanyRegister::openRepaired(std::string_view name) {
+    try {
+        state_.sql.FtgDB = openFile(name, false);
+        return true;
+    } catch (const PlatformError& error) {
+        warnNotOpened(name, error);
         return false;
     }
+}
+
+void CompanyRegister::warnNotOpened(std::string_view name, const PlatformError& error) {
+    boxes_.port().hourglass(false);
+    const std::string title = texts_.ResText(kCannotOpen);
+    boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + std::to_string(error.number()) + "\r\n" +
+                                 errorText(texts_, error),
+                             title);
 }
 
 std::vector<std::string> CompanyRegister::FyllFöretagsLista() {
@@ -127,22 +143,37 @@ std::string CompanyRegister::companyName(const std::string& file) {
     return name;
 }
 
-std::optional<std::string> CompanyRegister::repairedCompany(const std::string& file) {
+RepairReport CompanyRegister::repair(const std::string& file) {
+    RepairReport report = repairFileDatabase(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
+    damaged_.clear();
+    return report;
+}
+
+bool CompanyRegister::isSound(const std::string& file) {
+    return kolmera::isSound(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
+}
+
+bool CompanyRegister::offerRepair(const std::string& file) {
+    damaged_ = file;
     boxes_.port().hourglass(false);
     const std::string question =
         texts_.ResText(kCannotOpen) + " " + file + "." + texts_.ModulTextMed(kModule, kAskToRepair, file);
-    if (boxes_.MeddelandeJaNej(question) != Answer::Yes) return std::nullopt;
+    if (boxes_.MeddelandeJaNej(question) != Answer::Yes) return false;
     boxes_.port().hourglass(true);
     try {
-        const RepairReport report =
-            repairFileDatabase(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
+        const RepairReport report = repair(file);
         boxes_.port().hourglass(false);
-        boxes_.MeddelandeInfo(texts_.ModulTextMed(kModule, kRepaired, report.original.filename().string()));
+        boxes_.MeddelandeInfo(repairText(texts_, report));
+        return true;
     } catch (const PlatformError&) {
         boxes_.port().hourglass(false);
         boxes_.MeddelandeVarning(texts_.ModulText(kModule, kNotRepaired));
-        return std::nullopt;
+        return false;
     }
+}
+
+std::optional<std::string> CompanyRegister::repairedCompany(const std::string& file) {
+    if (!offerRepair(file)) return std::nullopt;
     try {
         return companyName(file);
     } catch (const PlatformError& error) {

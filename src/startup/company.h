@@ -24,6 +24,16 @@ class CompanyRegister {
     bool ÖppnaDatabas(std::string_view name);
     /// Asked again and again while another session holds a lock; returns false to give up. Set by runs.
     std::function<bool()> waitForLock;
+    /// Asks whether a damaged company shall be repaired, and repairs it. Nobody may have it open here. Returns whether
+    /// it has been repaired.
+    bool offerRepair(const std::string& file);
+    /// The company that was found damaged last and has not been repaired.
+    [[nodiscard]] const std::string& damagedCompany() const { return damaged_; }
+    /// Repairs a company file. Throws PlatformError.
+    RepairReport repair(const std::string& file);
+    /// Whether a company file is what it should be in all its parts. Throws PlatformError.
+    bool isSound(const std::string& file);
+
     /// The password of a company file from DVDefLog.bin, or empty.
     std::string LösenFör(std::string_view name);
     /// Rows "company name TAB database file" of all company files in the data folder, by file name; new ones join the
@@ -36,6 +46,8 @@ class CompanyRegister {
     bool openServer(std::string_view name);
     std::optional<std::string> registeredName(const std::string& file);
     std::optional<std::string> newCompany(const std::string& file);
+    bool openRepaired(std::string_view name);
+    void warnNotOpened(std::string_view name, const PlatformError& error);
     std::optional<std::string> repairedCompany(const std::string& file);
     std::string companyName(const std::string& file);
     void showFailure(const std::string& file, const PlatformError& error);
@@ -43,6 +55,7 @@ class CompanyRegister {
     StartState& state_;
     LanguageTexts& texts_;
     MessageBoxes& boxes_;
+    std::string damaged_;
 };
 
 }  // namespace kolmera

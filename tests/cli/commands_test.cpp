@@ -200,6 +200,21 @@ TEST(CommandLine, SummaryThatCannotBeWrittenIsTold) {
     EXPECT_TRUE(contains(machine.err(), "s.json")) << machine.err();
 }
 
+TEST(CommandLine, RepairSavesWhatCanBeRead) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0);
+    const std::vector<std::string> repair{"repair", "FTG1.mdb", "--data", machine.data()};
+    EXPECT_EQ(machine.run(repair), 0) << "a sound company repaired";
+    std::fstream(machine.company(), std::ios::binary | std::ios::in | std::ios::out) << std::string(8 * 4096, '\0');
+    EXPECT_EQ(machine.run({"run", "(EIO)", "--data", machine.data()}), 1);
+    EXPECT_NE(machine.err().find("repair"), std::string::npos) << machine.err();
+    EXPECT_EQ(machine.run(repair), 3);
+    EXPECT_NE(machine.out().find("Produkt: 62\n"), std::string::npos) << machine.out();
+    EXPECT_EQ(machine.run(repair), 0);
+    EXPECT_EQ(machine.run({"repair", "FTG9.mdb", "--data", machine.data()}), 1);
+    EXPECT_EQ(machine.run({"repair", "SQL;X", "--data", machine.data()}), 2);
+}
+
 TEST(ProgressBar, FitsTheTerminal) {
     const struct {
         const char* fault;

@@ -7,7 +7,9 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <fstream>
 #include <thread>
+#include <utility>
 
 #include "support/world.h"
 
@@ -70,6 +72,37 @@ TEST(BrokenCompany, ATableThatIsMissingEndsTheRun) {
     world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 20),
                                world.texts().ModulText("KMR", 110));
     EXPECT_FALSE(world.run().completed);
+}
+
+/// Zeroes the leaves of tables that hold a text.
+void loseRows(const std::filesystem::path& file, const std::string& text) {
+    constexpr std::size_t kPage = 4096;
+    std::fstream stream(file, std::ios::binary | std::ios::in | std::ios::out);
+    std::string page(kPage, '\0');
+    for (std::size_t at = 0; stream.seekg(static_cast<std::streamoff>(at)).read(page.data(), kPage); at += kPage) {
+        if (page[0] != '\x0D' || page.find(text) == std::string::npos) continue;
+        stream.seekp(static_cast<std::streamoff>(at)) << std::string(kPage, '\0');
+    }
+}
+
+TEST(BrokenCompany, DamageEndsTheRunAndIsOfferedToBeRepaired) {
+    BusyWorld world;
+    for (int i = 0; i < 100; ++i) world.add("Produkt", {{"Nummer", "LOST" + std::to_string(i)}});
+    world.priceFile("LOST7\t5\r\nLOST8\t5\r\n");
+    bool lost = false;
+    world.port.onEvents = [&] {
+        if (std::exchange(lost, true)) return;
+        world.open()->execute("UPDATE Syinställningar SET Produktnummer = '1'");  // what was read is read again
+        loseRows(world.company(), "LOST");
+    };
+    const std::string title = world.texts().ResText(3300);
+    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 20),
+                               world.texts().ModulText("KMR", 110));
+    world.port.expectBeginning(title + " Ftg1.Mdb." + world.texts().ModulTextMed("KMR", 16, "Ftg1.Mdb"), "Kolmera",
+                               Answer::Yes);
+    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 117, "FTG1.mdb.damaged-1"), "Kolmera");
+    EXPECT_FALSE(world.run().completed);
+    EXPECT_THAT(world.port.passedOver, IsEmpty());
 }
 
 /// Thousands of records with long texts, into a company that has no room for them.

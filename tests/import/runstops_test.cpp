@@ -171,6 +171,10 @@ TEST(RunStops, CompaniesThatCannotBeOpened) {
         c.arrange(world.company());
         const std::string title = world.texts().ResText(3300);
         world.port.expectBeginning(title + " Ftg1.Mdb." + kBreaks + c.number + "\r\n", title);
+        if (std::string(c.number) == "3049") {
+            world.port.expectBeginning(title + " Ftg1.Mdb." + world.texts().ModulTextMed("KMR", 16, "Ftg1.Mdb"),
+                                       "Kolmera", Answer::No);
+        }
         EXPECT_FALSE(world.run().completed);
     }
 }

@@ -68,6 +68,7 @@ TEST_F(CompanyRegisterTest, NewCompaniesJoinTheRegister) {
                                       registerRecord("FTG2.MDB", "Åhus Rör AB", "") +
                                       registerRecord("FTG3.MDB", "", "") + registerRecord("FTG33.MDB", "", ""))
         << "a company added wrongly, or the third field not blank";
+    EXPECT_FALSE(std::filesystem::exists(world.data / "ftg2.MDB-wal")) << "a log says that somebody works in it";
     write("ftg2.MDB", "registered companies are not opened");
     EXPECT_EQ(companies.FyllFöretagsLista(), expected);
     EXPECT_EQ(read("DORVIK.FTG").size(), 5U * 120U) << "added once more";
@@ -115,8 +116,24 @@ TEST_F(CompanyRegisterTest, RepairedCompaniesAreListed) {
     port.answers = {Answer::Yes, Answer::OK};
     EXPECT_EQ(companies.FyllFöretagsLista(), Rows{"Damaged\tFTG1.MDB"});
     ASSERT_EQ(port.shown.size(), 2U);
-    EXPECT_TRUE(port.shown[1].starts_with("Kvar: FTG1.mdb.damaged-1|")) << port.shown[1];
+    EXPECT_TRUE(port.shown[1].starts_with("Kvar: FTG1.mdb.damaged-1\r\n")) << port.shown[1];
     EXPECT_EQ(read("DORVIK.FTG"), registerRecord("FTG1.MDB", "Damaged", ""));
+}
+
+// Registered companies are never opened for the list.
+TEST_F(CompanyRegisterTest, ADamagedCompanyIsRepairedWhenItIsOpened) {
+    company("FTG1.mdb", "Damaged", "hemligt");
+    damage("FTG1.mdb");
+    port.answers = {Answer::OK, Answer::No};
+    EXPECT_FALSE(companies.ÖppnaDatabas("FTG1.mdb"));
+    EXPECT_EQ(companies.damagedCompany(), "FTG1.mdb");
+    std::filesystem::remove(world.data / "DVDefLog.bin");
+    port.answers = {Answer::OK, Answer::Yes, Answer::OK, Answer::OK};
+    EXPECT_FALSE(companies.ÖppnaDatabas("FTG1.mdb")) << "opened without its password";
+    EXPECT_TRUE(port.shown.back().starts_with("Kan inte öppna FTG1.mdb.\r\n\r\n3031\r\n")) << port.shown.back();
+    PasswordFile(world.data).save("FTG1.mdb", "hemligt");
+    EXPECT_TRUE(companies.ÖppnaDatabas("FTG1.mdb"));
+    EXPECT_EQ(companies.damagedCompany(), "");
 }
 
 TEST_F(CompanyRegisterTest, WhatCannotBeRepairedIsLeftOut) {

@@ -74,6 +74,8 @@ struct OpenOptions {
     std::function<bool()> wait = {};
     /// Tells the folders that lie on network file systems; such files are worked on with another kind of journal.
     std::function<bool(const std::filesystem::path& folder)> onNetwork = onNetworkFileSystem;
+    /// The tables that a company is known to have, for a damaged file that does not tell any more.
+    std::function<std::vector<TableDef>()> knownTables = {};
 };
 
 /// Opens a company file. Throws kFileNotFound, kNotADatabase, kDamaged, kWrongPassword, kLocked.
@@ -88,10 +90,25 @@ struct RepairReport {
     std::filesystem::path original;                          ///< where the damaged file was kept
     std::vector<std::pair<std::string, std::int64_t>> rows;  ///< per table, rows saved
     std::int64_t dropped = 0;                                ///< readable rows left out: their key was there already
+    std::int64_t shortened = 0;                              ///< rows that have lost the end of a text
+    std::string firstShortened;                              ///< table and ID of the first of them
+    std::int64_t strange = 0;                                ///< rows that fit none of the tables
+    std::vector<std::string> leftOut;  ///< tables, views and triggers of other programs that could not be kept
+    bool passwordLost = false;         ///< the file had one, and takes any now
+
+    /// Whether something that could be read came over changed, or not at all.
+    [[nodiscard]] bool incomplete() const {
+        return dropped > 0 || shortened > 0 || strange > 0 || !leftOut.empty() || passwordLost;
+    }
 };
 
+/// Whether all pages of a company file, and all its indexes, are what they should be. Throws what opening throws, but
+/// false for damage; no password is asked for.
+bool isSound(const std::filesystem::path& file, const OpenOptions& options);
+
 /// Rebuilds a damaged file: every readable row of every table goes into a new file, then the indexes are made, and
-/// the new file takes the old one's place in one step; the damaged original is kept beside it. Throws PlatformError,
+/// the new file takes the old one's place in one step; the damaged original is kept beside it. What the file says of
+/// its tables is checked and written anew, never carried out. The password goes along unasked. Throws PlatformError,
 /// and the old file then stays where it was.
 RepairReport repairFileDatabase(const std::filesystem::path& file, const OpenOptions& options);
 

@@ -44,11 +44,11 @@ std::string_view withoutBlanks(std::string_view text) {
 
 FileDatabase::FileDatabase(const std::filesystem::path& file, const OpenOptions& options)
     : session_(file, connectionOptions(file, options), options.locale) {
-    checkHeader(session_.connection, file);
-    checkPassword(session_.connection, options.password);
-    session_.connection.prepareForWork();
+    checkHeader(session_.connection, file, options.knownTables);
     names_ = readTableNames(session_.connection);
-    checkTables(session_.connection, names_);
+    checkPages(session_.connection, file, session_.connection.onNetwork(), names_);
+    checkPassword(session_.connection, options.password);  // a damaged file is repaired unasked
+    session_.connection.prepareForWork();
 }
 
 std::vector<std::string> FileDatabase::tableNames() {

@@ -1,5 +1,7 @@
 #include "platform/engine/openchecks.h"
 
+#include <system_error>
+
 #include "platform/engine/companylayout.h"
 #include "platform/engine/sqliteconnection.h"
 #include "platform/engine/sqlitenames.h"
@@ -8,6 +10,8 @@
 namespace kolmera {
 
 namespace {
+
+constexpr std::uintmax_t kLargestChecked = std::uintmax_t{64} << 20;  // bytes; checked in a few tenths of a second
 
 struct HeaderNumbers {
     std::int64_t application, version;
@@ -19,32 +23,47 @@ HeaderNumbers readHeader(SqliteConnection& connection) {
     return numbers;
 }
 
+[[noreturn]] void sayDamaged(const std::filesystem::path& file) {
+    throw PlatformError(errors::kDamaged, "the company file is damaged").about(file.string());
+}
+
 /// What SQLite does not take for a database, or not for ours, may be a company file whose first page is gone.
-[[noreturn]] void refuse(const std::filesystem::path& file) {
-    if (carriesLayout(file)) throw PlatformError(errors::kDamaged, "the company file is damaged: " + file.string());
-    throw PlatformError(errors::kNotADatabase, "not a company file: " + file.string());
+[[noreturn]] void refuse(const std::filesystem::path& file, const std::function<std::vector<TableDef>()>& knownTables) {
+    if (wasCompanyFile(file, knownTables)) sayDamaged(file);
+    throw PlatformError(errors::kNotADatabase, "not a company file").about(file.string());
 }
 
 }  // namespace
 
-void checkHeader(SqliteConnection& connection, const std::filesystem::path& file) {
+void checkHeader(SqliteConnection& connection, const std::filesystem::path& file,
+                 const std::function<std::vector<TableDef>()>& knownTables) {
     HeaderNumbers numbers{};
     try {
         numbers = readHeader(connection);
     } catch (const PlatformError& error) {
-        if (error.number() != errors::kNotADatabase) throw;
-        refuse(file);
+        // A word of the schema that is damaged has no number of its own.
+        if (error.number() != errors::kNotADatabase && error.number() != errors::kInternal) throw;
+        refuse(file, knownTables);
     }
-    if (numbers.application != kApplicationId) refuse(file);
+    if (numbers.application != kApplicationId) refuse(file, knownTables);
     if (numbers.version == kUserVersion) return;
-    throw PlatformError(errors::kNotADatabase, "the company file was made by a newer version: " + file.string());
+    throw PlatformError(errors::kNotADatabase, "the company file was made by a newer version").about(file.string());
 }
 
-void checkTables(SqliteConnection& connection, const std::vector<std::string>& tables) {
+bool findsNoDamage(SqliteConnection& connection, const std::string& check) {
+    return agreesWithCopy(connection) &&
+           connection.number("SELECT count(*) FROM pragma_" + check + "(1) WHERE " + check + " <> 'ok'") == 0;
+}
+
+void checkPages(SqliteConnection& connection, const std::filesystem::path& file, bool onNetwork,
+                const std::vector<std::string>& tables) {
     for (const std::string& name : tables) {
         connection.number("SELECT min(rowid) FROM " + identifier(name));
         connection.number("SELECT max(rowid) FROM " + identifier(name));
     }
+    std::error_code unreadable;
+    const bool small = !onNetwork && std::filesystem::file_size(file, unreadable) <= kLargestChecked;
+    if (!(small ? findsNoDamage(connection, "quick_check") : agreesWithCopy(connection))) sayDamaged(file);
 }
 
 }  // namespace kolmera

@@ -40,10 +40,11 @@ std::optional<std::string> storedHash(SqliteConnection& connection) {
 
 }  // namespace
 
-void storePassword(SqliteConnection& connection, std::string_view password) {
-    const std::string hash = hashOf(password);
+void storePassword(SqliteConnection& connection, std::string_view password) { storeHash(connection, hashOf(password)); }
+
+void storeHash(SqliteConnection& connection, std::string_view hash) {
     SqliteStatement insert(connection, "INSERT INTO kolmera_password (hash) VALUES (?)");
-    insert.bind(1, std::string_view(hash));
+    insert.bind(1, hash);
     insert.run();
 }
 

@@ -1,46 +1,53 @@
 #include "platform/engine/rebuilding.h"
 
+#include <fmt/format.h>
 #include <sqlite3.h>
 
+#include "platform/engine/password.h"
 #include "platform/engine/sqlitenames.h"
-#include "platform/engine/sqliteschema.h"
 #include "platform/error.h"
 
 namespace kolmera {
 
-Rebuilding::Rebuilding(const std::filesystem::path& newFile, const PageFile& damaged)
-    : damaged_(damaged), connection_(newFile, {.create = true}), layout_(salvageLayout(damaged)) {
-    if (layout_.empty()) throw PlatformError(errors::kDamaged, "nothing tells what tables the file had");
+namespace {
+
+constexpr std::string_view kHashBeginning = "$argon2";
+
+}  // namespace
+
+Rebuilding::Rebuilding(const std::filesystem::path& newFile, const PageFile& damaged, std::span<const TableDef> known)
+    : damaged_(damaged), connection_(newFile, {.create = true}), layout_(salvageLayout(damaged, known)) {
+    if (layout_.tables.empty()) throw PlatformError(errors::kDamaged, "nothing tells what tables the file had");
     connection_.prepareForMaking();
-    writeLayoutCopy(connection_, layout_);
-    makeTables();
+    std::vector<TableDef> tables;
+    for (const SalvageTable& table : layout_.tables) tables.push_back(table.definition);
+    makeTables(connection_, tables, layout_.password);
+    inserts_.resize(tables.size());
+    report_.leftOut = layout_.leftOut;
+    report_.passwordLost = layout_.password;
 }
 
-/// The indexes are made once while the tables are empty, which tells their columns, and again when the rows are in.
-void Rebuilding::makeTables() {
-    for (const char* type : {"table", "index"}) {
-        for (const LayoutEntry& entry : layout_) {
-            if (entry.type == type) connection_.run(entry.statement);
-        }
-    }
-    for (const LayoutEntry& entry : layout_) {
-        if (entry.type == "table") tables_.push_back({readTable(connection_, entry.name), entry.root});
-    }
-    for (const LayoutEntry& entry : layout_) {
-        if (entry.type == "index") connection_.run("DROP INDEX " + identifier(entry.name));
-    }
-    inserts_.resize(tables_.size());
-}
-
-void Rebuilding::takeRows() {
-    Salvage(damaged_).readTables(
-        tables_, [this](std::size_t table, std::int64_t id, auto values) { takeRow(table, id, values); });
+RepairReport Rebuilding::bringOver() {
+    std::vector<SalvageTable> tables = layout_.tables;
+    tables.push_back({{std::string(kPasswordTable), {{.name = "hash"}}, {}}, layout_.passwordRoot});
+    std::ranges::move(engineTables(), std::back_inserter(tables));  // so that their pages are nobody else's
+    if (!layout_.password) tables.erase(tables.begin() + static_cast<std::ptrdiff_t>(layout_.tables.size()));
+    const Salvage salvage(damaged_, tables);
+    const Salvage::TakeRow take = [this](const SalvagedRow& row) { takeRow(row); };
+    salvage.readRows(Trust::Tree, take);
+    makeAllIndexes();
+    salvage.readRows(Trust::Lost, take);
+    salvage.readRows(Trust::Doubtful, take);
+    report_.strange = salvage.strangeRows();
+    countRows();
+    connection_.commit();
+    return std::move(report_);
 }
 
 SqliteStatement& Rebuilding::insertFor(std::size_t table, std::size_t values) {
     Insert& insert = inserts_[table];
     if (insert.statement.prepared() && insert.values == values) return insert.statement;
-    const TableDef& definition = tables_[table].definition;
+    const TableDef& definition = layout_.tables[table].definition;
     std::string names = "rowid";
     std::string marks = "?";
     for (std::size_t i = 0; i < values; ++i) {
@@ -54,25 +61,48 @@ SqliteStatement& Rebuilding::insertFor(std::size_t table, std::size_t values) {
     return insert.statement;
 }
 
-void Rebuilding::takeRow(std::size_t table, std::int64_t id, std::span<const StoredValue> values) {
-    SqliteStatement& insert = insertFor(table, values.size());
-    int parameter = 0;
-    insert.bind(++parameter, id);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        if (!tables_[table].definition.fields[i].counter) insert.bind(++parameter, values[i]);
+void Rebuilding::takeRow(const SalvagedRow& row) {
+    if (row.table >= layout_.tables.size()) return takePassword(row);
+    // A row that lost its own ID to damage gets a new one rather than being lost.
+    const bool newId = row.idUncertain && isTaken(row);
+    if (!insert(row, newId ? Value(Null{}) : Value(row.id))) {
+        ++report_.dropped;
+    } else if (row.shortened && report_.shortened++ == 0) {
+        report_.firstShortened = fmt::format("{} {}", layout_.tables[row.table].definition.name, row.id);
     }
-    insert.run();
-    if (sqlite3_changes(connection_.handle()) == 0) ++dropped_;
 }
 
-void Rebuilding::makeIndexes() {
-    for (const SalvageTable& table : tables_) {
+bool Rebuilding::insert(const SalvagedRow& row, const Value& id) {
+    SqliteStatement& statement = insertFor(row.table, row.values.size());
+    int parameter = 0;
+    statement.bind(++parameter, id);
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+        if (!layout_.tables[row.table].definition.fields[i].counter) statement.bind(++parameter, row.values[i]);
+    }
+    statement.run();
+    return sqlite3_changes(connection_.handle()) > 0;
+}
+
+bool Rebuilding::isTaken(const SalvagedRow& row) {
+    const std::string& name = layout_.tables[row.table].definition.name;
+    return connection_.number("SELECT count(*) FROM " + identifier(name) + " WHERE rowid = " + std::to_string(row.id)) >
+           0;
+}
+
+void Rebuilding::takePassword(const SalvagedRow& row) {
+    const auto* hash = row.values.size() == 1 ? std::get_if<std::string_view>(&row.values[0]) : nullptr;
+    if (!report_.passwordLost || hash == nullptr || !hash->starts_with(kHashBeginning)) return;
+    storeHash(connection_, *hash);
+    report_.passwordLost = false;
+}
+
+/// Of the rows that break a unique index, the oldest stays.
+void Rebuilding::makeAllIndexes() {
+    for (const SalvageTable& table : layout_.tables) {
         for (const IndexDef& index : table.definition.indexes) {
-            const std::string statement = createIndexStatement(table.definition, index);
-            if (statement.empty()) continue;
             if (index.unique) dropDuplicates(table.definition, index);
-            connection_.run(statement);
         }
+        makeIndexes(connection_, table.definition);
     }
 }
 
@@ -86,17 +116,14 @@ void Rebuilding::dropDuplicates(const TableDef& table, const IndexDef& index) {
     const std::string name = identifier(table.name);
     connection_.run("DELETE FROM " + name + " WHERE " + allSet + "rowid NOT IN (SELECT min(rowid) FROM " + name +
                     " GROUP BY " + columns + ")");
-    dropped_ += sqlite3_changes(connection_.handle());
+    report_.dropped += sqlite3_changes(connection_.handle());
 }
 
-std::vector<std::pair<std::string, std::int64_t>> Rebuilding::rows() {
-    std::vector<std::pair<std::string, std::int64_t>> counts;
-    for (const SalvageTable& table : tables_) {
+void Rebuilding::countRows() {
+    for (const SalvageTable& table : layout_.tables) {
         const std::string& name = table.definition.name;
-        if (name.starts_with(kInternalPrefix)) continue;
-        counts.emplace_back(name, connection_.number("SELECT count(*) FROM " + identifier(name)));
+        report_.rows.emplace_back(name, connection_.number("SELECT count(*) FROM " + identifier(name)));
     }
-    return counts;
 }
 
 }  // namespace kolmera

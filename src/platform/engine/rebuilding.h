@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/engine/companylayout.h"
+#include "platform/engine/database.h"
 #include "platform/engine/pagefile.h"
 #include "platform/engine/salvage.h"
 #include "platform/engine/sqliteconnection.h"
@@ -15,22 +16,14 @@
 
 namespace kolmera {
 
-/// A new company file that is filled with what can be read of a damaged one. Order of calls: takeRows, makeIndexes,
-/// finish.
+/// A new company file that is filled with what can be read of a damaged one.
 class Rebuilding {
   public:
     /// Makes the file with the tables of the damaged one. Throws kDamaged when nothing tells what tables it had.
-    Rebuilding(const std::filesystem::path& newFile, const PageFile& damaged);
+    Rebuilding(const std::filesystem::path& newFile, const PageFile& damaged, std::span<const TableDef> known);
 
-    void takeRows();
-    /// Makes the indexes. Of the rows that break a unique one, the oldest stays.
-    void makeIndexes();
-    void finish() { connection_.commit(); }
-
-    [[nodiscard]] SqliteConnection& connection() { return connection_; }
-    /// Per table, the rows that are in the new file.
-    [[nodiscard]] std::vector<std::pair<std::string, std::int64_t>> rows();
-    [[nodiscard]] std::int64_t dropped() const { return dropped_; }
+    /// Brings the rows over and finishes the file; to be called once.
+    RepairReport bringOver();
 
   private:
     /// INSERT for rows with so many values; rows of one table mostly have the same number.
@@ -39,17 +32,20 @@ class Rebuilding {
         SqliteStatement statement;
     };
 
-    void makeTables();
-    void takeRow(std::size_t table, std::int64_t id, std::span<const StoredValue> values);
+    void makeAllIndexes();
+    void takeRow(const SalvagedRow& row);
+    void takePassword(const SalvagedRow& row);
+    bool insert(const SalvagedRow& row, const Value& id);
+    [[nodiscard]] bool isTaken(const SalvagedRow& row);
     SqliteStatement& insertFor(std::size_t table, std::size_t values);
     void dropDuplicates(const TableDef& table, const IndexDef& index);
+    void countRows();
 
     const PageFile& damaged_;
     SqliteConnection connection_;
-    std::vector<LayoutEntry> layout_;
-    std::vector<SalvageTable> tables_;
+    SalvagedLayout layout_;
     std::vector<Insert> inserts_;
-    std::int64_t dropped_ = 0;
+    RepairReport report_;
 };
 
 }  // namespace kolmera

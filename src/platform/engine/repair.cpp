@@ -4,11 +4,12 @@
 
 #include "platform/descriptor.h"
 #include "platform/engine/database.h"
+#include "platform/engine/openchecks.h"
 #include "platform/engine/pagefile.h"
-#include "platform/engine/password.h"
 #include "platform/engine/rebuilding.h"
 #include "platform/engine/sqliteconnection.h"
 #include "platform/error.h"
+#include "platform/privatefile.h"
 
 namespace kolmera {
 
@@ -19,39 +20,42 @@ namespace fs = std::filesystem;
 fs::path withSuffix(fs::path file, const std::string& suffix) { return file += suffix; }
 
 /// Lets SQLite bring into the file what was committed to the log or left half done in a journal, as far as it still
-/// can, and makes sure that nobody else works on the file.
-void mergeLog(const fs::path& file, const OpenOptions& options) {
+/// can, and keeps others out as long as it lives. What SQLite cannot read is read page by page.
+std::unique_ptr<SqliteConnection> mergeLog(const fs::path& file, const OpenOptions& options) {
     try {
-        SqliteConnection connection(file, {.exclusive = true, .wait = options.wait});
-        connection.run("PRAGMA locking_mode=EXCLUSIVE");
-        connection.run("BEGIN EXCLUSIVE");
-        connection.run("COMMIT");
+        auto connection =
+            std::make_unique<SqliteConnection>(file, ConnectionOptions{.exclusive = true, .wait = options.wait});
+        connection->run("PRAGMA locking_mode=EXCLUSIVE");
+        connection->run("BEGIN EXCLUSIVE");
+        connection->run("COMMIT");
+        connection->run("PRAGMA wal_checkpoint(TRUNCATE)");
+        return connection;
     } catch (const PlatformError& error) {
         if (error.number() == errors::kLocked) throw;
-        // What SQLite cannot read is read page by page.
+        return nullptr;
     }
 }
 
-RepairReport rebuild(const fs::path& damaged, const fs::path& newFile, const std::string& password) {
+RepairReport rebuild(const fs::path& damaged, const fs::path& newFile, const OpenOptions& options) {
+    const auto known = options.knownTables ? options.knownTables() : std::vector<TableDef>();
+    // The lock goes with the first of our descriptors of the file that is closed: the pages must stay open longer.
+    std::unique_ptr<SqliteConnection> lock = mergeLog(damaged, options);
     const PageFile pages(damaged);
-    Rebuilding rebuilding(newFile, pages);
-    rebuilding.takeRows();
-    checkPassword(rebuilding.connection(), password);
-    rebuilding.makeIndexes();
-    rebuilding.finish();
-    return {{}, rebuilding.rows(), rebuilding.dropped()};
+    RepairReport report = Rebuilding(newFile, pages, known).bringOver();
+    lock.reset();
+    return report;
 }
 
 /// A second name for the damaged file, so that the new one can take its place in one step.
 fs::path keepDamaged(const fs::path& file) {
-    fs::path kept;
-    for (int number = 1; kept.empty() || fs::exists(kept); ++number) {
-        kept = withSuffix(file, ".damaged-" + std::to_string(number));
+    for (int number = 1;; ++number) {
+        fs::path kept = withSuffix(file, ".damaged-" + std::to_string(number));
+        std::error_code noLink;
+        fs::create_hard_link(file, kept, noLink);
+        if (noLink == std::errc::file_exists) continue;
+        if (noLink) fs::copy_file(file, kept);
+        return kept;
     }
-    std::error_code noLinks;
-    fs::create_hard_link(file, kept, noLinks);
-    if (noLinks) fs::copy_file(file, kept);
-    return kept;
 }
 
 /// A log or journal that SQLite could not merge belongs to the damaged file. It must not be there when the new file is
@@ -75,20 +79,23 @@ fs::path replace(const fs::path& file, const fs::path& newFile) {
 
 RepairReport repairFileDatabase(const fs::path& file, const OpenOptions& options) {
     if (!fs::exists(file)) throw PlatformError(errors::kFileNotFound, "the file does not exist").about(file.string());
-    const fs::path newFile = withSuffix(file, ".repaired");
+    const PrivateFile newFile(file, ".repaired");
     try {
-        fs::remove(newFile);
-        mergeLog(file, options);
-        RepairReport report = rebuild(file, newFile, options.password);
-        report.original = replace(file, newFile);
+        RepairReport report = rebuild(file, newFile.path(), options);
+        report.original = replace(file, newFile.path());
         return report;
     } catch (const fs::filesystem_error& error) {
-        std::error_code none;
-        fs::remove(newFile, none);
         throw PlatformError(errors::kInternal, error.what());
-    } catch (...) {
-        std::error_code none;
-        fs::remove(newFile, none);
+    }
+}
+
+bool isSound(const fs::path& file, const OpenOptions& options) {
+    try {
+        SqliteConnection connection(file, {.readOnly = true, .wait = options.wait});
+        checkHeader(connection, file, options.knownTables);
+        return findsNoDamage(connection, "integrity_check");
+    } catch (const PlatformError& error) {
+        if (error.number() == errors::kDamaged) return false;
         throw;
     }
 }

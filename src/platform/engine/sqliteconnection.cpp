@@ -64,6 +64,22 @@ int errorNumber(int extendedCode, std::string_view text) {
     return errors::kInternal;
 }
 
+/// What a file may make SQLite do through the statements that it holds, or through ours: other files are none of it.
+int authorize(void* /*unused*/, int action, const char* /*name*/, const char* second, const char* /*database*/,
+              const char* /*trigger*/) {
+    switch (action) {
+        case SQLITE_ATTACH:
+        case SQLITE_DETACH:
+        case SQLITE_CREATE_VTABLE:
+        case SQLITE_DROP_VTABLE:
+            return SQLITE_DENY;
+        case SQLITE_FUNCTION:
+            return std::string_view(second) == "load_extension" ? SQLITE_DENY : SQLITE_OK;
+        default:
+            return SQLITE_OK;
+    }
+}
+
 /// The name of a file as a URI that says that the file cannot change.
 std::string immutableUri(const std::filesystem::path& file) {
     constexpr std::string_view digits = "0123456789ABCDEF";
@@ -107,10 +123,13 @@ void SqliteConnection::open(const std::filesystem::path& file) {
     if (options_.onNetwork && !options_.readOnly && !fileLocksWork(std::filesystem::absolute(file).parent_path())) {
         throw PlatformError(errors::kInternal, "the network drive does not lock files: " + file.string());
     }
-    int flags = options_.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    // The last to close a file takes its log away, which who may only read cannot; a network drive has none.
+    int flags = options_.readOnly && options_.onNetwork ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     if (options_.create) flags |= SQLITE_OPEN_CREATE;
     connect(file.string(), flags);
-    if (options_.readOnly && !hasLog(file) && !canRead()) connect(immutableUri(file), flags | SQLITE_OPEN_URI);
+    if (!options_.readOnly) return;
+    if (!hasLog(file) && !canRead()) connect(immutableUri(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    run("PRAGMA query_only=1");
 }
 
 void SqliteConnection::connect(const std::string& name, int flags) {
@@ -118,13 +137,22 @@ void SqliteConnection::connect(const std::string& name, int flags) {
     const int code =
         sqlite3_open_v2(name.c_str(), &handle_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK) raise(code);
-    // An unknown column between double quotes is an error, not a text.
-    sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    trustNothing();
     if (sqlite3_busy_handler(handle_, waitForLock, this) != SQLITE_OK) raise(sqlite3_errcode(handle_));
     if (registerSwedishCollation(handle_) != SQLITE_OK) raise(sqlite3_errcode(handle_));
     // The log needs memory that all sessions share, which no network file system gives. Said before the first reading,
     // this makes SQLite do without.
     if (options_.onNetwork) run("PRAGMA locking_mode=EXCLUSIVE");
+}
+
+/// A file may come from anybody: nothing in it may reach beyond the file, nor change what SQLite keeps of it.
+void SqliteConnection::trustNothing() {
+    // An unknown column between double quotes is an error, not a text.
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    // A file that is being made has no journal, which would be refused.
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, options_.create ? 0 : 1, nullptr);
+    if (sqlite3_set_authorizer(handle_, authorize, nullptr) != SQLITE_OK) raise(sqlite3_errcode(handle_));
 }
 
 /// A file that was closed with a log cannot be read by SQLite where no log can be made: in a folder that cannot be
@@ -228,7 +256,7 @@ void SqliteConnection::lookForOthers() {
 void SqliteConnection::raise(int code) {
     const std::string text = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
     const int number = errorNumber(code, text);
-    bool endsRun = number == errors::kLocked;
+    bool endsRun = number == errors::kLocked || number == errors::kDamaged;
     if (transactionOpen_ && sqlite3_get_autocommit(handle_) != 0) {
         transactionOpen_ = false;
         startEpoch();

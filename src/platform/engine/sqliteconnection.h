@@ -33,6 +33,7 @@ class SqliteConnection {
     ~SqliteConnection();
 
     [[nodiscard]] sqlite3* handle() const { return handle_; }
+    [[nodiscard]] bool onNetwork() const { return options_.onNetwork; }
 
     /// Chooses journal, synchronisation and cache. To be called when the file is known to be a company's.
     void prepareForWork();
@@ -66,6 +67,7 @@ class SqliteConnection {
     void open(const std::filesystem::path& file);
     void close() noexcept;
     void connect(const std::string& name, int flags);
+    void trustNothing();
     bool canRead();
     void shareOnNetwork();
     void useWriteAheadLog();

@@ -54,12 +54,6 @@ std::string readIndexFields(SqliteConnection& connection, std::string_view index
     return fields;
 }
 
-/// "Produkt.Nummer" without the table's name.
-std::string indexName(std::string_view table, std::string_view name) {
-    const bool prefixed = name.size() > table.size() && name.starts_with(table) && name[table.size()] == '.';
-    return std::string(prefixed ? name.substr(table.size() + 1) : name);
-}
-
 std::vector<IndexDef> readIndexes(SqliteConnection& connection, const TableDef& table) {
     std::vector<IndexDef> indexes;
     for (const FieldDef& field : table.fields) {
@@ -79,6 +73,12 @@ std::vector<IndexDef> readIndexes(SqliteConnection& connection, const TableDef& 
 }  // namespace
 
 std::string indexNameInFile(const TableDef& table, const IndexDef& index) { return table.name + "." + index.name; }
+
+std::string indexName(std::string_view table, std::string_view nameInFile) {
+    const std::string prefix = std::string(table) + ".";
+    const bool prefixed = nameInFile.size() > prefix.size() && nameInFile.starts_with(prefix);
+    return std::string(prefixed ? nameInFile.substr(prefix.size()) : nameInFile);
+}
 
 std::string createTableStatement(const TableDef& table) {
     std::string statement = "CREATE TABLE " + identifier(table.name) + " (";

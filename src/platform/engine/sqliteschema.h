@@ -17,6 +17,8 @@ std::string createIndexStatement(const TableDef& table, const IndexDef& index);
 
 /// The name that an index has in the file, where index names are unique over all tables: "Produkt.Nummer".
 std::string indexNameInFile(const TableDef& table, const IndexDef& index);
+/// "Produkt.Nummer" without the table's name.
+std::string indexName(std::string_view table, std::string_view nameInFile);
 
 /// Names of the tables, in the order of their making, without the engine's own.
 std::vector<std::string> readTableNames(SqliteConnection& connection);

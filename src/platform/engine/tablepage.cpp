@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <limits>
+
+#include "platform/engine/utf8text.h"
 
 namespace kolmera {
 
@@ -9,6 +12,7 @@ namespace {
 
 constexpr std::uint8_t kInnerPage = 0x05;
 constexpr std::uint8_t kLeafPage = 0x0D;
+constexpr std::int64_t kGreatestId = std::numeric_limits<std::int64_t>::max();
 constexpr std::size_t kFileHeader = 100;  // bytes before the header of page 1
 
 /// The header of a page of a tree, and where its cells begin.
@@ -27,8 +31,8 @@ PageHeader headerOf(std::string_view bytes, std::uint32_t page) {
     return header;
 }
 
-bool cellsFit(const PageHeader& header, const PageFile& file) {
-    return header.pointers + 2 * header.cells <= file.usableSize();
+std::size_t pointersThatFit(const PageHeader& header, const PageFile& file) {
+    return std::min(header.cells, (file.usableSize() - header.pointers) / 2);
 }
 
 /// A number of one to nine bytes, seven bits a byte; `at` moves behind it.
@@ -53,31 +57,124 @@ std::size_t localSize(std::size_t size, std::size_t usable) {
     return local <= most ? local : least;
 }
 
-/// Appends the rest of a row from its chain of overflow pages; false when the chain is broken.
-bool appendOverflow(const PageFile& file, std::uint32_t page, std::size_t missing, std::string& record) {
-    while (missing > 0) {
+/// Appends the rest of a row from its chain of overflow pages, as far as the chain leads.
+void appendOverflow(const PageFile& file, std::uint32_t page, LeafPage::Row& row) {
+    while (row.cut()) {
         const std::string bytes = file.read(page);
-        if (bytes.empty()) return false;
-        const std::size_t part = std::min(missing, file.usableSize() - 4);
-        record.append(bytes, 4, part);
-        missing -= part;
+        if (bytes.empty()) return;
+        row.record.append(bytes, 4, std::min(row.size - row.record.size(), file.usableSize() - 4));
         page = static_cast<std::uint32_t>(bigEndian(bytes, 0, 4));
     }
-    return page == 0;
 }
 
-std::optional<LeafPage::Row> readRow(const PageFile& file, std::string_view bytes, std::size_t at) {
+/// A row and the bytes of the page that it takes.
+struct Cell {
+    LeafPage::Row row;
+    std::size_t begin, end;
+};
+
+std::optional<Cell> readCell(const PageFile& file, std::string_view bytes, const std::size_t begin) {
+    constexpr std::size_t kSmallestCell = 4;
+    std::size_t at = begin;
     const auto size = takeVarint(bytes, at);
     const auto id = size ? takeVarint(bytes, at) : std::nullopt;
     if (!id || *size > std::uint64_t{file.count()} * file.pageSize()) return std::nullopt;
-    const std::size_t local = localSize(static_cast<std::size_t>(*size), file.usableSize());
-    const std::size_t missing = static_cast<std::size_t>(*size) - local;
-    if (at + local + (missing > 0 ? 4 : 0) > bytes.size()) return std::nullopt;
-    LeafPage::Row row{static_cast<std::int64_t>(*id), std::string(bytes.substr(at, local))};
-    const auto overflow = static_cast<std::uint32_t>(bigEndian(bytes, at + local, 4));
-    if (missing > 0 && !appendOverflow(file, overflow, missing, row.record)) return std::nullopt;
-    return row;
+    const auto whole = static_cast<std::size_t>(*size);
+    const std::size_t local = localSize(whole, file.usableSize());
+    const std::size_t end = std::max(at + local + (local < whole ? 4 : 0), begin + kSmallestCell);
+    if (end > bytes.size()) return std::nullopt;
+    Cell cell{{static_cast<std::int64_t>(*id), std::string(bytes.substr(at, local)), local, whole}, begin, end};
+    appendOverflow(file, static_cast<std::uint32_t>(bigEndian(bytes, at + local, 4)), cell.row);
+    return cell;
 }
+
+/// Reads the cells of one page.
+class LeafReader {
+  public:
+    LeafReader(const PageFile& file, std::uint32_t page)
+        : file_(file), bytes_(file.read(page)), header_(headerOf(bytes_, page)) {
+        bytes_.resize(file.usableSize());
+        readCells();
+    }
+
+    [[nodiscard]] LeafPage page() && {
+        LeafPage leaf{{}, damaged_, header_.kind == kLeafPage, accounted()};
+        for (Cell& cell : cells_) leaf.rows.push_back(std::move(cell.row));
+        return leaf;
+    }
+
+    [[nodiscard]] std::vector<LeafPage::Row> carve(const std::function<bool(const LeafPage::Row&)>& accept) {
+        std::vector<LeafPage::Row> rows;
+        std::ranges::sort(cells_, {}, &Cell::begin);
+        std::size_t at = carvingBegin();
+        for (const Cell& cell : cells_) {
+            carveBetween(at, cell.begin, accept, rows);
+            at = std::max(at, cell.end);
+        }
+        carveBetween(at, bytes_.size(), accept, rows);
+        return rows;
+    }
+
+  private:
+    void readCells() {
+        const std::size_t count = pointersThatFit(header_, file_);
+        damaged_ = header_.cells - count;
+        std::size_t lowest = bytes_.size();  // where the cells begin, the places of the cells end
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::size_t pointer = header_.pointers + 2 * i;
+            const auto at = static_cast<std::size_t>(bigEndian(bytes_, pointer, 2));
+            auto cell = pointer + 2 <= lowest && at >= header_.pointers ? readCell(file_, bytes_, at) : std::nullopt;
+            if (cell && parseRow(cell->row)) {
+                lowest = std::min(lowest, at);
+                cells_.push_back(std::move(*cell));
+            } else {
+                ++damaged_;
+            }
+        }
+    }
+
+    [[nodiscard]] std::size_t contentBegin() const {
+        const auto written = static_cast<std::size_t>(bigEndian(bytes_, header_.at + 5, 2));
+        return written == 0 ? 65536 : written;
+    }
+
+    [[nodiscard]] bool accounted() const {
+        std::size_t sum = static_cast<std::size_t>(bigEndian(bytes_, header_.at + 7, 1));  // too small to be listed
+        auto block = static_cast<std::size_t>(bigEndian(bytes_, header_.at + 1, 2));
+        while (block != 0 && block + 4 <= bytes_.size() && sum <= bytes_.size()) {
+            sum += static_cast<std::size_t>(bigEndian(bytes_, block + 2, 2));
+            const auto next = static_cast<std::size_t>(bigEndian(bytes_, block, 2));
+            if (next != 0 && next <= block) return false;
+            block = next;
+        }
+        for (const Cell& cell : cells_) sum += cell.end - cell.begin;
+        return contentBegin() + sum == bytes_.size() && header_.pointers + 2 * header_.cells <= contentBegin();
+    }
+
+    /// What lies before the cells is old; but the place where they begin may be what is damaged.
+    [[nodiscard]] std::size_t carvingBegin() const {
+        const bool before = std::ranges::any_of(cells_, [&](const Cell& cell) { return cell.begin < contentBegin(); });
+        return before || contentBegin() >= bytes_.size() ? header_.pointers
+                                                         : std::max(contentBegin(), header_.pointers);
+    }
+
+    void carveBetween(std::size_t at, std::size_t end, const std::function<bool(const LeafPage::Row&)>& accept,
+                      std::vector<LeafPage::Row>& rows) const {
+        const std::string_view bytes = std::string_view(bytes_).substr(0, std::max(at, end));
+        while (at + 4 <= end) {
+            auto cell = readCell(file_, bytes, at);
+            const bool taken = cell && parseRow(cell->row) && accept(cell->row);
+            at = taken ? cell->end : at + 1;
+            if (taken) rows.push_back(std::move(cell->row));
+        }
+    }
+
+    const PageFile& file_;
+    std::string bytes_;
+    PageHeader header_;
+    std::vector<Cell> cells_;
+    std::size_t damaged_ = 0;
+};
 
 /// Bytes of a value by its serial type; nothing for the types that records must not have, and for blobs.
 std::optional<std::size_t> sizeOfType(std::uint64_t type) {
@@ -102,54 +199,62 @@ StoredValue valueOf(std::uint64_t type, std::string_view bytes) {
     return bytes;
 }
 
+constexpr std::uint64_t kFirstTextType = 13;
+
+/// A value that reaches into overflow pages, which may be lost, or hold something else now.
+StoredValue valueWithOverflow(std::uint64_t type, std::string_view bytes, std::size_t size, bool& shortened) {
+    if (type < kFirstTextType) {
+        shortened = shortened || bytes.size() < size;
+        return bytes.size() < size ? StoredValue() : valueOf(type, bytes);
+    }
+    const std::size_t readable = readableLength(bytes);
+    shortened = shortened || readable < size;
+    return readable == 0 && size > 0 ? StoredValue() : StoredValue(bytes.substr(0, readable));
+}
+
 }  // namespace
 
-std::optional<std::vector<StoredValue>> parseRecord(std::string_view record) {
+std::optional<RowValues> parseRow(const LeafPage::Row& row) {
+    const std::string_view record = row.record;
     std::size_t at = 0;
     const auto headerSize = takeVarint(record, at);
     if (!headerSize || *headerSize < at || *headerSize > record.size()) return std::nullopt;
     const std::string_view header = record.substr(0, static_cast<std::size_t>(*headerSize));
     std::size_t valueAt = header.size();
-    std::vector<StoredValue> values;
+    RowValues result;
     while (at < header.size()) {
         const auto type = takeVarint(header, at);
         const auto size = type ? sizeOfType(*type) : std::nullopt;
-        if (!size || *size > record.size() - valueAt) return std::nullopt;
-        values.push_back(valueOf(*type, record.substr(valueAt, *size)));
+        if (!size || *size > row.size - valueAt) return std::nullopt;
+        const std::string_view bytes = record.substr(std::min(valueAt, record.size()), *size);
         valueAt += *size;
+        result.values.push_back(valueAt <= row.local ? valueOf(*type, bytes)
+                                                     : valueWithOverflow(*type, bytes, *size, result.shortened));
     }
-    if (valueAt != record.size()) return std::nullopt;
-    return values;
+    if (valueAt != row.size) return std::nullopt;
+    return result;
 }
 
-std::optional<LeafPage> readLeafPage(const PageFile& file, std::uint32_t page) {
-    const std::string bytes = file.read(page);
-    const PageHeader header = headerOf(bytes, page);
-    if (header.kind != kLeafPage || !cellsFit(header, file)) return std::nullopt;
-    const std::string_view content = std::string_view(bytes).substr(0, file.usableSize());
-    LeafPage leaf;
-    for (std::size_t i = 0; i < header.cells; ++i) {
-        const auto at = static_cast<std::size_t>(bigEndian(bytes, header.pointers + 2 * i, 2));
-        auto row = at >= header.pointers ? readRow(file, content, at) : std::nullopt;
-        if (row && parseRecord(row->record)) {
-            leaf.rows.push_back(std::move(*row));
-        } else {
-            ++leaf.damaged;
-        }
-    }
-    return leaf;
+LeafPage readLeafPage(const PageFile& file, std::uint32_t page) { return LeafReader(file, page).page(); }
+
+std::vector<LeafPage::Row> carveRows(const PageFile& file, std::uint32_t page,
+                                     const std::function<bool(const LeafPage::Row&)>& accept) {
+    return LeafReader(file, page).carve(accept);
 }
 
-std::optional<std::vector<std::uint32_t>> readInnerPage(const PageFile& file, std::uint32_t page) {
+std::optional<std::vector<ChildPage>> readInnerPage(const PageFile& file, std::uint32_t page) {
     const std::string bytes = file.read(page);
     const PageHeader header = headerOf(bytes, page);
-    if (header.kind != kInnerPage || !cellsFit(header, file)) return std::nullopt;
-    std::vector<std::uint32_t> below;
-    for (std::size_t i = 0; i < header.cells; ++i) {
+    if (header.kind != kInnerPage) return std::nullopt;
+    std::vector<ChildPage> below;
+    for (std::size_t i = 0; i < pointersThatFit(header, file); ++i) {
         const auto at = static_cast<std::size_t>(bigEndian(bytes, header.pointers + 2 * i, 2));
-        below.push_back(static_cast<std::uint32_t>(bigEndian(bytes, at, 4)));
+        std::size_t keyAt = at + 4;
+        const auto key = takeVarint(bytes, keyAt);
+        below.push_back(
+            {static_cast<std::uint32_t>(bigEndian(bytes, at, 4)), static_cast<std::int64_t>(key.value_or(0))});
     }
-    below.push_back(static_cast<std::uint32_t>(bigEndian(bytes, header.at + 8, 4)));
+    below.push_back({static_cast<std::uint32_t>(bigEndian(bytes, header.at + 8, 4)), kGreatestId});
     return below;
 }
 
