@@ -135,8 +135,9 @@ Json summaryJson(LanguageTexts& texts, const std::string& job, const RunResult& 
 
 SummaryFile::SummaryFile(const fs::path& file, const std::string& job, const std::atomic<bool>& cancel)
     : file_(fs::absolute(file)), cancel_(cancel) {
-    const bool link = fs::is_symlink(fs::symlink_status(file_));
-    const fs::file_status status = fs::status(file_);
+    std::error_code unreachable;
+    const bool link = fs::is_symlink(fs::symlink_status(file_, unreachable));
+    const fs::file_status status = fs::status(file_, unreachable);
     writtenDirectly_ = fs::exists(status) && !fs::is_regular_file(status);
     // A file that may not be written must not be replaced either, though its folder would allow that.
     if (writtenDirectly_ || (fs::exists(status) && !link)) existing_ = openInPlace();

@@ -33,7 +33,10 @@ class TerminalPort final : public RunPort, public PassedOver {
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
     bool readsDoubtful(const DoubtfulFile& file) override;
     void openJobSettings() override {}
-    void tell(const Message& message) override { show(message); }
+    /// The summary says which records were left out.
+    void tell(const Message& message) override {
+        if (message.icon != Icon::Information) show(message);
+    }
     [[nodiscard]] std::size_t examplesTold() const override { return 20; }
     void progress(std::uint64_t position, std::uint64_t size) override;
 

@@ -24,6 +24,11 @@ void EntryList::set(int number, std::string_view bytes) {
     if (entry.used) toUtf8(trimmed(bytes), codePage_, entry.text);
 }
 
+int EntryList::lastUsed() const {
+    const auto last = std::find_if(entries_.rbegin(), entries_.rend(), [](const Entry& entry) { return entry.used; });
+    return static_cast<int>(entries_.rend() - last);
+}
+
 std::string_view EntryList::text(int number) const {
     return holds(number) ? std::string_view(entries_[place(number)].text) : std::string_view();
 }

@@ -20,6 +20,8 @@ class EntryList {
     [[nodiscard]] std::string_view text(int number) const;
     [[nodiscard]] std::string_view text(const Source& source) const { return text(source.entry); }
 
+    /// The last entry that the mask reads.
+    [[nodiscard]] int lastUsed() const;
     [[nodiscard]] int size() const { return static_cast<int>(entries_.size()); }
 
   private:

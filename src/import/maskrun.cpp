@@ -177,6 +177,7 @@ void MaskRun::readRecords() {
     BatchTransaction transaction(*sql_.FtgDB);
     while (reader.next()) {
         import.import(reader.entries());
+        if (reader.uneven()) machinery_.report().remark(Remark::UnevenRecord);
         if (reader.count() % kBatch != 0) continue;
         transaction.next();
         if (!machinery_.progress(reader.count())) break;

@@ -295,9 +295,14 @@ std::vector<std::string> doubtsAboutPreparation(LanguageTexts& texts, const Job&
     return doubts;
 }
 
+/// Records were left out or rows deleted, and that is all.
+bool isPlain(const RunSummary& summary) { return !summary.hasFaults() && summary.report.count(Remark::EmptyKey) == 0; }
+
 std::string titleOf(LanguageTexts& texts, const RunSummary& summary, bool doubted) {
     if (doubted) return texts.ModulText("KMR", 456);
-    return summary.readAsOneLine ? texts.ModulText("KMR", 322) : texts.ModulText("KMR", 550);
+    if (summary.cancelled) return texts.ModulText("KMR", 110);
+    if (summary.readAsOneLine) return texts.ModulText("KMR", 322);
+    return isPlain(summary) ? texts.ModulText("KMR", 567) : texts.ModulText("KMR", 550);
 }
 
 void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job,
@@ -318,6 +323,7 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
         Message message;
         message.text = found;
         message.title = titleOf(texts, summary, doubted);
+        if (!doubted && isPlain(summary)) message.icon = Icon::Information;
         context.port.tell(message);
     }
 }

@@ -44,21 +44,19 @@ class MessageText {
     std::string text_;
 };
 
-/// "post 12, 4711: "
+/// "post 12, 4711"
 std::string MessageText::where(std::int64_t record, std::string_view product) {
     std::string where;
     if (record > 0) where = texts_.ModulTextMed(kModule, kRecord, fmt::format("{}", record));
     if (!where.empty() && !product.empty()) where += ", ";
-    where += product;
-    if (!where.empty()) where += ": ";
-    return where;
+    return where += product;
 }
 
 void MessageText::examples(const RunReport::Tally& tally) {
     for (std::size_t i = 0; i < std::min(examples_, tally.examples.size()); ++i) {
         const RunReport::Example& example = tally.examples[i];
-        std::string said = where(example.record, example.product) + '"' + example.text + '"';
-        if (!example.column.empty()) said += " (" + example.column + ")";
+        std::string said = where(example.record, example.product);
+        if (!example.column.empty()) said += ": \"" + example.text + "\" (" + example.column + ")";
         line(said);
     }
     more(static_cast<std::size_t>(tally.count));
@@ -68,9 +66,11 @@ void MessageText::failures(const RunReport& report) {
     const auto& failures = report.failures();
     for (std::size_t i = 0; i < std::min(examples_, failures.size()); ++i) {
         const RunReport::Failure& failure = failures[i];
-        line(fmt::format("{}{}: {}{}", where(failure.record, failure.product), failure.statement,
-                         printable(errorText(texts_, failure.error), kErrorCharacters),
-                         failure.count > 1 ? fmt::format(" ({} x)", failure.count) : std::string()));
+        std::string said = where(failure.record, failure.product);
+        if (!said.empty()) said += ": ";
+        said += failure.statement + ": " + printable(errorText(texts_, failure.error), kErrorCharacters);
+        if (failure.count > 1) said += fmt::format(" ({} x)", failure.count);
+        line(said);
     }
     more(failures.size());
 }
@@ -92,15 +92,10 @@ void addDeleted(const RunSummary& summary, MessageText& message) {
     }
 }
 
-bool hasSomethingToTell(const RunSummary& summary) {
-    return summary.hasFaults() || summary.report.count(Remark::EmptyKey) > 0;
-}
-
 }  // namespace
 
 std::string runMessage(LanguageTexts& texts, const RunSummary& summary, std::string_view priceFile,
                        std::size_t examples) {
-    if (!hasSomethingToTell(summary)) return {};
     const RunReport& report = summary.report;
     MessageText message(texts, examples);
     if (summary.readAsOneLine) message.paragraph(texts.ModulTextMed(kModule, kOneLine, priceFile));

@@ -10,7 +10,8 @@
 
 namespace kolmera {
 
-/// What a run has to tell when it is done, of each kind so many examples; empty when there is nothing to look into.
+/// What a run has to tell when it is done, of each kind so many examples; empty when all records were used as they
+/// stand.
 std::string runMessage(LanguageTexts& texts, const RunSummary& summary, std::string_view priceFile,
                        std::size_t examples);
 

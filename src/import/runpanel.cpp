@@ -53,7 +53,7 @@ RunPanel::RunPanel(Program& program, QWidget* parent)
 
 Answer RunPanel::show(const Message& message) { return program_.boxes.port().show(message); }
 
-void RunPanel::tell(const Message& message) { program_.boxes.MeddelandeVarning(message.text, message.title); }
+void RunPanel::tell(const Message& message) { program_.boxes.VisaMeddelande(message); }
 
 void RunPanel::hourglass(bool on) { program_.boxes.port().hourglass(on); }
 

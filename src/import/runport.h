@@ -47,7 +47,8 @@ class RunPort : public MessagePort {
     /// Whether such a file is read all the same. Nothing has been changed yet.
     virtual bool readsDoubtful(const DoubtfulFile& file) = 0;
     virtual void openJobSettings() = 0;  ///< the user asked to mend the job
-    /// What the run found in its price file, when there is something to look into; told once, at the end.
+    /// What the run found in its price file; told once, at the end, when not all of it was used as it stands. An
+    /// information when records were left out, and that is all.
     virtual void tell(const Message& message) = 0;
     /// Of each kind of thing to tell, so many examples.
     [[nodiscard]] virtual std::size_t examplesTold() const { return 3; }

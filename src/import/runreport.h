@@ -15,6 +15,7 @@ namespace kolmera {
 enum class Remark {
     NotNumber,        ///< a value that is no number and was read as 0
     MissingPrice,     ///< a price that is missing, and was written as 0
+    UnevenRecord,     ///< a mask's record that has not the fields of the mask: some are empty or another record's
     DamagedPrice,     ///< trade formats: a line that is passed over, because its price cannot be read
     DamagedQuantity,  ///< FINFO: a package that is left as it was, because its quantity cannot be read
     NotSaved,         ///< a record that the database did not take
@@ -38,6 +39,7 @@ struct RemarkKind {
 inline constexpr RemarkKind kRemarks[] = {
     {Remark::NotNumber, "not_numbers", 551, false, false},
     {Remark::MissingPrice, "missing_prices", 552, false, false},
+    {Remark::UnevenRecord, "uneven_records", 568, false, false},
     {Remark::DamagedPrice, "damaged_prices", 553, false, true},
     {Remark::DamagedQuantity, "damaged_quantities", 554, false, false},
     {Remark::NotSaved, "not_saved", 556, false, true},

@@ -6,6 +6,7 @@
 
 #include "cli/climachine.h"
 #include "cli/progressbar.h"
+#include "cli/summaryfile.h"
 #include "cli/terminalstream.h"
 #include "definitions/jobfile.h"
 #include "platform/descriptor.h"
@@ -192,12 +193,68 @@ TEST(CommandLine, DoubtfulFilesAreReadOnlyWhenAsked) {
     }
 }
 
-TEST(CommandLine, SummaryThatCannotBeWrittenIsTold) {
+TEST(SummaryFile, SaysHowEveryRunEnded) {
     CliMachine machine;
     ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
-    EXPECT_EQ(machine.run({"run", "Pärmnäs kontor", "--data", machine.data(), "--summary", machine.file("no/s.json")}),
-              cli::exitcode::kStopped);
-    EXPECT_TRUE(contains(machine.err(), "s.json")) << machine.err();
+    std::filesystem::remove(std::filesystem::path(machine.data()) / "Prisfiler" / "VERKTYG.TXT");
+    std::ofstream(std::filesystem::path(machine.data()) / "Prisfiler" / "SKRUV.TXT", std::ios::trunc);
+    const struct {
+        const char* fault;
+        const char* job;
+        std::string data;
+        int exitCode;
+        const char* outcome;
+        const char* message;
+    } cases[] = {
+        {"an unknown job leaves yesterday's file", "Finns ej", machine.data(), 1, "stopped", "Finns ej"},
+        {"an unknown folder leaves yesterday's file", "(EIO)", machine.file("none"), 1, "stopped", "none"},
+        {"a missing price file looks like an empty one", "Smedhult verktyg", machine.data(), 1, "stopped",
+         "VERKTYG.TXT"},
+        {"an empty price file looks like a good one", "Bruknäs skruv och beslag", machine.data(), 3,
+         "done_with_remarks", "SKRUV.TXT"},
+        {"what a run told is not in its summary", "(EIO)", machine.data(), 3, "done_with_remarks", "0001A550"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        std::ofstream(machine.file("s.json")) << "yesterday's";
+        EXPECT_EQ(machine.run({"run", c.job, "--data", c.data, "--summary", machine.file("s.json")}), c.exitCode);
+        const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
+        EXPECT_EQ(summary["job"], c.job);
+        EXPECT_EQ(summary["outcome"], c.outcome);
+        EXPECT_EQ(summary["exit_code"], c.exitCode);
+        EXPECT_TRUE(contains(summary["messages"].dump(), c.message)) << summary["messages"];
+    }
+    const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
+    EXPECT_EQ(summary["uncoupled_codes"]["KB"], 6);
+    EXPECT_EQ(summary["remarks"]["damaged_prices"]["count"], 2);
+    EXPECT_EQ(summary["remarks"]["damaged_prices"]["examples"][1]["record"], 115);
+    EXPECT_EQ(summary["failed_statements"][0]["product"], "4800103");
+}
+
+TEST(SummaryFile, IsThereWhileTheRunIsOnAndNobodyElses) {
+    const TemporaryFolder folder;
+    folder.write("other", "theirs");
+    std::filesystem::create_symlink(folder / "other", folder / "s.json");
+    const std::atomic<bool> cancel{false};
+    cli::SummaryFile file(folder / "s.json", "(EIO)", cancel);
+    EXPECT_EQ(nlohmann::json::parse(readWholeFile(folder / "s.json"))["outcome"], "running");
+    file.finish({{"outcome", "done"}});
+    EXPECT_EQ(nlohmann::json::parse(readWholeFile(folder / "s.json"))["outcome"], "done");
+    EXPECT_EQ(readWholeFile(folder / "other"), "theirs") << "a link was followed";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2) << "something was left behind";
+}
+
+TEST(SummaryFile, ThatCannotBeWrittenStopsTheRunBeforeItBegins) {
+    CliMachine machine;
+    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    const std::int32_t before = products(machine);
+    for (const std::string& file : {machine.file("no/s.json"), machine.data()}) {
+        SCOPED_TRACE(file);
+        EXPECT_EQ(machine.run({"run", "Pärmnäs kontor", "--data", machine.data(), "--summary", file}),
+                  cli::exitcode::kStopped);
+        EXPECT_TRUE(contains(machine.err(), file)) << machine.err();
+        EXPECT_EQ(products(machine), before);
+    }
 }
 
 TEST(CommandLine, RepairSavesWhatCanBeRead) {

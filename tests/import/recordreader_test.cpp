@@ -23,7 +23,7 @@ LoadedMask maskOf(char structure, int size, const std::vector<std::pair<int, int
     return {mask, relations};
 }
 
-/// Every record as a line of its entries.
+/// Every record as a line of its entries, and whether it is uneven.
 std::string read(const LoadedMask& mask, std::string_view file) {
     const TemporaryFolder folder;
     folder.write("pris.txt", file);
@@ -35,6 +35,7 @@ std::string read(const LoadedMask& mask, std::string_view file) {
             if (number > 1) text += '|';
             text += reader.entries().text(number);
         }
+        if (reader.uneven()) text += " uneven";
         text += '\n';
     }
     return text;
@@ -49,7 +50,8 @@ TEST(RecordReader, CutsLines) {
         const char* file;
         const char* expected;
     } cases[] = {
-        {"a cut last record is dropped or cleared", 3, "1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n", "1|2|3\n4|5|6\n7|5|6\n"},
+        {"a cut last record is dropped or cleared", 3, "1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n",
+         "1|2|3\n4|5|6\n7|5|6 uneven\n"},
         {"a CR does not end a line", 1, "a\rb\r", "a\nb\n"},
         {"a lone LF ends a line", 1, "a\nb\r\nc", "a\nb\nc\n"},
         {"an empty line is no record", 1, "a\r\n\r\nb\r\n", "a\n\nb\n"},
@@ -72,11 +74,11 @@ TEST(RecordReader, CutsTabs) {
         const char* expected;
     } cases[] = {
         {"a short line clears entries, or its last text is not the last entry", 5, "1\t2\t3\t4\t5\r\na\tb\r\n",
-         "1|2|3|4|5\na|2|3|4|b\n"},
-        {"text behind too many tabs is not the last entry", 3, "a\tb\tc\td\r\n", "a|b|d\n"},
-        {"text behind far too many tabs", 3, "a\tb\tc\td\te\r\n", "a|b|e\n"},
-        {"a line without tab is the first entry", 3, "1\t2\t3\r\na\r\n", "1|2|3\n1|2|a\n"},
-        {"the key of an empty line is not the one before", 3, "1\t2\t3\r\n\r\n", "1|2|3\n1|2|\n"},
+         "1|2|3|4|5\na|2|3|4|b uneven\n"},
+        {"text behind too many tabs is not the last entry", 3, "a\tb\tc\td\r\n", "a|b|d uneven\n"},
+        {"text behind far too many tabs", 3, "a\tb\tc\td\te\r\n", "a|b|e uneven\n"},
+        {"a line without tab is the first entry", 3, "1\t2\t3\r\na\r\n", "1|2|3\n1|2|a uneven\n"},
+        {"the key of an empty line is not the one before", 3, "1\t2\t3\r\n\r\n", "1|2|3\n1|2| uneven\n"},
         {"a tab at the end", 2, "a\t\r\n", "a|\n"},
         {"never read from a sample: the highest source counts", 0, "a\tb\tc\r\n", "a|b|c\n"},
     };
@@ -97,8 +99,8 @@ TEST(RecordReader, CutsFixedRecords) {
         {"the separator is not dropped", "4711aa\n4712bb\n", "4711|aa\n4712|bb\n"},
         {"any character is a separator", "4711aaX4712bb", "4711|aa\n4712|bb\n"},
         {"CR LF does not drift", "4711aa\r\n4712bb\r\n", "4711|aa\n\n471|2b\n\r\n|\n"},
-        {"a piece behind the end keeps the old text", "4711aa\n4712", "4711|aa\n4712|\n"},
-        {"a piece over the end is empty", "4711aa\n4712b", "4711|aa\n4712|b\n"},
+        {"a piece behind the end keeps the old text", "4711aa\n4712", "4711|aa\n4712| uneven\n"},
+        {"a piece over the end is empty", "4711aa\n4712b", "4711|aa\n4712|b uneven\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
