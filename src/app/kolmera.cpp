@@ -6,6 +6,7 @@
 #include "discounts/prisrab.h"
 #include "import/jobicons.h"
 #include "import/prismain.h"
+#include "lang/errortext.h"
 #include "platform/systemuser.h"
 #include "signin/loggain.h"
 #include "signin/signin.h"
@@ -59,13 +60,18 @@ int run(KolmeraApplication& application) {
     state.sql.letEventsRun = [&port] { port.letEventsRun(); };
 
     bool signInCancelled = false;
-    startUp(state, texts, programFile.parent_path().string(), [&](StartState&) {
-        signIn(state, SystemUser::current(), [&](std::span<const User> users) {
-            Loggain form(program, users);
-            VisaFormulär(program, form, true);
-            signInCancelled = form.result() != QDialog::Accepted;
+    try {
+        startUp(state, texts, programFile.parent_path().string(), [&](StartState&) {
+            signIn(state, SystemUser::current(), [&](std::span<const User> users) {
+                Loggain form(program, users);
+                VisaFormulär(program, form, true);
+                signInCancelled = form.result() != QDialog::Accepted;
+            });
         });
-    });
+    } catch (const PlatformError& error) {
+        boxes.MeddelandeVarning(texts.ModulTextMed("KMR", 419, errorText(texts, error)));
+        return 1;
+    }
     if (signInCancelled) return 0;
     translateWindowSystem(application, texts);
 

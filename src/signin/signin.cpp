@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/attempt.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 
@@ -76,9 +75,7 @@ SignInResult tryToSignIn(std::span<const User> users, std::string_view sign, std
 
 void signIn(StartState& state, const SystemUser& systemUser,
             const std::function<void(std::span<const User> users)>& showForm) {
-    std::vector<User> users;
-    PassedOverSilently passedOver;
-    attempt(passedOver, "DVUser.dvl", [&] { users = readUsers(state.dataFolder()); });
+    const std::vector<User> users = readUsers(state.dataFolder());
     state.FinnsAnvändare = FinnsAnvändare(users);
     if (state.FinnsAnvändare == 0) return;
     if (state.InloggningsLäge == kNoSignIn) {

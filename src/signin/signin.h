@@ -25,7 +25,8 @@ enum class SignInResult { SignedIn, UnknownSign, WrongPassword, NoRight };
 SignInResult tryToSignIn(std::span<const User> users, std::string_view sign, std::string_view password);
 
 /// Signs the user in where the user file asks for it: sets `FinnsAnvändare`, and `Signatur` unless `showForm` is left
-/// to do it. A recognised system user who is denied this program is sent to the form.
+/// to do it. A recognised system user who is denied this program is sent to the form. Throws PlatformError when the
+/// user file cannot be read: nobody may use the program then.
 void signIn(StartState& state, const SystemUser& systemUser,
             const std::function<void(std::span<const User> users)>& showForm);
 

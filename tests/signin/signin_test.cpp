@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/encodings.h"
+#include "platform/restrictedpath.h"
 #include "startup/scramble.h"
 #include "support/temporaryfolder.h"
 
@@ -131,6 +132,7 @@ TEST(SignIn, AsksInTheFormOnlyWhenItMust) {
         const char* signature;  ///< "form" when it is shown
     } cases[] = {
         {"asked though everybody may use the program", anna, 0, "", ""},
+        {"denied user overlooked whose record has lost its line end", anna + denied.substr(0, 598), 0, "", "form"},
         {"asked though sign-in is off", denied, 6610, "", "DV"},
         {"known system user asked", denied + anna, 6611, "anna.berg", "AB"},
         {"unknown system user let in", denied + anna, 6611, "bo", "form"},
@@ -148,6 +150,15 @@ TEST(SignIn, AsksInTheFormOnlyWhenItMust) {
         signIn(state, {.login = c.login, .fullName = ""}, [&](std::span<const User>) { state.Signatur = "form"; });
         EXPECT_EQ(state.Signatur, c.signature);
     }
+}
+
+TEST(SignIn, LetsNobodyInWithoutAReadableUserFile) {
+    const TemporaryFolder folder;
+    folder.write("DVUser.dvl", record("XX", "Xerxes", "X", "JNJJJJN"));
+    StartState state(SettingsStore(folder / "settings.ini"), Locale(Locale::Kind::Swedish));
+    state.DataMapp = (folder.path() / "").string();
+    const test::RestrictedPath closed(folder / "DVUser.dvl", 0);
+    EXPECT_THROW(signIn(state, {.login = "anna", .fullName = ""}, [](std::span<const User>) {}), PlatformError);
 }
 
 }  // namespace
