@@ -6,6 +6,7 @@
 
 #include "cli/builtintexts.h"
 #include "platform/lettercase.h"
+#include "startup/startup.h"
 
 namespace kolmera::cli {
 
@@ -22,8 +23,7 @@ Session::Session(const Surroundings& surroundings, const std::string& dataFolder
     state.Signatur = "DV";
 
     texts.fallBackOn(builtInTexts());
-    texts.ÖppnaSpråk(surroundings.programFolder,
-                     state.drives.resolve(state.settings.get("Sökvägar", "Server"), surroundings.programFolder));
+    openTexts(state, texts);
     state.Språkkod = LanguageTexts::NormaliseraSpråk(state.settings.get("Start", "Lang", "SE"));
     texts.InitSpråkOrd(state.Språkkod);
 }

@@ -26,16 +26,21 @@ std::string belowProgram(const std::string& folder, const std::string& programMa
     return absolute ? folder : programMapp + folder;
 }
 
+/// A folder that ends in a separator, as it can be entered (a share path below its drive), or nothing.
+std::optional<std::string> entered(const std::string& folder, const DriveMap& drives) {
+    if (folderReachable(folder, drives)) return folder;
+    std::string below = TillUNCEnhet(folder, drives);
+    if (folderReachable(below, drives)) return below;
+    return std::nullopt;
+}
+
 /// The data folder that DVKlient.ini names, as it can be entered, or nothing.
 std::optional<std::string> namedDataFolder(const std::filesystem::path& klientIni, const StartState& state) {
     const std::string value = iniValue(klientIni, kKlientDataMapp);
     if (value.empty()) return std::nullopt;
     std::string folder = belowProgram(value, state.ProgramMapp);
     LäggTillSnedstreck(folder);
-    if (folderReachable(folder, state.drives)) return folder;
-    folder = TillUNCEnhet(folder, state.drives);
-    if (folderReachable(folder, state.drives)) return folder;
-    return std::nullopt;
+    return entered(folder, state.drives);
 }
 
 /// "True", "False" or a number, non-zero being true; nothing for any other text.
@@ -54,14 +59,14 @@ std::optional<std::int16_t> readMode(std::string_view value) {
     return static_cast<std::int16_t>(rounded);
 }
 
+}  // namespace
+
 void openTexts(const StartState& state, LanguageTexts& texts) {
     std::string server = state.settings.get("Sökvägar", "Server");
     if (!server.empty()) LäggTillSnedstreck(server);
-    texts.ÖppnaSpråk(state.programFolder(),
-                     server.empty() ? std::filesystem::path() : state.drives.resolve(server, {}));
+    const std::optional<std::string> folder = entered(server, state.drives);
+    texts.ÖppnaSpråk(state.programFolder(), folder ? state.drives.resolve(*folder, {}) : std::filesystem::path());
 }
-
-}  // namespace
 
 void LäsKlientIni(StartState& state, std::string programFolder) {
     LäggTillSnedstreck(programFolder);

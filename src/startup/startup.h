@@ -17,6 +17,10 @@ void LäsKlientIni(StartState& state, std::string programFolder);
 /// empty when missing. A value that cannot be read leaves its member as it was.
 void LäsDorvikIni(StartState& state);
 
+/// Opens the language texts: those beside the program, else those of the suite's server folder (settings, "Sökvägar",
+/// "Server"), which may be a share path.
+void openTexts(const StartState& state, LanguageTexts& texts);
+
 /// Signs the user in: sets `FinnsAnvändare` and `Signatur`. Given by the program; called behind LäsDorvikIni and never
 /// when the program works alone.
 using SignIn = std::function<void(StartState& state)>;

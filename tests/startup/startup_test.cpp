@@ -117,10 +117,14 @@ TEST(StartUp, TextsOfTheServerFolderServeWhenTheProgramHasNone) {
     StartWorld world;
     world.root.write("texts.tsv", "key\tSE\tEN\nRES_5000\tSvar\tAnswer\n");
     buildLanguageDatabase(world.root / "texts.tsv", world.data / "DVLang.sys");
-    StartState state = world.state("[Sökvägar]\nServer = " + world.data.string() + "\n");
-    LanguageTexts texts;
-    startUp(state, texts, world.program.string());
-    EXPECT_EQ(texts.ResText(5000), "Svar");
+    const std::string drive = "[Enheter]\nX = " + world.root.path().string() + "|network|\\\\srv\\d\n";
+    for (const std::string& server : {world.data.string(), std::string("\\\\srv\\d\\DATA")}) {
+        SCOPED_TRACE(server);
+        StartState state = world.state(drive + "[Sökvägar]\nServer = " + server + "\n");
+        LanguageTexts texts;
+        startUp(state, texts, world.program.string());
+        EXPECT_EQ(texts.ResText(5000), "Svar");
+    }
 }
 
 }  // namespace
