@@ -200,7 +200,8 @@ void TerminalRun::importJob(const Job& job) {
                           .companies = companies,
                           .port = port_,
                           .Idag = Date::today(),
-                          .JobbNr = job.number};
+                          .JobbNr = job.number,
+                          .shown = job};
     result_.summary = Utför(context, job.name);
     if (!companies.damagedCompany().empty()) say(session_.text(609, companies.damagedCompany()));
 }

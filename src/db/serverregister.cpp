@@ -3,7 +3,7 @@
 #include "platform/error.h"
 #include "platform/lettercase.h"
 #include "platform/paths.h"
-#include "platform/recordfile.h"
+#include "platform/recordfolder.h"
 
 namespace kolmera {
 
@@ -12,17 +12,9 @@ namespace {
 constexpr RecordField kServer[] = {
     {"Namn", 0, 50}, {"Beskrivning", 50, 50}, {"Anslutning", 100, 100}, {"reserved", 200, 198}, {"reserved2", 398, 2}};
 static_assert(fillsRecord(kServer, 400));
-constexpr RecordLayout kLayout{"DVSQLSvr.ini", 400, kServer, false};
+constexpr RecordLayout kLayout{"DVSQLSvr.ini", 400, kServer, false, true};
 constexpr RecordField kName = field(kServer, "Namn");
 constexpr std::string_view kServerPrefix = "SQL;";
-
-/// A cut name or connect string would register something else.
-void setWhole(Record& record, RecordField recordField, const std::string& text) {
-    record.setText(recordField, text);
-    if (record.text(recordField) == text) return;
-    throw PlatformError(errors::kTextTooLong, "\"" + text + "\" does not fit its " + std::to_string(recordField.width) +
-                                                  " characters of Windows-1252");
-}
 
 }  // namespace
 
@@ -31,7 +23,7 @@ std::filesystem::path serverRegisterFile(const std::filesystem::path& dataFolder
 }
 
 std::vector<ServerCompany> registeredServers(const std::filesystem::path& dataFolder) {
-    const RecordFile file(serverRegisterFile(dataFolder), kLayout, RecordFile::Mode::Read);
+    const Records file = readRecords(dataFolder / kLayout.file, kLayout);
     std::vector<ServerCompany> servers;
     for (int number = 1; number <= file.count(); ++number) {
         const Record record = file.read(number);
@@ -46,14 +38,15 @@ void registerServer(const std::filesystem::path& dataFolder, const ServerCompany
         throw PlatformError(errors::kWrongType, "\"" + server.name + "\" is no name of a server company (SQL;Name)");
     }
     Record record(kLayout);
-    setWhole(record, kName, server.name);
-    setWhole(record, field(kServer, "Beskrivning"), server.description);
-    setWhole(record, field(kServer, "Anslutning"), server.connectString);
-    RecordFile file(serverRegisterFile(dataFolder), kLayout);
-    for (int number = 1; number <= file.count(); ++number) {
-        if (equalNoCase(file.read(number).text(kName), server.name)) return file.write(number, record);
-    }
-    file.append(record);
+    record.setText(kName, server.name);
+    record.setText(field(kServer, "Beskrivning"), server.description);
+    record.setText(field(kServer, "Anslutning"), server.connectString);
+    RecordChange change(dataFolder);
+    Records& file = change.file(kLayout);
+    int number = 1;
+    while (number <= file.count() && !equalNoCase(file.read(number).text(kName), server.name)) ++number;
+    file.write(number, record);
+    change.commit();
 }
 
 }  // namespace kolmera

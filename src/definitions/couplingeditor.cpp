@@ -5,8 +5,9 @@
 #include <algorithm>
 
 #include "db/conversions.h"
-#include "lang/errortext.h"
+#include "definitions/savemessages.h"
 #include "platform/attempt.h"
+#include "platform/encodings.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -14,7 +15,7 @@ namespace {
 
 constexpr std::string_view kForm = "PrisStyr";
 constexpr int kNoSuchSupplier = 5, kAskToRemove = 50, kRemoveTitle = 51;
-constexpr int kCannotSave = 124;
+constexpr int kChangedElsewhere = 405, kAskWithoutSupplier = 416, kAskUnknownSupplier = 417;
 
 }  // namespace
 
@@ -92,22 +93,47 @@ void CouplingEditor::supplierEntered() {
     if (found) supplier = found->number;
 }
 
+std::vector<Coupling> CouplingEditor::shown() const {
+    std::vector<Coupling> couplings;
+    for (const Row& row : rows_) couplings.push_back(row.coupling);
+    return couplings;
+}
+
 bool CouplingEditor::change(const std::function<void()>& statement) {
     try {
         statement();
         return true;
     } catch (const PlatformError& error) {
-        const std::string title = texts_.ModulText("KMR", kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
+        tellNotSaved(error, {.changedElsewhere = kChangedElsewhere, .name = job_}, texts_, boxes_);
+        if (error.number() == errors::kChangedElsewhere) list();
         return false;
     }
 }
 
+bool CouplingEditor::canBeStored() {
+    for (const std::string& typed : {code, supplier}) {
+        const std::string why = whyNotStored(typed, kCouplingTextLength, texts_);
+        if (why.empty()) continue;
+        boxes_.MeddelandeInfo(why);
+        return false;
+    }
+    return true;
+}
+
+/// A coupling without a supplier of the company is not used by any run.
+bool CouplingEditor::supplierIsMeant() {
+    const std::string number(trimmed(supplier));
+    if (!suppliers_ || find(number)) return true;
+    const std::string question = number.empty() ? texts_.ModulTextMed("KMR", kAskWithoutSupplier, trimmed(code))
+                                                : texts_.ModulTextMed("KMR", kAskUnknownSupplier, number);
+    return boxes_.MeddelandeJaNejNej(question) == Answer::Yes;
+}
+
 bool CouplingEditor::save() {
-    if (trimmed(code).empty()) return false;
+    if (trimmed(code).empty() || !canBeStored() || !supplierIsMeant()) return false;
     const Coupling coupling{.job = job_, .code = code, .supplier = supplier, .mainSupplier = mainSupplier};
-    if (!change([&] { file_.save(coupling); })) return false;
-    const std::string saved = code;
+    if (!change([&] { file_.save(coupling, shown()); })) return false;
+    const std::string saved = composed(code);
     list();
     cancel();
     chosen_ = rowOfCode(saved);
@@ -127,8 +153,8 @@ void CouplingEditor::remove() {
                                   texts_.FormulärSträng(kForm, kRemoveTitle)) != Answer::Yes) {
         return;
     }
-    const int number = rows_[static_cast<std::size_t>(chosen_)].coupling.number;
-    if (!change([&] { file_.remove(number); })) return;
+    const Coupling coupling = rows_[static_cast<std::size_t>(chosen_)].coupling;
+    if (!change([&] { file_.remove(coupling, shown()); })) return;
     list();
     cancel();
 }

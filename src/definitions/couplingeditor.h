@@ -44,7 +44,7 @@ class CouplingEditor {
     /// The supplier box was left after a change: the number is spelt as the company spells it.
     void supplierEntered();
 
-    /// False when there is no code; nothing is saved then.
+    /// False when nothing is saved: there is no code, or the user is told or asked what stands in the way.
     bool save();
     void cancel();
     /// Removes the chosen coupling, when the user agrees.
@@ -58,6 +58,9 @@ class CouplingEditor {
         std::string number, searchName;
     };
     [[nodiscard]] std::optional<Supplier> find(const std::string& number);
+    [[nodiscard]] std::vector<Coupling> shown() const;
+    [[nodiscard]] bool canBeStored();
+    [[nodiscard]] bool supplierIsMeant();
     [[nodiscard]] bool change(const std::function<void()>& statement);
 
     LanguageTexts& texts_;

@@ -23,7 +23,7 @@ Coupling couplingOf(int number, const Record& record) {
             .mainSupplier = letter(record, kMainSupplier) == 'H'};
 }
 
-std::vector<Coupling> couplingsOf(const RecordFile& file, std::string_view job) {
+std::vector<Coupling> couplingsOf(const Records& file, std::string_view job) {
     std::vector<Coupling> couplings;
     for (int number = 1; number <= file.count(); ++number) {
         Coupling coupling = couplingOf(number, file.read(number));
@@ -32,22 +32,14 @@ std::vector<Coupling> couplingsOf(const RecordFile& file, std::string_view job) 
     return couplings;
 }
 
-void clearMainSupplier(RecordFile& file, const Coupling& coupling) {
+void clearMainSupplier(Records& file, const Coupling& coupling) {
     Record record = file.read(coupling.number);
     setLetter(record, kMainSupplier, ' ');
     file.write(coupling.number, record);
 }
 
-}  // namespace
-
-std::vector<Coupling> CouplingFile::ofJob(std::string_view job) const {
-    return couplingsOf(RecordFile(definitionFile(folder_, kLayout), kLayout, RecordFile::Mode::Read), job);
-}
-
-int CouplingFile::save(const Coupling& coupling) {
-    const std::string code(trimmed(coupling.code));
-    if (code.empty()) return 0;
-    RecordFile file(definitionFile(folder_, kLayout), kLayout);
+/// The number of the record written.
+int put(Records& file, const Coupling& coupling, std::string_view code) {
     int number = 0;
     for (const Coupling& other : couplingsOf(file, coupling.job)) {
         if (number == 0 && equalNoCase(other.code, code)) number = other.number;
@@ -56,15 +48,42 @@ int CouplingFile::save(const Coupling& coupling) {
     Record record = number == 0 ? Record(kLayout) : file.read(number);
     record.setText(field(kCoupling, "Inläsning"), coupling.job);
     record.setText(field(kCoupling, "Kod"), code);
-    record.setText(field(kCoupling, "Leverantör"), coupling.supplier);
+    record.setText(field(kCoupling, "Leverantör"), trimmed(coupling.supplier));
     setLetter(record, kMainSupplier, coupling.mainSupplier ? 'H' : ' ');
     if (number == 0) return file.append(record);
     file.write(number, record);
     return number;
 }
 
-void CouplingFile::remove(int number) {
-    rewriteRecords(definitionFile(folder_, kLayout), kLayout, [number](int other, Record&) { return other != number; });
+}  // namespace
+
+std::vector<Coupling> CouplingFile::ofJob(std::string_view job) const {
+    return couplingsOf(readDefinitions(folder_, kLayout), job);
+}
+
+int CouplingFile::save(const Coupling& coupling) {
+    const std::string_view code = trimmed(coupling.code);
+    if (code.empty()) return 0;
+    RecordChange change(folder_);
+    const int number = put(change.file(kLayout), coupling, code);
+    change.commit();
+    return number;
+}
+
+void CouplingFile::save(const Coupling& coupling, const std::vector<Coupling>& shown) {
+    RecordChange change(folder_);
+    Records& file = change.file(kLayout);
+    expectUnchanged(couplingsOf(file, coupling.job), shown, kLayout);
+    put(file, coupling, trimmed(coupling.code));
+    change.commit();
+}
+
+void CouplingFile::remove(const Coupling& coupling, const std::vector<Coupling>& shown) {
+    RecordChange change(folder_);
+    Records& file = change.file(kLayout);
+    expectUnchanged(couplingsOf(file, coupling.job), shown, kLayout);
+    file.keepOnly([&](int number, Record&) { return number != coupling.number; });
+    change.commit();
 }
 
 }  // namespace kolmera

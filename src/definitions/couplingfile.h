@@ -17,7 +17,11 @@ struct Coupling {
     std::string code;
     std::string supplier;
     bool mainSupplier = false;  ///< "H"
+
+    bool operator==(const Coupling&) const = default;
 };
+
+inline constexpr int kCouplingTextLength = 20;  ///< code and supplier, in characters
 
 /// The couplings in PRISLEV.TXT of the data folder.
 class CouplingFile {
@@ -29,8 +33,12 @@ class CouplingFile {
     /// Saves by job and code (letter case does not count): overwrites, or appends. A main supplier takes the flag from
     /// the job's others. Returns the record number.
     int save(const Coupling& coupling);
-    /// Removes one record; later ones move down.
-    void remove(int number);
+
+    // For a window that shows the couplings of a job. Throws PlatformError(kChangedElsewhere), and changes nothing,
+    // when they are no longer those.
+    void save(const Coupling& coupling, const std::vector<Coupling>& shown);
+    /// Removes one of them; later records move down.
+    void remove(const Coupling& coupling, const std::vector<Coupling>& shown);
 
   private:
     std::filesystem::path folder_;

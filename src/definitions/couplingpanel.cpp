@@ -16,7 +16,6 @@
 namespace kolmera {
 namespace {
 
-constexpr int kFieldLength = 20;
 const std::vector<int> kTabStops{90, 104, 186, 196};  ///< dialog units
 
 }  // namespace
@@ -44,7 +43,6 @@ void CouplingPanel::buildControls() {
     levNamn_->setTextFormat(Qt::PlainText);
     lblLevKod_->setBuddy(levKod_);
     lblLevNummer_->setBuddy(levNummer_);
-    for (QLineEdit* box : {levKod_, levNummer_}) box->setMaxLength(kFieldLength);
     huvudLev_ = named(new QCheckBox(QStringLiteral("&Huvudleverantör"), this), "HuvudLev");
     sparaLev_ = button(*this, "SparaLev", "F7 - Spara lev.");
     avbrytLev_ = button(*this, "AvbrytLev", "F8 - Avbryt lev.");
@@ -70,18 +68,9 @@ void CouplingPanel::layOut(int listLines) {
 }
 
 void CouplingPanel::connectBoxes() {
-    connect(levKod_, &QLineEdit::editingFinished, this, [this] {
-        if (!levKod_->isModified()) return;
-        takeBoxes();
-        couplings_.codeEntered();
-        presentBoxes();
-    });
-    connect(levNummer_, &QLineEdit::editingFinished, this, [this] {
-        if (!levNummer_->isModified()) return;
-        takeBoxes();
-        couplings_.supplierEntered();
-        presentBoxes();
-    });
+    for (QLineEdit* box : {levKod_, levNummer_}) {
+        connect(box, &QLineEdit::editingFinished, this, [this] { leaveBoxes(); });
+    }
     const auto choose = [this] {
         couplings_.choose(levLista_->currentRow());
         presentBoxes();
@@ -93,10 +82,11 @@ void CouplingPanel::connectBoxes() {
 
 void CouplingPanel::connectButtons() {
     connect(sparaLev_, &QPushButton::clicked, this, [this] {
+        leaveBoxes();  // F7 leaves the focus where it is
         takeBoxes();
-        if (!couplings_.save()) return;
+        const bool saved = couplings_.save();
         present();
-        levKod_->setFocus();
+        if (saved) levKod_->setFocus();
     });
     connect(avbrytLev_, &QPushButton::clicked, this, [this] {
         couplings_.cancel();
@@ -115,6 +105,16 @@ void CouplingPanel::installKeys(QWidget& form) {
     pressOnKey(form, QKeySequence(Qt::Key_Escape), *avbrytLev_);
     pressOnKey(form, QKeySequence(Qt::Key_F9), *taBortLev_);
     focusOnAltL(form, *levLista_);
+}
+
+/// Looks up what was typed since the last time.
+void CouplingPanel::leaveBoxes() {
+    const bool code = levKod_->isModified(), supplier = levNummer_->isModified();
+    if (!code && !supplier) return;
+    takeBoxes();
+    if (code) couplings_.codeEntered();
+    if (supplier) couplings_.supplierEntered();
+    presentBoxes();
 }
 
 void CouplingPanel::takeBoxes() {

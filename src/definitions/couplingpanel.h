@@ -30,6 +30,7 @@ class CouplingPanel final : public QGroupBox {
     void connectButtons();
     void presentList();
     void presentBoxes();
+    void leaveBoxes();
     void takeBoxes();
 
     CouplingEditor& couplings_;

@@ -3,11 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
-#include "lang/errortext.h"
+#include "definitions/savemessages.h"
 #include "platform/attempt.h"
+#include "platform/encodings.h"
 #include "platform/lettercase.h"
 #include "startup/companylist.h"
 #include "ui/rules/listrows.h"
@@ -17,7 +19,9 @@ namespace {
 
 constexpr std::string_view kForm = "PrisStyr";
 constexpr std::string_view kModule = "KMR";
-constexpr int kCannotSave = 124;
+constexpr int kJobChangedElsewhere = 402, kMaskChangedElsewhere = 403, kNameTaken = 409, kSeveralMasks = 412,
+              kMaskInUse = 413;
+constexpr std::string_view kNextParagraph = "\r\n\r\n";
 constexpr int kCaption = 2, kCouplingCaption = 10, kNoHeading = 15, kNoSample = 20, kNoSampleTitle = 21, kNoFile = 30,
               kNoCompany = 31, kNoName = 32, kReservedName = 33, kNoMask = 34, kAskToDeleteMask = 40,
               kDeleteMaskTitle = 41;
@@ -42,15 +46,18 @@ void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
     tradeFormat_ = ÄrStandardJobb;
     companyRows_ = companyRows(register_, state_.dataFolder());
     PassedOverSilently passedOver;
-    attempt(passedOver, "KOLMERA.TXT", [&] { job = JobFile(state_.dataFolder()).read(JobbNr).value_or(Job{}); });
+    attempt(passedOver, "KOLMERA.TXT", [&] { shown_ = JobFile(state_.dataFolder()).read(JobbNr); });
+    job = shown_.value_or(Job{});
     couplings.setJob(job.name);
     if (!tradeFormat_) {
         readMasks();
         const auto mask = std::ranges::find(masks_, job.mask, &Mask::Namn);
         maskRow_ = mask == masks_.end() ? -1 : static_cast<int>(mask - masks_.begin());
     }
-    const int row = rowOfCode(companyRows_, job.number == 0 ? state_.StandardFöretag : job.company);
+    const int row = rowOfCode(companyRows_, job.company.empty() ? state_.StandardFöretag : job.company);
     if (row >= 0) chooseCompany(row);
+    begun_ = job;
+    begunMask_ = chosenMaskName();
 }
 
 std::string JobEditor::caption() const {
@@ -154,23 +161,59 @@ std::optional<std::filesystem::path> JobEditor::sampleForMask() {
     return sample;
 }
 
-void JobEditor::maskSaved(int number, bool isNew) {
+bool JobEditor::maskIsAsShown() {
+    if (maskRow_ < 0) return false;
+    const Mask shown = masks_[static_cast<std::size_t>(maskRow_)];
+    std::optional<WholeMask> stored;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "PRISMASK.TXT", [&] { stored = MaskFile(state_.dataFolder()).read(shown.number); });
+    if (stored && stored->mask == shown) return true;
+    tell(PlatformError(errors::kChangedElsewhere, {}), kMaskChangedElsewhere, shown.Namn);
     readMasks();
-    if (isNew) chooseMask(number - 1);
+    chooseMask(static_cast<int>(std::ranges::find(masks_, shown.Namn, &Mask::Namn) - masks_.begin()));
+    return false;
+}
+
+void JobEditor::maskSaved(int number) {
+    readMasks();
+    chooseMask(number - 1);
+}
+
+std::string JobEditor::chosenMaskName() const {
+    return maskRow_ < 0 ? std::string() : masks_[static_cast<std::size_t>(maskRow_)].Namn;
+}
+
+void JobEditor::tell(const PlatformError& error, int changedElsewhere, const std::string& name) {
+    tellNotSaved(error, {.changedElsewhere = changedElsewhere, .nameTaken = kNameTaken, .name = name}, texts_, boxes_);
+}
+
+bool JobEditor::agreesToDelete(const std::string& mask, std::size_t count) {
+    std::string question = texts_.FormulärSträngMed1(kForm, kAskToDeleteMask, mask);
+    const auto add = [&](int text, std::string_view value) {
+        question.append(kNextParagraph).append(texts_.ModulTextMed(kModule, text, value));
+    };
+    if (count > 1) add(kSeveralMasks, std::to_string(count));
+    std::string users;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "KOLMERA.TXT", [&] {
+        for (const Job& each : JobFile(state_.dataFolder()).all()) {
+            if (each.mask == mask) users.append(users.empty() ? "" : ", ").append(each.name);
+        }
+    });
+    if (!users.empty()) add(kMaskInUse, users);
+    return boxes_.MeddelandeJaNejNej(question, texts_.FormulärSträng(kForm, kDeleteMaskTitle)) == Answer::Yes;
 }
 
 void JobEditor::deleteMask() {
     if (!canDeleteMask()) return;
-    const std::string name = masks_[static_cast<std::size_t>(maskRow_)].Namn;
-    if (boxes_.MeddelandeJaNejNej(texts_.FormulärSträngMed1(kForm, kAskToDeleteMask, name),
-                                  texts_.FormulärSträng(kForm, kDeleteMaskTitle)) != Answer::Yes) {
-        return;
-    }
+    const std::string name = chosenMaskName();
+    std::vector<Mask> named;
+    std::ranges::copy_if(masks_, std::back_inserter(named), [&](const Mask& mask) { return mask.Namn == name; });
+    if (!agreesToDelete(name, named.size())) return;
     try {
-        MaskFile(state_.dataFolder()).remove(name);
+        MaskFile(state_.dataFolder()).remove(named);
     } catch (const PlatformError& error) {
-        const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
+        tell(error, kMaskChangedElsewhere, name);
     }
     maskRow_ = -1;
     readMasks();
@@ -195,11 +238,34 @@ std::optional<std::pair<int, JobEditor::Control>> JobEditor::missing() const {
     return std::nullopt;
 }
 
+/// Why the first text that cannot be stored cannot, and its control.
+std::optional<std::pair<std::string, JobEditor::Control>> JobEditor::notStorable() const {
+    const struct {
+        const std::string& typed;
+        int width;
+        Control focus;
+    } texts[] = {
+        {job.name, kJobTextLength, Control::Namn},           {job.priceFile, kJobTextLength, Control::FilNamn},
+        {job.command, kJobTextLength, Control::KompFilNamn}, {job.fromGroup, kJobGroupLength, Control::FromGrp},
+        {job.toGroup, kJobGroupLength, Control::TomGrp},
+    };
+    for (const auto& text : texts) {
+        std::string why = whyNotStored(text.typed, text.width, texts_);
+        if (!why.empty()) return std::pair(std::move(why), text.focus);
+    }
+    return std::nullopt;
+}
+
 JobEditor::Outcome JobEditor::save() {
     if (const auto first = missing()) {
         boxes_.MeddelandeInfo(texts_.FormulärSträng(kForm, first->first));
         return {.focus = first->second};
     }
+    if (const auto first = notStorable()) {
+        boxes_.MeddelandeInfo(first->first);
+        return {.focus = first->second};
+    }
+    for (std::string* text : {&job.name, &job.priceFile, &job.command}) *text = trimmed(composed(*text));
     if (!tradeFormat_) {
         job.mask = masks_[static_cast<std::size_t>(maskRow_)].Namn;
         job.kind.clear();
@@ -212,12 +278,13 @@ JobEditor::Outcome JobEditor::save() {
         }
     }
     try {
-        return {.JobbNr = JobFile(state_.dataFolder()).save(job)};
+        return {.JobbNr = JobFile(state_.dataFolder()).save(job, shown_)};
     } catch (const PlatformError& error) {
-        const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
-        return {};
+        tell(error, kJobChangedElsewhere, error.number() == errors::kDuplicateKey ? job.name : begun_.name);
+        return {.focus = error.number() == errors::kDuplicateKey ? Control::Namn : Control::None};
     }
 }
+
+bool JobEditor::changed() const { return job != begun_ || chosenMaskName() != begunMask_; }
 
 }  // namespace kolmera

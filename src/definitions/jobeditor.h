@@ -60,8 +60,10 @@ class JobEditor {
     /// The price file that the mask editor is shown against, with the company open. Nothing when it does not exist or
     /// the company cannot be opened; the user is told.
     [[nodiscard]] std::optional<std::filesystem::path> sampleForMask();
-    /// Lists the masks anew, after the editor saved one; a new one becomes the chosen one.
-    void maskSaved(int number, bool isNew);
+    /// Whether the chosen mask is stored as the list shows it; if not, the user is told and the masks are listed anew.
+    [[nodiscard]] bool maskIsAsShown();
+    /// Lists the masks anew, after the editor saved one, which is chosen.
+    void maskSaved(int number);
     /// Deletes the chosen mask, when the user agrees.
     void deleteMask();
 
@@ -72,13 +74,15 @@ class JobEditor {
     /// Row of a heading in both lists; the first row when it is not there.
     [[nodiscard]] int headingRow(int number) const;
 
-    enum class Control { None, Namn, FilNamn, Mask_Lista, FTG_Lista };
+    enum class Control { None, Namn, FilNamn, KompFilNamn, Mask_Lista, FTG_Lista, FromGrp, TomGrp };
     struct Outcome {
         std::optional<int> JobbNr{};    ///< of the saved job
         Control focus = Control::None;  ///< what the user has to fill in first
     };
     /// Checks and writes the job; tells the user what is missing.
     Outcome save();
+    /// Whether there is something that `save` would write.
+    [[nodiscard]] bool changed() const;
 
   private:
     void readCompany();
@@ -87,6 +91,10 @@ class JobEditor {
     [[nodiscard]] std::filesystem::path priceFile() const;
     bool openCompany();
     [[nodiscard]] std::optional<std::pair<int, Control>> missing() const;
+    [[nodiscard]] std::optional<std::pair<std::string, Control>> notStorable() const;
+    [[nodiscard]] std::string chosenMaskName() const;
+    [[nodiscard]] bool agreesToDelete(const std::string& mask, std::size_t count);
+    void tell(const PlatformError& error, int changedElsewhere, const std::string& name);
     void closeCompany();
 
     StartState& state_;
@@ -94,6 +102,9 @@ class JobEditor {
     MessageBoxes& boxes_;
     CompanyRegister& register_;
     bool tradeFormat_ = false;
+    std::optional<Job> shown_;  ///< as it is stored; none for a new one
+    Job begun_;                 ///< as the window first showed it
+    std::string begunMask_;
     std::vector<std::string> companyRows_;
     int companyRow_ = -1;
     std::string companyName_;

@@ -1,8 +1,12 @@
 #include "definitions/jobfile.h"
 
+#include <algorithm>
+
 #include "definitions/definitionfile.h"
+#include "platform/attempt.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
+#include "platform/paths.h"
 
 namespace kolmera {
 namespace {
@@ -52,9 +56,10 @@ std::string company(const Record& record) {
 }
 
 void setCompany(Record& record, std::string_view name) {
-    const std::string_view beginning = firstCharacters(name, static_cast<std::size_t>(kCompany.width));
+    const std::string composedName = composed(name);
+    const std::string_view beginning = firstCharacters(composedName, static_cast<std::size_t>(kCompany.width));
     record.setText(kCompany, beginning);
-    record.setText(kCompanyRest, name.substr(beginning.size()));
+    record.setText(kCompanyRest, composedName.substr(beginning.size()));
 }
 
 Job jobOf(int number, const Record& record) {
@@ -76,19 +81,65 @@ void write(const Job& job, Record& record) {
     setCompany(record, job.company);
 }
 
-}  // namespace
+struct TradeJob {
+    std::string_view name, kind;
+};
+constexpr TradeJob kTradeJobs[] = {{"(EIO)", "E"}, {"(RSK)", "R"}, {"(FINFO)", "F"}};
 
-bool ÄrStandardFormat(std::string_view name) { return name == "(EIO)" || name == "(RSK)" || name == "(FINFO)"; }
-
-std::vector<Job> JobFile::all() const {
-    const RecordFile file(definitionFile(folder_, kLayout), kLayout, RecordFile::Mode::Read);
+std::vector<Job> jobsOf(const Records& file) {
     std::vector<Job> jobs;
     for (int number = 1; number <= file.count(); ++number) jobs.push_back(jobOf(number, file.read(number)));
     return jobs;
 }
 
+/// The number of the record written.
+int put(Records& file, const Job& job) {
+    // A number behind the end is a job that somebody else has removed meanwhile: it is appended, no gap arises.
+    const bool exists = job.number >= 1 && job.number <= file.count();
+    Record record = exists ? file.read(job.number) : Record(kLayout);
+    write(job, record);
+    if (!exists) return file.append(record);
+    file.write(job.number, record);
+    return job.number;
+}
+
+void refuseTakenName(const Records& file, const Job& job) {
+    const std::string name = composed(trimmed(job.name));
+    for (const Job& other : jobsOf(file)) {
+        if (other.number != job.number && equalNoCase(other.name, name)) {
+            throw PlatformError(errors::kDuplicateKey, "there is another job of that name").about(name);
+        }
+    }
+}
+
+}  // namespace
+
+bool ÄrStandardFormat(std::string_view name) {
+    return std::ranges::find(kTradeJobs, name, &TradeJob::name) != std::end(kTradeJobs);
+}
+
+std::vector<std::string> missingTradeJobs(const std::vector<Job>& jobs) {
+    std::vector<std::string> missing;
+    for (const TradeJob& trade : kTradeJobs) {
+        if (std::ranges::find(jobs, trade.name, &Job::name) == jobs.end()) missing.emplace_back(trade.name);
+    }
+    return missing;
+}
+
+Records JobFile::records() const {
+    const std::filesystem::path file = findWithoutCase(folder_, std::string(kLayout.file));
+    std::error_code unreadable;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(file, unreadable))) {
+        PassedOverSilently passedOver;  // reading tells what is wrong with the folder
+        attempt(passedOver, kLayout.file, [this] { JobFile(folder_).addTradeJobs({}); });
+    }
+    return readRecords(file, kLayout);
+}
+
+std::vector<Job> JobFile::all() const { return jobsOf(records()); }
+
 std::optional<Job> JobFile::read(int number) const {
-    const RecordFile file(definitionFile(folder_, kLayout), kLayout, RecordFile::Mode::Read);
+    const Records file = records();
     if (number < 1 || number > file.count()) return std::nullopt;
     return jobOf(number, file.read(number));
 }
@@ -101,19 +152,46 @@ std::optional<Job> JobFile::find(std::string_view name) const {
 }
 
 int JobFile::save(const Job& job) {
-    RecordFile file(definitionFile(folder_, kLayout), kLayout);
-    // A number behind the end is a job that somebody else has removed meanwhile: it is appended, no gap arises.
-    const bool exists = job.number >= 1 && job.number <= file.count();
-    Record record = exists ? file.read(job.number) : Record(kLayout);
-    write(job, record);
-    if (!exists) return file.append(record);
-    file.write(job.number, record);
-    return job.number;
+    RecordChange change(folder_);
+    const int number = put(change.file(kLayout), job);
+    change.commit();
+    return number;
 }
 
-int JobFile::remove(std::string_view name) {
-    return rewriteRecords(definitionFile(folder_, kLayout), kLayout,
-                          [name](int, Record& record) { return record.text(field(kJob, "Namn")) != name; });
+void JobFile::addTradeJobs(std::string_view company) {
+    RecordChange change(folder_);
+    Records& file = change.file(kLayout);
+    const std::vector<std::string> missing = missingTradeJobs(jobsOf(file));
+    for (const TradeJob& trade : kTradeJobs) {
+        if (std::ranges::find(missing, trade.name) == missing.end()) continue;
+        Job job;
+        job.name = trade.name;
+        job.kind = trade.kind;
+        job.company = company;
+        put(file, job);
+    }
+    change.commit();
+}
+
+int JobFile::save(const Job& job, const std::optional<Job>& shown) {
+    RecordChange change(folder_);
+    Records& file = change.file(kLayout);
+    if (shown) expectUnchanged(jobOf(shown->number, file.read(shown->number)), *shown, kLayout);
+    if (!shown || shown->name != job.name) refuseTakenName(file, job);
+    const int number = put(file, job);
+    change.commit();
+    return number;
+}
+
+void JobFile::remove(const std::vector<Job>& shown) {
+    if (shown.empty()) return;
+    RecordChange change(folder_);
+    Records& file = change.file(kLayout);
+    std::vector<Job> stored = jobsOf(file);
+    std::erase_if(stored, [&](const Job& job) { return job.name != shown.front().name; });
+    expectUnchanged(stored, shown, kLayout);
+    file.keepOnly([&](int, Record& record) { return record.text(field(kJob, "Namn")) != shown.front().name; });
+    change.commit();
 }
 
 }  // namespace kolmera

@@ -24,12 +24,19 @@ struct Job {
     std::string toGroup;    ///< FINFO: highest product group
     int heading1 = 0;       ///< FINFO: heading of the Micronic number, 0 none
     int heading2 = 0;       ///< FINFO: heading of the EAN code, 0 none
+
+    bool operator==(const Job&) const = default;
 };
+
+// What the fields of a job hold, in characters.
+inline constexpr int kJobTextLength = 100;  ///< name, price file, command
+inline constexpr int kJobGroupLength = 8;
 
 /// True for exactly "(EIO)", "(RSK)" and "(FINFO)".
 bool ÄrStandardFormat(std::string_view name);
 
-/// The job list in KOLMERA.TXT of the data folder. The file is opened and closed within each operation.
+/// The job list in KOLMERA.TXT of the data folder. Reading makes a missing file, with the trade-format jobs, where the
+/// folder can be written.
 class JobFile {
   public:
     explicit JobFile(std::filesystem::path dataFolder) : folder_(std::move(dataFolder)) {}
@@ -39,11 +46,24 @@ class JobFile {
     [[nodiscard]] std::optional<Job> find(std::string_view name) const;  ///< the first job of that name
     /// Writes the job over its record, or appends it (number 0). Reserved bytes stay. Returns the number.
     int save(const Job& job);
-    /// Removes every job of that name; later jobs move down. Returns how many were removed.
-    int remove(std::string_view name);
+    /// Adds those of "(EIO)", "(RSK)" and "(FINFO)" that are missing.
+    void addTradeJobs(std::string_view company);
+
+    // For windows. Throws PlatformError, and changes nothing: kChangedElsewhere when the records are no longer those
+    // that were shown.
+    /// Saves over the job that was shown, or appends a new one. kDuplicateKey for a new name that another job has
+    /// (letter case does not count).
+    int save(const Job& job, const std::optional<Job>& shown);
+    /// Removes the jobs, which were all of one name; later ones move down.
+    void remove(const std::vector<Job>& shown);
 
   private:
+    [[nodiscard]] Records records() const;
+
     std::filesystem::path folder_;
 };
+
+/// The trade-format jobs that a list lacks.
+std::vector<std::string> missingTradeJobs(const std::vector<Job>& jobs);
 
 }  // namespace kolmera

@@ -5,10 +5,12 @@
 
 #include <algorithm>
 
+#include "definitions/savemessages.h"
 #include "import/filedoubt.h"
 #include "import/pricefilelook.h"
 #include "lang/errortext.h"
 #include "platform/attempt.h"
+#include "platform/encodings.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -18,8 +20,8 @@ constexpr std::string_view kForm = "PrisMTyp";
 constexpr std::string_view kModule = "KMR";
 
 constexpr int kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41;
-constexpr int kRelationsLeftOut = 104, kHeadingsLeftOut = 105, kTooManyMasks = 107, kCannotSave = 124,
-              kDoublesProducts = 535;
+constexpr int kRelationsLeftOut = 104, kHeadingsLeftOut = 105, kTooManyMasks = 107;
+constexpr int kChangedElsewhere = 404, kNameTaken = 410, kAskToReplace = 414, kDoublesProducts = 535;
 
 bool within(int row, std::size_t count) { return row >= 0 && static_cast<std::size_t>(row) < count; }
 
@@ -53,16 +55,17 @@ bool MaskEditor::open(SqlLayer& sql, int maskNumber) {
         return false;
     }
     readSources();
+    begun_ = edited();
     if (relationsLeftOut_) boxes_.MeddelandeInfo(texts_.ModulTextMed(kModule, kRelationsLeftOut, mask_.Namn));
     if (targets_.headingsLeftOut) boxes_.MeddelandeInfo(texts_.ModulText(kModule, kHeadingsLeftOut));
     return true;
 }
 
 void MaskEditor::load(int maskNumber) {
-    const MaskFile masks(dataFolder_);
-    if (auto stored = masks.read(maskNumber)) {
-        mask_ = std::move(*stored);
-        for (const Relation& relation : masks.relations(maskNumber)) {
+    shown_ = MaskFile(dataFolder_).read(maskNumber);
+    if (shown_) {
+        mask_ = shown_->mask;
+        for (const Relation& relation : shown_->relations) {
             relationsLeftOut_ = relations_.size() == std::size_t{kMostRelations};
             if (relationsLeftOut_) break;
             relations_.push_back({static_cast<int>(relations_.size()) + 1, relation});
@@ -233,7 +236,7 @@ void MaskEditor::createRelation() {
     if (chosen_.source < 0 || chosen_.target < 0) return;
     const Relation relation = newRelation();
     if (relation.Mål > 0 && hasTarget(relation.Mål)) {
-        if (chosen_.relation < 0) return;
+        if (chosen_.relation < 0 || !agreesToReplace(relation.Mål)) return;
         dropRelation(chosen_.relation);
     }
     if (relations_.size() >= std::size_t{kMostRelations}) {
@@ -254,28 +257,54 @@ void MaskEditor::removeRelation() {
     if (showsPositions()) readSources();
 }
 
+/// The selected relation goes: the user may well mean the one that has the target.
+bool MaskEditor::agreesToReplace(int target) {
+    if (relations_[static_cast<std::size_t>(chosen_.relation)].relation.Mål == target) return true;
+    const int row = targets_.row(target);
+    const std::string text = row < 0 ? std::to_string(target) : targets()[static_cast<std::size_t>(row)].text;
+    const std::string name(trimmed(text.substr(text.find('\t') + 1)));
+    return boxes_.MeddelandeJaNejNej(texts_.ModulTextMed(kModule, kAskToReplace, name)) == Answer::Yes;
+}
+
+WholeMask MaskEditor::edited() const {
+    WholeMask edited{.mask = mask_, .relations = {}};
+    for (const EditedRelation& relation : relations_) edited.relations.push_back(relation.relation);
+    return edited;
+}
+
+/// What is wrong with the name; empty when nothing is.
+std::string MaskEditor::wrongName() const {
+    if (mask_.Namn.empty()) return texts_.FormulärSträng(kForm, kNameMissing);
+    return whyNotStored(mask_.Namn, kMaskNameLength, texts_);
+}
+
+void MaskEditor::tell(const PlatformError& error) {
+    const bool taken = error.number() == errors::kDuplicateKey;
+    tellNotSaved(
+        error,
+        {.changedElsewhere = kChangedElsewhere, .nameTaken = kNameTaken, .name = taken ? mask_.Namn : begun_.mask.Namn},
+        texts_, boxes_);
+}
+
 MaskEditor::Saved MaskEditor::save() {
-    mask_.Namn = trimmed(mask_.Namn);
-    if (mask_.Namn.empty()) {
-        boxes_.MeddelandeInfo(texts_.FormulärSträng(kForm, kNameMissing));
-        return Saved::NoName;
+    mask_.Namn = trimmed(composed(mask_.Namn));
+    if (const std::string wrong = wrongName(); !wrong.empty()) {
+        boxes_.MeddelandeInfo(wrong);
+        return Saved::WrongName;
     }
-    std::vector<Relation> relations;
-    relations.reserve(relations_.size());
-    for (const EditedRelation& edited : relations_) relations.push_back(edited.relation);
     try {
         MaskFile masks(dataFolder_);
         if (mask_.number == 0 && masks.all().size() >= std::size_t{kMostMasks}) {
             boxes_.MeddelandeVarning(texts_.ModulText(kModule, kTooManyMasks));
             return Saved::Failed;
         }
-        mask_.number = masks.save(mask_, relations);
+        mask_.number = masks.save(mask_, edited().relations, shown_);
+        shown_ = masks.read(mask_.number);
     } catch (const PlatformError& error) {
-        const std::string title = texts_.ModulText(kModule, kCannotSave);
-        boxes_.MeddelandeVarning(fmt::format("{}.\r\n\r\n{}", title, errorText(texts_, error)), title);
-        return Saved::Failed;
+        tell(error);
+        return error.number() == errors::kDuplicateKey ? Saved::WrongName : Saved::Failed;
     }
-    tellWhatRunsWillDo(relations);
+    tellWhatRunsWillDo(edited().relations);
     return Saved::Yes;
 }
 

@@ -82,9 +82,11 @@ class MaskEditor {
     // The buttons.
     void createRelation();
     void removeRelation();
-    enum class Saved { Yes, NoName, Failed };
+    enum class Saved { Yes, WrongName, Failed };
     /// Tells the user what stands in the way, and of a saved mask what a run with it would do wrong.
     Saved save();
+    /// Whether there is something that `save` would write.
+    [[nodiscard]] bool changed() const { return edited() != begun_; }
 
   private:
     void load(int maskNumber);
@@ -101,12 +103,18 @@ class MaskEditor {
     [[nodiscard]] int freeSlot() const;
     void dropRelation(int row);
     [[nodiscard]] Relation newRelation() const;
+    [[nodiscard]] bool agreesToReplace(int target);
+    [[nodiscard]] WholeMask edited() const;
+    [[nodiscard]] std::string wrongName() const;
+    void tell(const PlatformError& error);
 
     LanguageTexts& texts_;
     MessageBoxes& boxes_;
     std::filesystem::path dataFolder_;
     std::filesystem::path sample_;
     Mask mask_;
+    std::optional<WholeMask> shown_;  ///< as it is stored; none for a new one
+    WholeMask begun_;                 ///< as the window first showed it
     TargetList targets_;
     SourceFields sources_;
     std::vector<EditedRelation> relations_;  ///< in the order of the list

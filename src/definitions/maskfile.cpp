@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "definitions/definitionfile.h"
+#include "platform/encodings.h"
 #include "platform/error.h"
+#include "platform/lettercase.h"
 
 namespace kolmera {
 namespace {
@@ -95,8 +97,8 @@ Record recordOf(int maskNumber, const Relation& relation) {
 
 /// Drops the relations of the removed masks and lowers the mask numbers behind them. `removed` in rising order.
 /// Records without a readable mask number belong to no mask and stay.
-void renumberRelations(const std::filesystem::path& file, const std::vector<int>& removed) {
-    rewriteRecords(file, kRelationLayout, [&removed](int, Record& record) {
+void renumberRelations(Records& file, const std::vector<int>& removed) {
+    file.keepOnly([&removed](int, Record& record) {
         const int number = record.number(kMaskNr);
         const auto next = std::lower_bound(removed.begin(), removed.end(), number);
         if (next != removed.end() && *next == number) return false;
@@ -106,73 +108,113 @@ void renumberRelations(const std::filesystem::path& file, const std::vector<int>
     });
 }
 
-}  // namespace
-
-std::vector<Mask> MaskFile::all() const {
-    const RecordFile file(definitionFile(folder_, kMaskLayout), kMaskLayout, RecordFile::Mode::Read);
+std::vector<Mask> masksOf(const Records& file) {
     std::vector<Mask> masks;
     for (int number = 1; number <= file.count(); ++number) masks.push_back(maskOf(number, file.read(number)));
     return masks;
 }
 
-std::optional<Mask> MaskFile::read(int number) const {
-    const RecordFile file(definitionFile(folder_, kMaskLayout), kMaskLayout, RecordFile::Mode::Read);
-    if (number < 1 || number > file.count()) return std::nullopt;
-    return maskOf(number, file.read(number));
-}
-
-std::optional<Mask> MaskFile::find(std::string_view name) const {
-    for (Mask& mask : all()) {
-        if (mask.Namn == name) return std::move(mask);
-    }
-    return std::nullopt;
-}
-
-std::vector<Relation> MaskFile::relations(int number) const {
-    const RecordFile file(definitionFile(folder_, kRelationLayout), kRelationLayout, RecordFile::Mode::Read);
+std::vector<Relation> relationsOf(const Records& file, int maskNumber) {
     std::vector<Relation> relations;
     for (int place = 1; place <= file.count(); ++place) {
         const Record record = file.read(place);
-        if (record.number(kMaskNr) == number) relations.push_back(relationOf(record));
+        if (record.number(kMaskNr) == maskNumber) relations.push_back(relationOf(record));
     }
     return relations;
 }
 
-int MaskFile::save(const Mask& mask, const std::vector<Relation>& relations) {
-    if (relations.size() > static_cast<std::size_t>(kMostRelations)) {
-        throw PlatformError(errors::kInternal, "A mask holds at most 100 relations.");
-    }
-    RecordFile masks(definitionFile(folder_, kMaskLayout), kMaskLayout);
-    const bool exists = mask.number >= 1 && mask.number <= masks.count();
-    if (!exists && masks.count() >= kMostMasks) throw PlatformError(errors::kInternal, "There are 999 masks already.");
-    Record record = exists ? masks.read(mask.number) : Record(kMaskLayout);
-    write(mask, record);
-    const int number = exists ? mask.number : masks.append(record);
-    if (exists) masks.write(number, record);
+std::optional<WholeMask> wholeMask(const Records& masks, const Records& relations, int number) {
+    if (number < 1 || number > masks.count()) return std::nullopt;
+    return WholeMask{maskOf(number, masks.read(number)), relationsOf(relations, number)};
+}
 
-    // A new mask, too, must not take over what an interrupted deletion left under its number.
-    const std::filesystem::path file = definitionFile(folder_, kRelationLayout);
-    rewriteRecords(file, kRelationLayout, [number](int, Record& old) { return old.number(kMaskNr) != number; });
-    RecordFile positions(file, kRelationLayout);
+/// The number of the record written.
+int putMask(Records& file, const Mask& mask) {
+    const bool exists = mask.number >= 1 && mask.number <= file.count();
+    if (!exists && file.count() >= kMostMasks) throw PlatformError(errors::kInternal, "There are 999 masks already.");
+    Record record = exists ? file.read(mask.number) : Record(kMaskLayout);
+    write(mask, record);
+    if (!exists) return file.append(record);
+    file.write(mask.number, record);
+    return mask.number;
+}
+
+/// A new mask, too, must not take over relations that are there under its number.
+void putRelations(Records& file, int maskNumber, const Mask& mask, const std::vector<Relation>& relations) {
+    file.keepOnly([maskNumber](int, const Record& old) { return old.number(kMaskNr) != maskNumber; });
     int place = 0;
     for (Relation relation : relations) {
         ++place;
         // In the fixed-length layout piece i is cut for relation i, but found by its source number.
         if (mask.FilTyp == 'P') relation.Källa = place;
-        positions.append(recordOf(number, relation));
+        file.append(recordOf(maskNumber, relation));
     }
+}
+
+int put(Records& masks, Records& positions, const Mask& mask, const std::vector<Relation>& relations) {
+    if (relations.size() > static_cast<std::size_t>(kMostRelations)) {
+        throw PlatformError(errors::kInternal, "A mask holds at most 100 relations.");
+    }
+    const int number = putMask(masks, mask);
+    putRelations(positions, number, mask, relations);
     return number;
 }
 
-int MaskFile::remove(std::string_view name) {
+void refuseTakenName(const Records& file, const Mask& mask) {
+    const std::string name = composed(trimmed(mask.Namn));
+    for (const Mask& other : masksOf(file)) {
+        if (other.number != mask.number && equalNoCase(other.Namn, name)) {
+            throw PlatformError(errors::kDuplicateKey, "there is another mask of that name").about(name);
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<Mask> MaskFile::all() const { return masksOf(readDefinitions(folder_, kMaskLayout)); }
+
+std::optional<WholeMask> MaskFile::read(int number) const {
+    const RecordSnapshot files(folder_);
+    return wholeMask(files.file(kMaskLayout), files.file(kRelationLayout), number);
+}
+
+std::optional<WholeMask> MaskFile::find(std::string_view name) const {
+    const RecordSnapshot files(folder_);
+    const Records masks = files.file(kMaskLayout);
+    const std::vector<Mask> all = masksOf(masks);
+    const auto found = std::ranges::find(all, name, &Mask::Namn);
+    return found == all.end() ? std::nullopt : wholeMask(masks, files.file(kRelationLayout), found->number);
+}
+
+int MaskFile::save(const Mask& mask, const std::vector<Relation>& relations) {
+    RecordChange change(folder_);
+    const int number = put(change.file(kMaskLayout), change.file(kRelationLayout), mask, relations);
+    change.commit();
+    return number;
+}
+
+int MaskFile::save(const Mask& mask, const std::vector<Relation>& relations, const std::optional<WholeMask>& shown) {
+    RecordChange change(folder_);
+    Records& masks = change.file(kMaskLayout);
+    Records& positions = change.file(kRelationLayout);
+    if (shown) expectUnchanged(wholeMask(masks, positions, shown->mask.number), shown, kMaskLayout);
+    if (!shown || shown->mask.Namn != mask.Namn) refuseTakenName(masks, mask);
+    const int number = put(masks, positions, mask, relations);
+    change.commit();
+    return number;
+}
+
+void MaskFile::remove(const std::vector<Mask>& shown) {
+    RecordChange change(folder_);
+    Records& file = change.file(kMaskLayout);
     std::vector<int> removed;
-    rewriteRecords(definitionFile(folder_, kMaskLayout), kMaskLayout, [&](int number, Record& record) {
-        const bool keep = record.text(field(kMask, "Namn")) != name;
-        if (!keep) removed.push_back(number);
-        return keep;
-    });
-    if (!removed.empty()) renumberRelations(definitionFile(folder_, kRelationLayout), removed);
-    return static_cast<int>(removed.size());
+    for (const Mask& mask : shown) {
+        expectUnchanged(maskOf(mask.number, file.read(mask.number)), mask, kMaskLayout);
+        removed.push_back(mask.number);
+    }
+    file.keepOnly([&](int number, const Record&) { return !std::ranges::binary_search(removed, number); });
+    renumberRelations(change.file(kRelationLayout), removed);
+    change.commit();
 }
 
 }  // namespace kolmera

@@ -10,6 +10,7 @@
 
 namespace kolmera {
 
+inline constexpr int kMaskNameLength = 100;  ///< characters
 inline constexpr int kMostRelations = 100;
 inline constexpr int kMostMasks = 999;  ///< three digits in PRISMPOS.TXT
 
@@ -21,6 +22,8 @@ struct Relation {
     int Längd = 0;        ///< bytes of the piece ("P")
     char TypKod = 'I';    ///< update rule: U, S, I, 1, 2, 3
     char Division = 'I';  ///< S search key, R discount code, 1-3 implied decimals, I none
+
+    bool operator==(const Relation&) const = default;
 };
 
 /// A field mask (file type): a record of PRISMASK.TXT, without its relations.
@@ -34,25 +37,39 @@ struct Mask {
     std::string AntalRader;  ///< as typed
     std::string Postlängd;   ///< as typed
     int AntalKolumner = 0;
+
+    bool operator==(const Mask&) const = default;
 };
 
-/// The masks in PRISMASK.TXT and their relations in PRISMPOS.TXT of the data folder. Files are opened and closed within
-/// each operation; rewriting goes through BUFFER.TXT.
+/// A mask as it is stored, with every relation in file order (a reader uses the first hundred).
+struct WholeMask {
+    Mask mask;
+    std::vector<Relation> relations;
+
+    bool operator==(const WholeMask&) const = default;
+};
+
+/// The masks in PRISMASK.TXT and their relations in PRISMPOS.TXT of the data folder. Both files are read at one moment
+/// and changed together.
 class MaskFile {
   public:
     explicit MaskFile(std::filesystem::path dataFolder) : folder_(std::move(dataFolder)) {}
 
     [[nodiscard]] std::vector<Mask> all() const;
-    [[nodiscard]] std::optional<Mask> read(int number) const;
+    [[nodiscard]] std::optional<WholeMask> read(int number) const;
     /// The first mask whose trimmed name equals `name` exactly.
-    [[nodiscard]] std::optional<Mask> find(std::string_view name) const;
-    /// Every relation of the mask, in file order (a reader uses the first hundred).
-    [[nodiscard]] std::vector<Relation> relations(int number) const;
+    [[nodiscard]] std::optional<WholeMask> find(std::string_view name) const;
     /// Writes the mask (appended when new) and its relations in place of the old ones. For "P" the source numbers are
     /// made equal to the place in the list. Throws PlatformError beyond 100 relations or 999 masks. Returns the number.
     int save(const Mask& mask, const std::vector<Relation>& relations);
-    /// Removes every mask of that name with its relations and renumbers the rest. Returns how many were removed.
-    int remove(std::string_view name);
+
+    // For windows. Throws PlatformError, and changes nothing: kChangedElsewhere when the records are no longer those
+    // that were shown.
+    /// Saves over the mask that was shown, or appends a new one. kDuplicateKey for a new name that another mask has
+    /// (letter case does not count).
+    int save(const Mask& mask, const std::vector<Relation>& relations, const std::optional<WholeMask>& shown);
+    /// Removes the masks, which were all of one name, with their relations and renumbers the rest.
+    void remove(const std::vector<Mask>& shown);
 
   private:
     std::filesystem::path folder_;

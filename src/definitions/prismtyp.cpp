@@ -21,7 +21,6 @@
 namespace kolmera {
 namespace {
 
-constexpr int kNameLength = 100;
 constexpr int kNumberLength = 4;
 constexpr char kFilTyper[] = {'F', 'T', 'P'};
 constexpr char kTecken[] = {'J', 'N'};
@@ -102,7 +101,6 @@ PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent)
 void PrisMTyp::buildMask() {
     lblNamn_ = label(*this, "Lbl_Namn", "&Namn på mask");
     namn_ = named(new QLineEdit(this), "Namn");
-    namn_->setMaxLength(kNameLength);
     lblNamn_->setBuddy(namn_);
 
     ramFilTyp_ = named(new QGroupBox(QStringLiteral("Filstruktur"), this), "Ram_FilTyp");
@@ -322,7 +320,13 @@ void PrisMTyp::connectButtons() {
         present();
     });
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
-    connect(avbryt_, &QPushButton::clicked, this, [this] { reject(); });
+    connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
+}
+
+// Esc and the window's own button; "Avbryt" says what it does.
+void PrisMTyp::reject() {
+    if (editor_.changed() && !leaveUnsaved(program_)) return;
+    QDialog::reject();
 }
 
 void PrisMTyp::save() {
@@ -330,7 +334,7 @@ void PrisMTyp::save() {
         case MaskEditor::Saved::Yes:
             accept();
             break;
-        case MaskEditor::Saved::NoName:
+        case MaskEditor::Saved::WrongName:
             namn_->setFocus();
             break;
         case MaskEditor::Saved::Failed:

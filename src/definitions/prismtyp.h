@@ -25,6 +25,8 @@ class PrisMTyp final : public QDialog {
     /// `editor` is open already.
     PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent);
 
+    void reject() override;
+
   private:
     void buildMask();
     QButtonGroup* addOptions(QGroupBox& frame, const char* name, std::initializer_list<const char*> captions);

@@ -15,6 +15,7 @@
 
 #include "definitions/couplingpanel.h"
 #include "definitions/prismtyp.h"
+#include "definitions/savemessages.h"
 #include "definitions/suppliermodel.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
@@ -25,9 +26,6 @@
 namespace kolmera {
 namespace {
 
-constexpr int kNameLength = 100;
-constexpr int kGroupLength = 8;
-constexpr int kTextTooLong = 126;
 constexpr int kCouplingLines = 11, kCouplingLinesOfFinfo = 4;
 constexpr int kFileFilter = 55, kCompressedFilter = 56;
 const std::vector<int> kCompanyTabStops{208};  ///< dialog units
@@ -51,9 +49,9 @@ class ActsOnKey final : public QObject {
     std::function<void()> act_;
 };
 
-QLineEdit* field(QWidget& parent, const char* name, QLabel& caption, int length) {
+// Without a length: what is pasted must not be cut unseen. Saving checks it.
+QLineEdit* field(QWidget& parent, const char* name, QLabel& caption) {
     auto* made = named(new QLineEdit(&parent), name);
-    made->setMaxLength(length);
     caption.setBuddy(made);
     return made;
 }
@@ -101,12 +99,12 @@ PrisStyr::~PrisStyr() { hide(); }
 
 void PrisStyr::buildFiles() {
     lblNamn_ = label(*this, "Lbl_Namn", "&Namn på inläsning");
-    namn_ = field(*this, "Namn", *lblNamn_, kNameLength);
+    namn_ = field(*this, "Namn", *lblNamn_);
     lblFilNamn_ = label(*this, "Lbl_FilNamn", "Sökväg och &filnamn vid inläsning");
-    filNamn_ = field(*this, "FilNamn", *lblFilNamn_, kNameLength);
+    filNamn_ = field(*this, "FilNamn", *lblFilNamn_);
     väljFil_ = button(*this, "VäljFil", "&Välj fil...");
     lblKompFilNamn_ = label(*this, "Lbl_KompFilNamn", "Vid &komprimerad fil - ange namn vid expandering");
-    kompFilNamn_ = field(*this, "KompFilNamn", *lblKompFilNamn_, kNameLength);
+    kompFilNamn_ = field(*this, "KompFilNamn", *lblKompFilNamn_);
     kompFil_ = button(*this, "KompFil", "K&omprimerad fil...");
 }
 
@@ -143,9 +141,9 @@ void PrisStyr::buildFinfo() {
     groups->setContentsMargins(0, 0, 0, 0);
     groups->addWidget(label(*varugrupper_, "Lbl_Varugrupp", "Varugrupper som läses in"));
     QLabel* from = label(*varugrupper_, "Lbl_FromGrp", "&Fr.o.m varugrupp");
-    fromGrp_ = field(*varugrupper_, "FromGrp", *from, kGroupLength);
+    fromGrp_ = field(*varugrupper_, "FromGrp", *from);
     QLabel* to = label(*varugrupper_, "Lbl_TomGrp", "T.o.&m varugrupp");
-    tomGrp_ = field(*varugrupper_, "TomGrp", *to, kGroupLength);
+    tomGrp_ = field(*varugrupper_, "TomGrp", *to);
     for (QWidget* control : {static_cast<QWidget*>(from), static_cast<QWidget*>(fromGrp_), static_cast<QWidget*>(to),
                              static_cast<QWidget*>(tomGrp_)}) {
         groups->addWidget(control);
@@ -220,7 +218,7 @@ void PrisStyr::setSizes() {
     ftgLista_->setMinimumHeight(kCompanyLines * metrics.lineSpacing());
     levLista_->setMinimumHeight(kSupplierLines * metrics.lineSpacing());
     for (QLineEdit* group : {fromGrp_, tomGrp_}) {
-        group->setMinimumWidth((kGroupLength + 3) * metrics.horizontalAdvance('0'));
+        group->setMinimumWidth((kJobGroupLength + 3) * metrics.horizontalAdvance('0'));
     }
     levLista_->setColumnWidth(0, kNumberLetters * metrics.averageCharWidth());
     if (job_.isTradeFormat()) ftgLista_->setMaximumHeight((kCompanyLines + 1) * metrics.lineSpacing());
@@ -253,13 +251,20 @@ void PrisStyr::connectFiles() {
         if (!path.isEmpty()) kompFilNamn_->setText(path);
     });
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
-    connect(avbryt_, &QPushButton::clicked, this, [this] { reject(); });
+    connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
+}
+
+// Esc and the window's own button; "Avbryt" says what it does.
+void PrisStyr::reject() {
+    if (job_.changed() && !leaveUnsaved(program_)) return;
+    QDialog::reject();
 }
 
 QString PrisStyr::askForFile(const QString& caption, int filterText) {
     QString path = chooseFile(withoutMarks(caption), toQt(program_.texts.FormulärSträng("PrisStyr", filterText)));
-    if (path.size() <= kNameLength) return path;
-    program_.boxes.MeddelandeVarning(program_.texts.ModulTextMed("KMR", kTextTooLong, std::to_string(kNameLength)));
+    const std::string why = whyNotStored(fromQt(path), kJobTextLength, program_.texts);
+    if (why.empty()) return path;
+    program_.boxes.MeddelandeVarning(why);
     return {};
 }
 
@@ -372,32 +377,31 @@ void PrisStyr::presentButtons() {
 void PrisStyr::editMask(bool isNew) {
     const auto sample = job_.sampleForMask();
     if (!sample) return;
-    const int chosen = job_.chosenMask();
-    const int number = isNew ? 0 : job_.masks()[static_cast<std::size_t>(chosen)].number;
+    if (!isNew && !job_.maskIsAsShown()) {
+        presentMasks();
+        presentButtons();
+        return;
+    }
+    const int number = isNew ? 0 : job_.masks()[static_cast<std::size_t>(job_.chosenMask())].number;
     const auto saved = visaPrisMTyp(program_, this, *sample, number);
     if (!saved) return;
-    job_.maskSaved(*saved, isNew);
+    job_.maskSaved(*saved);
     presentMasks();
     presentButtons();
 }
 
 void PrisStyr::save() {
+    using Control = JobEditor::Control;
     const JobEditor::Outcome outcome = job_.save();
-    switch (outcome.focus) {
-        case JobEditor::Control::None:
-            break;
-        case JobEditor::Control::Namn:
-            namn_->setFocus();
-            break;
-        case JobEditor::Control::FilNamn:
-            filNamn_->setFocus();
-            break;
-        case JobEditor::Control::Mask_Lista:
-            maskLista_->setFocus();
-            break;
-        case JobEditor::Control::FTG_Lista:
-            ftgLista_->setFocus();
-            break;
+    const std::pair<Control, QWidget*> controls[] = {{Control::Namn, namn_},
+                                                     {Control::FilNamn, filNamn_},
+                                                     {Control::KompFilNamn, kompFilNamn_},
+                                                     {Control::Mask_Lista, maskLista_},
+                                                     {Control::FTG_Lista, ftgLista_},
+                                                     {Control::FromGrp, fromGrp_},
+                                                     {Control::TomGrp, tomGrp_}};
+    for (const auto& [control, widget] : controls) {
+        if (control == outcome.focus) widget->setFocus();
     }
     if (!outcome.JobbNr) return;
     saved_ = outcome.JobbNr;

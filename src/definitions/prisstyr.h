@@ -32,6 +32,8 @@ class PrisStyr final : public QDialog {
     /// Asks for a file to open; an empty answer is Cancel.
     std::function<QString(const QString& title, const QString& filter)> chooseFile;
 
+    void reject() override;
+
   private:
     void buildFiles();
     void buildMasks();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include "definitions/jobfile.h"
 #include "import/runport.h"
 #include "lang/languagetexts.h"
 #include "platform/date.h"
@@ -19,6 +22,8 @@ struct ImportContext {
     RunPort& port;
     Date Idag;       ///< today, as the program holds it since its window was loaded
     int JobbNr = 0;  ///< record number of the job in KOLMERA.TXT
+    /// The job as the user saw it; a run does not start from another one that has got its number meanwhile.
+    std::optional<Job> shown = std::nullopt;
 };
 
 }  // namespace kolmera

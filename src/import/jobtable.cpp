@@ -67,6 +67,19 @@ int JobTable::JobbNr() const { return selected_ == kNoRow ? 0 : row(selected_).j
 
 std::string JobTable::jobName() const { return selected_ == kNoRow ? std::string() : row(selected_).job.name; }
 
+std::vector<Job> JobTable::jobs() const {
+    std::vector<Job> jobs;
+    for (const JobRow& row : rows_) jobs.push_back(row.job);
+    std::ranges::sort(jobs, {}, &Job::number);
+    return jobs;
+}
+
+std::vector<Job> JobTable::namesakes() const {
+    std::vector<Job> namesakes = jobs();
+    std::erase_if(namesakes, [name = jobName()](const Job& job) { return job.name != name; });
+    return namesakes;
+}
+
 bool JobTable::canDelete() const { return selected_ != kNoRow && !ÄrStandardFormat(row(selected_).job.name); }
 
 }  // namespace kolmera

@@ -34,6 +34,9 @@ class JobTable {
     [[nodiscard]] int selected() const { return selected_; }
     [[nodiscard]] int JobbNr() const;  ///< the selected row's job number, 0 without one
     [[nodiscard]] std::string jobName() const;
+    /// The jobs of the selected one's name, in file order.
+    [[nodiscard]] std::vector<Job> namesakes() const;
+    [[nodiscard]] std::vector<Job> jobs() const;
 
     [[nodiscard]] bool canOpen() const { return selected_ != kNoRow; }
     [[nodiscard]] bool canRun() const { return selected_ != kNoRow; }

@@ -1,5 +1,7 @@
 #include "import/maskrun.h"
 
+#include <utility>
+
 #include "db/batchtransaction.h"
 #include "definitions/maskfile.h"
 #include "import/loadedmask.h"
@@ -61,10 +63,9 @@ void MaskRun::run() {
 bool MaskRun::loadMask() {
     bool found = false;
     const bool read = machinery_.readDefinitions([&] {
-        const MaskFile masks(machinery_.context().state.dataFolder());
-        const auto mask = masks.find(job_.mask);
-        if (!mask) return;
-        mask_ = LoadedMask(*mask, masks.relations(mask->number));
+        auto stored = MaskFile(machinery_.context().state.dataFolder()).find(job_.mask);
+        if (!stored) return;
+        mask_ = LoadedMask(stored->mask, std::move(stored->relations));
         found = true;
     });
     if (!read || found) return read;

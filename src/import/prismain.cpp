@@ -11,6 +11,7 @@
 #include <array>
 #include <string>
 
+#include "definitions/savemessages.h"
 #include "import/dispatcher.h"
 #include "import/jobicons.h"
 #include "import/joblistmodel.h"
@@ -30,7 +31,9 @@ namespace {
 constexpr std::string_view kForm = "PrisMain";
 constexpr std::array<const char*, JobTable::kColumns> kDesignedHeaders{"Inläsning", "Typ", "Prisfil", "Fildatum"};
 constexpr int kDeleteText = 23;
-constexpr int kSaveFailedText = 124;  ///< of the program's own module
+// Of the program's own module.
+constexpr std::string_view kModule = "KMR";
+constexpr int kChangedElsewhere = 401, kSeveralText = 411, kAskForTradeJobs = 418, kCannotShow = 420;
 
 }  // namespace
 
@@ -145,20 +148,37 @@ void PrisMain::drawIcons() {
     setWindowIcon(maskJobIcon(palette()));
 }
 
-void PrisMain::FyllJobbLista(int JobbNr) {
+void PrisMain::FyllJobbLista(int JobbNr) { fill(JobbNr, program_.state.settings.get("Start", "Kolmera")); }
+
+/// Below 1 the job of that name is selected.
+void PrisMain::fill(int JobbNr, const std::string& otherwise) {
     const StartState& state = program_.state;
     const std::filesystem::path programFolder = state.programFolder();
     std::vector<JobRow> rows;
-    PassedOverSilently passedOver;
-    attempt(passedOver, "FyllJobbLista", [&] {
+    try {
         rows = jobRows(program_.texts, {.drives = state.drives,
                                         .dataFolder = state.dataFolder(),
                                         .programFolder = programFolder,
                                         .locale = state.locale});
-    });
-    model_->fill(std::move(rows), JobbNr, state.settings.get("Start", "Kolmera"));
+    } catch (const PlatformError& error) {
+        program_.boxes.MeddelandeVarning(
+            program_.texts.ModulTextMed(kModule, kCannotShow, errorText(program_.texts, error)));
+    }
+    model_->fill(std::move(rows), JobbNr, otherwise);
     showSelection();
     present();
+}
+
+/// Whether the selected job is stored as the list shows it. If not, the user is told, and the list is read again.
+bool PrisMain::isAsShown() {
+    const Job shown = jobs_.row(jobs_.selected()).job;
+    std::optional<Job> stored;
+    PassedOverSilently passedOver;  // filling the list tells of it
+    attempt(passedOver, shown.name, [&] { stored = JobFile(program_.state.dataFolder()).read(shown.number); });
+    if (stored == shown) return true;
+    program_.boxes.MeddelandeVarning(program_.texts.ModulTextMed(kModule, kChangedElsewhere, shown.name));
+    fill(0, shown.name);
+    return false;
 }
 
 // The view shows the row that the table has selected.
@@ -175,10 +195,30 @@ void PrisMain::present() {
     avsluta_->setEnabled(!running_);
 }
 
-void PrisMain::ny() { openSettings(0, false); }
+/// Offers the jobs of the trade formats to a list that has lost them.
+bool PrisMain::addsTradeJobs() {
+    const std::vector<std::string> missing = missingTradeJobs(jobs_.jobs());
+    if (missing.empty()) return false;
+    std::string names;
+    for (const std::string& name : missing) names.append(names.empty() ? "" : ", ").append(name);
+    const std::string question = program_.texts.ModulTextMed(kModule, kAskForTradeJobs, names);
+    if (program_.boxes.MeddelandeJaNej(question) != Answer::Yes) return false;
+    try {
+        JobFile(program_.state.dataFolder()).addTradeJobs(program_.state.StandardFöretag);
+    } catch (const PlatformError& error) {
+        tellNotSaved(error, {}, program_.texts, program_.boxes);
+    }
+    fill(0, missing.front());
+    return true;
+}
+
+void PrisMain::ny() {
+    if (!addsTradeJobs()) openSettings(0, false);
+}
 
 void PrisMain::öppna() {
-    if (jobs_.canOpen()) openSettings(jobs_.JobbNr(), ÄrStandardFormat(jobs_.jobName()));
+    if (!jobs_.canOpen() || !isAsShown()) return;
+    openSettings(jobs_.JobbNr(), ÄrStandardFormat(jobs_.jobName()));
 }
 
 void PrisMain::openSettings(int JobbNr, bool ÄrStandardJobb) {
@@ -189,26 +229,31 @@ void PrisMain::openSettings(int JobbNr, bool ÄrStandardJobb) {
 void PrisMain::taBort() {
     if (!jobs_.canDelete()) return;
     const std::string title = program_.texts.FormulärSträng(kForm, kDeleteText);
-    const std::string name = jobs_.jobName();
-    if (program_.boxes.MeddelandeJaNejNej(title + " " + name + " ?", title) != Answer::Yes) return;
+    const std::vector<Job> shown = jobs_.namesakes();
+    const std::string& name = shown.front().name;
+    std::string question = title + " " + name + " ?";
+    if (shown.size() > 1) {
+        question += "\r\n\r\n" + program_.texts.ModulTextMed(kModule, kSeveralText, std::to_string(shown.size()));
+    }
+    if (program_.boxes.MeddelandeJaNejNej(question, title) != Answer::Yes) return;
     try {
-        JobFile(program_.state.dataFolder()).remove(name);
+        JobFile(program_.state.dataFolder()).remove(shown);
     } catch (const PlatformError& error) {
-        program_.boxes.MeddelandeVarning(
-            program_.texts.ModulText("KMR", kSaveFailedText) + ".\r\n\r\n" + errorText(program_.texts, error), title);
+        tellNotSaved(error, {.changedElsewhere = kChangedElsewhere, .name = name}, program_.texts, program_.boxes);
     }
     FyllJobbLista(0);
 }
 
 void PrisMain::utför() {
-    if (!jobs_.canRun() || running_) return;
+    if (!jobs_.canRun() || running_ || !isAsShown()) return;
     ImportContext context{.state = program_.state,
                           .texts = program_.texts,
                           .boxes = program_.boxes,
                           .companies = program_.companies,
                           .port = *runPanel_,
                           .Idag = Idag_,
-                          .JobbNr = jobs_.JobbNr()};
+                          .JobbNr = jobs_.JobbNr(),
+                          .shown = jobs_.row(jobs_.selected()).job};
     running_ = true;
     present();
     runPanel_->clearCancel();

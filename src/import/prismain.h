@@ -38,6 +38,9 @@ class PrisMain final : public QWidget {
     void drawIcons();
     void showSelection();
     void present();
+    void fill(int JobbNr, const std::string& otherwise);
+    [[nodiscard]] bool isAsShown();
+    [[nodiscard]] bool addsTradeJobs();
     void ny();
     void öppna();
     void openSettings(int JobbNr, bool ÄrStandardJobb);

@@ -49,9 +49,13 @@ bool RunMachinery::readDefinitions(const std::function<void()>& statement) {
 }
 
 bool RunMachinery::HämtaKolmeraData() {
-    const bool read = readDefinitions([this] {
-        if (auto job = JobFile(context_.state.dataFolder()).read(context_.JobbNr)) job_ = std::move(*job);
-    });
+    std::optional<Job> stored;
+    const bool read = readDefinitions([&] { stored = JobFile(context_.state.dataFolder()).read(context_.JobbNr); });
+    if (read && context_.shown && stored != context_.shown) {
+        warn(texts().ModulTextMed("KMR", 421, context_.shown->name), texts().ModulText("KMR", 100));
+        return false;
+    }
+    job_ = stored.value_or(Job{});
     job_.company = properCase(job_.company);
     job_.fromGroup = upperCase(job_.fromGroup);
     job_.toGroup = upperCase(job_.toGroup);

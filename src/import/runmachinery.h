@@ -38,7 +38,8 @@ class RunMachinery {
     [[nodiscard]] RunReport& report() { return summary_.report; }
 
     // The job and its company.
-    /// Loads the current job; company in proper case, product groups in upper case. No such record: an empty job.
+    /// Loads the current job; company in proper case, product groups in upper case. No such record: an empty job. False
+    /// when it cannot be read, or is not the one that was shown.
     [[nodiscard]] bool HämtaKolmeraData();
     /// Runs a statement that reads a file of definitions.
     [[nodiscard]] bool readDefinitions(const std::function<void()>& statement);

@@ -49,8 +49,8 @@ void throwSystemError(int systemError) {
     throw PlatformError(number(), std::generic_category().message(systemError)).ofSystem(systemError);
 }
 
-Descriptor::Descriptor(const std::filesystem::path& file, int flags)
-    : descriptor_(static_cast<int>(retried([&] { return open(file.c_str(), flags | O_CLOEXEC, 0666); }))) {
+Descriptor::Descriptor(const std::filesystem::path& file, int flags, unsigned mode)
+    : descriptor_(static_cast<int>(retried([&] { return open(file.c_str(), flags | O_CLOEXEC, mode); }))) {
     struct stat status {};
     const int failure = fstat(descriptor_, &status) != 0 ? errno : S_ISDIR(status.st_mode) ? EISDIR : 0;
     if (failure == 0) return;
@@ -120,11 +120,14 @@ void Descriptor::sync() const {
 void moveOver(const Descriptor& finished, const std::filesystem::path& from, const std::filesystem::path& to) {
     finished.sync();
     if (rename(from.c_str(), to.c_str()) != 0) throwSystemError(errno);
-    // Some network file systems cannot sync a folder; the rename has happened all the same.
-    const int folder = open(to.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) return;
-    fsync(folder);
-    close(folder);
+    syncFolder(to.parent_path());
+}
+
+void syncFolder(const std::filesystem::path& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return;
+    fsync(descriptor);
+    close(descriptor);
 }
 
 }  // namespace kolmera

@@ -14,8 +14,8 @@ namespace kolmera {
 class Descriptor {
   public:
     Descriptor() = default;  ///< no file
-    /// Opens with the flags of open(2). A folder is refused.
-    Descriptor(const std::filesystem::path& file, int flags);
+    /// Opens with the flags of open(2); `mode` is that of a file that is made. A folder is refused.
+    Descriptor(const std::filesystem::path& file, int flags, unsigned mode = 0666);
     /// Takes over what a call of the system has opened; -1 is its failure, told by errno.
     explicit Descriptor(int opened);
     Descriptor(Descriptor&& other) noexcept;
@@ -42,6 +42,9 @@ class Descriptor {
   private:
     int descriptor_ = -1;
 };
+
+/// Returns when the names of a folder's files are on the disk. Some network file systems cannot tell; that is no error.
+void syncFolder(const std::filesystem::path& folder);
 
 /// Puts a finished file in the place of another: syncs it, renames it, and syncs the folder, so that after a crash one
 /// of the two is there whole.

@@ -133,6 +133,63 @@ std::string fromUtf8(std::string_view text, CodePage page) {
     }
 }
 
+std::string lackingCharacters(std::string_view text, CodePage page) {
+    std::string lacking;
+    while (!text.empty()) {
+        const FirstCharacter decoded = firstCharacter(text);
+        const std::string_view character = text.substr(0, decoded.length);
+        const bool lacks = character != "?" && byteOf(decoded.character, tableFor(page)) == '?' &&
+                           static_cast<std::uint8_t>(text[0]) >= 0x80;
+        if (lacks && lacking.find(character) == std::string::npos) lacking += character;
+        text.remove_prefix(decoded.length);
+    }
+    return lacking;
+}
+
+namespace {
+
+/// The combining marks with the letters that they stand on, and what the two are together.
+struct Mark {
+    std::string_view mark, letters;
+    std::u32string_view together;
+};
+constexpr Mark kMarks[] = {
+    {"\u0300", "AEIOUaeiou", U"ÀÈÌÒÙàèìòù"},
+    {"\u0301", "AEIOUYaeiouy", U"ÁÉÍÓÚÝáéíóúý"},
+    {"\u0302", "AEIOUaeiou", U"ÂÊÎÔÛâêîôû"},
+    {"\u0303", "ANOano", U"ÃÑÕãñõ"},
+    {"\u0308", "AEIOUYaeiouy", U"ÄËÏÖÜŸäëïöüÿ"},
+    {"\u030A", "Aa", U"Åå"},
+    {"\u030C", "SZsz", U"ŠŽšž"},
+    {"\u0327", "Cc", U"Çç"},
+};
+
+/// The letter and the mark behind it as one letter.
+std::optional<char32_t> together(char letter, std::string_view mark) {
+    for (const Mark& row : kMarks) {
+        const std::size_t place = mark.starts_with(row.mark) ? row.letters.find(letter) : std::string_view::npos;
+        if (place != std::string_view::npos) return row.together[place];
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::string composed(std::string_view text) {
+    constexpr std::size_t kMarkLength = 2;
+    std::string result;
+    while (!text.empty()) {
+        const auto letter = together(text.front(), text.substr(1));
+        if (letter) {
+            appendUtf8(*letter, result);
+        } else {
+            result += text.front();
+        }
+        text.remove_prefix(letter ? 1 + kMarkLength : 1);
+    }
+    return result;
+}
+
 FirstCharacter firstCharacter(std::string_view text) {
     constexpr char32_t kLowest[] = {0, 0, 0x80, 0x800, 0x10000};
     const auto first = static_cast<std::uint8_t>(text[0]);

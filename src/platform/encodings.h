@@ -19,6 +19,12 @@ void toUtf8(std::string_view bytes, CodePage page, std::string& out);
 /// UTF-8 as bytes of a code page; a character that it lacks and a malformed byte become "?".
 std::string fromUtf8(std::string_view text, CodePage page);
 
+/// The different characters of a UTF-8 text that a code page lacks, malformed bytes among them; empty when it has all.
+std::string lackingCharacters(std::string_view text, CodePage page);
+/// The text with letters of Windows-1252 that are written as a letter and a combining mark as the one letter: files of
+/// some systems have names of that kind.
+std::string composed(std::string_view text);
+
 /// The first character of a UTF-8 text that is not empty: nothing for a malformed byte, which counts as one.
 struct FirstCharacter {
     std::optional<char32_t> character;

@@ -1,10 +1,11 @@
 #include "platform/outputfile.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <system_error>
 #include <utility>
+
+#include "platform/privatename.h"
 
 namespace kolmera {
 namespace fs = std::filesystem;
@@ -30,8 +31,8 @@ OutputFile::OutputFile(const fs::path& file) : target_(withoutLinks(file)) {
         descriptor_ = std::move(existing);
         return;
     }
-    const fs::path beside = target_.string() + "." + std::to_string(getpid());
-    descriptor_ = Descriptor(beside, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
+    const fs::path beside = target_.string() + "." + privateDigits();
+    descriptor_ = Descriptor(beside, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
     temporary_.file = beside;
     if (existing.isOpen()) descriptor_.copyRights(existing);
 }

@@ -10,7 +10,7 @@
 namespace kolmera {
 
 /// A file that is written from front to back and takes its place whole or not at all: until `finish` has put everything
-/// on the disk, a file of that name stays as it was. The bytes go to a file beside it, "name.process number", which is
+/// on the disk, a file of that name stays as it was. The bytes go to a file beside it, "name.number that nobody can foresee", which is
 /// removed when writing fails. A symbolic link stays one, and the rights of a replaced file are kept. What is no
 /// ordinary file (a device, a pipe) is written to directly. Errors are PlatformError.
 class OutputFile {

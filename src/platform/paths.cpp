@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "platform/encodings.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -113,11 +114,12 @@ fs::path findWithoutCase(const fs::path& folder, const std::string& name) {
     fs::path exact = folder / name;
     if (isThere(exact)) return exact;
     fs::path best;
+    const std::string wanted = composed(name);
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
         const fs::path found = entry->path().filename();
         // Of several the first by name: the order of a folder is no order.
-        if (equalNoCase(found.native(), name) && (best.empty() || found < best)) best = found;
+        if (equalNoCase(composed(found.native()), wanted) && (best.empty() || found < best)) best = found;
     }
     return best.empty() ? exact : folder / best;
 }

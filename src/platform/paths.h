@@ -45,8 +45,9 @@ class DriveMap {
     std::vector<Drive> drives_;
 };
 
-/// The entry of `folder` whose name equals `name`, exactly or else without regard to letter case; `folder`/`name`
-/// when there is none. Of several that differ in letter case only, the first in byte order.
+/// The entry of `folder` whose name equals `name`, exactly or else without regard to letter case and to how its accents
+/// are encoded (one character or two); `folder`/`name` when there is none. Of several that differ in letter case only,
+/// the first in byte order.
 std::filesystem::path findWithoutCase(const std::filesystem::path& folder, const std::string& name);
 
 /// Whether the file or folder lies on a network file system (NFS, SMB, 9p, everything on FUSE ...). For one that does

@@ -2,13 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "platform/descriptor.h"
 
 namespace kolmera {
 
@@ -24,7 +21,8 @@ struct RecordLayout {
     std::string_view file;  ///< file name in the data folder, for messages
     int length;             ///< bytes of a record
     std::span<const RecordField> fields;
-    bool crLf;  ///< the last field is the record end CR LF
+    bool crLf;               ///< the last field is the record end CR LF
+    bool ownerOnly = false;  ///< a new file is for its owner alone: it holds passwords
 };
 
 /// True when the fields fill the record without gap or overlap; for static_assert.
@@ -55,8 +53,11 @@ class Record {
     [[nodiscard]] std::string text(RecordField field) const;
     /// The leading number of the trimmed text, rounded half to even, 0 when there is none ("007" and "7  " are 7).
     [[nodiscard]] int number(RecordField field) const;
-    /// Left-aligned, padded with blanks, cut to the width.
+    /// Left-aligned, padded with blanks. Decomposed letters are composed. Throws, and changes nothing: kTextTooLong for
+    /// a text that is longer than the field, kWrongType for one with characters that Windows-1252 lacks.
     void setText(RecordField field, std::string_view utf8);
+    /// The same for a text that others see cut: to the width, with "?" for characters that Windows-1252 lacks.
+    void setCutText(RecordField field, std::string_view utf8);
     /// Decimal digits, zero-padded to the width. Throws kTextTooLong for a negative number and one with more digits.
     void setNumber(RecordField field, int number);
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
@@ -65,20 +66,14 @@ class Record {
     std::string bytes_;
 };
 
-/// A random-access file of fixed-length records numbered from 1, as the suite keeps its settings and definitions.
-/// The name is found without regard to letter case. Open, use and close within one operation; there is no locking.
-/// Errors are PlatformError with the file's name and the system's text.
-class RecordFile {
+/// The records of a file, numbered from 1, as the suite keeps its settings and definitions; in memory. A last record
+/// that lacks no more than its two last bytes counts and is completed: who edits such a file as text often loses the
+/// last line end.
+class Records {
   public:
-    /// Both create a missing file empty. Where the folder cannot be written, it reads as empty in mode Read and is an
-    /// error in mode ReadWrite; a folder that does not exist is an error in both.
-    enum class Mode { Read, ReadWrite };
+    Records(const RecordLayout& layout, std::string bytes);
 
-    RecordFile(const std::filesystem::path& file, const RecordLayout& layout, Mode mode = Mode::ReadWrite);
-    RecordFile(const RecordFile&) = delete;
-    RecordFile& operator=(const RecordFile&) = delete;
-
-    /// Whole records in the file (length / record length; a partial record at the end is ignored).
+    /// Whole records (length / record length; a partial record at the end is ignored).
     [[nodiscard]] int count() const;
     /// Record n; one beyond the end reads as blanks.
     [[nodiscard]] Record read(int number) const;
@@ -86,18 +81,15 @@ class RecordFile {
     void write(int number, const Record& record);
     /// Writes behind the last whole record, over a partial one, and returns the new number.
     int append(const Record& record);
+    /// `keep` sees every record with its number, may change it, and says whether it stays. Numbers behind a removed
+    /// record move down by one; a partial record at the end stays there. Returns the number of records removed.
+    int keepOnly(const std::function<bool(int number, Record& record)>& keep);
+
+    [[nodiscard]] const std::string& bytes() const { return bytes_; }
 
   private:
-    Descriptor descriptor_;  ///< none for a missing file that cannot be made
-    const RecordLayout& layout_;
+    const RecordLayout* layout_;
+    std::string bytes_;
 };
-
-/// Rewrites a file: `keep` sees every record with its number, may change it, and says whether it stays. The kept
-/// records go to BUFFER.TXT in the file's folder (begun empty), which is synced and then renamed over the file, so
-/// that no moment exists in which the data is only in the buffer. Numbers behind a removed record move down by one.
-/// The bytes of a partial record at the end stay at the end. Returns the number of records removed. On an error, of
-/// `keep` too, the old file stays as it was and the buffer is removed.
-int rewriteRecords(const std::filesystem::path& file, const RecordLayout& layout,
-                   const std::function<bool(int number, Record& record)>& keep);
 
 }  // namespace kolmera

@@ -2,8 +2,7 @@
 
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
-#include "platform/paths.h"
-#include "platform/recordfile.h"
+#include "platform/recordfolder.h"
 #include "startup/scramble.h"
 
 namespace kolmera {
@@ -29,7 +28,7 @@ std::string passwordOf(const Record& record) {
 }  // namespace
 
 std::vector<User> readUsers(const std::filesystem::path& dataFolder) {
-    const RecordFile file(findWithoutCase(dataFolder, "DVUser.dvl"), kLayout, RecordFile::Mode::Read);
+    const Records file = readRecords(dataFolder / kLayout.file, kLayout);
     std::vector<User> users;
     for (int number = 1; number <= file.count(); ++number) {
         const Record record = file.read(number);

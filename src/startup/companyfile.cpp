@@ -2,7 +2,7 @@
 
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
-#include "platform/recordfile.h"
+#include "platform/recordfolder.h"
 
 namespace kolmera {
 
@@ -19,12 +19,12 @@ constexpr RecordField kFöretag = field(kCompany, "Företag");
 
 CompanyFile::CompanyFile(const std::filesystem::path& dataFolder) : file_(dataFolder / kLayout.file) {}
 
-void CompanyFile::create() const { const RecordFile made(file_, kLayout, RecordFile::Mode::Read); }
+void CompanyFile::create() const { static_cast<void>(readRecords(file_, kLayout)); }
 
 std::optional<std::string> CompanyFile::find(std::string_view databaseFile) const {
     const auto width = static_cast<std::size_t>(kDatabas.width);
     const std::string wanted = upperCase(trimmed(firstCharacters(databaseFile, width)));
-    const RecordFile file(file_, kLayout, RecordFile::Mode::Read);
+    const Records file = readRecords(file_, kLayout);
     for (int number = 1; number <= file.count(); ++number) {
         const Record record = file.read(number);
         if (upperCase(record.text(kDatabas)) == wanted) return record.text(kFöretag);
@@ -34,9 +34,11 @@ std::optional<std::string> CompanyFile::find(std::string_view databaseFile) cons
 
 void CompanyFile::append(std::string_view databaseFile, std::string_view company) const {
     Record record(kLayout);
-    record.setText(kDatabas, databaseFile);
-    record.setText(kFöretag, company);
-    RecordFile(file_, kLayout).append(record);
+    record.setCutText(kDatabas, databaseFile);  // as it is looked up
+    record.setCutText(kFöretag, company);
+    RecordChange change(file_.parent_path());
+    change.file(kLayout).append(record);
+    change.commit();
 }
 
 }  // namespace kolmera

@@ -1,13 +1,12 @@
 #include "startup/datafolder.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <system_error>
 
 #include "db/companyschema.h"
 #include "definitions/jobfile.h"
+#include "platform/descriptor.h"
 #include "platform/engine/database.h"
 #include "platform/error.h"
 #include "platform/paths.h"
@@ -20,52 +19,29 @@ namespace {
 
 // The records of DORVIK.INI that are read, with a key for whoever looks into the file. Blank values mean: suite font,
 // sign-in by the form.
-struct IniLine {
-    const char* key;
-    std::string_view value;
-};
 constexpr IniLine kIniLines[] = {
     {"", ""}, {"Företag", kFirstCompany}, {"", ""}, {"", ""}, {"", ""}, {"", ""}, {"", ""}, {"", ""}, {"Tahoma", ""},
     {"", ""}, {"Inloggning", ""}};
-
-struct TradeJob {
-    const char* name;
-    const char* kind;
-};
-constexpr TradeJob kTradeJobs[] = {{"(EIO)", "E"}, {"(RSK)", "R"}, {"(FINFO)", "F"}};
 
 constexpr const char* kEmptyFiles[] = {"DORVIK.FTG", "PRISMASK.TXT", "PRISMPOS.TXT", "PRISLEV.TXT"};
 
 /// Makes a file of length 0, unless there is one whatever the case of its letters.
 void ensureFile(const std::filesystem::path& folder, const std::string& name) {
     const std::filesystem::path file = findWithoutCase(folder, name);
-    const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    if (descriptor < 0) {
-        throw PlatformError(errors::kFileNotFound, std::generic_category().message(errno))
-            .ofSystem(errno)
-            .about(file.string());
+    std::error_code unreadable;
+    if (std::filesystem::symlink_status(file, unreadable).type() != std::filesystem::file_type::not_found) return;
+    try {
+        const Descriptor made(file, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+    } catch (const PlatformError& error) {
+        throw error.about(file.string());
     }
-    ::close(descriptor);
 }
 
 void ensureSettings(const std::filesystem::path& folder) {
     const std::filesystem::path file = findWithoutCase(folder, "DORVIK.INI");
     std::error_code unreadable;
     if (std::filesystem::exists(file, unreadable)) return;
-    int number = 0;
-    for (const IniLine& line : kIniLines) writeIniValue(file, ++number, line.key, std::string(line.value));
-}
-
-void ensureTradeJobs(const std::filesystem::path& folder) {
-    JobFile jobs(folder);
-    for (const TradeJob& trade : kTradeJobs) {
-        if (jobs.find(trade.name)) continue;
-        Job job;
-        job.name = trade.name;
-        job.kind = trade.kind;
-        job.company = kFirstCompany;
-        jobs.save(job);
-    }
+    writeIniValues(file, 1, kIniLines);
 }
 
 void writeFirstRows(const std::filesystem::path& file, std::string_view companyName, const std::string& password) {
@@ -89,7 +65,7 @@ void createDataFolder(const std::filesystem::path& folder) {
         throw PlatformError(errors::kFileNotFound, error.message()).ofSystem(error.value()).about(folder.string());
     ensureSettings(folder);
     for (const char* name : kEmptyFiles) ensureFile(folder, name);
-    ensureTradeJobs(folder);
+    JobFile(folder).addTradeJobs(kFirstCompany);
 }
 
 void createCompany(const std::filesystem::path& folder, std::string_view fileName, std::string_view companyName,

@@ -1,6 +1,6 @@
 #include "startup/inifile.h"
 
-#include "platform/recordfile.h"
+#include "platform/recordfolder.h"
 
 namespace kolmera {
 
@@ -14,14 +14,24 @@ constexpr RecordLayout kLayout{"DORVIK.INI", 72, kIniPost, true};
 }  // namespace
 
 std::string iniValue(const std::filesystem::path& file, int number) {
-    return RecordFile(file, kLayout, RecordFile::Mode::Read).read(number).text(field(kIniPost, "Värde"));
+    return readRecords(file, kLayout).read(number).text(field(kIniPost, "Värde"));
 }
 
 void writeIniValue(const std::filesystem::path& file, int number, const std::string& key, const std::string& value) {
-    Record record(kLayout);
-    record.setText(field(kIniPost, "Nyckel"), key);
-    record.setText(field(kIniPost, "Värde"), value);
-    RecordFile(file, kLayout).write(number, record);
+    const IniLine line[] = {{key, value}};
+    writeIniValues(file, number, line);
+}
+
+void writeIniValues(const std::filesystem::path& file, int first, std::span<const IniLine> lines) {
+    RecordChange change(file.parent_path());
+    Records& records = change.file(kLayout, file.filename().string());
+    for (const IniLine& line : lines) {
+        Record record(kLayout);
+        record.setText(field(kIniPost, "Nyckel"), line.key);
+        record.setText(field(kIniPost, "Värde"), line.value);
+        records.write(first++, record);
+    }
+    change.commit();
 }
 
 }  // namespace kolmera

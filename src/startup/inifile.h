@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace kolmera {
 
@@ -11,5 +13,11 @@ std::string iniValue(const std::filesystem::path& file, int number);
 
 /// Writes key and value of a record. Throws PlatformError.
 void writeIniValue(const std::filesystem::path& file, int number, const std::string& key, const std::string& value);
+
+struct IniLine {
+    std::string_view key, value;
+};
+/// The same for records that follow one another, at once.
+void writeIniValues(const std::filesystem::path& file, int first, std::span<const IniLine> lines);
 
 }  // namespace kolmera

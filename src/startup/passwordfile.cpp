@@ -6,7 +6,7 @@
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 #include "platform/paths.h"
-#include "platform/recordfile.h"
+#include "platform/recordfolder.h"
 #include "startup/scramble.h"
 
 namespace kolmera {
@@ -16,7 +16,7 @@ namespace {
 // Both fields are scrambled, padding included.
 constexpr RecordField kEntry[] = {{"Databas", 0, 20}, {"Lösenord", 20, 10}};
 static_assert(fillsRecord(kEntry, 30));
-constexpr RecordLayout kLayout{"DVDefLog.bin", 30, kEntry, false};
+constexpr RecordLayout kLayout{"DVDefLog.bin", 30, kEntry, false, true};
 constexpr RecordField kDatabas = field(kEntry, "Databas");
 constexpr RecordField kLösenord = field(kEntry, "Lösenord");
 
@@ -39,7 +39,7 @@ std::string key(std::string_view name) {
 }
 
 /// Number of the entry of that name, 0 when there is none.
-int entryOf(const RecordFile& file, std::string_view name) {
+int entryOf(const Records& file, std::string_view name) {
     const std::string wanted = key(name);
     for (int number = 1; number <= file.count(); ++number) {
         if (upperCase(readField(file.read(number), kDatabas)) == wanted) return number;
@@ -58,7 +58,7 @@ std::string PasswordFile::find(std::string_view name) const {
     if (!std::filesystem::exists(file_, error)) return password;  // reading must not create it
     PassedOverSilently passedOver;
     attempt(passedOver, "LösenFör", [&] {
-        const RecordFile file(file_, kLayout, RecordFile::Mode::Read);
+        const Records file = readRecords(file_, kLayout);
         if (const int number = entryOf(file, name)) password = readField(file.read(number), kLösenord);
     });
     return password;
@@ -69,12 +69,14 @@ void PasswordFile::save(std::string_view name, std::string_view password) const 
         throw PlatformError(errors::kTextTooLong, "A password has at most 10 characters.");
     }
     const Record record(kLayout, writeField(key(name), kDatabas) + writeField(password, kLösenord));
-    RecordFile file(file_, kLayout);
+    RecordChange change(file_.parent_path());
+    Records& file = change.file(kLayout);
     if (const int number = entryOf(file, name)) {
         file.write(number, record);
     } else {
         file.append(record);
     }
+    change.commit();
 }
 
 }  // namespace kolmera

@@ -6,7 +6,8 @@
 
 namespace kolmera {
 
-/// DVDefLog.bin of the data folder, the passwords of the company files.
+/// DVDefLog.bin of the data folder, the passwords of the company files. It is made for its owner alone; rights that
+/// somebody has given it stay.
 class PasswordFile {
   public:
     explicit PasswordFile(const std::filesystem::path& dataFolder);

@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QDialog>
 #include <QEventLoop>
+#include <QLabel>
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
@@ -19,6 +20,12 @@ namespace kolmera {
 namespace {
 
 void nameForScreenReaders(QWidget& form) {
+    // What a label says of a box, the window system passes on by itself.
+    for (const QLabel* label : form.findChildren<QLabel*>()) {
+        if (auto* list = dynamic_cast<QAbstractItemView*>(label->buddy())) {
+            list->setAccessibleName(label->text().remove('&'));
+        }
+    }
     for (QWidget* control : form.findChildren<QWidget*>()) {
         if (!control->toolTip().isEmpty() && control->accessibleName().isEmpty()) {
             control->setAccessibleName(control->toolTip());
@@ -87,6 +94,11 @@ void SättTypsnittKontroll(QWidget& control, bool TypsnittTahoma) {
 void SättTypsnitt(QWidget& form, bool TypsnittTahoma) {
     SättTypsnittKontroll(form, TypsnittTahoma);
     for (QWidget* control : form.findChildren<QWidget*>()) SättTypsnittKontroll(*control, TypsnittTahoma);
+}
+
+bool leaveUnsaved(Program& program) {
+    constexpr int kAskToLeave = 415;
+    return program.boxes.MeddelandeJaNejNej(program.texts.ModulText("KMR", kAskToLeave)) == Answer::Yes;
 }
 
 void centreOnScreen(QWidget& form) {

@@ -7,8 +7,8 @@ class QWidget;
 
 namespace kolmera {
 
-/// What every form does when its controls are made: translates the form, gives controls without a label their tool tip
-/// as the name that screen readers say, applies the font option, and lets F1 open the guide.
+/// What every form does when its controls are made: translates the form, gives lists their label and controls without a
+/// label their tool tip as the name that screen readers say, applies the font option, and lets F1 open the guide.
 void loadForm(Program& program, QWidget& form);
 
 /// Shows a form, with the hourglass until it stands. A modal one (a QDialog) is closed when this returns; what it
@@ -18,6 +18,9 @@ bool VisaFormulär(Program& program, QWidget& form, bool modal);
 /// With the font option on, the form's controls are written in Tahoma (where it is installed).
 void SättTypsnitt(QWidget& form, bool TypsnittTahoma);
 void SättTypsnittKontroll(QWidget& control, bool TypsnittTahoma);
+
+/// Asks whether a window may be closed though its changes are not saved.
+bool leaveUnsaved(Program& program);
 
 void centreOnScreen(QWidget& form);
 

@@ -46,7 +46,8 @@ class PrisMTypTest : public testing::Test {
     }
     static std::string stored(FormWorld& world, int mask) {
         std::string rows;
-        for (const Relation& relation : MaskFile(world.data).relations(mask)) {
+        const WholeMask whole = *MaskFile(world.data).read(mask);
+        for (const Relation& relation : whole.relations) {
             rows += std::to_string(relation.Källa) + ">" + std::to_string(relation.Mål) + relation.TypKod +
                     relation.Division + " ";
         }
@@ -86,7 +87,7 @@ TEST_F(PrisMTypTest, MakesChangesAndKeepsATabMask) {
     type("Namn", "Skruvar");
     press("Spara");
     EXPECT_FALSE(form->isVisible());
-    const Mask mask = *MaskFile(world.data).find("Skruvar");
+    const Mask mask = MaskFile(world.data).find("Skruvar")->mask;
     EXPECT_EQ(mask.FilTyp, 'T');
     EXPECT_EQ(mask.AntalKolumner, columns);
     EXPECT_EQ(stored(world, mask.number), "1>1US 2>241I ");
@@ -129,7 +130,7 @@ TEST_F(PrisMTypTest, ShowsEveryDemoMaskAsItIsStored) {
         for (const Job& job : JobFile(world.data).all()) {
             const auto found = MaskFile(world.data).find(job.mask);
             if (!found) continue;  // a trade format
-            const Mask& mask = *found;
+            const Mask& mask = found->mask;
             SCOPED_TRACE(mask.Namn);
             const std::string before = stored(world, mask.number);
             open(world, split(job.priceFile, "\\").back().c_str(), mask.number);
@@ -152,7 +153,10 @@ TEST_F(PrisMTypTest, EscapeChangesNothing) {
     type("Namn", "Ny");
     QTest::keyClick(&control(*form, "Namn"), Qt::Key_Return);
     EXPECT_TRUE(form->isVisible()) << "Enter moves on";
+    world.boxPort.answers = {Answer::No, Answer::Yes};
     QTest::keyClick(&*form, Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible()) << "left without asking";
+    form->close();
     EXPECT_FALSE(form->isVisible());
     EXPECT_EQ(MaskFile(world.data).all().size(), masks);
 }
@@ -162,6 +166,7 @@ TEST_F(PrisMTypTest, SpeaksBothLanguages) {
         FormWorld world(Data::Demo, language);
         open(world, "DJURKAMP.DAT", 4);
         expectTextsInBothLanguages(*form, world);
+        for (const char* name : {"FrånLista", "TillLista", "Relationer"}) EXPECT_NE(list(name).accessibleName(), "");
         takePicture(*form, std::string("prismtyp-fixed-") + language);
         open(world, "SKRUV.TXT", 1);
         list("Relationer").setCurrentRow(2);

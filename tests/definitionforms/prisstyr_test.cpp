@@ -84,6 +84,9 @@ TEST_F(PrisStyrTest, AsksForWhatIsMissingAndSaves) {
     auto& suppliers = control<QTreeView>(*form, "Lev_Lista");
     selectRow(suppliers, 2);
     const std::string supplier = fromQt(suppliers.model()->index(2, 0).data().toString());
+    world.boxPort.answers = {Answer::No};
+    form->close();
+    EXPECT_TRUE(form->isVisible()) << "left without asking";
     press("Spara");
     EXPECT_FALSE(form->isVisible());
     ASSERT_TRUE(form->savedJob());
@@ -173,6 +176,7 @@ TEST_F(PrisStyrTest, KeepsCouplingsByKeys) {
     EXPECT_EQ(form->focusWidget(), &field("LevNummer"));
     type("LevNummer", "saknas");
     control<QCheckBox>(*form, "HuvudLev").setChecked(true);
+    world.boxPort.answers = {Answer::Yes};
     QTest::keyClick(&*form, Qt::Key_F7);
     EXPECT_EQ(couplings().back(), "NYKOD=saknas H");
     EXPECT_EQ(list("LevLista").count(), rows + 1);
@@ -180,6 +184,10 @@ TEST_F(PrisStyrTest, KeepsCouplingsByKeys) {
     EXPECT_EQ(field("LevKod").text(), "");
     EXPECT_EQ(form->focusWidget(), &field("LevKod"));
 
+    type("LevKod", "nykod");
+    world.boxPort.answers = {Answer::Yes};
+    QTest::keyClick(&*form, Qt::Key_F7);
+    EXPECT_EQ(couplings().back(), "NYKOD=saknas H") << "saved before it was looked up";
     type("LevKod", "nykod");
     QTest::keyClick(&field("LevKod"), Qt::Key_Return);
     EXPECT_EQ(field("LevNummer").text(), "saknas");

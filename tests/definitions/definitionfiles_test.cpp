@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "definitions/couplingfile.h"
 #include "definitions/jobfile.h"
 #include "definitions/maskfile.h"
@@ -39,6 +41,12 @@ Job named(const char* name, int number = 0) {
     return job;
 }
 
+std::string names(const JobFile& jobs) {
+    std::string names;
+    for (const Job& job : jobs.all()) names += std::to_string(job.number) + job.name + " ";
+    return names;
+}
+
 TEST(JobFile, WritesTheRecordThatTheSuiteReads) {
     const TemporaryFolder folder;
     JobFile jobs(folder.path());
@@ -58,7 +66,6 @@ TEST(JobFile, ReadsBackWhatItWrote) {
         {"company cut at its first field", &Job::company, "FTG12345678901234567890.MDB", "FTG12345678901234567890.MDB"},
         {"blank lost between the two fields of the company", &Job::company, "FTG12345678 90.MDB", "FTG12345678 90.MDB"},
         {"company split in the middle of a character", &Job::company, "FTGÅÄÖÅÄÖÅÄÖÅÄÖ.MDB", "FTGÅÄÖÅÄÖÅÄÖÅÄÖ.MDB"},
-        {"long name running into the next field", &Job::name, std::string(120, 'x'), std::string(100, 'x')},
         {"letters not in the suite's code page", &Job::priceFile, "C:\\Räksmörgås.txt", "C:\\Räksmörgås.txt"},
     };
     for (const auto& c : cases) {
@@ -94,7 +101,6 @@ TEST(JobFile, KeepsWhatItDoesNotKnow) {
 TEST(JobFile, SavesBehindTheLastJob) {
     const TemporaryFolder folder;
     JobFile jobs(folder.path());
-    EXPECT_EQ(jobs.all().size(), 0U);
     for (const char* name : {"A", "B", "C"}) jobs.save(named(name));
     EXPECT_EQ(jobs.save(named("new")), 4);
     EXPECT_EQ(jobs.save(named("removed elsewhere", 9)), 5);
@@ -102,15 +108,23 @@ TEST(JobFile, SavesBehindTheLastJob) {
     EXPECT_FALSE(jobs.read(6));
 }
 
-TEST(JobFile, RemovesEveryJobOfTheName) {
+TEST(JobFile, RemovesEveryJobThatWasShown) {
     const TemporaryFolder folder;
     JobFile jobs(folder.path());
     for (const char* name : {"A", "B", "A", "a", "C"}) jobs.save(named(name));
-    EXPECT_EQ(jobs.remove("A"), 2);
-    std::string names;
-    for (const Job& job : jobs.all()) names += std::to_string(job.number) + job.name + " ";
-    EXPECT_EQ(names, "1B 2a 3C ");
-    EXPECT_EQ(jobs.find("C").value().number, 3);
+    jobs.remove({*jobs.read(1), *jobs.read(3)});
+    EXPECT_EQ(names(jobs), "1B 2a 3C ");
+}
+
+TEST(JobFile, IsMadeWithTheTradeFormats) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(names(JobFile(folder.path())), "1(EIO) 2(RSK) 3(FINFO) ");
+    folder.write("KOLMERA.TXT", "");
+    EXPECT_EQ(names(JobFile(folder.path())), "") << "made anew though it was there";
+    JobFile(folder.path()).save(named("(RSK)"));
+    JobFile(folder.path()).addTradeJobs("FTG2.MDB");
+    EXPECT_EQ(names(JobFile(folder.path())), "1(RSK) 2(EIO) 3(FINFO) ");
+    EXPECT_EQ(JobFile(folder.path()).read(2)->kind + JobFile(folder.path()).read(2)->company, "EFTG2.MDB");
 }
 
 // Masks.
@@ -132,7 +146,7 @@ std::string text(const std::vector<Relation>& relations) {
 
 std::string text(const MaskFile& masks) {
     std::string all;
-    for (const Mask& each : masks.all()) all += each.Namn + ": " + text(masks.relations(each.number)) + "\n";
+    for (const Mask& each : masks.all()) all += each.Namn + ": " + text(masks.read(each.number)->relations) + "\n";
     return all;
 }
 
@@ -185,11 +199,11 @@ TEST(MaskFile, ReadsRecordsOfOtherWriters) {
     const MaskFile masks(folder.path());
     const auto found = masks.find("A");
     ASSERT_TRUE(found);
-    EXPECT_EQ(found->Tecken, ' ');
-    EXPECT_EQ(found->AntalRader, "12");
-    EXPECT_EQ(found->AntalKolumner, 0);
-    EXPECT_EQ(text(masks.relations(1)), "2>4UI ");
-    EXPECT_EQ(masks.relations(1).front().Längd, 8);
+    EXPECT_EQ(found->mask.Tecken, ' ');
+    EXPECT_EQ(found->mask.AntalRader, "12");
+    EXPECT_EQ(found->mask.AntalKolumner, 0);
+    EXPECT_EQ(text(found->relations), "2>4UI ");
+    EXPECT_EQ(found->relations.front().Längd, 8);
     EXPECT_FALSE(masks.find("a"));
     EXPECT_FALSE(masks.read(2));
 }
@@ -217,13 +231,11 @@ TEST(MaskFile, FixedLengthSourcesFollowTheList) {
 TEST(MaskFile, RemovingRenumbersTheRelations) {
     const struct {
         const char* fault;
-        const char* name;
-        int removed;
+        std::vector<int> numbers;
         const char* left;
     } cases[] = {
-        {"relations of later masks not lowered", "B", 1, "A: 1>1II \nC: 3>3II \nA: 4>4II \nD: 5>5II \n"},
-        {"second mask of the name keeps or loses wrong relations", "A", 2, "B: 2>2II \nC: 3>3II \nD: 5>5II \n"},
-        {"letter case passed over", "b", 0, "A: 1>1II \nB: 2>2II \nC: 3>3II \nA: 4>4II \nD: 5>5II \n"},
+        {"relations of later masks not lowered", {2}, "A: 1>1II \nC: 3>3II \nA: 4>4II \nD: 5>5II \n"},
+        {"second mask keeps or loses wrong relations", {1, 4}, "B: 2>2II \nC: 3>3II \nD: 5>5II \n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
@@ -234,7 +246,9 @@ TEST(MaskFile, RemovingRenumbersTheRelations) {
             ++place;
             masks.save(mask(name), {{.Källa = place, .Mål = place}});
         }
-        EXPECT_EQ(masks.remove(c.name), c.removed);
+        std::vector<Mask> shown;
+        for (const int number : c.numbers) shown.push_back(masks.read(number)->mask);
+        masks.remove(shown);
         EXPECT_EQ(text(masks), c.left);
     }
 }
@@ -243,7 +257,7 @@ TEST(MaskFile, NumbersThatDoNotFitBecomeTheNearest) {
     const TemporaryFolder folder;
     MaskFile masks(folder.path());
     masks.save(mask("A"), {{.Källa = 1, .Mål = -1, .FrånPos = 12345, .Längd = 9999}});
-    const Relation relation = masks.relations(1).at(0);
+    const Relation relation = masks.read(1)->relations.at(0);
     EXPECT_EQ(relation.Mål, 0);
     EXPECT_EQ(relation.FrånPos, 9999);
     EXPECT_EQ(relation.Längd, 9999);
@@ -255,7 +269,7 @@ TEST(MaskFile, RefusesWhatTheFileCannotHold) {
     EXPECT_THROW(masks.save(mask("A"), std::vector<Relation>(101)), PlatformError);
     EXPECT_EQ(masks.all().size(), 0U);
     masks.save(mask("A"), std::vector<Relation>(100));
-    EXPECT_EQ(masks.relations(1).size(), 100U);
+    EXPECT_EQ(masks.read(1)->relations.size(), 100U);
 
     folder.write("PRISMASK.TXT", blanks(std::size_t{999} * 614));
     EXPECT_THROW(masks.save(mask("thousandth"), {}), PlatformError);
@@ -292,9 +306,59 @@ TEST(CouplingFile, SavesByJobAndCode) {
     EXPECT_EQ(text(couplings.ofJob("(EIO)")), "1AB=1 3cd=5H ");
     EXPECT_EQ(text(couplings.ofJob("(RSK)")), "2AB=2H ");
 
-    couplings.remove(1);
+    couplings.remove(couplings.ofJob("(EIO)").front(), couplings.ofJob("(EIO)"));
     EXPECT_EQ(text(couplings.ofJob("(EIO)")), "2cd=5H ");
     EXPECT_EQ(text(couplings.ofJob("(RSK)")), "1AB=2H ");
+}
+
+// Two programs.
+
+/// What a second window's change is refused with when a first one has changed the same record, 0 when it is carried
+/// out.
+int refusal(const std::function<void()>& change) {
+    try {
+        change();
+    } catch (const PlatformError& error) {
+        return error.number();
+    }
+    return 0;
+}
+
+TEST(DefinitionFiles, RefuseAStaleChange) {
+    const TemporaryFolder folder;
+    JobFile jobs(folder.path());
+    MaskFile masks(folder.path());
+    CouplingFile couplings(folder.path());
+    for (const char* name : {"A", "B", "C"}) {
+        jobs.save(named(name));
+        masks.save(mask(name), {{.Källa = 1, .Mål = 1}});
+        couplings.save({.job = "(EIO)", .code = name, .supplier = "1"});
+    }
+    const Job job = *jobs.read(2);
+    const WholeMask whole = *masks.read(2);
+    const std::vector<Coupling> shown = couplings.ofJob("(EIO)");
+    EXPECT_EQ(refusal([&] { jobs.save(named("c"), std::nullopt); }), errors::kDuplicateKey);
+    EXPECT_EQ(refusal([&] { masks.save(mask("b"), {}, std::nullopt); }), errors::kDuplicateKey);
+    EXPECT_EQ(refusal([&] { jobs.save(job, job); }), 0) << "a name is not its own double";
+
+    jobs.remove({*jobs.read(1)});
+    masks.save(whole.mask, {});
+    couplings.remove(shown[0], shown);
+    const struct {
+        const char* fault;
+        std::function<void()> change;
+    } cases[] = {
+        {"a job saved over another", [&] { jobs.save(job, job); }},
+        {"a job removed for another", [&] { jobs.remove({job}); }},
+        {"a removed last job appended", [&] { jobs.save(named("C", 3), named("C", 3)); }},
+        {"a mask's new relations lost", [&] { masks.save(whole.mask, whole.relations, whole); }},
+        {"a coupling saved over another", [&] { couplings.save(shown[1], shown); }},
+        {"a coupling removed for another", [&] { couplings.remove(shown[1], shown); }},
+    };
+    for (const auto& c : cases) EXPECT_EQ(refusal(c.change), errors::kChangedElsewhere) << c.fault;
+    masks.remove({masks.read(1)->mask});
+    EXPECT_EQ(refusal([&] { masks.remove({whole.mask}); }), errors::kChangedElsewhere);
+    EXPECT_EQ(names(jobs) + text(masks) + text(couplings.ofJob("(EIO)")), "1B 2C B: \nC: 1>1II \n1B=1 2C=1 ");
 }
 
 }  // namespace

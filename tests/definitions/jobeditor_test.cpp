@@ -185,12 +185,80 @@ TEST_F(JobEditorTest, DeletesAMaskWhenTheUserAgrees) {
     world.port.expect(question, world.texts().FormulärSträng(kForm, 41), Answer::No);
     editor->deleteMask();
     EXPECT_EQ(editor->masks().size(), 2U);
-    world.port.expect(question, world.texts().FormulärSträng(kForm, 41), Answer::Yes);
+    world.job.name = "Kontor";
+    world.job.mask = "Testmask";
+    JobFile(world.data()).save(world.job);
+    world.port.expect(question + "\r\n\r\n" + world.texts().ModulTextMed("KMR", 413, "Kontor"),
+                      world.texts().FormulärSträng(kForm, 41), Answer::Yes);
     editor->deleteMask();
     ASSERT_EQ(editor->masks().size(), 1U);
     EXPECT_EQ(editor->masks()[0].Namn, "Andra");
     EXPECT_FALSE(editor->canDeleteMask());
-    EXPECT_EQ(masks.relations(1).size(), 1U);
+    EXPECT_EQ(masks.read(1)->relations.size(), 1U);
+}
+
+TEST_F(JobEditorTest, RefusesWhatTheFileCannotHold) {
+    open(jobNumber("(EIO)"), true);
+    EXPECT_FALSE(editor->changed());
+    const struct {
+        std::string Job::*field;
+        const char* typed;
+        std::size_t times;
+        int text;
+        std::string var1;
+        Control focus;
+    } cases[] = {
+        {&Job::priceFile, "/łódź/", 1, 407, "ł ź", Control::FilNamn},
+        {&Job::command, "x", 101, 126, "100", Control::KompFilNamn},
+        {&Job::toGroup, "1", 9, 126, "8", Control::TomGrp},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.typed);
+        open(jobNumber("(EIO)"), true);
+        editor->job.priceFile = "a";
+        std::string& field = editor->job.*c.field;
+        field.clear();
+        for (std::size_t i = 0; i < c.times; ++i) field += c.typed;
+        EXPECT_TRUE(editor->changed());
+        world.port.expect(world.texts().ModulTextMed("KMR", c.text, c.var1), "Kolmera");
+        EXPECT_EQ(editor->save().focus, c.focus);
+    }
+    editor->job.toGroup.clear();
+    editor->job.priceFile = "/A\u030A/" + std::string(97, 'x');
+    EXPECT_TRUE(editor->save().JobbNr) << "hundred characters when composed";
+    EXPECT_EQ(JobFile(world.data()).find("(EIO)")->priceFile, "/Å/" + std::string(97, 'x'));
+}
+
+TEST_F(JobEditorTest, DoesNotSaveOverWhatOthersHaveChanged) {
+    world.job.name = "Kontor";
+    world.job.priceFile = "pris.txt";
+    world.job.mask = "Testmask";
+    const int number = JobFile(world.data()).save(world.job);
+    open(number);
+    Job other = *JobFile(world.data()).read(number);
+    other.supplier = "20";
+    JobFile(world.data()).save(other);
+    const std::string title = world.texts().ModulText("KMR", 124);
+    world.port.expect(world.texts().ModulTextMed("KMR", 402, "Kontor"), title);
+    EXPECT_FALSE(editor->save().JobbNr);
+    EXPECT_EQ(JobFile(world.data()).read(number), other);
+
+    open();
+    editor->job = other;
+    editor->job.number = 0;
+    editor->job.name = "KONTOR";
+    editor->chooseMask(0);
+    editor->chooseCompany(0);
+    world.port.expect(world.texts().ModulTextMed("KMR", 409, "KONTOR"), title);
+    EXPECT_EQ(editor->save().focus, Control::Namn);
+
+    Mask mask = editor->masks()[0];
+    mask.SkapaNya = 'N';
+    MaskFile(world.data()).save(mask, {});
+    world.port.expect(world.texts().ModulTextMed("KMR", 403, "Testmask"), title);
+    EXPECT_FALSE(editor->maskIsAsShown());
+    EXPECT_EQ(editor->masks()[0].SkapaNya, 'N') << "not listed anew";
+    EXPECT_TRUE(editor->maskIsAsShown());
 }
 
 TEST_F(JobEditorTest, OffersTheHeadingsOfFinfo) {
@@ -242,6 +310,12 @@ TEST_F(CouplingEditorTest, SavesListsAndSelects) {
     CouplingEditor& couplings = openCouplings();
     EXPECT_FALSE(couplings.save()) << "saved without a code";
     save("ahl", "10");
+    const std::string question = world.texts().ModulTextMed("KMR", 417, "99");
+    world.port.expect(question, "Kolmera", Answer::No);
+    couplings.code = "BEI";
+    couplings.supplier = "99";
+    EXPECT_FALSE(couplings.save());
+    world.port.expect(question, "Kolmera", Answer::Yes);
     save("BEI", "99", true);
     EXPECT_THAT(rows(), ElementsAre("ahl\t-->\t10\t\tLev 10", "BEI\t-->\t99\tH\t(finns inte i FTG1.MDB)"));
     EXPECT_EQ(couplings.chosen(), 1);
@@ -289,6 +363,20 @@ TEST_F(CouplingEditorTest, DeletesTheChosenOneOnly) {
     const auto others = CouplingFile(world.data()).ofJob("(RSK)");
     ASSERT_EQ(others.size(), 2U);
     EXPECT_EQ(others[0].code + others[1].code, "XY");
+}
+
+TEST_F(CouplingEditorTest, ListsAnewWhatOthersHaveChanged) {
+    CouplingEditor& couplings = openCouplings();
+    save("AHL", "10");
+    CouplingFile(world.data()).save({.job = "(EIO)", .code = "BEI", .supplier = "20"});
+    couplings.code = "ahl";
+    couplings.supplier = "";
+    world.port.expect(world.texts().ModulTextMed("KMR", 416, "ahl"), "Kolmera", Answer::Yes);
+    const std::string title = world.texts().ModulText("KMR", 124);
+    world.port.expect(world.texts().ModulTextMed("KMR", 405, "(EIO)"), title);
+    EXPECT_FALSE(couplings.save());
+    EXPECT_THAT(rows(), ElementsAre("AHL\t-->\t10\t\tLev 10", "BEI\t-->\t20\t\tLev 20"));
+    EXPECT_EQ(couplings.code, "ahl") << "what was typed is lost";
 }
 
 TEST_F(CouplingEditorTest, NamesItsJobAndCompany) {

@@ -55,7 +55,8 @@ class MaskEditorTest : public testing::Test {
     }
     std::vector<std::string> stored(int mask) {
         std::vector<std::string> rows;
-        for (const Relation& relation : MaskFile(world.data()).relations(mask)) rows.push_back(shown(relation));
+        const WholeMask whole = *MaskFile(world.data()).read(mask);
+        for (const Relation& relation : whole.relations) rows.push_back(shown(relation));
         return rows;
     }
 
@@ -287,6 +288,13 @@ TEST_F(MaskEditorTest, GivesATargetToOneRelationOnly) {
     join(1, 0);
     join(2, 0);
     EXPECT_THAT(relations(), ElementsAre("2>6 UI", "1>0 II", "2>0 II")) << "nothing, refused a second time";
+    editor->chooseRelation(1);
+    const std::string question = world.texts().ModulTextMed("KMR", 414, "Benämning");
+    for (const Answer answer : {Answer::No, Answer::Yes}) {
+        world.port.expect(question, "Kolmera", answer);
+        join(1, 6);
+    }
+    EXPECT_THAT(relations(), ElementsAre("2>6 UI", "2>0 II", "1>6 UI")) << "not the selected one, or without asking";
 }
 
 TEST_F(MaskEditorTest, RefusesTheHundredAndFirstRelation) {
@@ -314,7 +322,7 @@ TEST_F(MaskEditorTest, SavesAndOpensAgain) {
     open("a\tb\r\n");
     editor->setNamn("  ");
     world.expect(kForm, 40);
-    EXPECT_EQ(editor->save(), MaskEditor::Saved::NoName);
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::WrongName);
     EXPECT_TRUE(MaskFile(world.data()).all().empty());
 
     editor->setNamn(" Kontor ");
@@ -349,6 +357,32 @@ TEST_F(MaskEditorTest, TellsWhatRunsWillDo) {
     join(2, 3);
     world.port.expect(world.texts().ModulText("KMR", 519), "Kolmera");
     EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes) << "a supplier is read";
+}
+
+TEST_F(MaskEditorTest, RefusesNamesAndStaleMasks) {
+    Mask other;
+    other.Namn = "Kontor";
+    MaskFile(world.data()).save(other, {});
+    open("a\r\n");
+    EXPECT_FALSE(editor->changed());
+    const struct {
+        const char* name;
+        int text;
+        std::string var1;
+    } cases[] = {{"KONTOR", 410, "KONTOR"}, {"łódź, łampa", 407, "ł ź"}};
+    for (const auto& c : cases) {
+        editor->setNamn(c.name);
+        EXPECT_TRUE(editor->changed());
+        const bool taken = c.text == 410;
+        world.port.expect(world.texts().ModulTextMed("KMR", c.text, c.var1),
+                          taken ? world.texts().ModulText("KMR", 124) : "Kolmera");
+        EXPECT_EQ(editor->save(), MaskEditor::Saved::WrongName);
+    }
+    open("a\r\n", 1);
+    MaskFile(world.data()).save(MaskFile(world.data()).read(1)->mask, {{.Källa = 1, .Mål = 1}});
+    world.port.expect(world.texts().ModulTextMed("KMR", 404, "Kontor"), world.texts().ModulText("KMR", 124));
+    EXPECT_EQ(editor->save(), MaskEditor::Saved::Failed);
+    EXPECT_THAT(stored(1), ElementsAre("1>1 II"));
 }
 
 TEST_F(MaskEditorTest, SavesAnswersAsTheyAreShown) {

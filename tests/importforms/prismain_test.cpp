@@ -125,7 +125,8 @@ TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {
     select(kMaskJob);
     world.boxPort.answers = {Answer::No, Answer::Yes};
     press("TaBort");
-    EXPECT_EQ(world.boxPort.shown.back(), "Ta bort inläsningen|Ta bort inläsningen Smedhult verktyg ?");
+    EXPECT_EQ(world.boxPort.shown.back(), "Ta bort inläsningen|Ta bort inläsningen Smedhult verktyg ?\r\n\r\n" +
+                                              world.texts.ModulTextMed("KMR", 411, "2"));
     EXPECT_EQ(list().model()->rowCount(), before);
     QTest::keyClick(&list(), Qt::Key_F9);
     EXPECT_EQ(list().model()->rowCount(), before - 2);
@@ -136,13 +137,55 @@ TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {
 }
 
 TEST_F(PrisMainTest, TellsWhenTheJobCannotBeDeleted) {
-    std::filesystem::create_directory(world.data / "BUFFER.TXT");
+    std::filesystem::rename(world.data / "KOLMERA.TXT", world.data / "other");
+    std::filesystem::create_symlink("other", world.data / "KOLMERA.TXT");
     select(kMaskJob);
     world.boxPort.answers = {Answer::Yes, Answer::OK};
     press("TaBort");
-    EXPECT_TRUE(world.boxPort.shown.back().starts_with("Ta bort inläsningen|Det går inte att spara filen.\r\n\r\n"))
+    EXPECT_TRUE(
+        world.boxPort.shown.back().starts_with("Det går inte att spara filen|Det går inte att spara filen.\r\n\r\n"))
         << world.boxPort.shown.back();
     EXPECT_NE(JobFile(world.data).find(kMaskJob), std::nullopt);
+}
+
+TEST_F(PrisMainTest, DoesNothingWithAJobThatOthersHaveChanged) {
+    world.program.showPrisStyr = [](QWidget*, int, bool) -> std::optional<int> {
+        ADD_FAILURE() << "opened another job";
+        return std::nullopt;
+    };
+    for (const char* name : {"Utför", "Öppna", "TaBort"}) {
+        SCOPED_TRACE(name);
+        Job job = *JobFile(world.data).find(kMaskJob);
+        select(kMaskJob);
+        job.command += "x";
+        JobFile(world.data).save(job);
+        const bool asks = std::string_view(name) == "TaBort";
+        if (asks) world.boxPort.answers = {Answer::Yes};
+        world.boxPort.answers.push_back(Answer::OK);
+        press(name);
+        EXPECT_TRUE(world.boxPort.shown.back().ends_with(world.texts.ModulTextMed("KMR", 401, kMaskJob)));
+        EXPECT_EQ(JobFile(world.data).find(kMaskJob), job);
+        EXPECT_TRUE(asks || selectedJob() == kMaskJob) << "not selected again";
+    }
+}
+
+TEST_F(PrisMainTest, OffersTheTradeFormatsThatAreGone) {
+    const std::vector<Job> jobs = JobFile(world.data).all();
+    JobFile(world.data).remove({jobs[1]});
+    window->FyllJobbLista(0);
+    int opened = 0;
+    world.program.showPrisStyr = [&](QWidget*, int, bool) -> std::optional<int> {
+        ++opened;
+        return std::nullopt;
+    };
+    world.boxPort.answers = {Answer::No, Answer::Yes};
+    press("Ny");
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulTextMed("KMR", 418, "(RSK)"));
+    EXPECT_EQ(opened, 1);
+    press("Ny");
+    EXPECT_EQ(selectedJob(), "(RSK)");
+    press("Ny");
+    EXPECT_EQ(opened, 2) << "asked again";
 }
 
 TEST_F(PrisMainTest, OpensJobSettingsByButtonEnterAndDoubleClick) {
@@ -374,11 +417,12 @@ TEST(PrisMainEmpty, StartsWithoutAJobFileAndWithoutTexts) {
     window.show();
     EXPECT_EQ(window.windowTitle(), "Kolmera - Inläsning av prisfiler");
     auto& list = control<QTreeView>(window, "Lista");
-    EXPECT_EQ(list.model()->rowCount(), 0);
+    EXPECT_EQ(list.model()->rowCount(), 3) << "the trade formats";
     EXPECT_EQ(list.model()->headerData(0, Qt::Horizontal).toString(), "Inläsning");
     EXPECT_TRUE(std::filesystem::exists(world.data / "KOLMERA.TXT"));
     EXPECT_TRUE(control(window, "Ny").isEnabled());
-    for (const char* name : {"Öppna", "TaBort", "Utför"}) EXPECT_FALSE(control(window, name).isEnabled()) << name;
+    EXPECT_TRUE(control(window, "Utför").isEnabled());
+    EXPECT_FALSE(control(window, "TaBort").isEnabled());
 }
 
 template <typename Form>

@@ -1,12 +1,12 @@
-#include "platform/recordfile.h"
-
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 #include <functional>
 
 #include "platform/error.h"
+#include "platform/recordfolder.h"
 #include "platform/restrictedpath.h"
 #include "support/temporaryfolder.h"
 
@@ -40,12 +40,16 @@ int errorOf(const auto& statement) {
 TEST(Record, LaysTheBytes) {
     EXPECT_EQ(Record(kLayout).bytes(), "         \0\0\r\n"s);
     EXPECT_EQ(person("Åsa", 7).bytes(), "\xC5sa   007\0\0\r\n"s);
-    EXPECT_EQ(person("Åsa-Karin").text(kName), "Åsa-Ka") << "cut in bytes of the record";
+    EXPECT_EQ(person("A\u030Asa").text(kName), "Åsa") << "a decomposed letter";
     Record again = person("Gustav");
     again.setText(kName, "Bo");
     EXPECT_EQ(again.text(kName), "Bo") << "the old text showed behind the new one";
     EXPECT_EQ(errorOf([] { person("x", 1000); }), errors::kTextTooLong);
     EXPECT_EQ(errorOf([] { person("x", -1); }), errors::kTextTooLong);
+    EXPECT_EQ(errorOf([] { person("Åsa-Karin"); }), errors::kTextTooLong);
+    EXPECT_EQ(errorOf([] { person("łódź"); }), errors::kWrongType);
+    again.setCutText(kName, "Åsa-łukasz");
+    EXPECT_EQ(again.text(kName), "Åsa-?u") << "cut in bytes of the record";
 }
 
 TEST(Record, ReadsFieldsOfEveryWriter) {
@@ -69,156 +73,165 @@ TEST(Record, ReadsFieldsOfEveryWriter) {
     }
 }
 
-struct RecordFileTest : testing::Test {
+struct RecordFolderTest : testing::Test {
     test::TemporaryFolder folder;
     std::filesystem::path path = folder / "PEOPLE.TXT";
 
-    void fill(std::initializer_list<const char*> names) {
-        RecordFile file(path, kLayout);
-        for (const char* name : names) file.append(person(name));
+    void change(const std::function<void(Records&)>& statement, std::string_view name = "PEOPLE.TXT") {
+        RecordChange change(folder.path());
+        statement(change.file(kLayout, name));
+        change.commit();
     }
-    std::string names() {
-        const RecordFile file(path, kLayout, RecordFile::Mode::Read);
+    void fill(std::initializer_list<const char*> names) {
+        change([&](Records& file) {
+            for (const char* name : names) file.append(person(name));
+        });
+    }
+    std::string names(std::string_view file = "PEOPLE.TXT") {
+        const Records records = readRecords(folder / file, kLayout);
         std::string names;
-        for (int i = 1; i <= file.count(); ++i) names += file.read(i).text(kName) + " ";
+        for (int i = 1; i <= records.count(); ++i) names += records.read(i).text(kName) + " ";
         return names;
+    }
+    /// The files of the folder but for the lock.
+    std::size_t files() {
+        const auto entries = std::filesystem::directory_iterator(folder.path());
+        return static_cast<std::size_t>(
+            std::ranges::count_if(entries, [](const auto& entry) { return entry.path().filename() != "KOLMERA.LCK"; }));
     }
 };
 
-TEST_F(RecordFileTest, WritesWhereTheNumberSays) {
+TEST_F(RecordFolderTest, WritesWhereTheNumberSays) {
     fill({"Bo", "Åsa", "Eva"});
-    {
-        RecordFile file(path, kLayout);
+    change([](Records& file) {
         file.write(2, person("Per"));
         file.write(5, person("Ulf"));
         EXPECT_EQ(file.count(), 5);
         EXPECT_EQ(file.read(6).text(kName), "");
         EXPECT_EQ(file.read(0).text(kName), "");
         EXPECT_EQ(errorOf([&] { file.write(0, person("x")); }), errors::kNoCurrentRecord);
-    }
+    });
     EXPECT_EQ(names(), "Bo Per Eva  Ulf ");
+    change([](Records& file) { file.keepOnly([](int number, Record&) { return number > 1; }); });
+    EXPECT_EQ(names(), "Per Eva  Ulf ");
 }
 
-TEST_F(RecordFileTest, KeepsItsGridBehindAPartialRecord) {
+TEST_F(RecordFolderTest, ALastRecordMayLackItsLineEnd) {
     fill({"Bo", "Åsa"});
     const std::string whole = folder.read("PEOPLE.TXT");
     for (std::size_t cut = 1; cut < 13; ++cut) {
+        SCOPED_TRACE(cut);
         folder.write("PEOPLE.TXT", whole.substr(0, whole.size() - cut));
-        RecordFile file(path, kLayout);
-        ASSERT_EQ(file.count(), 1);
-        ASSERT_EQ(file.read(2).text(kName), "") << "a part of a record was read";
-        file.write(1, person("Ulf"));
-        ASSERT_EQ(folder.read("PEOPLE.TXT").substr(13), whole.substr(13, 13 - cut));
-        ASSERT_EQ(file.append(person("Eva")), 2);
-        ASSERT_EQ(names(), "Ulf Eva ");
+        const bool counts = cut <= 2;
+        ASSERT_EQ(names(), counts ? "Bo Åsa " : "Bo ");
+        change([](Records& file) { file.write(1, person("Ulf")); });
+        ASSERT_EQ(folder.read("PEOPLE.TXT").substr(13), counts ? whole.substr(13) : whole.substr(13, 13 - cut));
+        change([&](Records& file) { ASSERT_EQ(file.append(person("Eva")), counts ? 3 : 2); });
+        ASSERT_EQ(names(), counts ? "Ulf Åsa Eva " : "Ulf Eva ");
     }
 }
 
-TEST_F(RecordFileTest, OpensMissingFiles) {
-    EXPECT_EQ(RecordFile(folder / "NEW.TXT", kLayout, RecordFile::Mode::Read).count(), 0);
+TEST_F(RecordFolderTest, OpensMissingFiles) {
+    EXPECT_EQ(readRecords(folder / "NEW.TXT", kLayout).count(), 0);
     EXPECT_TRUE(std::filesystem::exists(folder / "NEW.TXT"));
-    EXPECT_EQ(errorOf([&] { RecordFile(folder / "none/NEW.TXT", kLayout, RecordFile::Mode::Read); }),
-              errors::kFileNotFound);
-    EXPECT_EQ(errorOf([&] { RecordFile(folder.path(), kLayout, RecordFile::Mode::Read); }), errors::kInternal);
+    EXPECT_EQ(errorOf([&] { readRecords(folder / "none/NEW.TXT", kLayout); }), errors::kFileNotFound);
+    EXPECT_EQ(errorOf([&] { readRecords(folder.path(), kLayout); }), errors::kInternal);
     fill({"Bo"});
-    EXPECT_EQ(RecordFile(folder / "People.txt", kLayout).count(), 1) << "the letter case of the name counted";
+    EXPECT_EQ(names("People.txt"), "Bo ") << "the letter case of the name counted";
 }
 
-TEST_F(RecordFileTest, ReadsInAFolderThatCannotBeWritten) {
+TEST_F(RecordFolderTest, ReadsInAFolderThatCannotBeWritten) {
     fill({"Bo"});
+    std::filesystem::remove(folder / "KOLMERA.LCK");
     const test::RestrictedPath readOnly(folder.path(), 0555);
-    const std::filesystem::path missing = folder / "NEW.TXT";
-    EXPECT_EQ(names(), "Bo ");
-    EXPECT_EQ(RecordFile(missing, kLayout, RecordFile::Mode::Read).count(), 0);
-    EXPECT_EQ(RecordFile(missing, kLayout, RecordFile::Mode::Read).read(1).text(kName), "");
-    EXPECT_EQ(errorOf([&] { RecordFile(missing, kLayout); }), errors::kInternal);
-    EXPECT_EQ(errorOf([&] { rewriteRecords(path, kLayout, [](int, Record&) { return false; }); }), errors::kInternal);
+    EXPECT_EQ(names() + names("NEW.TXT"), "Bo ");
+    EXPECT_EQ(RecordSnapshot(folder.path()).file(kLayout).count(), 1);
+    EXPECT_EQ(errorOf([&] { fill({"Eva"}); }), errors::kInternal);
     EXPECT_EQ(names(), "Bo ");
 }
 
-TEST_F(RecordFileTest, AFolderThatCannotBeEnteredIsNotEmpty) {
+TEST_F(RecordFolderTest, AFolderThatCannotBeEnteredIsNotEmpty) {
     fill({"Bo"});
     const test::RestrictedPath closed(folder.path(), 0);
-    EXPECT_EQ(errorOf([&] { RecordFile(path, kLayout, RecordFile::Mode::Read); }), errors::kInternal);
+    EXPECT_EQ(errorOf([&] { names(); }), errors::kInternal);
 }
 
-TEST_F(RecordFileTest, ErrorsNameTheFile) {
+TEST_F(RecordFolderTest, KeepsRightsAndTouchesNoOtherFile) {
     fill({"Bo"});
-    std::filesystem::create_directory(folder / "folder");
-    std::filesystem::create_directory(folder / "BUFFER.TXT");
-    const struct {
-        const char* fault;
-        std::function<void()> statement;
-        const char* file;
-    } cases[] = {
-        {"read", [&] { RecordFile(folder / "folder", kLayout, RecordFile::Mode::Read); }, "PEOPLE.TXT: "},
-        {"changed", [&] { RecordFile(folder / "folder", kLayout); }, "PEOPLE.TXT: "},
-        {"rewritten", [&] { rewriteRecords(folder / "folder", kLayout, {}); }, "PEOPLE.TXT: "},
-        {"buffered", [&] { rewriteRecords(path, kLayout, {}); }, "BUFFER.TXT: "},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        std::string description;
-        try {
-            c.statement();
-        } catch (const PlatformError& error) {
-            description = error.description();
-        }
-        EXPECT_TRUE(description.starts_with(c.file)) << description;
-    }
-}
-
-TEST_F(RecordFileTest, RewriteDropsAndChanges) {
-    fill({"Bo", "Åsa", "Eva"});
-    folder.write("Buffer.txt", std::string(200, 'x'));
+    folder.write("BUFFER.TXT", "another program's");
     std::filesystem::permissions(path, std::filesystem::perms(0640));
-    const int removed = rewriteRecords(path, kLayout, [](int number, Record& record) {
-        if (number == 3) record.setText(kName, "Ulf");
-        return number != 2;
-    });
-    EXPECT_EQ(removed, 1);
-    EXPECT_EQ(names(), "Bo Ulf ");
-    EXPECT_EQ(std::filesystem::file_size(path), 26U) << "an old buffer showed behind the records";
-    EXPECT_FALSE(std::filesystem::exists(folder / "Buffer.txt"));
+    change([](Records& file) { file.append(person("Eva")); });
     EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640));
+    EXPECT_EQ(folder.read("BUFFER.TXT"), "another program's");
+    constexpr RecordLayout kSecret = {"SECRET.BIN", 13, kFields, true, true};
+    RecordChange change(folder.path());
+    change.file(kSecret).append(person("Bo"));
+    change.commit();
+    EXPECT_EQ(std::filesystem::status(folder / "SECRET.BIN").permissions(), std::filesystem::perms(0600));
+    EXPECT_EQ(files(), 3U) << "something was left behind";
 }
 
-TEST_F(RecordFileTest, RewriteKeepsAPartialRecord) {
-    fill({"Bo", "Åsa"});
-    const std::string whole = folder.read("PEOPLE.TXT");
-    folder.write("PEOPLE.TXT", whole + "Eva");
-    rewriteRecords(path, kLayout, [](int number, Record&) { return number == 2; });
-    EXPECT_EQ(folder.read("PEOPLE.TXT"), whole.substr(13) + "Eva");
+TEST_F(RecordFolderTest, FollowsNoLink) {
+    folder.write("other", person("Bo").bytes());
+    std::filesystem::create_symlink("other", path);
+    EXPECT_EQ(names(), "Bo ");
+    EXPECT_EQ(errorOf([&] { fill({"Eva"}); }), errors::kInvalidPath);
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    EXPECT_EQ(folder.read("other"), person("Bo").bytes());
+    std::filesystem::rename(path, folder / "KOLMERA.LCK");
+    EXPECT_NE(errorOf([&] { fill({"Eva"}); }), 0) << "a link in the place of the lock";
 }
 
-TEST_F(RecordFileTest, AFailedRewriteLeavesTheFile) {
+TEST_F(RecordFolderTest, AFailedChangeLeavesEverything) {
     fill({"Bo", "Åsa", "Eva"});
-    const std::string before = folder.read("PEOPLE.TXT");
-    const auto dropFirst = [](int number, Record&) { return number > 1; };
+    change([](Records& file) { file.append(person("Per")); }, "SECOND.TXT");
+    const auto both = [&] { return names() + "| " + names("SECOND.TXT"); };
+    const std::string before = both();
+    {
+        RecordChange given_up(folder.path());
+        given_up.file(kLayout).append(person("Ulf"));
+    }
+    EXPECT_EQ(both(), before);
 
-    EXPECT_THROW(rewriteRecords(path, kLayout,
-                                [](int number, Record&) {
-                                    if (number == 3) throw PlatformError(errors::kInternal, "failed");
-                                    return false;
-                                }),
-                 PlatformError);
-    EXPECT_EQ(folder.read("PEOPLE.TXT"), before);
-    EXPECT_FALSE(std::filesystem::exists(folder / "BUFFER.TXT"));
-
-    // The disk takes one record and no more.
+    // The disk takes the new content of the second file, but not that of the first.
     signal(SIGXFSZ, SIG_IGN);
     rlimit unlimited{};
     getrlimit(RLIMIT_FSIZE, &unlimited);
-    const rlimit oneRecord = {20, unlimited.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &oneRecord);
-    const int error = errorOf([&] { rewriteRecords(path, kLayout, dropFirst); });
+    const rlimit twoRecords = {26, unlimited.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &twoRecords);
+    const int error = errorOf([&] {
+        RecordChange change(folder.path());
+        change.file(kLayout, "SECOND.TXT").append(person("Ulf"));
+        change.file(kLayout).append(person("Ulf"));
+        change.commit();
+    });
     setrlimit(RLIMIT_FSIZE, &unlimited);
     EXPECT_EQ(error, errors::kDiskFull);
-    EXPECT_EQ(folder.read("PEOPLE.TXT"), before);
+    EXPECT_EQ(both(), before);
+    EXPECT_EQ(files(), 2U);
+}
 
-    std::filesystem::create_directory(folder / "BUFFER.TXT");
-    EXPECT_EQ(errorOf([&] { rewriteRecords(path, kLayout, dropFirst); }), errors::kInternal);
-    EXPECT_EQ(folder.read("PEOPLE.TXT"), before);
+TEST_F(RecordFolderTest, WaitsForOthersButNotForEver) {
+    const auto lock = [&](FolderLock::Kind kind) {
+        return errorOf([&] { FolderLock(folder.path(), kind, std::chrono::milliseconds(0)); });
+    };
+    {
+        const RecordSnapshot reader(folder.path());
+        EXPECT_EQ(lock(FolderLock::Kind::Shared), 0);
+        EXPECT_EQ(lock(FolderLock::Kind::Exclusive), errors::kLocked);
+    }
+    const RecordChange writer(folder.path());
+    EXPECT_EQ(lock(FolderLock::Kind::Shared), errors::kLocked);
+}
+
+TEST_F(RecordFolderTest, RefusesAJournalThatLeadsElsewhere) {
+    fill({"Bo"});
+    for (const char* line :
+         {"KOLMERA-0123456789abcdef.TMP ../PEOPLE.TXT\r\n", "../other.TMP PEOPLE.TXT\r\n", "x\r\n"}) {
+        SCOPED_TRACE(line);
+        folder.write("KOLMERA.JNL", line);
+        EXPECT_EQ(errorOf([&] { names(); }), errors::kDamaged);
+    }
 }
 
 }  // namespace
