@@ -257,6 +257,26 @@ TEST(SummaryFile, ThatCannotBeWrittenStopsTheRunBeforeItBegins) {
     }
 }
 
+TEST(SummaryFile, HasNoMemberThatAGuideDoesNotExplain) {
+    LanguageTexts texts;
+    std::vector<std::string> names;
+    const auto summary = cli::summaryJson(texts, "", {});
+    for (const auto& member : summary.items()) names.push_back(member.key());
+    for (const RemarkKind& kind : kRemarks) names.emplace_back(kind.name);
+    std::vector<std::string> headings;
+    for (const std::string language : {"en", "sv"}) {
+        const std::string guide = readWholeFile(KOLMERA_SOURCE_DIR "/docs/guide." + language + ".md");
+        for (const std::string& name : names)
+            EXPECT_TRUE(contains(guide, '`' + name + '`')) << language << ": " << name;
+        std::string levels;  // one guide has a section that the other lacks
+        for (auto at = guide.find("\n#"); at != std::string::npos; at = guide.find("\n#", at + 1)) {
+            levels += guide.substr(at, guide.find(' ', at) - at);
+        }
+        headings.push_back(levels);
+    }
+    EXPECT_EQ(headings[0], headings[1]);
+}
+
 TEST(CommandLine, RepairSavesWhatCanBeRead) {
     CliMachine machine;
     ASSERT_EQ(machine.run({"demo", machine.data()}), 0);
