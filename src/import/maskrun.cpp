@@ -117,9 +117,7 @@ bool MaskRun::supplierExists() {
 }
 
 void MaskRun::openProducts() {
-    // Rows with one article number are walked in their order; on a server the statement has to ask for it.
-    const bool walked = mask_.keyTarget == target::kLevartikelnr;
-    tables_.products = sql_.SQLÖppnaTabell("Produkt", ProductMatcher::index(mask_.keyTarget), 0, walked);
+    tables_.products = sql_.SQLÖppnaTabell("Produkt", ProductMatcher::index(mask_.keyTarget), 0, false);
     tables_.settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
     tables_.settings2 = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
 }

@@ -91,8 +91,8 @@ Outcome ProductMatcher::byAlternative(std::string_view key) {
 }
 
 Outcome ProductMatcher::byArticle(std::string_view key, std::string_view supplier) {
-    sql_.SQLSök(*products_, "=", keys_.of(key), passedOver_);
-    const bool found = !products_->noMatch();
+    // A search that selects anew: the rows are walked, and a server's open recordset has those of its opening only.
+    const bool found = !sql_.SQLSökIngenTräff(products_, "=", keys_.of(key));
     // Such a mask tries the first product with the article number only, then the price list.
     if (mask_.UppdatLev && !mask_.SkapaNya && !(found && isOf(supplier))) return throughPriceList(key, supplier);
     return foundOr(found && walkToSupplier(key, supplier));

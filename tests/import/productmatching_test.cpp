@@ -80,6 +80,39 @@ TEST(ProductMatching, ByArticleNumber) {
     }
 }
 
+/// Records of one file that are about the same products. On a server an open recordset does not show what was written
+/// since.
+TEST(ProductMatching, WhatTheRunHasWrittenIsFoundAgain) {
+    const struct {
+        const char* fault;
+        const char* key;
+        const char* file;  // key, supplier, weight
+        const char* expected;
+    } cases[] = {
+        {"the product of a later supplier is made twice", "Levartikelnr",
+         "B1\tS1\t1\r\nC9\tS1\t2\r\nB1\tS2\t3\r\nB1\tS2\t4\r\n", "B1 S1 1\nC9 S1 2\nB1 S2 4\n"},
+        {"a product that has changed its supplier is found under the old one", "Nummer",
+         "N\tS1\t1\r\nn\tS2\t2\r\nN\tS1\t3\r\n", "- S1 3\n"},
+        {"a search name of this run is unknown", "Söknamn", "A\tS1\t1\r\nB\tS1\t2\r\na\tS2\t3\r\n", "- S2 3\n- S1 2\n"},
+        {"an alternative number of this run is unknown", "Alternativ 1", "M\tS1\t1\r\nM-2\tS2\t2\r\nM\tS3\t3\r\n",
+         "- S3 3\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        World world;
+        const bool byAlternative = std::string_view(c.key).starts_with("Alternativ");
+        if (byAlternative) {
+            world.add("Produkt", {{"Nummer", "P"}});
+            world.add("Prodaltprodnr", {{"Produktnr", "P"}, {"Nummer", std::int64_t{1}}, {"Alternativnr", "M"}});
+        }
+        world.mask({.relations = {{1, c.key, 'S'}, {2, "Leverantör"}, {3, "Vikt"}}});
+        world.priceFile(c.file);
+        world.run();
+        EXPECT_EQ(world.rows("Produkt", "Levartikelnr, Leverantör, Vikt"), c.expected);
+        EXPECT_THAT(world.port.passedOver, IsEmpty());
+    }
+}
+
 TEST(ProductMatching, ByAlternativeNumber) {
     const struct {
         const char* fault;
