@@ -20,7 +20,16 @@ namespace {
 std::atomic<bool> cancel{false};
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-extern "C" void onCancel(int /*signal*/) { cancel.store(true, std::memory_order_relaxed); }
+constexpr unsigned kSecondsToEnd = 2;
+constexpr int kCancelledExitCode = 130;
+
+/// Who asks twice, or for the program's end, gets it: what is committed is safe however the program ends.
+extern "C" void onCancel(int signal) {
+    const bool again = cancel.exchange(true, std::memory_order_relaxed);
+    if (again || signal == SIGTERM) alarm(kSecondsToEnd);
+}
+
+extern "C" void onPatienceOver(int /*signal*/) { _exit(kCancelledExitCode); }
 
 void listenForCancel() {
     struct sigaction action {};
@@ -29,6 +38,8 @@ void listenForCancel() {
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    action.sa_handler = onPatienceOver;
+    sigaction(SIGALRM, &action, nullptr);
 }
 
 /// A file that is opened later must not become the program's output.

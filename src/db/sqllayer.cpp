@@ -53,6 +53,12 @@ std::size_t findWord(std::string_view statement, std::string_view wanted) {
     return std::string_view::npos;
 }
 
+/// Not where the answer would be the same, a lock-out for trying the password too often, or none again.
+bool worthAnotherTry(const PlatformError& error) {
+    return error.number() != errors::kWrongPassword && error.number() != errors::kNotPermitted &&
+           error.number() != errors::kServerSilent;
+}
+
 }  // namespace
 
 Database& SqlLayer::database() {
@@ -89,19 +95,21 @@ bool SqlLayer::tryServer(const ServerOptions& options) {
         return true;
     } catch (const PlatformError& error) {
         serverError_ = error;
-        if (error.endsRun()) FtgDB.reset();  // the connection that it had made is lost
+        if (error.number() == errors::kServerGone || error.number() == errors::kServerSilent) FtgDB.reset();
         return false;
     }
 }
 
 bool SqlLayer::SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile,
-                              const std::function<bool()>& waitForLock) {
-    const ServerOptions options{.locale = locale_, .wait = waitForLock, .tables = companySchema()};
+                              const std::function<bool()>& waitForLock,
+                              const std::function<bool(std::chrono::milliseconds)>& waitForAnswer) {
+    const ServerOptions options{
+        .locale = locale_, .wait = waitForLock, .waitForAnswer = waitForAnswer, .tables = companySchema()};
     constexpr int kTries = 4;
     serverError_.reset();
     FtgDB.reset();
     for (int tries = 1; !tryServer(options); ++tries) {
-        if (tries == kTries) {
+        if (tries == kTries || !worthAnotherTry(*serverError_)) {
             FtgDB.reset();
             return false;
         }

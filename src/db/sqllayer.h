@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -42,9 +43,11 @@ class SqlLayer {
     /// Looks the name up in DVSQLSvr.ini of the data folder (created empty when missing) and keeps its connect string.
     bool SQLServerSlåUpp(const std::filesystem::path& dataFolder, std::string_view name);
     /// Opens the server database of the kept connect string; up to four tries, one second apart, events running.
-    /// `waitForLock` is asked while another session holds a lock (`ServerOptions::wait`).
+    /// A server that lets the user not in, or that does not answer at all, is tried once. `waitForLock` is asked while
+    /// another session holds a lock (`ServerOptions::wait`), `waitForAnswer` while the server does not answer.
     bool SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhile,
-                        const std::function<bool()>& waitForLock = {});
+                        const std::function<bool()>& waitForLock = {},
+                        const std::function<bool(std::chrono::milliseconds)>& waitForAnswer = {});
     /// Why the server that was looked up last was not found or could not be opened.
     const std::optional<PlatformError>& serverError() const { return serverError_; }
     /// "name TAB description" per registered server company; nothing when DVSQLSvr.ini is missing.

@@ -179,6 +179,7 @@ void MaskRun::readRecords() {
         if (reader.uneven()) machinery_.report().remark(Remark::UnevenRecord);
         if (reader.count() % kBatch != 0) continue;
         transaction.next();
+        machinery_.noteKept(reader.count());
         if (!machinery_.progress(reader.count())) break;
     }
     transaction.end();

@@ -23,6 +23,7 @@ namespace kolmera {
 namespace {
 
 constexpr std::string_view kLineBreaks = "\r\n\r\n";
+constexpr std::chrono::seconds kNoticeable(2);
 
 }  // namespace
 
@@ -31,6 +32,7 @@ RunMachinery::~RunMachinery() {
     if (companyOpen_) {
         sql().FtgDB.reset();
         context_.companies.waitForLock = nullptr;
+        context_.companies.waitForAnswer = nullptr;
     }
     if (runMode_) Körläge(false);
     port().hourglass(false);
@@ -67,6 +69,10 @@ bool RunMachinery::openCompany() {
     companyOpen_ = true;
     context_.companies.waitForLock = [this] {
         port().status(texts().ModulTextMed("KMR", 114, job_.company));
+        return !port().cancelled();
+    };
+    context_.companies.waitForAnswer = [this](std::chrono::milliseconds waited) {
+        if (waited >= kNoticeable) port().status(texts().ModulText("KMR", 663));
         return !port().cancelled();
     };
     return context_.companies.ÖppnaDatabas(job_.company);
@@ -309,7 +315,7 @@ std::string titleOf(LanguageTexts& texts, const RunSummary& summary, bool doubte
     return isPlain(summary) ? texts.ModulText("KMR", 567) : texts.ModulText("KMR", 550);
 }
 
-void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job,
+void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job, std::int64_t kept,
                    const std::optional<PlatformError>& ended) {
     LanguageTexts& texts = context.texts;
     std::vector<std::string> paragraphs;
@@ -321,6 +327,7 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
     const std::string found = fmt::format("{}", fmt::join(paragraphs, kLineBreaks));
     if (ended) {
         std::string text = whatEndedTheRun(texts, job.company, *ended);
+        if (kept > 0) text += std::string(kLineBreaks) + texts.ModulTextMed("KMR", 662, std::to_string(kept));
         if (!found.empty()) text += std::string(kLineBreaks) + found;
         context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 110));
     } else if (!found.empty()) {
@@ -344,16 +351,18 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
         run->summary().cancelled = true;
         run->summary().completed = true;
     } catch (const PlatformError& error) {
-        // Giving up a lock that another program holds is how Cancel is obeyed there.
-        run->summary().cancelled = error.number() == errors::kLocked && context.port.cancelled();
-        if (!run->summary().cancelled) ended = error;
+        // Giving up a lock that another program holds, or a server that does not answer, is how Cancel is obeyed there.
+        const bool silent = error.number() == errors::kServerSilent;
+        run->summary().cancelled = (silent || error.number() == errors::kLocked) && context.port.cancelled();
+        if (silent || !run->summary().cancelled) ended = error;
     }
     RunSummary summary = std::move(run->summary());
     summary.skipped = summary.report.skipped();
     const Job job = run->job();
+    const std::int64_t kept = run->kept();
     const bool jobSettings = run->wantsJobSettings();
     run.reset();
-    tellHowItWent(context, summary, job, ended);
+    tellHowItWent(context, summary, job, kept, ended);
     const bool damaged = ended && ended->number() == errors::kDamaged;
     if (damaged && !SqlLayer::ÄrSQLDatabas(upperCase(job.company))) context.companies.offerRepair(job.company);
     if (jobSettings) context.port.openJobSettings();

@@ -85,6 +85,10 @@ class RunMachinery {
     /// `progress` for a step with its own label and no price file position.
     [[nodiscard]] bool progress(std::string_view label, std::int64_t count);
 
+    /// A batch has been committed that ends with this record (line).
+    void noteKept(std::int64_t record) { kept_ = record; }
+    [[nodiscard]] std::int64_t kept() const { return kept_; }
+
     // Stops.
     void warn(const std::string& text, const std::string& title);
     /// Yes/No question; on Yes `carryOut` opens the job's settings when the run has closed down.
@@ -106,6 +110,7 @@ class RunMachinery {
     std::filesystem::path priceFilePath_;
     std::unique_ptr<PriceFile> priceFile_;
     std::string progressLabel_;
+    std::int64_t kept_ = 0;
     bool companyOpen_ = false;
     bool runMode_ = false;
     bool emptyTables_ = false;

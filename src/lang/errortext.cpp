@@ -32,6 +32,10 @@ constexpr Sentence kByNumber[] = {
     {errors::kProtectedSpreadsheet, 716},
     {errors::kNotADatabase, 717},
     {errors::kWrongType, 718},
+    {errors::kNotPermitted, 652},
+    {errors::kServerUnwell, 655},
+    {errors::kServerSilent, 660},
+    {errors::kCannotBeRepeated, 661},
 };
 
 constexpr Sentence kBySystemError[] = {
@@ -61,7 +65,8 @@ std::string errorText(LanguageTexts& texts, const PlatformError& error) {
     if (sentence.empty()) return error.description();
     const bool ownWords = number == kUnexpected || number == kSystemError;
     const std::string about = ownWords ? error.description() : error.subject();
-    return sentence + (about.empty() ? "" : ": " + about) + ".";
+    const std::string quotation = ownWords ? std::string() : error.quotation();
+    return sentence + (about.empty() ? "" : ": " + about) + "." + (quotation.empty() ? "" : " (" + quotation + ")");
 }
 
 }  // namespace kolmera

@@ -8,7 +8,8 @@
 namespace kolmera {
 
 /// What an error is, in the user's language: the sentence of its number (of errno, for an error of the system), what it
-/// is about behind a colon, and a full stop. An error that has no sentence is told in the words it came with.
+/// is about behind a colon, a full stop, and the words of a driver or server between parentheses. An error that has no
+/// sentence is told in the words it came with.
 [[nodiscard]] std::string errorText(LanguageTexts& texts, const PlatformError& error);
 
 }  // namespace kolmera

@@ -15,11 +15,15 @@ inline constexpr int kDiskFull = 3026;
 inline constexpr int kReadOnly = 3027;
 inline constexpr int kWrongPassword = 3031;
 inline constexpr int kInvalidPath = 3044;  ///< a link where a file is written
+inline constexpr int kNotPermitted = 3033;
 inline constexpr int kDamaged = 3049;
 inline constexpr int kUnknownTable = 3078;
-inline constexpr int kServerGone = 3151;  ///< no connection to the database server
+inline constexpr int kServerUnwell = 3146;  ///< the database server cannot work at the moment
+inline constexpr int kServerGone = 3151;    ///< no connection to the database server
+inline constexpr int kServerSilent = 3152;  ///< the database server does not answer
 inline constexpr int kTextTooLong = 3163;
 inline constexpr int kChangedElsewhere = 3197;  ///< the stored record is no longer the one that was shown
+inline constexpr int kCannotBeRepeated = 3198;  ///< others have changed what a transaction would write again
 inline constexpr int kLocked = 3260;
 inline constexpr int kUnknownField = 3265;
 inline constexpr int kUnreadableSpreadsheet = 3274;
@@ -32,7 +36,8 @@ inline constexpr int kWrongType = 3421;
 /// The one exception that the platform layer throws: a number of `errors`, a description in English for developers
 /// and logs, and what the error is about: a file, table, column or value as the user knows it (UTF-8). Users read
 /// `errorText` (lang/errortext.h). `endsRun()` is set when going on would do harm: the database has rolled a whole
-/// transaction back by itself, or the user cancelled while waiting for a lock. Such an error is never passed over.
+/// transaction back by itself, a server would refuse every other statement too, or the user cancelled while waiting.
+/// Such an error is never passed over.
 class PlatformError : public std::runtime_error {
   public:
     PlatformError(int number, const std::string& description, bool endsRun = false)
@@ -56,17 +61,27 @@ class PlatformError : public std::runtime_error {
         return error;
     }
 
+    /// The same error, described by the words of a driver or server, which users are shown behind the sentence.
+    [[nodiscard]] PlatformError quoted() const {
+        PlatformError error = *this;
+        error.quoted_ = true;
+        return error;
+    }
+
     [[nodiscard]] int number() const { return number_; }
     [[nodiscard]] int systemError() const { return systemError_; }  ///< 0: none
     [[nodiscard]] const std::string& subject() const { return subject_; }
     /// Subject and description, in English.
     [[nodiscard]] std::string description() const { return subject_.empty() ? what() : subject_ + ": " + what(); }
+    /// The words to be quoted; empty where there are none.
+    [[nodiscard]] std::string quotation() const { return quoted_ ? what() : std::string(); }
     [[nodiscard]] bool endsRun() const { return endsRun_; }
 
   private:
     int number_;
     int systemError_ = 0;
     std::string subject_;
+    bool quoted_ = false;
     bool endsRun_;
 };
 

@@ -21,6 +21,7 @@ constexpr std::string_view kModule = "KMR";
 constexpr int kNotACompany = 15;
 constexpr int kAskToRepair = 16;
 constexpr int kNotRepaired = 18;
+constexpr int kNoTables = 659;
 
 bool isCompanyFile(const std::string& upperName) { return upperName.starts_with("FTG") && upperName.ends_with(".MDB"); }
 
@@ -62,7 +63,8 @@ bool CompanyRegister::openServer(std::string_view name) {
     SqlLayer& sql = state_.sql;
     sql.ÄrSQLFöretag = SqlLayer::ÄrSQLDatabas(upperCase(name));
     if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLServerSlåUpp(state_.dataFolder(), name);
-    if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLÖppnaServer([this] { boxes_.port().letEventsRun(); }, waitForLock);
+    if (sql.ÄrSQLFöretag)
+        sql.ÄrSQLFöretag = sql.SQLÖppnaServer([this] { boxes_.port().letEventsRun(); }, waitForLock, waitForAnswer);
     return sql.ÄrSQLFöretag;
 }
 
@@ -93,9 +95,10 @@ bool CompanyRegister::openRepaired(std::string_view name) {
 void CompanyRegister::warnNotOpened(std::string_view name, const PlatformError& error) {
     boxes_.port().hourglass(false);
     const std::string title = texts_.ResText(kCannotOpen);
-    boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + std::to_string(error.number()) + "\r\n" +
-                                 errorText(texts_, error),
-                             title);
+    std::string reason = std::to_string(error.number()) + "\r\n" + errorText(texts_, error);
+    const bool server = SqlLayer::ÄrSQLDatabas(upperCase(name));
+    if (server && error.number() == errors::kUnknownTable) reason += "\r\n" + texts_.ModulText(kModule, kNoTables);
+    boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + reason, title);
 }
 
 std::vector<std::string> CompanyRegister::FyllFöretagsLista() {

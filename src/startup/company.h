@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -24,6 +25,9 @@ class CompanyRegister {
     bool ÖppnaDatabas(std::string_view name);
     /// Asked again and again while another session holds a lock; returns false to give up. Set by runs.
     std::function<bool()> waitForLock;
+    /// Asked again and again while a server does not answer, with the time that it has been waited for; returns false
+    /// to give up. Set by runs.
+    std::function<bool(std::chrono::milliseconds waited)> waitForAnswer;
     /// Asks whether a damaged company shall be repaired, and repairs it. Nobody may have it open here. Returns whether
     /// it has been repaired.
     bool offerRepair(const std::string& file);

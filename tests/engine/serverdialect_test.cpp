@@ -38,8 +38,12 @@ TEST(ServerDialect, SqlServerStatementsAreItsOwn) {
         selectText(server, {.columns = columns, .table = "[T]", .where = "[A] = ?", .order = "[A], [ID]", .limit = 8}),
         "SELECT TOP (8) [A], [B] FROM [T] WHERE [A] = ? ORDER BY [A], [ID]");
     EXPECT_EQ(insertText(server, "[T]", columns, "[ID]"),
-              "INSERT INTO [T] ([A], [B]) OUTPUT INSERTED.[ID] VALUES (?, ?)");
-    EXPECT_EQ(insertText(server, "[T]", {}, "[ID]"), "INSERT INTO [T] OUTPUT INSERTED.[ID] DEFAULT VALUES");
+              "INSERT INTO [T] ([A], [B]) VALUES (?, ?); SELECT CAST(SCOPE_IDENTITY() AS int)");
+    EXPECT_EQ(insertText(server, "[T]", {}, "[ID]"),
+              "INSERT INTO [T] DEFAULT VALUES; SELECT CAST(SCOPE_IDENTITY() AS int)");
+    EXPECT_EQ(orderWithKey("[ID]", "[ID]"), "[ID]") << "refused: a column that the order has twice";
+    EXPECT_EQ(orderWithKey("[IDX] DESC", "[ID]"), "[IDX] DESC, [ID]");
+    EXPECT_EQ(orderWithKey("[A], [ID] DESC", "[ID]"), "[A], [ID] DESC");
     EXPECT_EQ(insertRowsText(server, "[T]", columns, 2),
               "SET IDENTITY_INSERT [T] ON; INSERT INTO [T] ([A], [B]) VALUES (?, ?), (?, ?); "
               "SET IDENTITY_INSERT [T] OFF");
@@ -107,6 +111,14 @@ TEST(ServerDialect, ErrorsAreToldApart) {
         {"MariaDB's lock", {"HY000", 1205, {}}, Failure::Locked},
         {"MariaDB's lost connection", {"HY000", 2013, {}}, Failure::Gone},
         {"PostgreSQL's lock", {"55P03", 1, {}}, Failure::Locked},
+        {"SQL Server's cut text, with the state of a syntax error", {"42000", 2628, {}}, Failure::TextTooLong},
+        {"PostgreSQL's wrong password looks like a lost connection",
+         {"08001", 101, "connection failed: FATAL:  password authentication failed"},
+         Failure::NotAdmitted},
+        {"a refused connection", {"08001", 101, "connection failed: Connection refused"}, Failure::Gone},
+        {"MariaDB's rights", {"42000", 1142, {}}, Failure::NotPermitted},
+        {"a full disk of MariaDB's", {"HY000", 1114, {}}, Failure::Full},
+        {"SQL Server's database for reading only", {"42000", 3906, {}}, Failure::ReadOnly},
         {"PostgreSQL shut down", {"57P01", 1, {}}, Failure::Gone},
     };
     for (const auto& c : cases) EXPECT_EQ(failureOf(c.error), c.failure) << c.fault;

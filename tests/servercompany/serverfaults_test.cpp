@@ -108,6 +108,17 @@ TEST(RefusedStatement, LeavesTheOthersOfItsBatch) {
     EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris"), HasSubstr("\nN59 59.5\nN61 61.5\n"));
 }
 
+/// Every record would fail: that is no matter of the file.
+TEST(ServerThatRefusesEveryWrite, EndsTheRun) {
+    FaultWorld world;
+    TestServer::ofProcess().refuseWriting();
+    world.expectStop();
+    const RunSummary summary = world.run();
+    EXPECT_FALSE(summary.completed);
+    EXPECT_LT(summary.records, kBatch);
+    EXPECT_THAT(world.port.passedOver, IsEmpty());
+}
+
 TEST(LockedRow, IsWaitedFor) {
     const std::string undisturbed = rowsOfAnUndisturbedRun();
     FaultWorld world;

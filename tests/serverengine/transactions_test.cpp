@@ -1,3 +1,7 @@
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include "support/servertest.h"
 
 namespace kolmera::test {
@@ -154,10 +158,12 @@ TEST_F(ServerTransactions, WhatCannotBeWrittenAgainEndsTheRun) {
         const char* left;
     } cases[] = {
         {"a changed row that another session deletes",
-         [](Database& in) { (void)in.execute("DELETE FROM Produkt WHERE Nummer = 'A'"); }, -errors::kInternal,
+         [](Database& in) { (void)in.execute("DELETE FROM Produkt WHERE Nummer = 'A'"); }, -errors::kCannotBeRepeated,
          "'B' 1; 'D' 0"},
-        {"a new row that another session adds", [](Database& in) { add(in, "C"); }, -errors::kDuplicateKey,
+        {"a new row that another session adds", [](Database& in) { add(in, "C"); }, -errors::kCannotBeRepeated,
          "'A' 0; 'B' 1; 'C' 0; 'D' 0"},
+        {"a row that has its values already taken for a deleted one", [](Database& in) { setPrice(in, "A", 2); }, 0,
+         "'A' 2; 'B' 2; 'C' 0; 'D' 0"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
@@ -177,12 +183,52 @@ TEST_F(ServerTransactions, WhatCannotBeWrittenAgainEndsTheRun) {
         setPrice(*patient, "A", 2);
         add(*patient, "C");
         EXPECT_EQ(errorOf([&] { setPrice(*patient, "B", 2); }), c.number);
-        EXPECT_FALSE(patient->inTransaction());
-        patient->begin();
+        EXPECT_EQ(patient->inTransaction(), c.number == 0);
+        if (!patient->inTransaction()) patient->begin();
         add(*patient, "D");
         patient->commit();
         EXPECT_EQ(selectElsewhere(kNumbers), c.left) << "half of the transaction was committed";
     }
+}
+
+/// A port of this machine that takes connections and never says a word.
+class SilentPort {
+  public:
+    SilentPort() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        auto* const plain = reinterpret_cast<sockaddr*>(&address);
+        EXPECT_EQ(bind(socket_, plain, length) | listen(socket_, 8) | getsockname(socket_, plain, &length), 0);
+        number_ = ntohs(address.sin_port);
+    }
+    ~SilentPort() { close(socket_); }
+    SilentPort(const SilentPort&) = delete;
+    SilentPort& operator=(const SilentPort&) = delete;
+    [[nodiscard]] std::string number() const { return std::to_string(number_); }
+
+  private:
+    int socket_ = socket(AF_INET, SOCK_STREAM, 0);
+    int number_ = 0;
+};
+
+TEST_F(ServerTransactions, ASilentServerIsGivenUp) {
+    const std::string source = TestServer::ofProcess().connectString();
+    const SilentPort silent;
+    EXPECT_EQ(errorOf([&] { openServerDatabase(source + ";LoginTimeout=1;Port=" + silent.number(), {}); }),
+              errors::kServerSilent);
+    const bool postgres = TestServer::ofProcess().kind() == ServerKind::PostgreSql;
+    const auto sleep = [&](Database& in) {
+        return errorOf(
+            [&] { in.open(postgres ? "SELECT pg_sleep(600)" : "SELECT SLEEP(600)", RecordsetType::Snapshot); });
+    };
+    const auto limited = openServerDatabase(source + ";querytimeout=1", {});
+    EXPECT_EQ(sleep(*limited), -errors::kServerSilent);
+    EXPECT_EQ(errorOf([&] { limited->begin(); }), -errors::kServerSilent) << "the connection is used again";
+    ServerOptions cancelled;
+    cancelled.waitForAnswer = [](std::chrono::milliseconds) { return false; };
+    EXPECT_EQ(sleep(*openServerDatabase(source, cancelled)), -errors::kServerSilent);
 }
 
 TEST_F(ServerTransactions, ALostConnectionEndsTheRunWithOneClearError) {

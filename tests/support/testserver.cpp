@@ -152,6 +152,15 @@ void TestServer::changeTables(const std::string& statement) {
     company().execute(backquotes ? replaceAll(statement, "\"", "`") : statement, {}, options::kPassThrough);
 }
 
+void TestServer::refuseWriting() {
+    if (kind_ == ServerKind::PostgreSql) {
+        return changeTables("ALTER DATABASE " + name_ + " SET default_transaction_read_only = on");
+    }
+    changeTables(
+        "CREATE TRIGGER reader BEFORE INSERT ON Produkt FOR EACH ROW "
+        "SIGNAL SQLSTATE '42000' SET MYSQL_ERRNO = 1142, MESSAGE_TEXT = 'INSERT command denied'");
+}
+
 TestServer::~TestServer() {
     PassedOverSilently passedOver;
     if (tablesChanged_) attempt(passedOver, "drop", [&] { drop(); });

@@ -24,6 +24,9 @@ class TestServer {
     /// Changes the database's tables for the test at hand; `reset` makes them anew. Names stand between double quotes.
     void changeTables(const std::string& statement);
 
+    /// From now on the database can be read but not written, until `reset`.
+    void refuseWriting();
+
     [[nodiscard]] const std::string& connectString() const { return connectString_; }
     [[nodiscard]] ServerKind kind() const { return kind_; }
     /// Another session on the company.

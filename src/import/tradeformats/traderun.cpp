@@ -92,7 +92,10 @@ void readLines(RunMachinery& run, TradeFormat& format) {
             } else {
                 summary.report.remark(Remark::NotSaved);
             }
-            if (++written % kRecordsPerBatch == 0) transaction.next();
+            if (++written % kRecordsPerBatch == 0) {
+                transaction.next();
+                run.noteKept(summary.records);
+            }
         }
         if (!goesOn(run, summary.records)) break;
     }

@@ -57,7 +57,7 @@ constexpr std::array<Dialect, 3> kDialects = {{
     {.name = "Microsoft SQL Server",
      .openQuote = '[',
      .closeQuote = ']',
-     .newId = Dialect::NewId::Output,
+     .newId = Dialect::NewId::ScopeIdentity,
      .limit = Dialect::Limit::Top,
      .givenIds = Dialect::GivenIds::IdentityInsert,
      .survives = Dialect::Survives::RefusedRows,
@@ -78,13 +78,57 @@ constexpr struct {
     int native;
     Failure failure;
 } kFailures[] = {
+    {"28", 0, Failure::NotAdmitted},
+    {"", 1045, Failure::NotAdmitted},   // MariaDB
+    {"", 18456, Failure::NotAdmitted},  // SQL Server
+    {kSilentState, 0, Failure::Silent},
     {"08", 0, Failure::Gone},
     {"57P0", 0, Failure::Gone},
+    {"42501", 0, Failure::NotPermitted},  // PostgreSQL; the others' numbers:
+    {"", 1044, Failure::NotPermitted},    // MariaDB: to the database
+    {"", 1142, Failure::NotPermitted},    // MariaDB: to the table
+    {"", 1143, Failure::NotPermitted},    // MariaDB: to the column
+    {"", 1227, Failure::NotPermitted},    // MariaDB: a privilege of the server
+    {"", 229, Failure::NotPermitted},     // SQL Server: to the table
+    {"", 230, Failure::NotPermitted},     // SQL Server: to the column
+    {"", 262, Failure::NotPermitted},     // SQL Server: in the database
+    {"", 916, Failure::NotPermitted},     // SQL Server: to the database
+    {"", 1088, Failure::NotPermitted},    // SQL Server: SET IDENTITY_INSERT wants the right to alter the table
+    {"25006", 0, Failure::ReadOnly},
+    {"", 1290, Failure::ReadOnly},  // MariaDB: a server started for reading only
+    {"", 1792, Failure::ReadOnly},  // MariaDB: a transaction for reading only
+    {"", 1836, Failure::ReadOnly},  // MariaDB: read-only mode
+    {"", 1036, Failure::ReadOnly},  // MariaDB: a table for reading only
+    {"", 3906, Failure::ReadOnly},  // SQL Server
+    {"53100", 0, Failure::Full},
+    {"", 1021, Failure::Full},      // MariaDB: its disk
+    {"", 1114, Failure::Full},      // MariaDB: a table, as its disk is
+    {"", 1226, Failure::Full},      // MariaDB: a limit of the user's
+    {"", 1101, Failure::Full},      // SQL Server: a file group
+    {"", 1105, Failure::Full},      // SQL Server: a file group
+    {"", 9002, Failure::Full},      // SQL Server: the log
+    {"53", 0, Failure::Unwell},     // PostgreSQL: memory, connections
+    {"57014", 0, Failure::Unwell},  // PostgreSQL: told to stop, or its time is over
+    {"58", 0, Failure::Unwell},     // PostgreSQL: input and output
+    {"XX", 0, Failure::Unwell},     // PostgreSQL: damage
+    {"", 1026, Failure::Unwell},    // MariaDB: writing
+    {"", 1030, Failure::Unwell},    // MariaDB: the storage engine
+    {"", 1034, Failure::Unwell},    // MariaDB: an index
+    {"", 1037, Failure::Unwell},    // MariaDB: memory
+    {"", 1194, Failure::Unwell},    // MariaDB: a damaged table
+    {"", 1317, Failure::Unwell},    // MariaDB: told to stop
+    {"", 1969, Failure::Unwell},    // MariaDB: its time is over
+    {"", 701, Failure::Unwell},     // SQL Server: memory
+    {"", 823, Failure::Unwell},     // SQL Server: input and output
+    {"", 824, Failure::Unwell},     // SQL Server: a damaged page
     {"23505", 0, Failure::DuplicateKey},
     {"23000", 1062, Failure::DuplicateKey},
     {"23000", 2601, Failure::DuplicateKey},
     {"23000", 2627, Failure::DuplicateKey},
     {"22001", 0, Failure::TextTooLong},
+    {"", 1406, Failure::TextTooLong},  // MariaDB
+    {"", 2628, Failure::TextTooLong},  // SQL Server, from 2019 on; before, and still in some settings:
+    {"", 8152, Failure::TextTooLong},
     {"22003", 0, Failure::WrongType},
     {"22005", 0, Failure::WrongType},
     {"22007", 0, Failure::WrongType},
@@ -126,6 +170,8 @@ const Dialect* dialectNamed(std::string_view dbms) {
 }
 
 Failure failureOf(const ServerError& error) {
+    // PostgreSQL's driver has one state for every connection that is not made; the server's own refusal is "FATAL".
+    if (error.state == "08001" && error.description.find("FATAL:") != std::string::npos) return Failure::NotAdmitted;
     for (const auto& row : kFailures) {
         if (error.state.starts_with(row.state) && (row.native == 0 || row.native == error.native)) return row.failure;
     }
@@ -149,11 +195,25 @@ int errorNumber(Failure failure) {
             return errors::kLocked;
         case Failure::Gone:
             return errors::kServerGone;
+        case Failure::Silent:
+            return errors::kServerSilent;
+        case Failure::NotAdmitted:
+            return errors::kWrongPassword;
+        case Failure::NotPermitted:
+            return errors::kNotPermitted;
+        case Failure::ReadOnly:
+            return errors::kReadOnly;
+        case Failure::Full:
+            return errors::kDiskFull;
+        case Failure::Unwell:
+            return errors::kServerUnwell;
         case Failure::Other:
             break;
     }
     return errors::kInternal;
 }
+
+bool liesWithServer(Failure failure) { return failure >= Failure::NotAdmitted; }
 
 bool survives(const Dialect& dialect, Failure failure) {
     // A transaction that waits for a lock lets its own locks go, so that two such cannot wait for each other.

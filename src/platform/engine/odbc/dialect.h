@@ -16,6 +16,9 @@ struct ServerError {
     std::string description;
 };
 
+/// The SQLSTATE of a server that did not answer in time; it is ours, no driver's.
+inline constexpr std::string_view kSilentState = "08KOL";
+
 /// What an error means, as far as the engine tells errors apart.
 enum class Failure {
     Other,
@@ -27,6 +30,13 @@ enum class Failure {
     Locked,    ///< another session holds a lock longer than this session waits
     Deadlock,  ///< the server has rolled the transaction back to free others
     Gone,      ///< there is no connection any more
+    Silent,    ///< the server did not answer in time, and the connection has been given up
+    // Errors of the server, not of the record: the next statement would meet them too.
+    NotAdmitted,   ///< the user or the password
+    NotPermitted,  ///< the user lacks a right
+    ReadOnly,      ///< the server or its database cannot be written
+    Full,          ///< its disk, its log or a quota
+    Unwell,        ///< short of memory, damaged, or told to stop
 };
 
 /// How one kind of server wants its statements and takes its errors. The types of a schema follow from this: a Boolean
@@ -34,7 +44,8 @@ enum class Failure {
 /// `tinyint` (MariaDB: `unsigned`) elsewhere; Currency is `numeric(19,4)` everywhere. Every table has its key column
 /// ID, which the server fills in.
 struct Dialect {
-    enum class NewId { Returning, Output };
+    /// SQL Server refuses OUTPUT on a table with triggers, and an ID that a trigger has used is not the row's.
+    enum class NewId { Returning, ScopeIdentity };
     enum class Limit { Limit, Top };
     /// What rows need that come with their IDs.
     enum class GivenIds { Nothing, MoveSequence, IdentityInsert };
@@ -64,6 +75,8 @@ const Dialect* dialectNamed(std::string_view dbms);
 Failure failureOf(const ServerError& error);
 /// The engine's error number for a failure.
 int errorNumber(Failure failure);
+/// Whether an error lies with the server, whatever the record.
+bool liesWithServer(Failure failure);
 /// Whether a transaction goes on after such an error of one of its statements.
 bool survives(const Dialect& dialect, Failure failure);
 

@@ -14,7 +14,7 @@ namespace kolmera {
 namespace {
 
 constexpr std::size_t kMostPrepared = 128;  // an UPDATE for each set of changed columns
-constexpr SQLULEN kLoginSeconds = 10;
+constexpr auto kToClose = std::chrono::seconds(2);
 
 SQLPOINTER number(SQLULEN value) { return reinterpret_cast<SQLPOINTER>(value); }  // NOLINT(performance-no-int-to-ptr)
 
@@ -25,22 +25,43 @@ SQLWCHAR* wideText(std::u16string& text) { return text.empty() ? nullptr : reint
 
 }  // namespace
 
-OdbcConnection::OdbcConnection(const std::string& connectString, std::uint64_t* roundTrips) : roundTrips_(roundTrips) {
+OdbcConnection::OdbcConnection(const ConnectString& connectString, DriverThread::Wait wait, std::uint64_t* roundTrips)
+    : connectString_(connectString),
+      wait_(std::move(wait)),
+      thread_([this] { sockets_.shutDown(); }),
+      roundTrips_(roundTrips) {
+    auto end = DriverThread::End::Done;
     try {
-        connect(connectString);
-        findDialect();
-        findCatalogue();
-        prepareSession();
-        checkLetters();
+        end = thread_.run([this] { open(); }, connectString_.login, wait_);
     } catch (...) {
         close();
         throw;
     }
+    if (end == DriverThread::End::Done) return;
+    close();
+    throw PlatformError(errors::kServerSilent, silence(end, connectString_.login));
 }
 
 OdbcConnection::~OdbcConnection() { close(); }
 
+void OdbcConnection::open() {
+    connect();
+    sockets_.take();
+    findDialect();
+    findCatalogue();
+    prepareSession();
+    checkLetters();
+}
+
 void OdbcConnection::close() noexcept {
+    try {
+        thread_.run([this] { closeHandles(); }, kToClose, {});
+    } catch (const PlatformError&) {
+        return;  // nobody is left to be told
+    }
+}
+
+void OdbcConnection::closeHandles() {
     prepared_.clear();
     if (connected_) {
         if (!automaticCommit_) SQLEndTran(SQL_HANDLE_DBC, handle_, SQL_ROLLBACK);
@@ -50,7 +71,27 @@ void OdbcConnection::close() noexcept {
     if (environment_ != SQL_NULL_HENV) SQLFreeHandle(SQL_HANDLE_ENV, environment_);
 }
 
-void OdbcConnection::refuse(const std::string& description) { throw PlatformError(errors::kServerGone, description); }
+/// Calls the driver. After one that had to be cut off there is no connection any more, whatever it returned.
+OdbcConnection::Error OdbcConnection::call(const std::function<Error()>& driver) {
+    Error error;
+    const auto end = thread_.run([&] { error = driver(); }, connectString_.answer, wait_);
+    if (end == DriverThread::End::Done) return error;
+    return ServerError{std::string(kSilentState), 0, silence(end, connectString_.answer)};
+}
+
+std::string OdbcConnection::silence(DriverThread::End end, std::chrono::seconds limit) const {
+    if (end == DriverThread::End::GivenUp) return "cancelled while the server did not answer";
+    return "no answer within " + std::to_string(limit.count()) + " seconds";
+}
+
+void OdbcConnection::refuse(const std::string& description) {
+    throw PlatformError(errors::kServerGone, description).quoted();
+}
+
+void OdbcConnection::refuseBy(const ServerError& error) {
+    if (failureOf(error) != Failure::NotAdmitted) refuse(error.description);
+    throw PlatformError(errors::kWrongPassword, error.description).quoted();
+}
 
 void OdbcConnection::count() {
     if (roundTrips_ != nullptr) ++*roundTrips_;
@@ -65,17 +106,16 @@ void OdbcConnection::countStatement() {
 
 /// The connect string goes through the wide function: after the narrow one, PostgreSQL's driver takes the program for
 /// one that works in its locale's character set, and loses every other letter.
-void OdbcConnection::connect(const std::string& connectString) {
+void OdbcConnection::connect() {
     const bool ready = SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_)) &&
                        SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_CONNECTION_POOLING, number(SQL_CP_OFF), 0)) &&
                        SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, number(SQL_OV_ODBC3), 0)) &&
                        SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &handle_));
     if (!ready) refuse("the ODBC driver manager cannot be used");
-    SQLSetConnectAttr(handle_, SQL_ATTR_LOGIN_TIMEOUT, number(kLoginSeconds), 0);
-    std::u16string text = toWide(connectString);
+    std::u16string text = toWide(connectString_.forDriver);
     const SQLRETURN code =
         SQLDriverConnectW(handle_, nullptr, wideText(text), length(text), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
-    if (!SQL_SUCCEEDED(code)) refuse(odbcError(SQL_HANDLE_DBC, handle_).description);
+    if (!SQL_SUCCEEDED(code)) refuseBy(odbcError(SQL_HANDLE_DBC, handle_));
     connected_ = true;
     count();
 }
@@ -101,7 +141,7 @@ void OdbcConnection::findCatalogue() {
 void OdbcConnection::prepareSession() {
     for (const std::string_view statement : dialect_->session) {
         StatementResult none;
-        if (const Error error = runOnce(statement, {}, none)) refuse(error->description);
+        if (const Error error = runDirectly(statement, {}, none)) refuse(error->description);
     }
 }
 
@@ -137,6 +177,11 @@ OdbcStatement* OdbcConnection::prepared(std::string_view text, Error& error) {
 
 OdbcConnection::Error OdbcConnection::run(std::string_view text, std::span<const Value> parameters,
                                           std::span<const FieldType> types, StatementResult& result) {
+    return call([&] { return runPrepared(text, parameters, types, result); });
+}
+
+OdbcConnection::Error OdbcConnection::runPrepared(std::string_view text, std::span<const Value> parameters,
+                                                  std::span<const FieldType> types, StatementResult& result) {
     countStatement();
     Error error;
     OdbcStatement* const statement = prepared(text, error);
@@ -148,6 +193,11 @@ OdbcConnection::Error OdbcConnection::run(std::string_view text, std::span<const
 
 OdbcConnection::Error OdbcConnection::runOnce(std::string_view text, std::span<const Value> parameters,
                                               StatementResult& result) {
+    return call([&] { return runDirectly(text, parameters, result); });
+}
+
+OdbcConnection::Error OdbcConnection::runDirectly(std::string_view text, std::span<const Value> parameters,
+                                                  StatementResult& result) {
     countStatement();
     OdbcStatement statement(handle_, *dialect_);
     if (parameters.empty()) return statement.runDirect(text, result);
@@ -160,18 +210,21 @@ OdbcConnection::Error OdbcConnection::setAutomaticCommit(bool on) {
     if (on == automaticCommit_) return std::nullopt;
     const SQLULEN mode = on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF;
     if (!dialect_->sendsBegin) count();
-    if (!SQL_SUCCEEDED(SQLSetConnectAttr(handle_, SQL_ATTR_AUTOCOMMIT, number(mode), 0))) {
+    const Error error = call([&]() -> Error {
+        if (SQL_SUCCEEDED(SQLSetConnectAttr(handle_, SQL_ATTR_AUTOCOMMIT, number(mode), 0))) return std::nullopt;
         return odbcError(SQL_HANDLE_DBC, handle_);
-    }
-    automaticCommit_ = on;
-    return std::nullopt;
+    });
+    if (!error) automaticCommit_ = on;
+    return error;
 }
 
 OdbcConnection::Error OdbcConnection::endTransaction(bool commit) {
     count();
     begun_ = false;
-    if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, handle_, commit ? SQL_COMMIT : SQL_ROLLBACK))) return std::nullopt;
-    return odbcError(SQL_HANDLE_DBC, handle_);
+    return call([&]() -> Error {
+        if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, handle_, commit ? SQL_COMMIT : SQL_ROLLBACK))) return std::nullopt;
+        return odbcError(SQL_HANDLE_DBC, handle_);
+    });
 }
 
 // The catalogue.
@@ -179,37 +232,43 @@ OdbcConnection::Error OdbcConnection::endTransaction(bool commit) {
 OdbcConnection::Error OdbcConnection::tables(StatementResult& result) {
     count();
     std::u16string kinds = u"TABLE";
-    OdbcStatement statement(handle_, *dialect_);
-    return statement.catalogue(
-        [&](SQLHSTMT call) {
-            return SQLTablesW(call, wideText(catalogue_), length(catalogue_), nullptr, 0, nullptr, 0, wideText(kinds),
-                              length(kinds));
-        },
-        result);
+    return call([&] {
+        OdbcStatement statement(handle_, *dialect_);
+        return statement.catalogue(
+            [&](SQLHSTMT on) {
+                return SQLTablesW(on, wideText(catalogue_), length(catalogue_), nullptr, 0, nullptr, 0, wideText(kinds),
+                                  length(kinds));
+            },
+            result);
+    });
 }
 
 OdbcConnection::Error OdbcConnection::columns(std::string_view table, StatementResult& result) {
     count();
     std::u16string name = toWide(table);
-    OdbcStatement statement(handle_, *dialect_);
-    return statement.catalogue(
-        [&](SQLHSTMT call) {
-            return SQLColumnsW(call, wideText(catalogue_), length(catalogue_), nullptr, 0, wideText(name), length(name),
-                               nullptr, 0);
-        },
-        result);
+    return call([&] {
+        OdbcStatement statement(handle_, *dialect_);
+        return statement.catalogue(
+            [&](SQLHSTMT on) {
+                return SQLColumnsW(on, wideText(catalogue_), length(catalogue_), nullptr, 0, wideText(name),
+                                   length(name), nullptr, 0);
+            },
+            result);
+    });
 }
 
 OdbcConnection::Error OdbcConnection::indexes(std::string_view table, StatementResult& result) {
     count();
     std::u16string name = toWide(table);
-    OdbcStatement statement(handle_, *dialect_);
-    return statement.catalogue(
-        [&](SQLHSTMT call) {
-            return SQLStatisticsW(call, wideText(catalogue_), length(catalogue_), nullptr, 0, wideText(name),
-                                  length(name), SQL_INDEX_ALL, SQL_QUICK);
-        },
-        result);
+    return call([&] {
+        OdbcStatement statement(handle_, *dialect_);
+        return statement.catalogue(
+            [&](SQLHSTMT on) {
+                return SQLStatisticsW(on, wideText(catalogue_), length(catalogue_), nullptr, 0, wideText(name),
+                                      length(name), SQL_INDEX_ALL, SQL_QUICK);
+            },
+            result);
+    });
 }
 
 }  // namespace kolmera

@@ -2,7 +2,9 @@
 
 #include <sql.h>
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <optional>
 #include <span>
@@ -10,7 +12,10 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/engine/odbc/connectstring.h"
 #include "platform/engine/odbc/dialect.h"
+#include "platform/engine/odbc/driversockets.h"
+#include "platform/engine/odbc/driverthread.h"
 #include "platform/engine/odbc/odbcstatement.h"
 #include "platform/engine/schema.h"
 #include "platform/engine/value.h"
@@ -18,13 +23,14 @@
 namespace kolmera {
 
 /// One connection to a server through the ODBC driver manager, in automatic commit. Its functions return the server's
-/// error, or nothing when all went well.
+/// error, or nothing when all went well. A server that does not answer in time is a connection that is gone.
 class OdbcConnection {
   public:
     using Error = std::optional<ServerError>;
 
-    /// Connects and checks that letters survive. Throws kServerGone. `roundTrips` may be null.
-    OdbcConnection(const std::string& connectString, std::uint64_t* roundTrips);
+    /// Connects and checks that letters survive. Throws kServerGone, kServerSilent, kWrongPassword. `roundTrips` may be
+    /// null.
+    OdbcConnection(const ConnectString& connectString, DriverThread::Wait wait, std::uint64_t* roundTrips);
     OdbcConnection(const OdbcConnection&) = delete;
     OdbcConnection& operator=(const OdbcConnection&) = delete;
     ~OdbcConnection();
@@ -55,17 +61,29 @@ class OdbcConnection {
         OdbcStatement statement;
     };
 
-    void connect(const std::string& connectString);
+    Error call(const std::function<Error()>& driver);
+    [[nodiscard]] std::string silence(DriverThread::End end, std::chrono::seconds limit) const;
+    void open();
+    void connect();
     void findDialect();
     void findCatalogue();
     void prepareSession();
     void checkLetters();
     [[noreturn]] void refuse(const std::string& description);
+    void refuseBy(const ServerError& error);
     void close() noexcept;
+    void closeHandles();
+    Error runPrepared(std::string_view text, std::span<const Value> parameters, std::span<const FieldType> types,
+                      StatementResult& result);
+    Error runDirectly(std::string_view text, std::span<const Value> parameters, StatementResult& result);
     void count();
     void countStatement();
     OdbcStatement* prepared(std::string_view text, Error& error);
 
+    ConnectString connectString_;
+    DriverThread::Wait wait_;
+    DriverSockets sockets_;
+    DriverThread thread_;
     SQLHENV environment_ = SQL_NULL_HENV;
     SQLHDBC handle_ = SQL_NULL_HDBC;
     bool connected_ = false;

@@ -132,16 +132,20 @@ std::optional<ServerError> OdbcStatement::readAnswer(SQLRETURN code, std::span<c
         SQLLEN touched = 0;
         SQLRowCount(handle_, &touched);
         result.touched = touched;
-        if (fetchAll(types, result)) finish();
+        if (fetchAll(types, result)) finish(types, result);
     }
     SQLFreeStmt(handle_, SQL_CLOSE);
     return takeError();
 }
 
-/// An error in a later part of a statement is told only when the parts before it have been taken.
-void OdbcStatement::finish() {
-    SQLRETURN code = SQL_SUCCESS;
-    while (code != SQL_NO_DATA && good(code)) code = SQLMoreResults(handle_);
+/// An error in a later part of a statement is told only when the parts before it have been taken. The rows are those of
+/// the first part that has any.
+void OdbcStatement::finish(std::span<const FieldType> types, StatementResult& result) {
+    SQLRETURN code = SQLMoreResults(handle_);
+    while (code != SQL_NO_DATA && good(code)) {
+        if (result.rows.empty() && !fetchAll(types, result)) return;
+        code = SQLMoreResults(handle_);
+    }
 }
 
 // Parameters.

@@ -61,7 +61,7 @@ class OdbcStatement {
     bool bindText(SQLUSMALLINT parameter, Bound& bound, std::string_view text);
     bool bindNumber(SQLUSMALLINT parameter, Bound& bound, double value);
     std::optional<ServerError> readAnswer(SQLRETURN code, std::span<const FieldType> types, StatementResult& result);
-    void finish();
+    void finish(std::span<const FieldType> types, StatementResult& result);
     bool fetchAll(std::span<const FieldType> types, StatementResult& result);
     bool describe(SQLSMALLINT columns, StatementResult& result);
     bool read(SQLUSMALLINT column, FieldType type, Value& into);

@@ -151,7 +151,7 @@ std::unique_ptr<Recordset> ServerDatabase::openTable(ServerTable& table, std::st
     ServerSelectRest rest = serverSelectRest(session_.dialect(), select.rest, session_.locale(),
                                              [&](std::string_view name) { return exactName({&table}, name); });
     // Rows that are equal in the order asked for come by their IDs, as from a file.
-    if (table.hasKey()) rest.order += (rest.order.empty() ? "" : ", ") + table.quotedKey();
+    if (table.hasKey()) rest.order = orderWithKey(rest.order, table.quotedKey());
     if (table.hasKey() && type != RecordsetType::Snapshot) {
         return std::make_unique<ServerDynaset>(table, source, std::move(columns), std::move(rest), readOnly);
     }

@@ -30,15 +30,17 @@ class LockPatience {
     std::chrono::steady_clock::time_point began_;
 };
 
+bool noConnection(Failure failure) { return failure == Failure::Gone || failure == Failure::Silent; }
+
 bool waitsFor(Failure failure) { return failure == Failure::Locked || failure == Failure::Deadlock; }
 
 }  // namespace
 
 ServerSession::ServerSession(const std::string& connectString, const ServerOptions& options)
-    : options_(options), connection_(connectString, options.roundTrips) {}
+    : options_(options), connection_(ConnectString(connectString), options.waitForAnswer, options.roundTrips) {}
 
 void ServerSession::requireConnection() const {
-    if (!lost_.empty()) throw PlatformError(errors::kServerGone, lost_, true);
+    if (lost_) throw *lost_;
 }
 
 void ServerSession::requireTransaction() const {
@@ -72,10 +74,11 @@ StatementResult ServerSession::write(const ServerStatement& statement, std::span
     return result;
 }
 
-StatementResult ServerSession::writeRow(const ServerStatement& statement) {
-    StatementResult result = runStatement(statement, {});
-    keep({.statement = statement, .oneRow = result.touched > 0});
-    return result;
+bool ServerSession::writeRow(const ServerStatement& statement, const ServerStatement& itsRow) {
+    // Some servers count a row that has those values already as not touched.
+    const bool found = runStatement(statement, {}).touched > 0 || !runStatement(itsRow, {}).rows.empty();
+    keep({.statement = statement, .row = found ? itsRow : ServerStatement()});
+    return found;
 }
 
 std::int64_t ServerSession::insert(const ServerStatement& statement,
@@ -110,9 +113,11 @@ StatementResult ServerSession::run(const Attempt& attempt) {
         if (connectionLost(*error, failure)) lose(*error);
         if (waitsFor(failure) && patience.goOn()) continue;
         // Who gives a lock up may still commit what was written before.
-        const bool endsRun = waitsFor(failure) || repeating_;
+        const bool endsRun = waitsFor(failure) || repeating_ || liesWithServer(failure);
+        const bool recordsOnly = repeating_ && !waitsFor(failure) && !liesWithServer(failure);
+        const int number = recordsOnly ? errors::kCannotBeRepeated : errorNumber(failure);
         if (repeating_) end();
-        throw PlatformError(errorNumber(failure), error->description, endsRun);
+        throw PlatformError(number, error->description, endsRun).quoted();
     }
 }
 
@@ -123,8 +128,11 @@ ServerSession::Error ServerSession::tryOnce(const Attempt& attempt, StatementRes
     if (!error || !open_ || (!repeating_ && survives(dialect(), failureOf(*error)))) return error;
     rolledBack_ = true;
     startEpoch();
-    if (const Error worse = connection_.endTransaction(false)) return ServerError{"08S01", 0, worse->description};
-    return error;
+    if (noConnection(failureOf(*error))) return error;
+    Error worse = connection_.endTransaction(false);
+    if (!worse) return error;
+    if (failureOf(*worse) != Failure::Silent) worse->state = "08S01";
+    return worse;
 }
 
 /// Sees to it that the server is in the transaction that the program is in, with everything written in it so far.
@@ -141,12 +149,21 @@ ServerSession::Error ServerSession::repeatKept() {
         Error error =
             kept.once ? connection_.runOnce(text, parameters, result) : connection_.run(text, parameters, {}, result);
         if (error) return error;
-        if (kept.oneRow && result.touched == 0) {
-            return ServerError{"HY000", 0, "another session has deleted a record that this transaction has changed"};
+        if (!kept.row.text.empty() && result.touched == 0) {
+            error = findAgain(kept.row);
+            if (error) return error;
         }
     }
     rolledBack_ = false;
     return std::nullopt;
+}
+
+/// The row of a repeated statement that touched none: it may have those values already, or be gone.
+ServerSession::Error ServerSession::findAgain(const ServerStatement& row) {
+    StatementResult result;
+    if (Error error = connection_.run(row.text, row.parameters, {}, result)) return error;
+    if (!result.rows.empty()) return std::nullopt;
+    return ServerError{"HY000", 0, "another session has deleted a record that this transaction has changed"};
 }
 
 // Transactions.
@@ -194,7 +211,7 @@ void ServerSession::end() {
 
 /// Drivers do not always say that the connection is gone: what looks like any other error is asked for again.
 bool ServerSession::connectionLost(const ServerError& error, Failure failure) {
-    if (failure == Failure::Gone) return true;
+    if (noConnection(failure)) return true;
     if (failure != Failure::Other || error.state != "HY000" || repeating_) return false;
     StatementResult result;
     const Error probe = connection_.runOnce("SELECT 1", {}, result);
@@ -202,9 +219,11 @@ bool ServerSession::connectionLost(const ServerError& error, Failure failure) {
 }
 
 void ServerSession::lose(const ServerError& error) {
-    lost_ = "The connection to the database server is lost: " + error.description;
+    const bool silent = failureOf(error) == Failure::Silent;
+    lost_ = silent ? PlatformError(errors::kServerSilent, error.description, true)
+                   : PlatformError(errors::kServerGone, error.description, true).quoted();
     end();
-    throw PlatformError(errors::kServerGone, lost_, true);
+    throw *lost_;
 }
 
 // The catalogue.

@@ -33,8 +33,9 @@ class ServerSession {
     StatementResult read(const ServerStatement& statement, std::span<const FieldType> types);
     /// A statement that writes.
     StatementResult write(const ServerStatement& statement, std::span<const FieldType> types = {});
-    /// A statement on one row, repeated as it is; a repetition that finds no row ends the run.
-    StatementResult writeRow(const ServerStatement& statement);
+    /// A statement on one row, which `itsRow` selects; false when the row is not there. A repetition that finds no row
+    /// ends the run.
+    bool writeRow(const ServerStatement& statement, const ServerStatement& itsRow);
     /// An INSERT that gives the new row's ID back; `again` makes the statement that inserts the row with that ID.
     std::int64_t insert(const ServerStatement& statement, const std::function<ServerStatement(std::int64_t id)>& again);
     /// A statement that writes and is not to stay prepared.
@@ -65,14 +66,15 @@ class ServerSession {
     /// A statement of the transaction that has been run.
     struct Kept {
         ServerStatement statement;
-        bool oneRow = false;  ///< has to find its row again
-        bool once = false;    ///< not to stay prepared
+        ServerStatement row = {};  ///< selects the row that has to be there again
+        bool once = false;         ///< not to stay prepared
     };
 
     StatementResult run(const Attempt& attempt);
     StatementResult runStatement(const ServerStatement& statement, std::span<const FieldType> types, bool once = false);
     Error tryOnce(const Attempt& attempt, StatementResult& result);
     Error repeatKept();
+    Error findAgain(const ServerStatement& row);
     Error startOnServer();
     void keep(Kept kept);
     void requireConnection() const;
@@ -89,7 +91,7 @@ class ServerSession {
     bool repeating_ = false;   ///< the error at hand comes from a kept statement
     std::vector<Kept> kept_;
     std::uint64_t epoch_ = 0;
-    std::string lost_;  ///< why there is no connection any more
+    std::optional<PlatformError> lost_;  ///< why there is no connection any more
 };
 
 }  // namespace kolmera

@@ -117,7 +117,12 @@ std::vector<std::vector<Value>> ServerTable::readAll(std::span<const int> column
     return session_.read({selectText(session_.dialect(), parts), where.parameters}, types(columns)).rows;
 }
 
-bool ServerTable::exists(std::int64_t id) { return !readAll(std::span(&key_, 1), byId(id), {}).empty(); }
+ServerStatement ServerTable::rowStatement(std::int64_t id) const {
+    const std::string& key = quotedKey();
+    const ServerStatement where = byId(id);
+    return {selectText(session_.dialect(), {.columns = std::span(&key, 1), .table = quotedName_, .where = where.text}),
+            where.parameters};
+}
 
 // Writing.
 
@@ -144,8 +149,7 @@ bool ServerTable::update(std::int64_t id, const ColumnSet& columns, const std::v
     });
     statement.text = updateText(quotedName_, names, quotedKey());
     statement.parameters.emplace_back(id);
-    // Some servers count a row that has those values already as not touched.
-    return session_.writeRow(statement).touched > 0 || exists(id);
+    return session_.writeRow(statement, rowStatement(id));
 }
 
 void ServerTable::remove(std::int64_t id) { session_.write({deleteText(quotedName_, quotedKey()), {id}}); }

@@ -82,7 +82,7 @@ class ServerTable {
     [[nodiscard]] std::vector<std::string> quoted(std::span<const int> columns) const;
     [[nodiscard]] std::vector<FieldType> types(std::span<const int> columns) const;
     [[nodiscard]] ServerStatement byId(std::int64_t id) const;
-    [[nodiscard]] bool exists(std::int64_t id);
+    [[nodiscard]] ServerStatement rowStatement(std::int64_t id) const;
     ServerStatement rowsStatement(std::span<const int> columns, std::span<const std::vector<Value>> rows) const;
 
     ServerSession& session_;

@@ -212,6 +212,19 @@ ServerSelectRest serverSelectRest(const Dialect& dialect, std::string_view rest,
     return result;
 }
 
+std::string orderWithKey(std::string_view order, std::string_view key) {
+    constexpr std::string_view kSeparator = ", ";
+    for (std::size_t begin = 0; begin < order.size();) {
+        const std::size_t end = std::min(order.find(kSeparator, begin), order.size());
+        const std::string_view term = order.substr(begin, end - begin);
+        const bool isKey = term == key || term.starts_with(std::string(key) + " ");
+        const bool alone = begin == 0 && end == order.size();
+        if (isKey) return std::string(alone && term.find(" DESC") == std::string_view::npos ? key : order);
+        begin = end + kSeparator.size();
+    }
+    return std::string(order) + std::string(order.empty() ? "" : kSeparator) + std::string(key);
+}
+
 std::string joined(std::span<const std::string> texts, std::string_view separator) {
     std::string result;
     for (const std::string& text : texts) {
@@ -234,12 +247,11 @@ std::string selectText(const Dialect& dialect, const SelectParts& parts) {
 
 std::string insertText(const Dialect& dialect, std::string_view table, std::span<const std::string> columns,
                        std::string_view id) {
-    const bool output = dialect.newId == Dialect::NewId::Output;
+    const bool scope = dialect.newId == Dialect::NewId::ScopeIdentity;
     std::string text = "INSERT INTO " + std::string(table);
     if (!columns.empty()) text += " (" + joined(columns, ", ") + ")";
-    if (output) text += " OUTPUT INSERTED." + std::string(id);
     text += columns.empty() ? std::string(dialect.emptyRow) : " VALUES (" + marks(columns.size()) + ")";
-    if (!output) text += " RETURNING " + std::string(id);
+    text += scope ? "; SELECT CAST(SCOPE_IDENTITY() AS int)" : " RETURNING " + std::string(id);
     return text;
 }
 

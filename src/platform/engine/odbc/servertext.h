@@ -41,6 +41,10 @@ struct ServerSelectRest {
 ServerSelectRest serverSelectRest(const Dialect& dialect, std::string_view rest, const Locale& locale,
                                   const NameLookup& exactName);
 
+/// An order with the key as its last column, unless the key is in it already: servers may refuse a column that comes
+/// twice. An order by the key alone is the key's name alone.
+std::string orderWithKey(std::string_view order, std::string_view key);
+
 /// The parts of a SELECT on one table; names are quoted. `limit` 0 asks for all rows.
 struct SelectParts {
     std::span<const std::string> columns;
