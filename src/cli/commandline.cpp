@@ -30,6 +30,7 @@ struct Options {
     std::string dialect;
     std::string server;
     std::string connectString;
+    std::string connectFile;
     std::string description;
     std::string from;
     std::string to;
@@ -47,7 +48,10 @@ void describeServerCommands(CLI::App& app, Options& options) {
 
     CLI::App* server = app.add_subcommand("add-server", "Register a company on a database server");
     server->add_option("NAME", options.server, "Name of the company, as jobs name it: SQL;NAME")->required();
-    server->add_option("--connect", options.connectString, "ODBC connect string, up to 100 characters")->required();
+    server->add_option("--connect", options.connectString,
+                       "ODBC connect string, up to 100 characters; without a password, which others would see");
+    server->add_option("--connect-file", options.connectFile,
+                       "File whose first line is the connect string; \"-\": standard input");
     server->add_option("--description", options.description, "Shown beside the name");
     addDataOption(*server, options);
 
@@ -121,6 +125,7 @@ int dispatch(const CLI::App& app, const Options& options, const Surroundings& su
     if (app.got_subcommand("add-server")) {
         return addServerCommand({.name = options.server,
                                  .connectString = options.connectString,
+                                 .connectFile = options.connectFile,
                                  .description = options.description,
                                  .dataFolder = options.folder},
                                 surroundings);

@@ -1,9 +1,12 @@
 #include "cli/servercommands.h"
 
+#include <fstream>
+#include <optional>
 #include <ostream>
 
 #include "cli/session.h"
 #include "db/companyschema.h"
+#include "db/conversions.h"
 #include "db/serverregister.h"
 #include "db/serverschema.h"
 #include "db/sqllayer.h"
@@ -25,12 +28,39 @@ int serverSchemaCommand(const std::string& dialect, const std::string& companyNa
     return exitcode::kDone;
 }
 
+namespace {
+
+/// The connect string of the command line or of the first line of its file; nothing, and told, when there is none.
+std::optional<std::string> connectStringOf(Session& session, const ServerArguments& arguments, std::ostream& err) {
+    std::string text = arguments.connectString;
+    if (!arguments.connectFile.empty()) {
+        std::ifstream file(arguments.connectFile == "-" ? "/dev/stdin" : arguments.connectFile);
+        if (!std::getline(file, text)) {
+            err << session.text(250) << ' ' << session.text(667, arguments.connectFile) << '\n';
+            return std::nullopt;
+        }
+    }
+    text = trimmed(text);
+    if (!text.empty()) return text;
+    err << session.text(250) << ' ' << session.text(665) << '\n';
+    return std::nullopt;
+}
+
+bool holdsPassword(std::string_view connectString) {
+    const std::string upper = ";" + upperCase(connectString);
+    return upper.find(";PWD=") != std::string::npos || upper.find(";PASSWORD=") != std::string::npos;
+}
+
+}  // namespace
+
 int addServerCommand(const ServerArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings, arguments.dataFolder);
     const auto folder = absoluteFolder(arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     if (session.cutAtSemicolon(arguments.name, surroundings.err)) return exitcode::kUsage;
-    ServerCompany server{arguments.name, arguments.description, arguments.connectString};
+    const auto connectString = connectStringOf(session, arguments, surroundings.err);
+    if (!connectString) return exitcode::kUsage;
+    ServerCompany server{arguments.name, arguments.description, *connectString};
     if (!SqlLayer::ÄrSQLDatabas(upperCase(server.name))) server.name = "SQL;" + server.name;
     try {
         registerServer(folder, server);
@@ -40,6 +70,7 @@ int addServerCommand(const ServerArguments& arguments, const Surroundings& surro
         return exitcode::kStopped;
     }
     surroundings.out << session.text(261, server.name) << '\n';
+    if (holdsPassword(*connectString)) surroundings.err << session.text(666) << '\n';
     return exitcode::kDone;
 }
 

@@ -12,12 +12,13 @@ int serverSchemaCommand(const std::string& dialect, const std::string& companyNa
 struct ServerArguments {
     std::string name;  ///< as jobs name the company; "SQL;" is put before it when it is missing
     std::string connectString;
+    std::string connectFile;  ///< in place of a connect string, the file that holds it; "-" is the standard input
     std::string description;
     std::string dataFolder;
 };
 
-/// `add-server NAME --connect STRING [--description TEXT] --data DIR`: registers a server company in DVSQLSvr.ini, or
-/// changes the one of that name.
+/// `add-server NAME --connect STRING|--connect-file FILE [--description TEXT] --data DIR`: registers a server company
+/// in DVSQLSvr.ini, or changes the one of that name.
 int addServerCommand(const ServerArguments& arguments, const Surroundings& surroundings);
 
 }  // namespace kolmera::cli

@@ -37,6 +37,9 @@ void registerServer(const std::filesystem::path& dataFolder, const ServerCompany
     if (!startsWithNoCase(server.name, kServerPrefix) || server.name.size() == kServerPrefix.size()) {
         throw PlatformError(errors::kWrongType, "\"" + server.name + "\" is no name of a server company (SQL;Name)");
     }
+    if (server.connectString.find_first_not_of(' ') == std::string::npos) {
+        throw PlatformError(errors::kWrongType, "a company on a server needs a connect string").about("Anslutning");
+    }
     Record record(kLayout);
     record.setText(kName, server.name);
     record.setText(field(kServer, "Beskrivning"), server.description);

@@ -35,6 +35,7 @@ TEST(AddServer, RefusesWhatItsRecordCannotHold) {
     EXPECT_EQ(machine.addServer("A", "DSN=" + std::string(97, 'x')), 1) << "a cut connect string";
     EXPECT_EQ(machine.addServer("Łódź", "DSN=l"), 1) << "another name";
     EXPECT_EQ(machine.addServer("SQL;", "DSN=l"), 1) << "no name";
+    EXPECT_EQ(machine.addServer("A", " "), cli::exitcode::kUsage) << "an empty connect string";
     EXPECT_TRUE(registeredServers(machine.data()).empty());
 }
 
