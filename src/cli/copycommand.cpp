@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <ostream>
 
 #include "cli/session.h"
@@ -27,6 +28,12 @@ void makeMissingFile(CompanyRegister& companies, const StartState& state, const 
 std::unique_ptr<Database> opened(CompanyRegister& companies, StartState& state, const std::string& name) {
     if (!companies.ÖppnaDatabas(name)) return nullptr;
     return std::move(state.sql.FtgDB);
+}
+
+/// What the source holds, not what has happened: the same command would meet it again.
+bool isOfARow(const PlatformError& error) {
+    return error.number() == errors::kDuplicateKey || error.number() == errors::kWrongType ||
+           error.number() == errors::kTextTooLong;
 }
 
 int tell(Session& session, const CopyArguments& arguments, const CopyResult& result, const Surroundings& surroundings) {
@@ -67,6 +74,7 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
     MessageBoxes boxes(port, session.state.helpFile);
     CompanyRegister companies(session.state, session.texts, boxes);
     companies.waitForLock = [&] { return !port.cancelled(); };
+    companies.waitForAnswer = [&](std::chrono::milliseconds) { return !port.cancelled(); };
     try {
         const auto source = opened(companies, session.state, arguments.from);
         if (!source) return exitcode::kStopped;
@@ -76,7 +84,7 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
         const CopyResult result = copyCompany(*source, *target, [&] { return !port.cancelled(); });
         return tell(session, arguments, result, surroundings);
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' ' << session.text(269, arguments.to) << ' '
+        surroundings.err << session.text(250) << ' ' << session.text(isOfARow(error) ? 668 : 269, arguments.to) << ' '
                          << errorText(session.texts, error) << '\n';
         return port.cancelled() ? exitcode::kCancelled : exitcode::kStopped;
     }

@@ -11,6 +11,7 @@
 #include "db/batchtransaction.h"
 #include "db/companyschema.h"
 #include "db/conversions.h"
+#include "db/sqllayer.h"
 #include "platform/error.h"
 
 namespace kolmera {
@@ -210,9 +211,40 @@ class CompanyCopy {
         try {
             target_.insertRows(table.name, columns, rows);
         } catch (const PlatformError& error) {
-            const std::string place = fmt::format("{}, ID {}-{}", table.name, idOf(rows.front()), idOf(rows.back()));
-            throw error.about(place);
+            if (error.endsRun() || rows.size() == 1) throw error.about(placeOf(table, rows, error));
+            for (const Row& row : rows) insert(table, columns, {row});  // to find the row; those before it are in order
         }
+    }
+
+    std::string placeOf(const TableDef& table, const std::vector<Row>& rows, const PlatformError& error) {
+        const std::string place = fmt::format("{}, ID {}", table.name, idOf(rows.front()));
+        if (rows.size() > 1) return fmt::format("{}-{}", place, idOf(rows.back()));
+        const bool duplicate = error.number() == errors::kDuplicateKey;
+        const std::optional<std::int64_t> twin = duplicate ? twinOf(table, rows.front()) : std::nullopt;
+        return twin ? fmt::format("{} / ID {}", place, *twin) : place;
+    }
+
+    /// The row of the target that has the same value in a unique index.
+    std::optional<std::int64_t> twinOf(const TableDef& table, const Row& row) {
+        for (const IndexDef& index : table.indexes) {
+            if (!index.unique || !hasTextsOnly(table, index)) continue;
+            std::string criteria;
+            for (const std::string& column : index.columns()) {
+                const std::string_view text = textOf(row[static_cast<std::size_t>(table.ordinal(column))]);
+                criteria +=
+                    (criteria.empty() ? "" : " AND ") + fmt::format("[{}] = {}", column, SqlLayer::SQLText(text));
+            }
+            const auto found = target_.open(fmt::format("SELECT ID FROM {} WHERE {}", table.name, criteria),
+                                            RecordsetType::Snapshot, options::kReadOnly);
+            if (!found->eof()) return std::get<std::int64_t>(found->value(0));
+        }
+        return std::nullopt;
+    }
+
+    static bool hasTextsOnly(const TableDef& table, const IndexDef& index) {
+        return std::ranges::all_of(index.columns(), [&](const std::string& column) {
+            return table.fields[static_cast<std::size_t>(table.ordinal(column))].type == FieldType::Text;
+        });
     }
 
     void verify() {

@@ -55,11 +55,17 @@ TEST_F(CopyCompany, ThereAndBackEveryRowIsTheSame) {
     }
 }
 
-TEST_F(CopyCompany, TellsWhichRowsAServerRefuses) {
+TEST_F(CopyCompany, TellsWhichRowAServerRefuses) {
     machine.open()->execute("UPDATE Produkt SET Benämning = ? WHERE ID = 7",
                             std::vector<Value>{std::string("a\0b", 3)});
     EXPECT_EQ(copy("FTG1.mdb", "SQL;TEST"), 1);
-    EXPECT_THAT(machine.err(), HasSubstr("Produkt, ID 1-243: the database server cannot"));
+    EXPECT_THAT(machine.err(), HasSubstr(": Produkt, ID 7."));
+    machine.open()->execute("UPDATE Produkt SET Benämning = '', Nummer = 'MM2' WHERE ID = 7");
+    machine.open()->execute("UPDATE Produkt SET Nummer = 'MM²' WHERE ID = 9");
+    EXPECT_EQ(copy("FTG1.mdb", "SQL;TEST"), 1);
+    EXPECT_THAT(machine.err(), HasSubstr(": Produkt, ID 9 / ID 7."));
+    machine.open()->execute("UPDATE Produkt SET Nummer = 'MM3' WHERE ID = 9");
+    EXPECT_EQ(copy("FTG1.mdb", "SQL;TEST"), 0) << machine.err();
 }
 
 TEST_F(CopyCompany, AnInterruptedCopyIsFinishedByTheNext) {
