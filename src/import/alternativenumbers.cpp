@@ -64,8 +64,10 @@ class ServerAlternatives final : public StoredAlternatives {
         table_->set("Nummer", std::int64_t{heading});
         table_->set("Produktnr", std::string(productNumber));
         table_->set("Alternativnr", std::string(alternative));
+        loaded_ = false;  // what is known of the product is old when the row cannot be added
         table_->update();
         rows_.push_back({heading, std::string(alternative)});
+        loaded_ = true;
     }
     bool change(std::string_view productNumber, int heading, std::string_view alternative) override {
         Action action{"UPDATE Prodaltprodnr SET Alternativnr = "};
@@ -152,9 +154,8 @@ int AlternativeNumbers::write(std::string_view productNumber, const EntryList& e
     int written = 0;
     for (const Column& column : columns_) {
         const std::string_view alternative = firstCharacters(entries.text(column.source), kLongestAlternative);
-        attempt(passedOver_, "Prodaltprodnr", [&] {
-            if (write(column, productNumber, alternative)) ++written;
-        });
+        attempt(passedOver_, "Prodaltprodnr",
+                [&] { searchAgainOnDuplicate([&] { written += write(column, productNumber, alternative) ? 1 : 0; }); });
     }
     return written;
 }

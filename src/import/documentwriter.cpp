@@ -24,7 +24,8 @@ DocumentWriter::DocumentWriter(const LoadedMask& mask, SqlLayer& sql, Date Idag,
 bool DocumentWriter::write(std::string_view productNumber, const EntryList& entries) {
     const std::string_view path = firstCharacters(entries.text(source_), kLongestPath);
     bool written = false;
-    attempt(passedOver_, "Proddokument", [&] { written = store(productNumber, path); });
+    attempt(passedOver_, "Proddokument",
+            [&] { searchAgainOnDuplicate([&] { written = store(productNumber, path); }); });
     return written;
 }
 

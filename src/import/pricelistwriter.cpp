@@ -37,7 +37,7 @@ PriceListWriter::PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::uni
 bool PriceListWriter::write(std::string_view productNumber, std::string_view supplier,
                             const std::function<std::string()>& articleNumber, std::optional<double> discount,
                             const EntryList& entries) {
-    return attempt(report_, "Levprislista", [&] {
+    const auto writeRow = [&] {
         startRow(productNumber, supplier, articleNumber);
         set(columns_.Datum, dateOf(entries));
         if (mask_.hasPurchasePrice()) writePurchasePrice(supplier, discount, entries);
@@ -46,7 +46,8 @@ bool PriceListWriter::write(std::string_view productNumber, std::string_view sup
             if (price.present()) set(columns_.Utpris[level], number(columns_.Utpris[level], price, entries));
         }
         priceList_->update();
-    });
+    };
+    return attempt(report_, "Levprislista", [&] { searchAgainOnDuplicate(writeRow); });
 }
 
 void PriceListWriter::startRow(std::string_view productNumber, std::string_view supplier,

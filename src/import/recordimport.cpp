@@ -77,7 +77,7 @@ bool RecordImport::write(const ProductMatch& match, const EntryList& entries) {
 }
 
 bool RecordImport::importProduct(const ProductMatch& match, const EntryList& entries) {
-    const bool newProduct = match.outcome == Outcome::Add;
+    bool newProduct = match.outcome == Outcome::Add;
     std::optional<double> discount;
     if (!saveProduct(newProduct, entries, discount)) return false;
     takeProductNumber();
@@ -99,7 +99,8 @@ bool RecordImport::importPriceListOnly(const ProductMatch& match, const EntryLis
     return written;
 }
 
-bool RecordImport::saveProduct(bool newProduct, const EntryList& entries, std::optional<double>& discount) {
+/// `newProduct` becomes false when another run has added the product since it was searched for.
+bool RecordImport::saveProduct(bool& newProduct, const EntryList& entries, std::optional<double>& discount) {
     Recordset& product = *products_;
     if (!attempt(report_, "Produkt", [&] { newProduct ? product.addNew() : product.edit(); })) return false;
     const WrittenColumns written = columns_.write(product, entries, newProduct);
@@ -107,10 +108,18 @@ bool RecordImport::saveProduct(bool newProduct, const EntryList& entries, std::o
     if (newProduct) completeNewProduct();
     attempt(report_, "Produkt.Förändringsdatum", [&] { SättÄndringsdatum(product, Förändringsdatum_, Idag_); });
     if (written.setPriceDate) attempt(report_, "Produkt.Prisändrdat", [&] { product.set(Prisändrdat_, Idag_); });
-    return attempt(report_, "Produkt", [&] {
-        product.update();
-        if (newProduct) product.moveToModified();
+    const bool added = newProduct;
+    const bool saved = attempt(report_, "Produkt", [&] {
+        try {
+            product.update();
+            if (newProduct) product.moveToModified();
+        } catch (const PlatformError& error) {
+            const bool duplicate = newProduct && error.number() == errors::kDuplicateKey && !error.endsRun();
+            if (!duplicate || matcher_.match(entries).outcome != Outcome::Edit) throw;
+            newProduct = false;
+        }
     });
+    return added && !newProduct ? saveProduct(newProduct, entries, discount) : saved;
 }
 
 void RecordImport::completeNewProduct() {

@@ -41,7 +41,7 @@ class RecordImport {
     [[nodiscard]] bool write(const ProductMatch& match, const EntryList& entries);
     bool importProduct(const ProductMatch& match, const EntryList& entries);
     bool importPriceListOnly(const ProductMatch& match, const EntryList& entries);
-    [[nodiscard]] bool saveProduct(bool newProduct, const EntryList& entries, std::optional<double>& discount);
+    [[nodiscard]] bool saveProduct(bool& newProduct, const EntryList& entries, std::optional<double>& discount);
     void completeNewProduct();
     void takeProductNumber();
 

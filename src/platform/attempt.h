@@ -22,6 +22,17 @@ class PassedOverSilently final : public PassedOver {
     void note(std::string_view /*what*/, const PlatformError& /*error*/) override {}
 };
 
+/// Searches for a row and adds it when it is not there: once more when somebody else has added it between the two.
+template <typename Statement>
+void searchAgainOnDuplicate(Statement&& statement) {
+    try {
+        statement();
+    } catch (const PlatformError& error) {
+        if (error.number() != errors::kDuplicateKey || error.endsRun()) throw;
+        statement();
+    }
+}
+
 /// Runs one statement in continue-on-error mode: a PlatformError is noted and passed over, unless it ends the run.
 /// Anything else (a fault of ours) travels on. Work the value out first and assign last, so that a failure leaves
 /// everything as it was. Returns whether the statement succeeded.

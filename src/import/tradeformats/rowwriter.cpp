@@ -22,6 +22,8 @@ Column RowWriter::columnAt(int ordinal) const {
 
 RowWriter::Row RowWriter::editOrAdd(Keys keys) {
     Row row = Row::Unreachable;
+    searched_ = keys;
+    written_.clear();
     attempt(passedOver_, search_, [&] {
         if (sql_.SQLSökIngenTräff(rows_, "=", keys)) {
             rows_->addNew();
@@ -31,11 +33,15 @@ RowWriter::Row RowWriter::editOrAdd(Keys keys) {
             row = Row::Existing;
         }
     });
+    added_ = row == Row::New;
     return row;
 }
 
 void RowWriter::set(const Column& column, Value value) {
-    attempt(passedOver_, column.statement, [&] { rows_->set(column.ordinal, std::move(value)); });
+    attempt(passedOver_, column.statement, [&] {
+        rows_->set(column.ordinal, value);
+        if (added_) written_.emplace_back(column.ordinal, std::move(value));
+    });
 }
 
 void RowWriter::write(const Column& column, const std::optional<Date>& date) {
@@ -49,7 +55,22 @@ double RowWriter::number(const Column& column) {
 }
 
 bool RowWriter::save() {
-    return attempt(passedOver_, save_, [&] { rows_->update(); });
+    return attempt(passedOver_, save_, [&] {
+        try {
+            rows_->update();
+        } catch (const PlatformError& error) {
+            const bool duplicate = added_ && error.number() == errors::kDuplicateKey && !error.endsRun();
+            if (!duplicate || sql_.SQLSökIngenTräff(rows_, "=", searched_)) throw;
+            writeIntoExisting();
+        }
+    });
+}
+
+/// Another run has added the row since it was searched for.
+void RowWriter::writeIntoExisting() {
+    rows_->edit();
+    for (const auto& [column, value] : written_) rows_->set(column, value);
+    rows_->update();
 }
 
 }  // namespace kolmera

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "db/sqllayer.h"
 #include "import/seekkeys.h"
@@ -52,6 +54,7 @@ class RowWriter {
   private:
     Row editOrAdd(Keys keys);
     void set(const Column& column, Value value);
+    void writeIntoExisting();
 
     SqlLayer& sql_;
     PassedOver& passedOver_;
@@ -59,6 +62,9 @@ class RowWriter {
     std::string search_, save_;  ///< statements
     std::unique_ptr<Recordset> rows_;
     SeekKeys keys_;
+    Keys searched_;                               ///< of the row at hand, in `keys_`
+    bool added_ = false;                          ///< it is new
+    std::vector<std::pair<int, Value>> written_;  ///< into a new row
 };
 
 }  // namespace kolmera
