@@ -84,7 +84,8 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
         const CopyResult result = copyCompany(*source, *target, [&] { return !port.cancelled(); });
         return tell(session, arguments, result, surroundings);
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' ' << session.text(isOfARow(error) ? 668 : 269, arguments.to) << ' '
+        surroundings.err << session.text(250) << ' '
+                         << (isOfARow(error) ? session.text(668, arguments.to) : session.text(269, arguments.to)) << ' '
                          << errorText(session.texts, error) << '\n';
         return port.cancelled() ? exitcode::kCancelled : exitcode::kStopped;
     }
