@@ -6,10 +6,11 @@
 
 #include "cli/democompany.h"
 #include "cli/session.h"
+#include "definitions/datafolder.h"
 #include "lang/errortext.h"
 #include "platform/descriptor.h"
 #include "platform/error.h"
-#include "startup/datafolder.h"
+#include "startup/newcompany.h"
 
 namespace kolmera::cli {
 namespace fs = std::filesystem;

@@ -5,8 +5,8 @@
 
 #include "cli/climachine.h"
 #include "platform/tsv.h"
-#include "startup/datafolder.h"
 #include "startup/inifile.h"
+#include "startup/newcompany.h"
 
 namespace kolmera::test {
 namespace {

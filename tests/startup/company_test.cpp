@@ -2,7 +2,7 @@
 
 #include "db/companyschema.h"
 #include "startup/companyfile.h"
-#include "startup/datafolder.h"
+#include "startup/newcompany.h"
 #include "startup/passwordfile.h"
 #include "startworld.h"
 

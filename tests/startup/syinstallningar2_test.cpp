@@ -1,6 +1,6 @@
 #include "startup/syinstallningar2.h"
 
-#include "startup/datafolder.h"
+#include "startup/newcompany.h"
 #include "startworld.h"
 
 namespace kolmera::test {

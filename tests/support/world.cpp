@@ -9,9 +9,10 @@
 #include "db/conversions.h"
 #include "db/serverregister.h"
 #include "definitions/couplingfile.h"
+#include "definitions/datafolder.h"
 #include "import/dispatcher.h"
 #include "platform/encodings.h"
-#include "startup/datafolder.h"
+#include "startup/newcompany.h"
 #include "support/testserver.h"
 
 namespace kolmera::test {

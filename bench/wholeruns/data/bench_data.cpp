@@ -5,7 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "startup/datafolder.h"
+#include "definitions/datafolder.h"
+#include "startup/newcompany.h"
 #include "wholeruns/data/company.h"
 #include "wholeruns/data/jobs.h"
 #include "wholeruns/data/pricefiles.h"

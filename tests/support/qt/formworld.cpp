@@ -10,7 +10,8 @@
 #include <QTimer>
 
 #include "cli/democompany.h"
-#include "startup/datafolder.h"
+#include "definitions/datafolder.h"
+#include "startup/newcompany.h"
 #include "ui/qttext.h"
 
 namespace kolmera::test {

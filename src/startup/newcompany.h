@@ -9,10 +9,6 @@ namespace kolmera {
 /// The company file that a new data folder's settings and jobs name.
 inline constexpr std::string_view kFirstCompany = "FTG1.mdb";
 
-/// Makes a data folder with the suite's files: the settings and the company register, the job list with the three
-/// trade-format jobs, and empty definition files. What is already there stays as it is. Throws PlatformError.
-void createDataFolder(const std::filesystem::path& folder);
-
 /// Makes the database of a new company in the data folder: all tables, and one row of settings with the company's name
 /// and prices of two decimals. `password` (up to 10 characters) also goes into DVDefLog.bin. Throws PlatformError, also
 /// when the file exists; nothing is left behind then.

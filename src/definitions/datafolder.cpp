@@ -1,17 +1,15 @@
-#include "startup/datafolder.h"
+#include "definitions/datafolder.h"
 
 #include <fcntl.h>
 
 #include <system_error>
 
-#include "db/companyschema.h"
 #include "definitions/jobfile.h"
 #include "platform/descriptor.h"
-#include "platform/engine/database.h"
 #include "platform/error.h"
 #include "platform/paths.h"
 #include "startup/inifile.h"
-#include "startup/passwordfile.h"
+#include "startup/newcompany.h"
 
 namespace kolmera {
 
@@ -44,18 +42,6 @@ void ensureSettings(const std::filesystem::path& folder) {
     writeIniValues(file, 1, kIniLines);
 }
 
-void writeFirstRows(const std::filesystem::path& file, std::string_view companyName, const std::string& password) {
-    OpenOptions openOptions;
-    openOptions.password = password;
-    const std::unique_ptr<Database> database = openFileDatabase(file, openOptions);
-    for (const NewCompanyRow& row : newCompanyRows(companyName)) {
-        const auto records = database->open(row.table, RecordsetType::Table);
-        records->addNew();
-        for (const auto& [column, value] : row.values) records->set(column, value);
-        records->update();
-    }
-}
-
 }  // namespace
 
 void createDataFolder(const std::filesystem::path& folder) {
@@ -66,20 +52,6 @@ void createDataFolder(const std::filesystem::path& folder) {
     ensureSettings(folder);
     for (const char* name : kEmptyFiles) ensureFile(folder, name);
     JobFile(folder).addTradeJobs(kFirstCompany);
-}
-
-void createCompany(const std::filesystem::path& folder, std::string_view fileName, std::string_view companyName,
-                   const std::string& password) {
-    const std::filesystem::path file = findWithoutCase(folder, std::string(fileName));
-    createFileDatabase(file, companySchema(), password);
-    try {
-        writeFirstRows(file, companyName, password);
-        if (!password.empty()) PasswordFile(folder).save(fileName, password);
-    } catch (const PlatformError&) {
-        std::error_code ignored;
-        std::filesystem::remove(file, ignored);
-        throw;
-    }
 }
 
 }  // namespace kolmera
