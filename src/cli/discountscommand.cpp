@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <ostream>
 #include <utility>
@@ -85,15 +86,16 @@ bool LetterCommand::waitForLock() {
 }
 
 std::optional<std::string> LetterCommand::companyDatabase() {
-    const std::vector<std::string> rows = companyRows(companies_, session_.state.dataFolder());
-    const std::vector<std::string> databases = databasesOf(rows);
+    const std::vector<Company> companies = companyList(companies_, session_.state.dataFolder());
     const bool named = !arguments_.company.empty();
     const std::string_view wanted = named ? arguments_.company : session_.state.StandardFöretag;
-    if (auto database = databaseNamed(rows, wanted)) return database;
-    if (!named && databases.size() == 1) return databases.front();
-    stop(named          ? session_.text(313, arguments_.company)
-         : rows.empty() ? session_.text(252, session_.state.dataFolder().string())
-                        : session_.text(314, fmt::format("{}", fmt::join(databases, ", "))));
+    if (auto database = databaseNamed(companies, wanted)) return database;
+    if (!named && companies.size() == 1) return companies.front().database;
+    std::vector<std::string> databases;
+    std::ranges::transform(companies, std::back_inserter(databases), &Company::database);
+    stop(named               ? session_.text(313, arguments_.company)
+         : companies.empty() ? session_.text(252, session_.state.dataFolder().string())
+                             : session_.text(314, fmt::format("{}", fmt::join(databases, ", "))));
     return std::nullopt;
 }
 

@@ -11,8 +11,6 @@
 #include "platform/attempt.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
-#include "startup/companylist.h"
-#include "ui/rules/listrows.h"
 
 namespace kolmera {
 namespace {
@@ -28,13 +26,6 @@ constexpr int kCaption = 2, kCouplingCaption = 10, kNoHeading = 15, kNoSample = 
 
 bool empty(const std::string& text) { return trimmed(text).empty(); }
 
-/// What a row of the company list says of its company beside the database name.
-std::string companyName(std::string_view row) {
-    const auto tab = row.find('\t');
-    const std::string_view front = trimmed(row.substr(0, tab));
-    return std::string(codeOfRow(row) == front ? trimmed(row.substr(tab + 1)) : front);
-}
-
 }  // namespace
 
 JobEditor::JobEditor(StartState& state, LanguageTexts& texts, MessageBoxes& boxes, CompanyRegister& companies)
@@ -44,7 +35,7 @@ JobEditor::~JobEditor() { closeCompany(); }
 
 void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
     tradeFormat_ = ÄrStandardJobb;
-    companyRows_ = companyRows(register_, state_.dataFolder());
+    companies_ = companyList(register_, state_.dataFolder());
     PassedOverSilently passedOver;
     attempt(passedOver, "KOLMERA.TXT", [&] { shown_ = JobFile(state_.dataFolder()).read(JobbNr); });
     job = shown_.value_or(Job{});
@@ -54,7 +45,7 @@ void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
         const auto mask = std::ranges::find(masks_, job.mask, &Mask::Namn);
         maskRow_ = mask == masks_.end() ? -1 : static_cast<int>(mask - masks_.begin());
     }
-    const int row = rowOfCode(companyRows_, job.company.empty() ? state_.StandardFöretag : job.company);
+    const int row = placeOfDatabase(companies_, job.company.empty() ? state_.StandardFöretag : job.company);
     if (row >= 0) chooseCompany(row);
     begun_ = job;
     begunMask_ = chosenMaskName();
@@ -76,9 +67,7 @@ std::filesystem::path JobEditor::fileFolder() const {
 
 bool JobEditor::chooseCompany(int row) {
     companyRow_ = row;
-    const std::string& company = companyRows_.at(static_cast<std::size_t>(row));
-    companyName_ = companyName(company);
-    job.company = codeOfRow(company).value_or("");
+    job.company = companies_.at(static_cast<std::size_t>(row)).database;
     suppliers_.clear();
     headings_.clear();
     closeCompany();
@@ -124,11 +113,11 @@ int JobEditor::headingRow(int number) const {
 
 std::string JobEditor::supplierCaption(std::string_view label) const {
     if (companyRow_ < 0) return std::string(label);
-    return fmt::format("{} {} ({})", label, replaceAll(companyName_, "&", "&&"), properCase(job.company));
+    return fmt::format("{} {} ({})", label, replaceAll(companyName(), "&", "&&"), properCase(job.company));
 }
 
 std::string JobEditor::couplingCaption() const {
-    const std::string company = companyRow_ < 0 ? "Dorvik" : companyName_;
+    const std::string company = companyRow_ < 0 ? "Dorvik" : companyName();
     return texts_.FormulärSträngMed1(kForm, kCouplingCaption, job.name) + company;
 }
 

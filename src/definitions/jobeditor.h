@@ -9,7 +9,7 @@
 #include "definitions/jobfile.h"
 #include "definitions/maskfile.h"
 #include "definitions/supplierlist.h"
-#include "startup/company.h"
+#include "startup/companylist.h"
 
 namespace kolmera {
 
@@ -41,7 +41,7 @@ class JobEditor {
     [[nodiscard]] std::filesystem::path fileFolder() const;
 
     // Company.
-    [[nodiscard]] const std::vector<std::string>& companies() const { return companyRows_; }
+    [[nodiscard]] const std::vector<Company>& companies() const { return companies_; }
     [[nodiscard]] int chosenCompany() const { return companyRow_; }
     /// Opens the company and reads what the window shows of it. False when it cannot be opened; the user is told.
     bool chooseCompany(int row);
@@ -96,6 +96,9 @@ class JobEditor {
     [[nodiscard]] bool agreesToDelete(const std::string& mask, std::size_t count);
     void tell(const PlatformError& error, int changedElsewhere, const std::string& name);
     void closeCompany();
+    [[nodiscard]] const std::string& companyName() const {
+        return companies_.at(static_cast<std::size_t>(companyRow_)).name;
+    }
 
     StartState& state_;
     LanguageTexts& texts_;
@@ -105,9 +108,8 @@ class JobEditor {
     std::optional<Job> shown_;  ///< as it is stored; none for a new one
     Job begun_;                 ///< as the window first showed it
     std::string begunMask_;
-    std::vector<std::string> companyRows_;
+    std::vector<Company> companies_;
     int companyRow_ = -1;
-    std::string companyName_;
     std::vector<Mask> masks_;
     int maskRow_ = -1;
     std::vector<SupplierRow> suppliers_;

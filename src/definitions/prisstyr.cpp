@@ -231,7 +231,7 @@ void PrisStyr::showJob() {
     kompFilNamn_->setText(toQt(job.command));
     fromGrp_->setText(toQt(job.fromGroup));
     tomGrp_->setText(toQt(job.toGroup));
-    for (const std::string& row : job_.companies()) ftgLista_->addItem(toQt(row));
+    for (const Company& company : job_.companies()) ftgLista_->addItem(toQt(rowOf(company)));
     if (const std::string caption = job_.caption(); !caption.empty()) setWindowTitle(toQt(caption));
 }
 

@@ -12,8 +12,6 @@
 #include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
-#include "startup/companylist.h"
-#include "ui/rules/listrows.h"
 
 namespace kolmera {
 namespace fs = std::filesystem;
@@ -61,13 +59,13 @@ LetterEditor::~LetterEditor() {
 }
 
 void LetterEditor::open(int JobbNr) {
-    companyRows_ = companyRows(register_, state_.dataFolder());
+    companies_ = companyList(register_, state_.dataFolder());
     if (JobbNr < 1) return;
     PassedOverSilently passedOver;
     Job job;
     attempt(passedOver, "KOLMERA.TXT", [&] { job = JobFile(state_.dataFolder()).read(JobbNr).value_or(Job{}); });
     jobsSupplier_ = trimmed(job.supplier);
-    const int row = rowOfCode(companyRows_, job.company);
+    const int row = placeOfDatabase(companies_, job.company);
     if (row >= 0) chooseCompany(row);
 }
 
@@ -117,7 +115,7 @@ void LetterEditor::closeCompany() {
 bool LetterEditor::chooseCompany(int row) {
     closeCompany();
     companyRow_ = row;
-    FtgFil_ = codeOfRow(companyRows_.at(static_cast<std::size_t>(row))).value_or("");
+    FtgFil_ = companies_.at(static_cast<std::size_t>(row)).database;
     {
         const Patience patience(*this);
         if (!register_.ÖppnaDatabas(FtgFil_)) return false;

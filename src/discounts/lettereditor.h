@@ -13,7 +13,7 @@
 #include "definitions/supplierlist.h"
 #include "discounts/letterexchange.h"
 #include "discounts/letterrows.h"
-#include "startup/company.h"
+#include "startup/companylist.h"
 
 namespace kolmera {
 
@@ -37,7 +37,7 @@ class LetterEditor {
     void open(int JobbNr);
 
     // Company and supplier.
-    [[nodiscard]] const std::vector<std::string>& companies() const { return companyRows_; }
+    [[nodiscard]] const std::vector<Company>& companies() const { return companies_; }
     [[nodiscard]] int chosenCompany() const { return companyRow_; }
     /// Opens the company and lists its suppliers; the job's supplier is chosen. False when the company cannot be
     /// opened; the user is told.
@@ -108,7 +108,7 @@ class LetterEditor {
     LanguageTexts& texts_;
     MessageBoxes& boxes_;
     CompanyRegister& register_;
-    std::vector<std::string> companyRows_;
+    std::vector<Company> companies_;
     int companyRow_ = -1;
     std::string FtgFil_;        ///< database of the chosen company
     std::string jobsSupplier_;  ///< chosen when its company is

@@ -84,7 +84,7 @@ PrisRab::PrisRab(Program& program, int JobbNr, QWidget* parent)
     connectKeys();
     connectWaiting();
     letters_.open(JobbNr);
-    for (const std::string& row : letters_.companies()) ftgLista_->addItem(toQt(row));
+    for (const Company& company : letters_.companies()) ftgLista_->addItem(toQt(rowOf(company)));
     selectRow(*ftgLista_, letters_.chosenCompany());
     showing_ = false;
     presentCompany();

@@ -4,33 +4,49 @@
 #include <iterator>
 
 #include "platform/lettercase.h"
-#include "ui/rules/listrows.h"
 
 namespace kolmera {
 namespace {
 
-std::string databaseOf(std::string_view row) { return std::string(codeOfRow(row).value_or("")); }
+bool onServer(std::string_view database) { return SqlLayer::ÄrSQLDatabas(upperCase(database)); }
 
 }  // namespace
 
-std::vector<std::string> companyRows(CompanyRegister& companies, const std::filesystem::path& dataFolder) {
+std::vector<Company> companyList(CompanyRegister& companies, const std::filesystem::path& dataFolder) {
     std::vector<std::string> rows = companies.FyllFöretagsLista();
     std::ranges::move(SqlLayer::SQLServerLista(dataFolder), std::back_inserter(rows));
-    return rows;
+    std::vector<Company> list;
+    std::ranges::transform(rows, std::back_inserter(list), companyOfRow);
+    return list;
 }
 
-std::vector<std::string> databasesOf(const std::vector<std::string>& rows) {
-    std::vector<std::string> databases(rows.size());
-    std::ranges::transform(rows, databases.begin(), databaseOf);
-    return databases;
+Company companyOfRow(std::string_view row) {
+    const std::size_t tab = std::min(row.find('\t'), row.size());
+    const std::string front(trimmed(row.substr(0, tab)));
+    const std::string behind(trimmed(row.substr(std::min(tab + 1, row.size()))));
+    return onServer(front) ? Company{behind, front} : Company{front, behind};
 }
 
-std::optional<std::string> databaseNamed(const std::vector<std::string>& rows, std::string_view name) {
+std::string rowOf(const Company& company) {
+    return onServer(company.database) ? company.database + '\t' + company.name : company.name + '\t' + company.database;
+}
+
+int placeOfDatabase(const std::vector<Company>& companies, std::string_view database) {
+    const auto found = std::ranges::find_if(companies, [database = trimmed(database)](const Company& company) {
+        return equalNoCase(company.database, database);
+    });
+    return found == companies.end() ? -1 : static_cast<int>(found - companies.begin());
+}
+
+std::optional<std::string> databaseNamed(const std::vector<Company>& companies, std::string_view name) {
     if (trimmed(name).empty()) return std::nullopt;
-    if (const int row = rowOfCode(rows, name); row >= 0) return databaseOf(rows[static_cast<std::size_t>(row)]);
-    const auto found = std::ranges::find_if(
-        rows, [name](std::string_view row) { return equalNoCase(trimmed(row.substr(0, row.find('\t'))), name); });
-    return found == rows.end() ? std::nullopt : std::optional(databaseOf(*found));
+    if (const int place = placeOfDatabase(companies, name); place >= 0) {
+        return companies[static_cast<std::size_t>(place)].database;
+    }
+    const auto found = std::ranges::find_if(companies, [name](const Company& company) {
+        return equalNoCase(company.name, name) && !onServer(company.database);
+    });
+    return found == companies.end() ? std::nullopt : std::optional(found->database);
 }
 
 }  // namespace kolmera
