@@ -75,8 +75,6 @@ int run(KolmeraApplication& application) {
     if (signInCancelled) return 0;
     translateWindowSystem(application, texts);
 
-    cRegTool registry(state.settings);
-    program.theme = InitXP(DesktopFacts{}, registry);
     openWindowsOfOthers(program);
     PrisMain prisMain(program);
     if (!VisaFormulär(program, prisMain, false)) return 1;

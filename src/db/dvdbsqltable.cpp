@@ -1,7 +1,7 @@
 #include "db/dvdbsqltable.h"
 
 #include "db/conversions.h"
-#include "db/recordsets.h"
+#include "platform/attempt.h"
 
 namespace kolmera {
 
@@ -26,21 +26,8 @@ void ClsDVDBSQLTable::StrIndex(std::string_view StrNewIndex) {
     }
 }
 
-void ClsDVDBSQLTable::SQLCloseRs() {
-    if (sql_.ÄrSQLFöretag) StängPost(Rs);
-}
-
-std::string ClsDVDBSQLTable::seekStatement(std::string_view comparison, Keys keys) {
-    std::string statement =
-        " SELECT " + (StrSpecKolumner.empty() ? "*" : StrSpecKolumner) + " FROM " + table_ + " WHERE ";
-    if (BoolUseVarKey1OneString) {
-        const std::string key = keys.empty() ? std::string() : TillText(keys.front(), sql_.locale());
-        statement += sortColumns_ + " = " + SqlLayer::SQLText(key);
-    } else {
-        statement += sql_.SQLVillkor(table_, comparison, sortColumns_, keys);
-    }
-    if (BoolUseOrderBy) statement += " ORDER BY " + sortColumns_;
-    return statement;
+std::string ClsDVDBSQLTable::selection() const {
+    return " SELECT " + (StrSpecKolumner.empty() ? "*" : StrSpecKolumner) + " FROM " + table_ + " WHERE ";
 }
 
 void ClsDVDBSQLTable::SQLSeek(std::string_view StrComparison, Keys keys) {
@@ -49,11 +36,9 @@ void ClsDVDBSQLTable::SQLSeek(std::string_view StrComparison, Keys keys) {
         BoolNoMatch = Rs->noMatch();
         return;
     }
-    const std::string statement = seekStatement(StrComparison, keys);
-    Rs = BoolUseSQLPassThrough ? sql_.SQLÖppnaDirekt(statement, RecordsetType::Dynaset, options_)
-                               : sql_.SQLÖppnaRs(statement, RecordsetType::Dynaset, options_);
+    Rs = sql_.SQLÖppnaRs(selection() + sql_.SQLVillkor(table_, StrComparison, sortColumns_, keys),
+                         RecordsetType::Dynaset, options_);
     BoolNoMatch = Rs->recordCount() == 0;
-    if (BoolUseSQLPassThrough && BoolUsePopCursor && !BoolNoMatch) sql_.SQLFyllRs(*Rs);
 }
 
 std::string ClsDVDBSQLTable::TxtFmtRs(std::string_view StrF) {
@@ -67,13 +52,5 @@ std::string ClsDVDBSQLTable::TxtFmtRsInt(std::int16_t IntPosition) {
     const Value& value = recordset().value(IntPosition);
     return TillText(value, Rs->fields()[static_cast<std::size_t>(IntPosition)].type, sql_.locale());
 }
-
-double ClsDVDBSQLTable::NumVRs(std::string_view StrF) { return TillDbl(recordset().value(StrF), sql_.locale()); }
-
-double ClsDVDBSQLTable::NumVRsInt(std::int16_t IntPosition) {
-    return TillDbl(recordset().value(IntPosition), sql_.locale());
-}
-
-float ClsDVDBSQLTable::NumSRs(std::string_view StrF) { return TillSng(recordset().value(StrF), sql_.locale()); }
 
 }  // namespace kolmera

@@ -141,12 +141,6 @@ std::unique_ptr<Recordset> SqlLayer::SQLÖppnaRs(std::string_view source, Record
     return database().open(source, type, options);
 }
 
-std::unique_ptr<Recordset> SqlLayer::SQLÖppnaDirekt(std::string_view statement, RecordsetType type,
-                                                    std::int32_t options) {
-    if (ÄrSQLFöretag) options |= options::kPassThrough;
-    return database().open(statement, type, options);
-}
-
 std::unique_ptr<Recordset> SqlLayer::SQLÖppnaTabell(std::string_view table, std::string_view index,
                                                     std::int32_t options, bool ordered) {
     if (ÄrSQLFöretag && ordered) {
@@ -192,12 +186,6 @@ std::string SqlLayer::SQLIndexKolumner(std::string_view table, std::string_view 
     if (equalNoCase(index, "PrimaryKey")) return "ID";
     const std::string fields = indexFields(table, index);
     return replaceAll(replaceAll(fields, "+", ""), ";", kColumnSeparator);
-}
-
-void SqlLayer::SQLFyllRs(Recordset& recordset) {
-    if (!ÄrSQLFöretag || recordset.recordCount() == 0) return;
-    recordset.moveLast();
-    recordset.moveFirst();
 }
 
 // Seeking.

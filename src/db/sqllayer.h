@@ -55,15 +55,12 @@ class SqlLayer {
 
     // Opening recordsets on FtgDB; the engine's errors reach the caller.
     std::unique_ptr<Recordset> SQLÖppnaRs(std::string_view source, RecordsetType type, std::int32_t options = 0);
-    std::unique_ptr<Recordset> SQLÖppnaDirekt(std::string_view statement, RecordsetType type, std::int32_t options = 0);
     std::unique_ptr<Recordset> SQLÖppnaTabell(std::string_view table, std::string_view index, std::int32_t options,
                                               bool ordered);
     void SQLSättIndex(Recordset& recordset, std::string_view index);
     std::string SQLIndexSortering(const Recordset& recordset, std::string_view index);
     /// The index's columns joined by ", "; "PrimaryKey" is "ID" unseen. Empty when there is no such table or index.
     std::string SQLIndexKolumner(std::string_view table, std::string_view index);
-    /// Server mode: visits the last record, so that the record count is true, and goes back to the first.
-    void SQLFyllRs(Recordset& recordset);
 
     // Seeking.
     /// Errors are noted, not raised; test `noMatch` afterwards.

@@ -22,6 +22,7 @@ ProductMatcher::ProductMatcher(const LoadedMask& mask, std::string_view jobSuppl
         alternatives_ = sql.SQLÖppnaTabell("Prodaltprodnr", "Alternativnr", options::kReadOnly, false);
     }
     if (mask.UppdatLev && mask.keyTarget == target::kLevartikelnr) {
+        priceList_.StrSpecKolumner = "Produktnr";
         priceList_.OpenRs("Levprislista", options::kReadOnly);
         priceList_.StrIndex("Levartikelnr");
     }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "lang/wordtable.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "platform/paths.h"
@@ -13,10 +12,6 @@
 namespace kolmera {
 
 namespace {
-
-// Messages that are read once, at start-up.
-constexpr int kStartMessages[] = {5000, 5001, 1344, 1345, 1346, 1354, 1355, 5501, 5502, 5503, 5504, 5505,
-                                  5601, 5602, 5603, 5604, 5605, 5606, 5607, 5608, 5609, 5610, 5611};
 
 std::string messageKey(int number) { return "RES_" + std::to_string(number); }
 
@@ -64,12 +59,7 @@ void LanguageTexts::StängSpråk() {
 
 std::string LanguageTexts::NormaliseraSpråk(std::string_view code) { return code == "EN" ? "EN" : "SE"; }
 
-void LanguageTexts::InitSpråkOrd(std::string_view languageCode) {
-    language_ = NormaliseraSpråk(languageCode);
-    words_ = wordTable(language_);
-    startMessages_.clear();
-    for (const int number : kStartMessages) startMessages_[number] = ResText(number);
-}
+void LanguageTexts::InitSpråkOrd(std::string_view languageCode) { language_ = NormaliseraSpråk(languageCode); }
 
 std::optional<std::string> LanguageTexts::storedText(std::string_view key) {
     std::optional<std::string> text;
@@ -129,13 +119,6 @@ std::string LanguageTexts::AvkodaPlatshållare(std::string_view text) {
     std::string decoded(text);
     for (const auto& [marker, sign] : kMarkers) decoded = replaceAll(decoded, marker, sign);
     return decoded;
-}
-
-const std::string& LanguageTexts::Ordtabell(int entry) const { return words_.at(static_cast<std::size_t>(entry)); }
-
-std::string LanguageTexts::startMessage(int number) const {
-    const auto found = startMessages_.find(number);
-    return found == startMessages_.end() ? std::string() : found->second;
 }
 
 }  // namespace kolmera

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <array>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -45,18 +43,11 @@ class LanguageTexts {
     [[nodiscard]] std::string RegisterText(std::string_view registerName, int number);
     [[nodiscard]] static std::string AvkodaPlatshållare(std::string_view text);
 
-    /// The built-in word table, entries 1 to 48; blanks at the ends belong to the words.
-    [[nodiscard]] const std::string& Ordtabell(int entry) const;
-    /// One of the messages that are read once, by InitSpråkOrd (RES_5000, RES_5501 ...); empty for any other number.
-    [[nodiscard]] std::string startMessage(int number) const;
-
   private:
     std::string language_ = "SE";
     std::unique_ptr<Database> database_;
     std::unique_ptr<Recordset> lang_;
     std::span<const std::string_view> fallback_;
-    std::array<std::string, 49> words_;
-    std::map<int, std::string> startMessages_;
 };
 
 /// Writes DVLang.sys from a table of texts (key TAB SE TAB EN, header line, "#" comments). Throws PlatformError.

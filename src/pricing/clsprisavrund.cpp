@@ -5,7 +5,6 @@
 #include "db/conversions.h"
 #include "platform/lettercase.h"
 #include "pricing/rounding.h"
-#include "startup/syinstallningar2.h"
 
 namespace kolmera {
 namespace {
@@ -33,7 +32,8 @@ struct FlagSetting {
 
 constexpr FlagSetting kFlags[] = {{"PUtprisFaktorTG", &ClsPrisAvrund::BoolPUtprisFaktorTG},
                                   {"PAutoUppdatUtpris", &ClsPrisAvrund::BoolPAutoUppdatUtpris},
-                                  {"PAutoUppdatValuta", &ClsPrisAvrund::BoolPAutoUppdatValuta}};
+                                  {"PAutoUppdatValuta", &ClsPrisAvrund::BoolPAutoUppdatValuta},
+                                  {"PFaktorValuta", &ClsPrisAvrund::BoolPFaktorValuta}};
 
 constexpr bool isPriceList(int index) { return index >= 1 && index <= kPriceLists; }
 
@@ -45,7 +45,8 @@ std::optional<int> listOf(std::string_view code) {
 
 }  // namespace
 
-ClsPrisAvrund::ClsPrisAvrund(SqlLayer& sql, PassedOver& passedOver) : sql_(sql), passedOver_(passedOver) {}
+ClsPrisAvrund::ClsPrisAvrund(SqlLayer& sql, PassedOver& passedOver)
+    : sql_(sql), passedOver_(passedOver), vatRates_(sql, passedOver) {}
 
 // Settings.
 
@@ -61,32 +62,14 @@ void ClsPrisAvrund::InitInstRS(Recordset& DsetInställningar2) {
     for (const FlagSetting& row : kFlags) {
         load(row.column, [&](const Value& value) { this->*row.flag = TillBool(value, locale); });
     }
-    load("PFaktorValuta", [&](const Value& value) { faktorValuta_ = TillBool(value, locale); });
-    load("PNoAvrundPLBM", [&](const Value& value) { setNoAvrund(TillLng(value, locale)); });
+    load("PNoAvrundPLBM", [&](const Value& value) { PNoAvrundPLBM(TillLng(value, locale)); });
 }
 
-void ClsPrisAvrund::InitInstOBJ(ClsSyInställningar_2& ObjSyInställningar_2) {
-    for (const TextSetting& row : kTexts) (this->*row.write)(ObjSyInställningar_2.TxtVal(row.column));
-    UppdateraNumValues();
-    for (const FlagSetting& row : kFlags) this->*row.flag = ObjSyInställningar_2.BoolVal(row.column);
-    faktorValuta_ = ObjSyInställningar_2.BoolVal("PFaktorValuta");
-    setNoAvrund(ObjSyInställningar_2.LngVal("PNoAvrundPLBM"));
-}
-
-void ClsPrisAvrund::setNoAvrund(std::int32_t PNoAvrundPLBM) {
-    for (int index = 1; index <= kPriceLists; ++index) list(index).noAvrund = (PNoAvrundPLBM & (1 << index)) != 0;
+void ClsPrisAvrund::PNoAvrundPLBM(std::int32_t New_PNoAvrundPLBM) {
+    for (int index = 1; index <= kPriceLists; ++index) list(index).noAvrund = (New_PNoAvrundPLBM & (1 << index)) != 0;
 }
 
 // Rounding.
-
-std::string ClsPrisAvrund::StrInställning() const {
-    std::string text;
-    for (const Range& each : ranges_) {
-        if (&each != &ranges_.front()) text += kLineEnd;
-        text.append(each.from).append(kLineEnd).append(each.to);
-    }
-    return text;
-}
 
 void ClsPrisAvrund::StrInställning(std::string_view New_StrInställning) {
     std::vector<std::string> lines = split(New_StrInställning, kLineEnd);
@@ -102,16 +85,6 @@ void ClsPrisAvrund::UppdateraNumValues() {
         each.fromNum = numeric(each.from);
         each.toNum = numeric(each.to);
     }
-}
-
-void ClsPrisAvrund::StrFrom(int Index, std::string_view New_StrFrom) {
-    range(Index).from = New_StrFrom;
-    range(Index).fromNum = numeric(New_StrFrom);
-}
-
-void ClsPrisAvrund::StrTom(int Index, std::string_view New_StrTom) {
-    range(Index).to = New_StrTom;
-    range(Index).toNum = numeric(New_StrTom);
 }
 
 double ClsPrisAvrund::numeric(std::string_view text) const { return sql_.locale().parseNumber(text).value_or(0); }
@@ -140,28 +113,6 @@ double ClsPrisAvrund::UtförAvrundning(double DblPris, std::uint8_t StdDecimaler
         default:
             return roundDecimals(DblPris, StdDecimaler);
     }
-}
-
-/// The rate of a VAT code in per cent; nothing for codes other than 1 to 3. The rates are read once.
-std::optional<double> ClsPrisAvrund::vatRate(int momskod) {
-    constexpr std::array<std::string_view, 3> kColumns = {"1OMomsproc", "2OMomsproc", "3OMomsproc"};
-    if (momskod < 1 || momskod > static_cast<int>(kColumns.size())) return std::nullopt;
-    if (!vatRates_) {
-        vatRates_.emplace();
-        attempt(passedOver_, "open Syinställningar", [this, &kColumns] {
-            const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
-            for (std::size_t place = 0; place < kColumns.size(); ++place) {
-                attempt(passedOver_, kColumns[place],
-                        [&] { (*vatRates_)[place] = TillDbl(settings->value(kColumns[place]), sql_.locale()); });
-            }
-        });
-    }
-    return (*vatRates_)[static_cast<std::size_t>(momskod - 1)];
-}
-
-double ClsPrisAvrund::VändMoms(int IntMomskod, double DblPris) {
-    const auto rate = vatRate(IntMomskod);
-    return rate ? DblPris - TBFrånPålägg(DblPris, *rate) : DblPris;
 }
 
 // Coupling.
@@ -211,7 +162,7 @@ bool ClsPrisAvrund::canBeRecomputed(int index) const {
     const std::string& code = kopplaMot_.of(index);
     if (code == kNotCoupled) return false;
     if (CheckFaktorTG(list(index).pålägg, false) || code == kListPlusVat) return true;
-    return !faktorValuta_ && foreign(index);
+    return !BoolPFaktorValuta && foreign(index);
 }
 
 bool ClsPrisAvrund::recompute(int index) {
@@ -245,7 +196,7 @@ double ClsPrisAvrund::homePrice(int index) {
 
 double ClsPrisAvrund::newPrice(int index, double base) {
     if (kopplaMot_.of(index) == kListPlusVat) {
-        const auto rate = vatRate(IntProdMomskod);
+        const auto rate = vatRates_.of(IntProdMomskod);
         return rate ? base * *rate / 100 + base : base;
     }
     const float pålägg = list(index).pålägg;

@@ -11,19 +11,19 @@
 #include "platform/attempt.h"
 #include "pricing/clsvaluta.h"
 #include "pricing/listsetting.h"
+#include "pricing/vatrates.h"
 
 namespace kolmera {
-
-class ClsSyInställningar_2;
 
 /// Ordinals of the product's out prices and markups: this plus the price list (1-9).
 inline constexpr int kUtprisPosition = 23;
 inline constexpr int kPåläggPosition = 32;
 
 /// A company's rules for out prices: rounding by price ranges, and recomputing of the coupled price lists. Order:
-/// construct, `InitInstRS` (or `InitInstOBJ`), then round; to couple a product set `DblIPEfterRabatt`, `DblVägtIP`
+/// construct, `InitInstRS`, then round; to couple a product set `DblIPEfterRabatt`, `DblVägtIP`
 /// and `ByteDecimaler`, call `SetProdukt` and `UtförPriskoppling`, and read `Ändrad` and `Utpris`. A property is read
-/// by its name and written by the same name with the new value. Price lists and indexes count from 1.
+/// by its name and written by the same name with the new value; the price settings of the rest of the suite take them
+/// one by one (`suite/pricesettings`). Price lists and indexes count from 1.
 class ClsPrisAvrund {
   public:
     ClsPrisAvrund(SqlLayer& sql, PassedOver& passedOver);
@@ -33,6 +33,7 @@ class ClsPrisAvrund {
     bool BoolPUtprisFaktorTG = false;    ///< markups are margins, per cent of the out price
     bool BoolPAutoUppdatUtpris = false;  ///< the import recomputes coupled prices
     bool BoolPAutoUppdatValuta = false;
+    bool BoolPFaktorValuta = false;     ///< a markup of 0 is not enough in a foreign currency either
     std::unique_ptr<ClsValuta> Valuta;  ///< made when a price is first converted
     double DblIPEfterRabatt = 0;        ///< in price after discount, home currency
     double DblVägtIP = 0;               ///< weighted in price
@@ -42,34 +43,27 @@ class ClsPrisAvrund {
     /// Loads the settings from the current record of "Syinställningar2"; a column that cannot be read leaves its
     /// member as it was.
     void InitInstRS(Recordset& DsetInställningar2);
-    void InitInstOBJ(ClsSyInställningar_2& ObjSyInställningar_2);
 
     // Rounding.
 
-    /// The ranges as lines "From 1, To 1, ... From 5, To 5", separated by CR LF: always ten when read, at most ten
-    /// taken. Call `UppdateraNumValues` after writing.
-    [[nodiscard]] std::string StrInställning() const;
+    /// The ranges as lines "From 1, To 1, ... From 5, To 5", separated by CR LF: at most ten are taken. Call
+    /// `UppdateraNumValues` after writing.
     void StrInställning(std::string_view New_StrInställning);
     /// The bounds as numbers in the user's locale; what is no number is 0.
     void UppdateraNumValues();
     [[nodiscard]] const std::string& StrFrom(int Index) const { return range(Index).from; }
-    void StrFrom(int Index, std::string_view New_StrFrom);
     [[nodiscard]] const std::string& StrTom(int Index) const { return range(Index).to; }
-    void StrTom(int Index, std::string_view New_StrTom);
     /// Rounds by the first range that contains the price, else to `StdDecimaler` (at most 15) decimals. Price lists
     /// without rounding always get `StdDecimaler`.
     [[nodiscard]] double UtförAvrundning(double DblPris, std::uint8_t StdDecimaler, int IntPLIdx) const;
-    /// The price without the VAT of that code (1-3); unchanged for other codes.
-    [[nodiscard]] double VändMoms(int IntMomskod, double DblPris);
+    /// The price lists that are not rounded by ranges: bit i for list i.
+    void PNoAvrundPLBM(std::int32_t New_PNoAvrundPLBM);
 
     // Coupling.
 
-    [[nodiscard]] std::string StrPUtprisValuta() const { return valutaKod_.write(); }
     void StrPUtprisValuta(std::string_view New_StrPUtprisValuta) { valutaKod_.read(New_StrPUtprisValuta); }
-    [[nodiscard]] std::string StrPUtprisKopplaMot() const { return kopplaMot_.write(); }
     /// Sets `BoolKopplaMotFinns`, too.
     void StrPUtprisKopplaMot(std::string_view New_StrPUtprisKopplaMot);
-    [[nodiscard]] std::string StrPUtprisMomsMot() const { return momsMot_.write(); }
     void StrPUtprisMomsMot(std::string_view New_StrPUtprisMomsMot) { momsMot_.read(New_StrPUtprisMomsMot); }
     [[nodiscard]] const std::string& StrValuta(int Index) const { return valutaKod_.of(Index); }
     void StrValuta(int Index, std::string_view New_StrValuta) { valutaKod_.set(Index, New_StrValuta); }
@@ -109,10 +103,8 @@ class ClsPrisAvrund {
     PriceList& list(int index) { return lists_.at(static_cast<std::size_t>(index - 1)); }
     [[nodiscard]] const PriceList& list(int index) const { return lists_.at(static_cast<std::size_t>(index - 1)); }
 
-    void setNoAvrund(std::int32_t PNoAvrundPLBM);
     [[nodiscard]] double numeric(std::string_view text) const;
     [[nodiscard]] int rangeOf(double price) const;
-    [[nodiscard]] std::optional<double> vatRate(int momskod);
     [[nodiscard]] bool canBeRecomputed(int index) const;
     [[nodiscard]] double baseOf(int index);
     [[nodiscard]] double homePrice(int index);
@@ -128,8 +120,7 @@ class ClsPrisAvrund {
     ListSetting valutaKod_{kHomeCurrency};
     ListSetting kopplaMot_{"I"};
     ListSetting momsMot_{"0"};
-    bool faktorValuta_ = false;  ///< PFaktorValuta: a markup of 0 is not enough in a foreign currency either
-    std::optional<std::array<double, 3>> vatRates_;
+    VatRates vatRates_;
     int momskodOrdinal_ = -1;
 };
 

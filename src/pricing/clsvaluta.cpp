@@ -32,33 +32,6 @@ void ClsValuta::KursOchFaktor(std::string_view StrKod, std::uint8_t Reskontra) {
         Faktor = rates->factor;
     }
     neverZero();
-    DKurs = Kurs;
-}
-
-void ClsValuta::EndastFaktor(std::string_view StrKod, double Valutakurs) {
-    if (StrKod == kHomeCurrency) {
-        Kurs = Valutakurs;
-        Faktor = 1;
-        return;
-    }
-    if (seek(StrKod)) {
-        attempt(passedOver_, "read Syvaluta",
-                [this] { Faktor = TillLng(ValutaTabell->value("Faktor"), sql_.locale()); });
-    }
-    Kurs = Valutakurs;
-    neverZero();
-}
-
-void ClsValuta::FyllCombo(std::vector<std::string>& Cmb) {
-    Cmb.clear();
-    forEachCurrency([&] { Cmb.push_back(TillText(ValutaTabell->value(kCodeColumn), sql_.locale())); });
-}
-
-void ClsValuta::ValutaKonto(std::string_view StrKey) {
-    Konto = 0;
-    if (!seek(StrKey)) return;
-    attempt(passedOver_, "read Syvaluta",
-            [this] { Konto = static_cast<std::int16_t>(TillLng(ValutaTabell->value("Valutakonto"), sql_.locale())); });
 }
 
 void ClsValuta::InitSQLCashe() {
@@ -109,8 +82,7 @@ const ClsValuta::Rates* ClsValuta::lookUp(std::string_view code) {
     return known->found ? &*known : nullptr;
 }
 
-template <typename Visit>
-bool ClsValuta::forEachCurrency(Visit&& visit) {
+bool ClsValuta::forEachCurrency(const std::function<void()>& visit) {
     if (!ValutaTabell) return false;
     return attempt(passedOver_, "read Syvaluta", [&] {
         if (ValutaTabell->bof() && ValutaTabell->eof()) return;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -27,19 +28,20 @@ class ClsValuta {
 
     double Kurs = 1.0;
     std::int32_t Faktor = 1;
-    std::int16_t Konto = 0;
-    double DKurs = 0;
     std::unique_ptr<Recordset> ValutaTabell;  ///< "Syvaluta"; none when it could not be opened
 
     void KursOchFaktor(std::string_view StrKod, std::uint8_t Reskontra);
-    /// `Faktor` of the currency, `Kurs` as given.
-    void EndastFaktor(std::string_view StrKod, double Valutakurs);
-    /// Replaces the entries of a selection list by all currency codes, in table order.
-    void FyllCombo(std::vector<std::string>& Cmb);
-    /// `Konto` := the ledger account of the currency, 0 when it is unknown.
-    void ValutaKonto(std::string_view StrKey);
     /// On a server: reads the whole table once; later look-ups use this copy, which is not refreshed.
     void InitSQLCashe();
+
+  protected:
+    bool seek(std::string_view code);
+    /// Visits every record of the table, if it is open; whether all could be read.
+    bool forEachCurrency(const std::function<void()>& visit);
+    void neverZero();
+
+    SqlLayer& sql_;
+    PassedOver& passedOver_;
 
   private:
     struct Rates {
@@ -49,15 +51,9 @@ class ClsValuta {
         bool found = true;
     };
 
-    bool seek(std::string_view code);
     Rates readCurrent();
     const Rates* lookUp(std::string_view code);
-    template <typename Visit>
-    bool forEachCurrency(Visit&& visit);
-    void neverZero();
 
-    SqlLayer& sql_;
-    PassedOver& passedOver_;
     bool cacheOn_ = false;
     std::vector<Rates> cache_;       ///< codes in upper case
     std::vector<Rates> remembered_;  ///< look-ups done while the table carried `stamp_`

@@ -28,15 +28,4 @@ void ListSetting::read(std::string_view setting) {
     }
 }
 
-std::string ListSetting::write() const {
-    std::string setting;
-    for (int list = 1; list <= kPriceLists; ++list) {
-        const std::string& text = of(list);
-        if (text.empty() || text == standard_) continue;
-        if (!setting.empty()) setting += ';';
-        setting += std::to_string(list) + "=" + text;
-    }
-    return setting;
-}
-
 }  // namespace kolmera

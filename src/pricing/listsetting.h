@@ -16,8 +16,6 @@ class ListSetting {
 
     /// Replaces all nine texts; of several entries for one list the first counts.
     void read(std::string_view setting);
-    /// The entries that are not empty and differ from the standard, in list order.
-    [[nodiscard]] std::string write() const;
 
     [[nodiscard]] const std::string& of(int list) const { return texts_.at(place(list)); }
     void set(int list, std::string_view text) { texts_.at(place(list)) = text; }

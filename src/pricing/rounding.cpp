@@ -13,8 +13,6 @@ double AvrundaHalvor(double x) {
 
 bool NästanLika(double a, double b) { return b + 0.001 >= a && a + 0.001 >= b; }
 
-double TBFrånPålägg(double pris, double pålägg) { return pris * (1 - 100 / (pålägg + 100)); }
-
 double PrisFrånTG(double kostnad, double tg) { return kostnad / (100 - tg) * 100; }
 
 }  // namespace kolmera

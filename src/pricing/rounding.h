@@ -9,9 +9,6 @@ double AvrundaHalvor(double x);
 /// Whether two amounts differ by at most 0.001.
 bool NästanLika(double a, double b);
 
-/// The part of `pris` that a markup of `pålägg` percent added: with a VAT rate, the VAT in a price that includes it.
-double TBFrånPålägg(double pris, double pålägg);
-
 /// The price that gives a margin of `tg` percent of the price; `tg` is not 100.
 double PrisFrånTG(double kostnad, double tg);
 

@@ -11,10 +11,6 @@ namespace kolmera {
 /// is added ("/" to a path that begins with "/"); otherwise it stays as it is.
 void LäggTillSnedstreck(std::string& path);
 
-/// The path up to and including its last "\", else its last ":" (its last "/" when it begins with "/"). A path with
-/// none, or whose only separator is its first character, is returned whole.
-std::string Mappdel(std::string_view path);
-
 /// The share path of a network drive's root ("X:\" gives "\\server\share\"), or the root unchanged for any other drive.
 std::string NätverksNamn(std::string_view driveRoot, const DriveMap& drives);
 

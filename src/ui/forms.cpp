@@ -2,13 +2,11 @@
 
 #include <QAbstractItemView>
 #include <QDialog>
-#include <QEventLoop>
 #include <QLabel>
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QStyle>
-#include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
 #include <new>
@@ -104,12 +102,6 @@ bool leaveUnsaved(Program& program) {
 void centreOnScreen(QWidget& form) {
     const QRect screen = form.screen()->availableGeometry();
     form.move(screen.center() - QRect(QPoint(), form.frameSize()).center());
-}
-
-void Vänta(int milliseconds) {
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, [&loop] { loop.quit(); });
-    loop.exec();
 }
 
 }  // namespace kolmera

@@ -24,7 +24,4 @@ bool leaveUnsaved(Program& program);
 
 void centreOnScreen(QWidget& form);
 
-/// Returns after that time; events run meanwhile.
-void Vänta(int milliseconds);
-
 }  // namespace kolmera

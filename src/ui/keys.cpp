@@ -10,8 +10,8 @@
 #include <QShortcut>
 #include <functional>
 
+#include "ui/keyrules.h"
 #include "ui/qttext.h"
-#include "ui/rules/keyrules.h"
 
 namespace kolmera {
 namespace {
@@ -94,10 +94,6 @@ void allowNumbersOnly(QLineEdit& field, char Decimaltecken, bool allowDecimal, b
         if (key == '.' || key == ',') key = Decimaltecken;
         return NumeriskTangent(text, key, Decimaltecken, allowDecimal, allowMinus);
     });
-}
-
-void blockKeys(QLineEdit& field) {
-    new KeyGate(field, [](const std::string& /*text*/, int key) { return SpärraTangent(key); });
 }
 
 void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button) {

@@ -17,8 +17,6 @@ void installEnterSomTabOn(QWidget& control);
 
 /// Lets a text box take the keys of NumeriskTangent only. Point and comma both type the decimal sign.
 void allowNumbersOnly(QLineEdit& field, char Decimaltecken, bool allowDecimal, bool allowMinus);
-/// Keeps the keys that SpärraTangent stops out of a text box.
-void blockKeys(QLineEdit& field);
 
 /// A key that presses a button as the mouse would: only while the button is shown and enabled.
 void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button);

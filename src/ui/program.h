@@ -7,7 +7,6 @@
 #include "startup/company.h"
 #include "startup/messageboxes.h"
 #include "startup/startstate.h"
-#include "ui/rules/theme.h"
 
 class QWidget;
 
@@ -20,7 +19,6 @@ struct Program {
     LanguageTexts& texts;
     MessageBoxes& boxes;
     CompanyRegister& companies;
-    Theme theme{};
 
     /// Opens the job settings modally for a job number (0: a new job). Answers the number of the job that was saved
     /// (SvarOK), or nothing.

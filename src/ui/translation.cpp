@@ -18,20 +18,11 @@ QString caption(const QWidget& control) {
     return {};
 }
 
-void setCaption(QWidget& control, const QString& text) {
-    if (auto* label = dynamic_cast<QLabel*>(&control)) label->setText(text);
-    if (auto* button = dynamic_cast<QAbstractButton*>(&control)) button->setText(text);
-    if (auto* group = dynamic_cast<QGroupBox*>(&control)) group->setTitle(text);
-}
-
 std::string formKey(const QWidget& form) { return "SP_FRM_" + fromQt(form.objectName()); }
 
 std::string controlKey(const QWidget& form, const QWidget& control) {
     return formKey(form) + "_" + fromQt(control.objectName());
 }
-
-/// A control's form is the outermost named widget of its window: dialogs and the main window are windows of their own.
-const QWidget& formOf(const QWidget& control) { return *control.window(); }
 
 void translateControl(const QWidget& form, QWidget& control, LanguageTexts& texts) {
     const std::string key = controlKey(form, control);
@@ -45,6 +36,12 @@ void translateControl(const QWidget& form, QWidget& control, LanguageTexts& text
 
 }  // namespace
 
+void setCaption(QWidget& control, const QString& text) {
+    if (auto* label = dynamic_cast<QLabel*>(&control)) label->setText(text);
+    if (auto* button = dynamic_cast<QAbstractButton*>(&control)) button->setText(text);
+    if (auto* group = dynamic_cast<QGroupBox*>(&control)) group->setTitle(text);
+}
+
 void ÖversättFormulär(QWidget& form, LanguageTexts& texts) {
     if (texts.language() != "SE") ÖversättFormulärAlltid(form, texts);
 }
@@ -54,16 +51,6 @@ void ÖversättFormulärAlltid(QWidget& form, LanguageTexts& texts) {
     for (QWidget* control : form.findChildren<QWidget*>()) {
         if (!control->objectName().isEmpty()) translateControl(form, *control, texts);
     }
-}
-
-void SättFormulärRubrik(QWidget& form, LanguageTexts& texts, std::string_view suffix) {
-    form.setWindowTitle(toQt(texts.FormulärText(fromQt(form.objectName())).append(suffix)));
-}
-
-void SättKontrollText(QWidget& control, LanguageTexts& texts) { SättKontrollTextMed(control, texts, {}); }
-
-void SättKontrollTextMed(QWidget& control, LanguageTexts& texts, std::string_view suffix) {
-    setCaption(control, toQt(texts.SpråkText(controlKey(formOf(control), control)).append(suffix)));
 }
 
 }  // namespace kolmera

@@ -4,6 +4,7 @@
 
 #include "lang/languagetexts.h"
 
+class QString;
 class QWidget;
 
 namespace kolmera {
@@ -18,11 +19,7 @@ void ÖversättFormulär(QWidget& form, LanguageTexts& texts);
 /// missing key leaves the designed text, and texts are placed as stored.
 void ÖversättFormulärAlltid(QWidget& form, LanguageTexts& texts);
 
-/// The form's caption from the language texts, with `suffix` behind it.
-void SättFormulärRubrik(QWidget& form, LanguageTexts& texts, std::string_view suffix);
-/// The control's caption from the language texts.
-void SättKontrollText(QWidget& control, LanguageTexts& texts);
-/// The same with `suffix` behind it.
-void SättKontrollTextMed(QWidget& control, LanguageTexts& texts, std::string_view suffix);
+/// Shows a text on a control that has a caption.
+void setCaption(QWidget& control, const QString& text);
 
 }  // namespace kolmera

@@ -1,8 +1,9 @@
 #include "ui/ucuppner.h"
 
-#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
+#include <QStyleOption>
 #include <QTimerEvent>
 #include <QVBoxLayout>
 
@@ -14,36 +15,60 @@ namespace {
 constexpr int kFirstPause = 200;   ///< milliseconds before the steps repeat
 constexpr int kRepeatPause = 100;  ///< milliseconds between repeated steps
 
+/// An arrow as the desktop draws it.
+class Arrow final : public QLabel {
+  public:
+    Arrow(QStyle::PrimitiveElement sign, QWidget* parent) : QLabel(parent), sign_(sign) {
+        setFrameStyle(QFrame::Panel | QFrame::Raised);
+    }
+    [[nodiscard]] QSize sizeHint() const override { return {fontMetrics().height(), fontMetrics().height() / 2}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {sizeHint().width(), 0}; }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QLabel::paintEvent(event);
+        QPainter painter(this);
+        QStyleOption option;
+        option.initFrom(this);
+        option.rect = contentsRect();
+        style()->drawPrimitive(sign_, &option, &painter, this);
+    }
+
+  private:
+    QStyle::PrimitiveElement sign_;
+};
+
 }  // namespace
 
-UCUppNer::UCUppNer(const Locale& locale, const Theme& theme, QWidget* parent)
-    : QWidget(parent),
+UCUppNer::UCUppNer(const Locale& locale, QLineEdit& field)
+    : QWidget(field.parentWidget()),
       locale_(locale),
-      theme_(theme),
-      up_(makeArrow(QStringLiteral("▲"), "Upp")),
-      down_(makeArrow(QStringLiteral("▼"), "Ner")) {
+      field_(field),
+      up_(makeArrow(QStyle::PE_IndicatorArrowUp, "Upp")),
+      down_(makeArrow(QStyle::PE_IndicatorArrowDown, "Ner")) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(up_);
     layout->addWidget(down_);
-    // The text box keeps the focus: it is what the arrows act on.
     setFocusPolicy(Qt::NoFocus);
+    setFixedHeight(field.sizeHint().height());
+    setEnabled(field.isEnabled());
+    field.installEventFilter(this);
 }
 
-QLabel* UCUppNer::makeArrow(const QString& sign, const char* name) {
-    auto* arrow = new QLabel(sign, this);
+QLabel* UCUppNer::makeArrow(QStyle::PrimitiveElement sign, const char* name) {
+    auto* arrow = new Arrow(sign, this);
     arrow->setObjectName(QString::fromLatin1(name));
-    arrow->setAlignment(Qt::AlignCenter);
-    arrow->setFrameStyle(QFrame::Panel | QFrame::Raised);
-    QFont font = arrow->font();
-    font.setPointSizeF(font.pointSizeF() / 2);
-    arrow->setFont(font);
     arrow->installEventFilter(this);
     return arrow;
 }
 
 bool UCUppNer::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == &field_) {
+        if (event->type() == QEvent::EnabledChange) setEnabled(field_.isEnabled());
+        return false;
+    }
     switch (event->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
@@ -59,15 +84,15 @@ bool UCUppNer::eventFilter(QObject* watched, QEvent* event) {
 
 void UCUppNer::press(QLabel& arrow) {
     release();
-    field_ = dynamic_cast<QLineEdit*>(QApplication::focusWidget());
+    if (!field_.isEnabled() || field_.isReadOnly()) return;
     pressed_ = &arrow;
-    showPressed(arrow, true);
+    arrow.setFrameShadow(QFrame::Sunken);
     step();
     timer_ = startTimer(kFirstPause);
 }
 
 void UCUppNer::release() {
-    if (pressed_) showPressed(*pressed_, false);
+    if (pressed_) pressed_->setFrameShadow(QFrame::Raised);
     pressed_.clear();
     if (timer_ != 0) killTimer(timer_);
     timer_ = 0;
@@ -81,18 +106,10 @@ void UCUppNer::timerEvent(QTimerEvent* event) {
 }
 
 void UCUppNer::step() {
-    if (!field_ || field_->isReadOnly()) return;
-    field_->setText(toQt(steps.stepped(fromQt(field_->text()), pressed_ == up_, locale_)));
-    field_->setFocus();
-}
-
-void UCUppNer::showPressed(QLabel& arrow, bool pressed) {
-    arrow.setFrameShadow(pressed ? QFrame::Sunken : QFrame::Raised);
-    if (!theme_.XPStil) return;
-    const Colour border = theme_.colour(4);
-    QPalette palette = arrow.palette();
-    palette.setColor(QPalette::Dark, QColor(border.red, border.green, border.blue));
-    arrow.setPalette(pressed ? palette : QPalette());
+    const std::string stepped = steps.stepped(fromQt(field_.text()), pressed_ == up_, locale_);
+    field_.setFocus();
+    field_.selectAll();
+    field_.insert(toQt(stepped));
 }
 
 }  // namespace kolmera

@@ -169,8 +169,6 @@ TEST_F(SqlLayerTest, OpeningAdjustsTypeAndOptions) {
     EXPECT_EQ(lastAsked(), "open Produkt 2 512");
     sql.SQLÖppnaRs("Produkt", RecordsetType::Snapshot, options::kReadOnly);
     EXPECT_EQ(lastAsked(), "open Produkt 4 516");
-    sql.SQLÖppnaDirekt("SELECT 1", RecordsetType::Snapshot, options::kReadOnly);
-    EXPECT_EQ(lastAsked(), "open SELECT 1 4 68");
     sql.SQLÖppnaTabell("Levprislista", "Produktnr", options::kReadOnly, true);
     EXPECT_EQ(lastAsked(), "open SELECT * FROM Levprislista ORDER BY Produktnr, Leverantör 2 516");
     EXPECT_EQ(sql.senasteSats(), "SELECT * FROM Levprislista ORDER BY Produktnr, Leverantör");
@@ -179,8 +177,6 @@ TEST_F(SqlLayerTest, OpeningAdjustsTypeAndOptions) {
     sql.ÄrSQLFöretag = false;
     sql.SQLÖppnaRs("Produkt", RecordsetType::Table, options::kReadOnly);
     EXPECT_EQ(lastAsked(), "open Produkt 1 4");
-    sql.SQLÖppnaDirekt("SELECT 1", RecordsetType::Snapshot, 0);
-    EXPECT_EQ(lastAsked(), "open SELECT 1 4 0");
     sql.FtgDB.reset();
     EXPECT_THROW(sql.SQLÖppnaRs("Produkt", RecordsetType::Table), PlatformError) << "no company is open";
 }
@@ -249,17 +245,6 @@ TEST_F(SqlLayerTest, GivenParametersKeepTheirPlaces) {
     fake->executeError = errors::kLocked;
     EXPECT_FALSE(sql.SQLKör("DELETE FROM Produkt", heard));
     EXPECT_EQ(heard.lines, std::vector<std::string>{"SQLKör 3260"});
-}
-
-TEST_F(SqlLayerTest, FillsRecordsetsOfServersOnly) {
-    auto products = sql.SQLÖppnaRs("Produkt", RecordsetType::Dynaset);
-    asked.clear();
-    sql.SQLFyllRs(*products);
-    EXPECT_EQ(asked, (Asked{"last", "first"}));
-    asked.clear();
-    sql.ÄrSQLFöretag = false;
-    sql.SQLFyllRs(*products);
-    EXPECT_EQ(asked, Asked{});
 }
 
 std::string registerRecord(const std::string& name, const std::string& description, const std::string& connect) {

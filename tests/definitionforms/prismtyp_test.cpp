@@ -31,7 +31,10 @@ class PrisMTypTest : public testing::Test {
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&*form));
     }
     QListWidget& list(const char* name) { return control<QListWidget>(*form, name); }
-    void chooseTarget(int code) { VäljListradEfterText(list("TillLista"), std::to_string(code) + "."); }
+    void chooseTarget(int code) {
+        QListWidget& targets = list("TillLista");
+        targets.setCurrentItem(targets.findItems(QString::number(code) + ".", Qt::MatchStartsWith).value(0));
+    }
     void press(const char* name) { control<QPushButton>(*form, name).click(); }
     void check(const char* name) { control<QRadioButton>(*form, name).click(); }
     void type(const char* name, const char* text) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "lang/wordtable.h"
 #include "platform/error.h"
 #include "platform/restrictedpath.h"
 #include "support/temporaryfolder.h"
@@ -15,7 +14,6 @@ constexpr const char* kTexts =
     "# a comment\n"
     "RES_228\tTvå<CRLF>rader\tTwo<CRLF>lines\n"
     "RES_7\tBara svenska\t\n"
-    "RES_5000\tBörja\tStart\n"
     "SP_FRM_PrisRab\tRabattbrev<TAB>\tLetters\n"
     "SP_FRM_PrisRab_String007\t<VAR1> av <VAR2> och <VAR3>, <VAR1>\tx\n"
     "SP_FRM_PrisRab_String1234\tlångt\tx\n"
@@ -58,15 +56,11 @@ TEST_F(LanguageTextsTest, BuildsKeysAndFillsPlaceholders) {
 }
 
 TEST_F(LanguageTextsTest, GoesByLanguage) {
-    EXPECT_EQ(texts.startMessage(5000), "") << "read before the language is known";
     texts.InitSpråkOrd("EN");
     EXPECT_EQ(texts.ResText(228), "Two\r\nlines");
     EXPECT_EQ(texts.ResText(7), "") << "a text in the other language instead of none";
-    EXPECT_EQ(texts.startMessage(5000), "Start");
-    EXPECT_EQ(texts.Ordtabell(45), "offer submission");
     texts.InitSpråkOrd("en");
     EXPECT_EQ(texts.ResText(228), "Två\r\nrader") << "letter case of the language does not count";
-    EXPECT_EQ(texts.startMessage(5000), "Börja");
     for (const char* code : {"", "SE", "en", "EN ", "DE"})
         EXPECT_EQ(LanguageTexts::NormaliseraSpråk(code), "SE") << code;
     EXPECT_EQ(LanguageTexts::NormaliseraSpråk("EN"), "EN");
@@ -113,26 +107,6 @@ TEST(LanguageBuild, RefusesMalformedTables) {
         EXPECT_EQ(folder.read("DVLang.sys"), "old") << c.fault;
     }
     EXPECT_THROW(buildLanguageDatabase(folder / "none.tsv", folder / "DVLang.sys"), PlatformError);
-}
-
-TEST(WordTable, DerivedEntriesFollowTheirWords) {
-    const struct {
-        const char* fault;
-        std::size_t entry;
-        std::string swedish, english;
-    } cases[] = {
-        {"blanks of a word lost", 1, " för ", " for "},
-        {"entry 16 is not entry 12 in lower case", 16, "inga", "no"},
-        {"a word left out before", 30, " Sid ", " Page "},
-        {"entry 38", 38, "kund", "customer"},
-        {"entry 39", 39, "produkt", "product"},
-        {"entry 40", 40, "leverantör", "supplier"},
-        {"last entry", 48, "kassaorder", "cash register order"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(wordTable("SE").at(c.entry), c.swedish) << c.fault;
-        EXPECT_EQ(wordTable("EN").at(c.entry), c.english) << c.fault;
-    }
 }
 
 }  // namespace

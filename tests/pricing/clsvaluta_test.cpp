@@ -59,31 +59,6 @@ TEST_F(ClsValutaTest, SeesAChangedRate) {
     EXPECT_EQ(currency.Kurs, 12);
 }
 
-TEST_F(ClsValutaTest, OtherLookUps) {
-    ClsValuta currency(company.sql, company.passedOver);
-    currency.EndastFaktor("JPY", 8);
-    EXPECT_EQ(currency.Kurs, 8);
-    EXPECT_EQ(currency.Faktor, 100);
-    currency.EndastFaktor("SEK", 3);
-    EXPECT_EQ(currency.Kurs, 3);
-    EXPECT_EQ(currency.Faktor, 1);
-    currency.EndastFaktor("JPY", 0);
-    EXPECT_EQ(currency.Kurs, 1);
-
-    currency.ValutaKonto("EUR");
-    EXPECT_EQ(currency.Konto, 7);
-    currency.ValutaKonto("XXX");
-    EXPECT_EQ(currency.Konto, 0);
-
-    std::vector<std::string> codes = {"old"};
-    currency.FyllCombo(codes);
-    EXPECT_EQ(codes, (std::vector<std::string>{"EUR", "JPY", "NIL"}));
-    TestCompany empty;
-    ClsValuta(empty.sql, empty.passedOver).FyllCombo(codes);
-    EXPECT_EQ(codes, std::vector<std::string>{});
-    EXPECT_EQ(empty.passedOver.notes, std::vector<std::string>{});
-}
-
 // The copy is for companies on a server; here the flag alone is set, behind an open file.
 TEST_F(ClsValutaTest, CopyOfTheTable) {
     ClsValuta currency(company.sql, company.passedOver);

@@ -122,9 +122,21 @@ TEST_F(PriceFacade, TakesPricesMarkupsAndVatCodeOfTheProduct) {
 
 TEST_F(PriceFacade, NearlyEqualPriceIsWrittenButDoesNotDate) {
     company.change("Syinställningar2", {{"PDecUtpris", 4}});
-    company.change("Produkt", {{"1Utpris", 100.001}, {"2Utpris", 119.9995}});
-    PrisClsRoundInprisOUtpris prices = facade();
-    EXPECT_EQ(coupled(prices, 80), "100 120 7 2020-01-01 2026-11-22\n");
+    const struct {
+        const char* fault;
+        double list1, list2;
+        const char* date;
+    } cases[] = {
+        {"0.001 dates", 100.001, 119.999, "2020-01-01"},
+        {"more does not date", 100.0011, 120, "2026-11-22"},
+        {"more on the other side does not date", 100, 119.9989, "2026-11-22"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        company.change("Produkt", {{"1Utpris", c.list1}, {"2Utpris", c.list2}, {"Prisändrdat", kEarlier}});
+        PrisClsRoundInprisOUtpris prices = facade();
+        EXPECT_EQ(coupled(prices, 80), std::string("100 120 7 ") + c.date + " 2026-11-22\n");
+    }
 }
 
 TEST_F(PriceFacade, RecomputesOnlyWhenTheCompanyWantsIt) {

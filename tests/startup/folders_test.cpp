@@ -24,22 +24,6 @@ TEST(Folders, EndInASeparator) {
     }
 }
 
-TEST(Folders, FolderPartOfAPath) {
-    const struct {
-        const char* fault;
-        std::string path, expected;
-    } cases[] = {
-        {"file name stays", "C:\\a\\b.txt", "C:\\a\\"},
-        {"drive alone not known", "C:b.txt", "C:"},
-        {"name without a folder lost", "b.txt", "b.txt"},
-        {"only separator in front", "\\b.txt", "\\b.txt"},
-        {"colon behind the last backslash", "C:\\a:b", "C:\\"},
-        {"path of this system", "/srv/a.txt", "/srv/"},
-        {"root of this system", "/a.txt", "/a.txt"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(Mappdel(c.path), c.expected) << c.fault;
-}
-
 TEST(Folders, SharePathsGoThroughADrive) {
     const DriveMap drives({{'C', "/c", DriveKind::Fixed, "\\\\srv\\data"},
                            {'W', "/w", DriveKind::Network, ""},

@@ -94,8 +94,7 @@ TEST(StartUp, GoesThroughItsSteps) {
     EXPECT_TRUE(signedIn);
     EXPECT_EQ(state.Signatur, "ABC");
     EXPECT_EQ(state.Språkkod, "EN");
-    EXPECT_EQ(texts.startMessage(5000), "Answer");
-    EXPECT_EQ(texts.Ordtabell(9), "To");
+    EXPECT_EQ(texts.ResText(5000), "Answer");
     EXPECT_EQ(state.helpFile, state.ProgramMapp + "Dorvik.chm");
     EXPECT_EQ(state.Decimaltecken, '.');
     EXPECT_TRUE(std::filesystem::exists(world.data / "DORVIK.INI")) << "missing settings file not created";

@@ -1,57 +1,23 @@
 #include <gtest/gtest.h>
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-#include <QVBoxLayout>
 
 #include "support/qt/formworld.h"
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"
 #include "ui/qttext.h"
-#include "ui/ucuppner.h"
 #include "ui/windowsystemtexts.h"
 
 namespace kolmera {
 namespace {
 
 using namespace test;
-
-TEST(UCUppNerTest, StepsTheActiveFieldOnceAndThenRepeats) {
-    QWidget form;
-    QVBoxLayout layout(&form);
-    QLineEdit field("5"), other("7");
-    const Theme theme;
-    UCUppNer spin(Locale(Locale::Kind::Swedish), theme);
-    for (QWidget* control : std::initializer_list<QWidget*>{&field, &other, &spin}) layout.addWidget(control);
-    form.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
-    field.setFocus();
-    auto& up = control<QLabel>(spin, "Upp");
-    auto& down = control<QLabel>(spin, "Ner");
-    QTest::mouseClick(&down, Qt::LeftButton);
-    EXPECT_EQ(field.text(), "4");
-    EXPECT_TRUE(field.hasFocus());
-    QTest::mousePress(&up, Qt::LeftButton);
-    EXPECT_EQ(field.text(), "5") << "one step at once";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return field.text() == "10"; }, 3000)) << "goes on while held";
-    QTest::mouseRelease(&up, Qt::LeftButton);
-    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPointF(), down.mapToGlobal(QPointF()), Qt::LeftButton,
-                            Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&down, &doubleClick);
-    EXPECT_EQ(field.text(), "9") << "a double click acts like a press";
-    QTest::mouseRelease(&down, Qt::LeftButton);
-    QTest::qWait(400);
-    EXPECT_EQ(field.text(), "9") << "goes on after release";
-    EXPECT_EQ(other.text(), "7");
-}
 
 TEST(Forms, TahomaOnlyWhenTheSuiteAsksForIt) {
     QWidget form;
@@ -89,16 +55,6 @@ TEST(Forms, VisaFormulärTellsOfMissingMemory) {
     Heavy form;
     EXPECT_FALSE(VisaFormulär(world.program, form, false));
     EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ResText(3001));
-}
-
-TEST(Forms, VäntaLetsEventsRun) {
-    bool ran = false;
-    QTimer::singleShot(0, [&ran] { ran = true; });
-    QElapsedTimer timer;
-    timer.start();
-    Vänta(50);
-    EXPECT_TRUE(ran);
-    EXPECT_GE(timer.elapsed(), 45);
 }
 
 /// Shows a message box and lets `act` work on it.

@@ -86,17 +86,5 @@ TEST_F(TranslationTest, SwedishFormsStayAsDesigned) {
     EXPECT_EQ(spara.text(), "&Spara");
 }
 
-TEST_F(TranslationTest, SetsSingleCaptionsWithASuffix) {
-    texts.InitSpråkOrd("EN");
-    SättFormulärRubrik(form, texts, " - A");
-    EXPECT_EQ(form.windowTitle(), "Form - A");
-    SättKontrollText(val, texts);
-    EXPECT_EQ(val.text(), "Choice") << "the form is the window, not the frame";
-    SättKontrollTextMed(lbl, texts, " 1");
-    EXPECT_EQ(lbl.text(), "Label 1");
-    SättKontrollText(spara, texts);
-    EXPECT_EQ(spara.text(), "&Save\r\n") << "looked up, so markers are decoded";
-}
-
 }  // namespace
 }  // namespace kolmera

@@ -1,4 +1,4 @@
-#include "lang/wordtable.h"
+#include "suite/wordtable.h"
 
 #include <cstddef>
 #include <iterator>

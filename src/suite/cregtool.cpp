@@ -1,4 +1,4 @@
-#include "ui/rules/cregtool.h"
+#include "suite/cregtool.h"
 
 #include <algorithm>
 

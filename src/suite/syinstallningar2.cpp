@@ -1,4 +1,4 @@
-#include "startup/syinstallningar2.h"
+#include "suite/syinstallningar2.h"
 
 #include "db/conversions.h"
 

@@ -13,9 +13,6 @@ inline constexpr int kEnter = 13;
 inline constexpr int kEscape = 27;
 }  // namespace keys
 
-/// Enter, Esc and the apostrophe become 0; other keys pass.
-int SpärraTangent(int key);
-
 /// What may be typed into a number field: digits, one decimal sign and one minus where they are allowed, Backspace, Tab
 /// and Enter. Everything else becomes 0. `field` is the text that the key is added to, without what it replaces.
 int NumeriskTangent(std::string_view field, int key, char Decimaltecken, bool allowDecimal, bool allowMinus);

@@ -1,4 +1,4 @@
-#include "ui/rules/spinsteps.h"
+#include "ui/spinsteps.h"
 
 #include <fmt/format.h>
 

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "ui/rules/cregtool.h"
+#include "suite/cregtool.h"
 
 namespace kolmera {
 

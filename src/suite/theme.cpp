@@ -1,4 +1,4 @@
-#include "ui/rules/theme.h"
+#include "suite/theme.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,10 +1,6 @@
-#include "ui/rules/keyrules.h"
+#include "ui/keyrules.h"
 
 namespace kolmera {
-
-int SpärraTangent(int key) {
-    return key == keys::kEnter || key == keys::kEscape || key == '\'' ? keys::kRejected : key;
-}
 
 int NumeriskTangent(std::string_view field, int key, char Decimaltecken, bool allowDecimal, bool allowMinus) {
     const auto once = [&](char sign, bool allowed) {

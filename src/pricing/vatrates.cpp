@@ -1,0 +1,25 @@
+#include "pricing/vatrates.h"
+
+#include <string_view>
+
+#include "db/conversions.h"
+
+namespace kolmera {
+
+std::optional<double> VatRates::of(int momskod) {
+    constexpr std::array<std::string_view, 3> kColumns = {"1OMomsproc", "2OMomsproc", "3OMomsproc"};
+    if (momskod < 1 || momskod > static_cast<int>(kColumns.size())) return std::nullopt;
+    if (!rates_) {
+        rates_.emplace();
+        attempt(passedOver_, "open Syinställningar", [this, &kColumns] {
+            const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+            for (std::size_t place = 0; place < kColumns.size(); ++place) {
+                attempt(passedOver_, kColumns[place],
+                        [&] { (*rates_)[place] = TillDbl(settings->value(kColumns[place]), sql_.locale()); });
+            }
+        });
+    }
+    return (*rates_)[static_cast<std::size_t>(momskod - 1)];
+}
+
+}  // namespace kolmera
