@@ -17,6 +17,7 @@
 #include "ui/keys.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
+#include "ui/ucuppner.h"
 
 namespace kolmera {
 namespace {
@@ -44,6 +45,15 @@ QLineEdit* numberBox(QWidget& parent, const char* name) {
     box->setFixedWidth((kNumberLength + 3) * box->fontMetrics().horizontalAdvance('0'));
     allowNumbersOnly(*box, ',', false, false);
     return box;
+}
+
+/// The arrows beside a number box.
+UCUppNer* arrows(QLineEdit& box, const Locale& locale) {
+    constexpr float kGreatest = 9999;  // of kNumberLength digits
+    auto* made = new UCUppNer(locale, box);
+    made->setObjectName("UppNer_" + box.objectName());
+    made->steps.Max = kGreatest;
+    return made;
 }
 
 /// The letter of the option with that number, counted from 1.
@@ -148,6 +158,7 @@ QLineEdit* PrisMTyp::addNumber(QGroupBox& frame, const char* name, const char* c
     const int row = std::string_view(name) == "AntalRader" ? 0 : 2;
     grid->addWidget(boxLabel, row, 1, Qt::AlignRight);
     grid->addWidget(box, row, 2);
+    grid->addWidget(arrows(*box, program_.state.locale), row, 3);
     return box;
 }
 
@@ -162,8 +173,8 @@ void PrisMTyp::buildLists() {
     längd_ = numberBox(*positioner_, "Längd");
     length->setBuddy(längd_);
     auto* boxes = new QHBoxLayout(positioner_);
-    for (QWidget* control : {static_cast<QWidget*>(from), static_cast<QWidget*>(frånPos_),
-                             static_cast<QWidget*>(length), static_cast<QWidget*>(längd_)}) {
+    for (QWidget* control : std::initializer_list<QWidget*>{from, frånPos_, arrows(*frånPos_, program_.state.locale),
+                                                            length, längd_, arrows(*längd_, program_.state.locale)}) {
         boxes->addWidget(control);
     }
     boxes->addStretch(1);

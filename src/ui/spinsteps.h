@@ -8,7 +8,8 @@
 
 namespace kolmera {
 
-/// What the spin control UCUppNer steps, and how. A step stops at the bounds, it never wraps.
+/// What the spin control UCUppNer steps, and how. A step stops at the bounds, it never wraps. The boxes of this program
+/// step numbers; times of day and letters are what other windows of the suite step.
 class SpinSteps {
   public:
     static constexpr std::int16_t kNumber = 0, kTimeOfDay = 1, kLetter = 2;

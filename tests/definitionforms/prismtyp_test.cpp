@@ -1,6 +1,7 @@
 #include "definitions/prismtyp.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -101,7 +102,10 @@ TEST_F(PrisMTypTest, MakesAFixedLengthMaskPieceByPiece) {
     open(world, "FJORDPRI.DAT");
     check("FilTyp_3");
     EXPECT_TRUE(control(*form, "Positioner").isVisible());
-    type("Postlängd", "70");
+    type("Postlängd", "69");
+    QTest::mouseClick(&control<QLabel>(control(*form, "UppNer_Postlängd"), "Upp"), Qt::LeftButton);
+    EXPECT_EQ(editor->mask().Postlängd, "70") << "the arrows step a text that the editor does not hear of";
+    EXPECT_FALSE(control(*form, "UppNer_AntalRader").isEnabled());
     type("Längd", "13");
     chooseTarget(1);
     press("Skapa");
