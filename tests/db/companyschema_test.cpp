@@ -55,12 +55,10 @@ TEST(CompanySchema, MalformedDescriptionsAreRefused) {
         const char* fault;
         std::string tables, indexes;
     } cases[] = {
-        {"unknown type", head + "A\t0\tID\tNUMBER\n", indexHead},
         {"place left out", head + "A\t0\tID\tCOUNTER\nA\t2\tB\tLONG\n", indexHead},
         {"table torn apart", good + "B\t0\tID\tCOUNTER\nA\t1\tC\tLONG\n", indexHead},
         {"size no number", head + "A\t0\tB\tTEXT(x)\n", indexHead},
         {"column missing in the file", "table\tcolumn\ttype\nA\tID\tCOUNTER\n", indexHead},
-        {"index of an unknown table", good, indexHead + "B\tPrimaryKey\t+ID\t1\n"},
         {"index on an unknown column", good, indexHead + "A\tNummer\t+ID;+Nummer\t1\n"},
     };
     for (const auto& c : cases) EXPECT_THROW(parseSchema(c.tables, c.indexes), PlatformError) << c.fault;

@@ -23,10 +23,8 @@ TEST(Encodings, CharactersWhereThePagesDiffer) {
         CodePage page;
         std::string_view bytes, text;
     } cases[] = {
-        {"Swedish letters of 1252", CodePage::Windows1252, "\xE5\xE4\xF6\xC5\xC4\xD6", "åäöÅÄÖ"},
         {"1252 read as Latin-1", CodePage::Windows1252, "\x80 \x96 \x99", "€ – ™"},
         {"an open byte lost", CodePage::Windows1252, "a\x81", "a\u0081"},
-        {"Swedish letters of 850", CodePage::Oem850, "\x86\x84\x94\x8F\x8E\x99", "åäöÅÄÖ"},
         {"850 taken for 437", CodePage::Oem850, "\x9B\xF8\xAB", "ø°½"},
         {"437 taken for 850", CodePage::Oem437, "\x9B\xE1\xFD", "¢ß²"},
         {"control characters drawn", CodePage::Oem850, std::string_view("\0\x1A\t", 3),
@@ -65,14 +63,12 @@ TEST(Encodings, CountsCharactersNotBytes) {
         std::size_t count;
         std::string_view firstTwo;
     } cases[] = {
-        {"two bytes counted twice", "åäö", 3, "åä"},
         {"four bytes", "a😀b", 3, "a😀"},
         {"malformed bytes count one each",
          "\xE5\xE4"
          "abc",
          5, "\xE5\xE4"},
         {"a character cut off at the end", "aå\xC3", 3, "aå"},
-        {"shorter than asked for", "å", 1, "å"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
