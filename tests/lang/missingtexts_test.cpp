@@ -67,7 +67,9 @@ const std::vector<Indirect> kIndirect = {
     {"src/ui/qtmessageport.cpp", "row.text", numbers(140, 143)},
     {"src/ui/qtmessageport.cpp", "kOK.text", {"140"}},
     {"src/ui/translation.cpp", "fromQt(form.objectName())", {}},
-    {"src/ui/translation.cpp", "controlKey(formOf(control), control)", {}},
+    {"src/suite/starttexts.cpp", "number", {}},
+    {"src/suite/captions.cpp", "fromQt(form.objectName())", {}},
+    {"src/suite/captions.cpp", "key", {}},
 };
 
 /// Texts that are looked up without a number in the code.

@@ -20,6 +20,7 @@
 #include "suite/wait.h"
 #include "support/qt/formworld.h"
 #include "support/testcompany.h"
+#include "ui/qttext.h"
 
 namespace kolmera::test {
 namespace {
@@ -111,7 +112,7 @@ TEST(Suite, RecordsInListsAndFields) {
         company.sql.FtgDB->open("SELECT ID, Kod, Kundreskontra FROM Syvaluta ORDER BY ID", RecordsetType::Dynaset);
     QListWidget list;
     for (; !records->eof(); records->moveNext()) {
-        auto* item = new QListWidgetItem(QString::fromStdString(textOf(records->value("Kod"))), &list);
+        auto* item = new QListWidgetItem(toQt(textOf(records->value("Kod"))), &list);
         item->setData(kIdRole, QVariant::fromValue<qlonglong>(recordId(*records)));
     }
     QLineEdit id, kod("D'X"), kurs;
@@ -164,7 +165,10 @@ TEST(Suite, CaptionsAndTheThemeOfAnotherDesktop) {
     cRegTool registry(settings);
     ASSERT_TRUE(registry.OpenRegKey("HKEY_CURRENT_USER", "Software\\Microsoft"));
     EXPECT_EQ(registry.EnumRegKeys(), std::vector<std::string>{"WINDOWS"});
-    DesktopFacts desktop{.windowsNt = true, .major = 5, .minor = 1, .manifestExists = true};
+    DesktopFacts desktop;
+    desktop.windowsNt = desktop.manifestExists = true;
+    desktop.major = 5;
+    desktop.minor = 1;
     const Theme olive = InitXP(desktop, registry);
     EXPECT_TRUE(olive.XPStil);
     EXPECT_EQ(olive.colour(1), (Colour{164, 185, 127}));
