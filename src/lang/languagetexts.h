@@ -30,7 +30,7 @@ class LanguageTexts {
     /// The stored text without decoding of markers, as form translation places it; nothing when the key is missing.
     [[nodiscard]] std::optional<std::string> storedText(std::string_view key);
     [[nodiscard]] std::string ResText(int number);
-    [[nodiscard]] std::string FormulärText(std::string_view form);
+    [[nodiscard]] std::string FormulärText(std::string_view form);  ///< a form's caption; `suite/captions` asks for it
     [[nodiscard]] static std::string FormulärSträngNyckel(std::string_view form, int number);
     [[nodiscard]] std::string FormulärSträng(std::string_view form, int number);
     [[nodiscard]] std::string FormulärSträngMed1(std::string_view form, int number, std::string_view var1);
