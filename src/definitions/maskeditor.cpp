@@ -315,8 +315,8 @@ bool MaskEditor::doublesProducts() const {
         return std::ranges::any_of(relations_, [&](const auto& edited) { return test(edited.relation); });
     };
     return mask_.SkapaNya == 'J' &&
-           has([](const Relation& each) { return each.Division == 'S' && each.Mål == target::kLevartikelnr; }) &&
-           !has([](const Relation& each) { return each.Mål == target::kLeverantör && each.TypKod != 'I'; });
+           has([](const Relation& each) { return each.Division == 'S' && each.Mål == target("Levartikelnr"); }) &&
+           !has([](const Relation& each) { return each.Mål == target("Leverantör") && each.TypKod != 'I'; });
 }
 
 void MaskEditor::tellWhatRunsWillDo(const std::vector<Relation>& relations) {

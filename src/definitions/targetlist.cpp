@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "db/conversions.h"
+#include "definitions/targetcodes.h"
 
 namespace kolmera {
 namespace {
@@ -12,14 +13,8 @@ namespace {
 constexpr std::string_view kForm = "PrisMTyp";
 constexpr int kNotImportedText = 15;
 
-constexpr int kLastDirectColumn = 137;  ///< up to here a column's code is its place in the table
-constexpr int kHeadingShift = 137;      ///< code of a heading - its number
-constexpr int kLastHeading = 63;        ///< the codes of later ones belong to the columns behind the headings
-constexpr int kColumnShift = 63;        ///< code - place of a column behind the headings
-constexpr int kNeverOffered[] = {143, 144};
-constexpr int kKeyColumns[] = {1, 2, 4};  ///< product number, search name, the supplier's article number
-constexpr int kFirstPriceLevel = 24;
-constexpr int kLastPriceLevel = 32;
+constexpr int kNeverOffered[] = {ordinal(kProdukt, "Postversion"), ordinal(kProdukt, "Postlås")};
+constexpr int kKeyColumns[] = {target("Nummer"), target("Söknamn"), target("Levartikelnr")};
 
 std::string entry(int code, std::string_view name) { return fmt::format("{}.\t{}", code, name); }
 
@@ -37,19 +32,19 @@ class TargetReader {
     TargetList read() {
         const std::string none = texts_.FormulärSträng(kForm, kNotImportedText);
         list_.targets.push_back({.code = 0, .text = fmt::format("««\t{}   »»", none)});
-        addColumns(1, kLastDirectColumn, 0);
+        addColumns(1, kLastColumnBeforeHeadings);
         addHeadings();
-        addColumns(kLastDirectColumn + 1, static_cast<int>(columns_.size()) - 1, kColumnShift);
+        addColumns(kLastColumnBeforeHeadings + 1, static_cast<int>(columns_.size()) - 1);
         return std::move(list_);
     }
 
   private:
-    void addColumns(int first, int last, int shift) {
+    void addColumns(int first, int last) {
         last = std::min(last, static_cast<int>(columns_.size()) - 1);
         for (int place = first; place <= last; ++place) {
             if (std::ranges::find(kNeverOffered, place) != std::end(kNeverOffered)) continue;
             const FieldDef& column = columns_[static_cast<std::size_t>(place)];
-            const int code = place + shift;
+            const int code = targetOfColumn(place);
             list_.targets.push_back(
                 {.code = code, .text = entry(code, columnName(column, place, texts_)), .type = column.type});
         }
@@ -66,7 +61,7 @@ class TargetReader {
                 list_.headingsLeftOut = true;
                 continue;
             }
-            const int code = number + kHeadingShift;
+            const int code = targetOfHeading(number);
             const std::string name = TillText(headings->value("Rubrik"), sql_.locale());
             list_.targets.push_back({.code = code, .text = entry(code, name)});
         }
@@ -87,11 +82,10 @@ bool Target::numeric() const {
 bool Target::floating() const { return type == FieldType::Single || type == FieldType::Double; }
 
 bool Target::keyCapable() const {
-    return std::ranges::find(kKeyColumns, code) != std::end(kKeyColumns) ||
-           (code > kHeadingShift && code <= kHeadingShift + kLastHeading);
+    return std::ranges::find(kKeyColumns, code) != std::end(kKeyColumns) || headingOf(code) != 0;
 }
 
-bool Target::priceLevel() const { return code >= kFirstPriceLevel && code <= kLastPriceLevel; }
+bool Target::priceLevel() const { return priceListOf(columnOf(code)) != 0; }
 
 int TargetList::row(int code) const {
     const auto found = std::ranges::find(targets, code, &Target::code);

@@ -144,9 +144,9 @@ AlternativeNumbers::AlternativeNumbers(const LoadedMask& mask, std::unique_ptr<S
                                        PassedOver& passedOver)
     : stored_(std::move(stored)), passedOver_(passedOver) {
     for (const Relation& relation : mask.relations) {
-        if (!isAlternative(relation.Mål)) continue;
-        columns_.push_back(
-            {{relation.Källa, relation.Division, relation.TypKod}, relation.Mål - target::kHeadingShift});
+        const int heading = headingOf(relation.Mål);
+        if (heading == 0) continue;
+        columns_.push_back({{relation.Källa, relation.Division, relation.TypKod}, heading});
     }
 }
 

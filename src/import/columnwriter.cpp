@@ -3,19 +3,17 @@
 #include "db/conversions.h"
 #include "import/fieldconversion.h"
 #include "platform/encodings.h"
-#include "pricing/clsprisavrund.h"
 #include "pricing/rounding.h"
 
 namespace kolmera {
 namespace {
 
-bool isLevelPrice(int ordinal) { return ordinal >= target::kFirstUtpris && ordinal <= target::kLastUtpris; }
-int levelOf(int ordinal) { return ordinal - kUtprisPosition; }
+constexpr int kInpris = ordinal(kProdukt, "Inpris");
+constexpr int kRabatt = ordinal(kProdukt, "Rabatt");
+
 bool isVatRule(char TypKod) { return TypKod >= '1' && TypKod <= '3'; }
 
-bool changesPrice(int ordinal) {
-    return ordinal == target::kInpris || ordinal == target::kRabatt || isLevelPrice(ordinal);
-}
+bool changesPrice(int ordinal) { return ordinal == kInpris || ordinal == kRabatt || priceListOf(ordinal) != 0; }
 
 }  // namespace
 
@@ -24,14 +22,14 @@ ColumnWriter::ColumnWriter(const LoadedMask& mask, const Recordset& product, con
     : prices_(prices), report_(report), Idag_(settings.Idag), locale_(settings.locale) {
     const auto& fields = product.fields();
     for (const Relation& relation : mask.relations) {
-        const auto ordinal = static_cast<std::size_t>(productColumn(relation.Mål));
+        const auto ordinal = static_cast<std::size_t>(columnOf(relation.Mål));
         if (ordinal == 0 || ordinal >= fields.size()) continue;
         Column column = this->column(relation, fields[ordinal], settings);
         const bool number = column.kind == Kind::Number;
         if (number ? relation.TypKod == 'I' : column.action == Action::NoWrite) continue;
         if (number) {
             column.dating = datingOf(column.ordinal, mask.date.present(), settings.PPrisDatumBM);
-            column.discount = column.ordinal == target::kRabatt;
+            column.discount = column.ordinal == kRabatt;
             column.price = changesPrice(column.ordinal) && !column.discount;
             changesPrices_ = changesPrices_ || changesPrice(column.ordinal);
         }
@@ -67,7 +65,7 @@ ColumnWriter::Column ColumnWriter::column(const Relation& relation, const FieldD
                                           const ColumnSettings& settings) const {
     Column column;
     column.source = {relation.Källa, relation.Division, relation.TypKod};
-    column.ordinal = productColumn(relation.Mål);
+    column.ordinal = columnOf(relation.Mål);
     column.kind = kindOf(field.type);
     column.action = actionOf(column.kind, relation.TypKod);
     column.size = static_cast<std::size_t>(field.size);
@@ -80,9 +78,9 @@ ColumnWriter::Column ColumnWriter::column(const Relation& relation, const FieldD
 ColumnWriter::Dating ColumnWriter::datingOf(int ordinal, bool fileHasDate, std::int32_t PPrisDatumBM) const {
     constexpr std::int32_t kPurchasePriceBit = 2;
     if (fileHasDate) return Dating::None;
-    if (ordinal == target::kInpris) return (PPrisDatumBM & kPurchasePriceBit) != 0 ? Dating::Always : Dating::None;
-    if (!isLevelPrice(ordinal)) return Dating::None;
-    return daterarPris(PPrisDatumBM, levelOf(ordinal)) ? Dating::OnLevelChange : Dating::None;
+    if (ordinal == kInpris) return (PPrisDatumBM & kPurchasePriceBit) != 0 ? Dating::Always : Dating::None;
+    const int list = priceListOf(ordinal);
+    return list != 0 && daterarPris(PPrisDatumBM, list) ? Dating::OnLevelChange : Dating::None;
 }
 
 WrittenColumns ColumnWriter::write(Recordset& product, const EntryList& entries, bool newProduct) {
@@ -127,7 +125,7 @@ bool ColumnWriter::datesPrice(const Column& column, Recordset& product, double v
     bool dates = false;
     attempt(report_, column.name, [&] {
         // A level with a markup is coupled: whether its price changes is seen when it is recomputed.
-        const double markup = TillDbl(product.value(kPåläggPosition + levelOf(column.ordinal)), locale_);
+        const double markup = TillDbl(product.value(påläggOrdinal(priceListOf(column.ordinal))), locale_);
         dates = markup == 0 && !NästanLika(TillDbl(product.value(column.ordinal), locale_), value);
     });
     return dates;

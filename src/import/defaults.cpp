@@ -4,16 +4,11 @@
 #include <string_view>
 
 #include "db/conversions.h"
+#include "db/productcolumns.h"
 
 namespace kolmera {
 namespace {
 
-/// Product columns whose defaults depend on each other.
-constexpr int kLagervärdeproc = 50;
-constexpr int kLagervärde = 100;
-constexpr int kVärderingsnivå = 101;
-
-constexpr int kByName = -1;  ///< ordinal of a column that is found by its name
 constexpr int kHighestLevel = 9;
 
 /// When a product column gets its default.
@@ -22,9 +17,16 @@ enum class When { Empty, Zero, False, LevelBelowHighest, EmptyAndValuedByPercent
 /// Where the default stands: a column of one of the two settings tables, or in the table of defaults itself.
 enum class From { Syinställningar, Syinställningar2, Text, Level };
 
-struct Default {
+/// The product column of a default: by its place, or by its name.
+struct ProductColumn {
     int ordinal;
-    std::string_view name;  ///< of the column when it has no fixed ordinal
+    std::string_view name;
+};
+consteval ProductColumn column(std::string_view name) { return {ordinal(kProdukt, name), {}}; }
+consteval ProductColumn byName(std::string_view name) { return {-1, name}; }
+
+struct Default {
+    ProductColumn column;
     When when;
     From from;
     std::string_view setting;  ///< settings column or text
@@ -36,40 +38,40 @@ using enum From;
 /// Applied from top to bottom. Two rows rest on rows above them: the level is 9 before it is compared with 9, and the
 /// stock valuation is final before its percentage is looked at.
 constexpr Default kProductDefaults[] = {
-    {5, {}, Empty, Syinställningar, "PGrupp"},
-    {11, {}, Zero, Syinställningar, "PInköpsfaktor"},
-    {12, {}, Zero, Syinställningar, "PFörsäljfaktor"},
-    {13, {}, Zero, Syinställningar, "PStatistikfaktor"},
-    {14, {}, Empty, Syinställningar, "PInköpsenhet"},
-    {15, {}, Empty, Syinställningar, "PFörsäljenhet"},
-    {16, {}, Empty, Syinställningar, "PStatistikenhet"},
-    {17, {}, Empty, Text, "1"},
-    {33, {}, Zero, Syinställningar, "PFaktor1"},
-    {34, {}, Zero, Syinställningar, "PFaktor2"},
-    {35, {}, Zero, Syinställningar, "PFaktor3"},
-    {36, {}, Zero, Syinställningar, "PFaktor4"},
-    {37, {}, Zero, Syinställningar, "PFaktor5"},
-    {38, {}, Zero, Syinställningar, "PFaktor6"},
-    {39, {}, Zero, Syinställningar, "PFaktor7"},
-    {40, {}, Zero, Syinställningar, "PFaktor8"},
-    {41, {}, Zero, Syinställningar, "PFaktor9"},
-    {99, {}, Empty, Syinställningar, "PMomsKod"},
-    {kLagervärde, {}, Empty, Syinställningar, "PLagervärde"},
-    {105, {}, Empty, Syinställningar, "PValutakod"},
-    {102, {}, False, Syinställningar, "PPrislista"},
-    {103, {}, False, Syinställningar, "PLagerArtikel"},
-    {104, {}, False, Syinställningar, "PBatchnummer"},
-    {kVärderingsnivå, {}, Zero, Level, {}},
-    {kLagervärde, {}, LevelBelowHighest, Text, "I"},
-    {kLagervärdeproc, {}, EmptyAndValuedByPercent, Syinställningar, "PLagervärdeproc"},
-    {kByName, "KostnadProdukt", False, Syinställningar, "PKostnadProdukt"},
-    {kByName, "Avgift", Empty, Syinställningar, "PAvgift"},
-    {kByName, "AvgiftKrProc", Empty, Syinställningar, "PAvgiftKrProc"},
-    {kByName, "Lagerbokföring", False, Syinställningar, "PLagerbokföring"},
-    {kByName, "Prisgrupp", Empty, Syinställningar2, "PPrisGrupp"},
-    {kByName, "Spärrarabatt", False, Syinställningar2, "PSpärraRabatt"},
-    {kByName, "Inaktiv", False, Syinställningar2, "PInaktiv"},
-    {kByName, "Webshop", False, Syinställningar2, "PWebshop"},
+    {column("Grupp"), Empty, Syinställningar, "PGrupp"},
+    {column("Inköpsfaktor"), Zero, Syinställningar, "PInköpsfaktor"},
+    {column("Försäljfaktor"), Zero, Syinställningar, "PFörsäljfaktor"},
+    {column("Statistikfaktor"), Zero, Syinställningar, "PStatistikfaktor"},
+    {column("InköpsEnhet"), Empty, Syinställningar, "PInköpsenhet"},
+    {column("Försäljenhet"), Empty, Syinställningar, "PFörsäljenhet"},
+    {column("Statistikenhet"), Empty, Syinställningar, "PStatistikenhet"},
+    {column("Produkttyp"), Empty, Text, "1"},
+    {column("1Pålägg"), Zero, Syinställningar, "PFaktor1"},
+    {column("2Pålägg"), Zero, Syinställningar, "PFaktor2"},
+    {column("3Pålägg"), Zero, Syinställningar, "PFaktor3"},
+    {column("4Pålägg"), Zero, Syinställningar, "PFaktor4"},
+    {column("5Pålägg"), Zero, Syinställningar, "PFaktor5"},
+    {column("6Pålägg"), Zero, Syinställningar, "PFaktor6"},
+    {column("7Pålägg"), Zero, Syinställningar, "PFaktor7"},
+    {column("8Pålägg"), Zero, Syinställningar, "PFaktor8"},
+    {column("9Pålägg"), Zero, Syinställningar, "PFaktor9"},
+    {column("Momskod"), Empty, Syinställningar, "PMomsKod"},
+    {column("Lagervärde"), Empty, Syinställningar, "PLagervärde"},
+    {column("Valutakod"), Empty, Syinställningar, "PValutakod"},
+    {column("Prislista"), False, Syinställningar, "PPrislista"},
+    {column("LagerArtikel"), False, Syinställningar, "PLagerArtikel"},
+    {column("Batchnummer"), False, Syinställningar, "PBatchnummer"},
+    {column("Värderingsnivå"), Zero, Level, {}},
+    {column("Lagervärde"), LevelBelowHighest, Text, "I"},
+    {column("Lagervärdeproc"), EmptyAndValuedByPercent, Syinställningar, "PLagervärdeproc"},
+    {byName("KostnadProdukt"), False, Syinställningar, "PKostnadProdukt"},
+    {byName("Avgift"), Empty, Syinställningar, "PAvgift"},
+    {byName("AvgiftKrProc"), Empty, Syinställningar, "PAvgiftKrProc"},
+    {byName("Lagerbokföring"), False, Syinställningar, "PLagerbokföring"},
+    {byName("Prisgrupp"), Empty, Syinställningar2, "PPrisGrupp"},
+    {byName("Spärrarabatt"), False, Syinställningar2, "PSpärraRabatt"},
+    {byName("Inaktiv"), False, Syinställningar2, "PInaktiv"},
+    {byName("Webshop"), False, Syinställningar2, "PWebshop"},
 };
 
 struct GroupAccount {
@@ -77,9 +79,16 @@ struct GroupAccount {
     std::string_view setting;
 };
 
-constexpr GroupAccount kGroupAccounts[] = {
-    {7, "PMomskod1"}, {8, "PMomskod2"},    {9, "PMomskod3"},     {10, "PMomsfritt"},   {11, "PUtförselEU"},
-    {12, "PExport"},  {13, "PLagerkonto"}, {15, "PVarukostnad"}, {19, "PInternUttag"}, {20, "PRabattKonto"}};
+constexpr GroupAccount kGroupAccounts[] = {{ordinal(kProdgrupp, "Momskonto1"), "PMomskod1"},
+                                           {ordinal(kProdgrupp, "Momskonto2"), "PMomskod2"},
+                                           {ordinal(kProdgrupp, "Momskonto3"), "PMomskod3"},
+                                           {ordinal(kProdgrupp, "Momsfrittkonto"), "PMomsfritt"},
+                                           {ordinal(kProdgrupp, "EUkonto"), "PUtförselEU"},
+                                           {ordinal(kProdgrupp, "Exportkonto"), "PExport"},
+                                           {ordinal(kProdgrupp, "Lagerkonto"), "PLagerkonto"},
+                                           {ordinal(kProdgrupp, "Varukostnadskonto"), "PVarukostnad"},
+                                           {ordinal(kProdgrupp, "Internuttagskonto"), "PInternUttag"},
+                                           {ordinal(kProdgrupp, "Rabattkonto"), "PRabattKonto"}};
 
 /// A value that formats as an empty text.
 bool isEmpty(const Value& value) {
@@ -96,9 +105,9 @@ bool applies(When when, int column, Recordset& product, const Locale& locale) {
         case False:
             return !TillBool(product.value(column), locale);
         case LevelBelowHighest:
-            return TillDbl(product.value(kVärderingsnivå), locale) < kHighestLevel;
+            return TillDbl(product.value(ordinal(kProdukt, "Värderingsnivå")), locale) < kHighestLevel;
         case EmptyAndValuedByPercent:
-            return isEmpty(product.value(column)) && textOf(product.value(kLagervärde)) == "T";
+            return isEmpty(product.value(column)) && textOf(product.value(ordinal(kProdukt, "Lagervärde"))) == "T";
     }
     return false;
 }
@@ -118,8 +127,8 @@ void NewProductDefaults::resolve(const Recordset& product) {
     for (std::size_t row = 0; row < std::size(kProductDefaults); ++row) {
         const Default& each = kProductDefaults[row];
         attempt(passedOver_, each.setting, [&] {
-            Line line{row, each.ordinal, -1};
-            if (each.ordinal == kByName) line.column = product.ordinal(each.name);
+            Line line{row, each.column.ordinal, -1};
+            if (!each.column.name.empty()) line.column = product.ordinal(each.column.name);
             if (each.from == Syinställningar) line.setting = settings_.ordinal(each.setting);
             if (each.from == Syinställningar2) line.setting = settings2_.ordinal(each.setting);
             lines_.push_back(line);

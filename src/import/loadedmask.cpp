@@ -32,12 +32,6 @@ int tabColumns(int AntalKolumner, const std::vector<Relation>& relations) {
     return columns;
 }
 
-/// 1 to 9; 0 for codes that mean no price level.
-int priceLevel(int targetCode) {
-    const bool isLevel = targetCode >= target::kFirstUtpris && targetCode <= target::kLastUtpris;
-    return isLevel ? targetCode - target::kFirstUtpris + 1 : 0;
-}
-
 }  // namespace
 
 LoadedMask::LoadedMask(const Mask& mask, std::vector<Relation> allRelations)
@@ -73,27 +67,28 @@ void LoadedMask::note(const Relation& relation) {
         keyTarget = relation.Mål;
     }
     if (relation.Division == 'R') discountCode = source;
-    hasAlternatives = hasAlternatives || isAlternative(relation.Mål);
+    hasAlternatives = hasAlternatives || headingOf(relation.Mål) != 0;
     switch (relation.Mål) {
-        case target::kLeverantör:
+        case target("Leverantör"):
             supplier = source;
             break;
-        case target::kInpris:
+        case target("Inpris"):
             prices[0] = source;
             break;
-        case target::kRabatt:
+        case target("Rabatt"):
             discount = source;
             break;
-        case target::kPrisändrdat:
+        case target("Prisändrdat"):
             date = source;
             break;
-        case target::kDokument:
+        case target("Dokument"):
             document = source;
             break;
         default:
             break;
     }
-    if (const int level = priceLevel(relation.Mål); level > 0) prices.at(static_cast<std::size_t>(level)) = source;
+    if (const int level = priceListOf(columnOf(relation.Mål)); level > 0)
+        prices.at(static_cast<std::size_t>(level)) = source;
 }
 
 bool LoadedMask::emptyRecords() const {

@@ -5,38 +5,10 @@
 #include <vector>
 
 #include "definitions/maskfile.h"
+#include "definitions/targetcodes.h"
 #include "platform/encodings.h"
 
 namespace kolmera {
-
-/// Target codes with a rule of their own. Codes 1 to 137 are the product table's column ordinals.
-namespace target {
-inline constexpr int kNummer = 1;
-inline constexpr int kSöknamn = 2;
-inline constexpr int kLeverantör = 3;
-inline constexpr int kLevartikelnr = 4;
-inline constexpr int kInpris = 21;
-inline constexpr int kRabatt = 22;
-inline constexpr int kFirstUtpris = 24;
-inline constexpr int kLastUtpris = 32;
-inline constexpr int kPrisändrdat = 49;
-inline constexpr int kDokument = 123;
-inline constexpr int kLastDirectColumn = 137;
-inline constexpr int kFirstAlternative = 138;
-inline constexpr int kLastAlternative = 200;
-inline constexpr int kHeadingShift = 137;  ///< heading = code - this
-inline constexpr int kColumnShift = 63;    ///< ordinal = code - this, for codes behind the headings
-}  // namespace target
-
-/// The product column that a target code means; 0 for codes that mean none.
-constexpr int productColumn(int targetCode) {
-    if (targetCode >= 1 && targetCode <= target::kLastDirectColumn) return targetCode;
-    return targetCode > target::kLastAlternative ? targetCode - target::kColumnShift : 0;
-}
-
-constexpr bool isAlternative(int targetCode) {
-    return targetCode >= target::kFirstAlternative && targetCode <= target::kLastAlternative;
-}
 
 /// Where a value stands: the number of an entry, 0 when the mask does not name any, and its relation's second letter.
 struct Source {

@@ -126,7 +126,7 @@ void MaskRun::openProducts() {
 void MaskRun::checkColumns() {
     std::string missing;
     for (const Relation& relation : mask_.relations) {
-        const int column = productColumn(relation.Mål);
+        const int column = columnOf(relation.Mål);
         if (column < static_cast<int>(tables_.products->fields().size())) continue;
         missing += (missing.empty() ? "" : ", ") + std::to_string(relation.Mål);
     }

@@ -230,7 +230,7 @@ bool has(const FileFacts& facts, FileLook look) {
 std::vector<Source> numberSources(const LoadedMask& mask, const std::vector<FieldDef>& columns) {
     std::vector<Source> sources;
     for (const Relation& relation : mask.relations) {
-        const auto ordinal = static_cast<std::size_t>(productColumn(relation.Mål));
+        const auto ordinal = static_cast<std::size_t>(columnOf(relation.Mål));
         if (ordinal == 0 || ordinal >= columns.size() || relation.Division == 'S') continue;
         if (relation.TypKod == 'I' && !mask.UppdatLev) continue;
         const FieldType type = columns[ordinal].type;

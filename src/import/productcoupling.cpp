@@ -1,20 +1,10 @@
 #include "import/productcoupling.h"
 
 #include "db/conversions.h"
-#include "import/loadedmask.h"
+#include "db/productcolumns.h"
 #include "platform/attempt.h"
-#include "pricing/clsprisavrund.h"
 
 namespace kolmera {
-namespace {
-
-// Ordinals of Produkt.
-constexpr int kInköpsfaktor = 11;
-constexpr int kInprisProc = 42;
-constexpr int kValutakod = 105;
-
-}  // namespace
-
 ProductCoupling::ProductCoupling(bool hasPurchasePrice, SqlLayer& sql, PrisClsRoundInprisOUtpris& prices,
                                  PassedOver& passedOver)
     : hasPurchasePrice_(hasPurchasePrice),
@@ -32,18 +22,18 @@ void ProductCoupling::couple(Recordset& product) {
 bool ProductCoupling::coupled(Recordset& product) {
     if (hasPurchasePrice_) {
         for (int level = 1; level <= kPriceLists; ++level) {
-            if (TillDbl(product.value(kPåläggPosition + level), sql_.locale()) != 0) return true;
+            if (TillDbl(product.value(påläggOrdinal(level)), sql_.locale()) != 0) return true;
         }
     }
     return prices_.KopplaMotFinns();
 }
 
 double ProductCoupling::netPurchasePrice(Recordset& product) {
-    const auto number = [&](int ordinal) { return TillDbl(product.value(ordinal), sql_.locale()); };
-    lookUpCurrency(textOf(product.value(kValutakod)));
-    double net = number(target::kInpris) * rate_ / factor_;
-    net -= net * number(kInprisProc) / 100;
-    const double purchaseFactor = number(kInköpsfaktor);
+    const auto number = [&](int column) { return TillDbl(product.value(column), sql_.locale()); };
+    lookUpCurrency(textOf(product.value(ordinal(kProdukt, "Valutakod"))));
+    double net = number(ordinal(kProdukt, "Inpris")) * rate_ / factor_;
+    net -= net * number(ordinal(kProdukt, "InprisProc")) / 100;
+    const double purchaseFactor = number(ordinal(kProdukt, "Inköpsfaktor"));
     return purchaseFactor == 0 ? net : net / purchaseFactor;
 }
 

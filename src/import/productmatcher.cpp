@@ -10,7 +10,7 @@ using Outcome = ProductMatch::Outcome;
 namespace {
 
 bool isAlternativeKey(int keyTarget) {
-    return keyTarget != target::kNummer && keyTarget != target::kSöknamn && keyTarget != target::kLevartikelnr;
+    return keyTarget != target("Nummer") && keyTarget != target("Söknamn") && keyTarget != target("Levartikelnr");
 }
 
 }  // namespace
@@ -21,7 +21,7 @@ ProductMatcher::ProductMatcher(const LoadedMask& mask, std::string_view jobSuppl
     if (isAlternativeKey(mask.keyTarget)) {
         alternatives_ = sql.SQLÖppnaTabell("Prodaltprodnr", "Alternativnr", options::kReadOnly, false);
     }
-    if (mask.UppdatLev && mask.keyTarget == target::kLevartikelnr) {
+    if (mask.UppdatLev && mask.keyTarget == target("Levartikelnr")) {
         priceList_.StrSpecKolumner = "Produktnr";
         priceList_.OpenRs("Levprislista", options::kReadOnly);
         priceList_.StrIndex("Levartikelnr");
@@ -30,9 +30,9 @@ ProductMatcher::ProductMatcher(const LoadedMask& mask, std::string_view jobSuppl
 
 std::string_view ProductMatcher::index(int keyTarget) {
     switch (keyTarget) {
-        case target::kSöknamn:
+        case target("Söknamn"):
             return "Söknamn";
-        case target::kLevartikelnr:
+        case target("Levartikelnr"):
             return "Levartikelnr";
         default:
             return "Nummer";
@@ -44,13 +44,13 @@ ProductMatch ProductMatcher::match(const EntryList& entries) {
     match.key = entries.text(mask_.key);
     match.supplier = recordSupplier(entries);
     switch (mask_.keyTarget) {
-        case target::kNummer:
+        case target("Nummer"):
             match.outcome = byNumber(match.key);
             break;
-        case target::kSöknamn:
+        case target("Söknamn"):
             match.outcome = bySearchName(match.key);
             break;
-        case target::kLevartikelnr:
+        case target("Levartikelnr"):
             match.outcome = byArticle(match.key, match.supplier);
             break;
         default:
@@ -63,7 +63,7 @@ ProductMatch ProductMatcher::match(const EntryList& entries) {
 
 /// Only records that are found by the supplier's article number may name another supplier than the job's.
 std::string_view ProductMatcher::recordSupplier(const EntryList& entries) const {
-    if (mask_.keyTarget != target::kLevartikelnr) return jobSupplier_;
+    if (mask_.keyTarget != target("Levartikelnr")) return jobSupplier_;
     const std::string_view own = entries.text(mask_.supplier);
     return own.empty() ? std::string_view(jobSupplier_) : own;
 }
@@ -107,11 +107,11 @@ Outcome ProductMatcher::throughPriceList(std::string_view key, std::string_view 
 }
 
 bool ProductMatcher::isOf(std::string_view supplier) {
-    return equalNoCase(textOf(products_->value(target::kLeverantör)), supplier);
+    return equalNoCase(textOf(products_->value(ordinal(kProdukt, "Leverantör"))), supplier);
 }
 
 bool ProductMatcher::walkToSupplier(std::string_view key, std::string_view supplier) {
-    while (!products_->eof() && equalNoCase(textOf(products_->value(target::kLevartikelnr)), key)) {
+    while (!products_->eof() && equalNoCase(textOf(products_->value(ordinal(kProdukt, "Levartikelnr"))), key)) {
         if (isOf(supplier)) return true;
         products_->moveNext();
     }

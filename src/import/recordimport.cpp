@@ -85,7 +85,9 @@ bool RecordImport::importProduct(const ProductMatch& match, const EntryList& ent
     if (columns_.changesPrices()) coupling_.couple(*products_);
     if (alternatives_) summary_.alternatives += alternatives_->write(productNumber_, entries);
     if (priceList_) {
-        const auto articleNumber = [this] { return std::string(textOf(products_->value(target::kLevartikelnr))); };
+        const auto articleNumber = [this] {
+            return std::string(textOf(products_->value(ordinal(kProdukt, "Levartikelnr"))));
+        };
         if (priceList_->write(productNumber_, match.supplier, articleNumber, discount, entries)) ++summary_.priceList;
     }
     if (documents_ && documents_->write(productNumber_, entries)) ++summary_.documents;
@@ -128,12 +130,12 @@ void RecordImport::completeNewProduct() {
     if (!mask_.hasPurchasePrice()) return;
     attempt(report_, "Produkt.Vägtinpris", [&] {
         if (TillDbl(product.value(Vägtinpris_), sql_.locale()) != 0) return;
-        product.set(Vägtinpris_, product.value(target::kInpris));
+        product.set(Vägtinpris_, product.value(ordinal(kProdukt, "Inpris")));
     });
 }
 
 void RecordImport::takeProductNumber() {
-    attempt(report_, "Produkt.Nummer", [&] { productNumber_ = textOf(products_->value(target::kNummer)); });
+    attempt(report_, "Produkt.Nummer", [&] { productNumber_ = textOf(products_->value(ordinal(kProdukt, "Nummer"))); });
 }
 
 }  // namespace kolmera

@@ -136,8 +136,8 @@ std::int16_t ClsPrisAvrund::MomsMotPL(int Index) const {
 void ClsPrisAvrund::SetProdukt(Recordset& ProdTabell) {
     const Locale& locale = sql_.locale();
     for (int index = 1; index <= kPriceLists; ++index) {
-        list(index).utpris = TillDbl(ProdTabell.value(kUtprisPosition + index), locale);
-        list(index).pålägg = TillSng(ProdTabell.value(kPåläggPosition + index), locale);
+        list(index).utpris = TillDbl(ProdTabell.value(utprisOrdinal(index)), locale);
+        list(index).pålägg = TillSng(ProdTabell.value(påläggOrdinal(index)), locale);
     }
     attempt(passedOver_, "Momskod", [&] {
         if (momskodOrdinal_ < 0) momskodOrdinal_ = ProdTabell.ordinal("Momskod");

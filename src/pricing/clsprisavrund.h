@@ -15,9 +15,6 @@
 
 namespace kolmera {
 
-/// Ordinals of the product's out prices and markups: this plus the price list (1-9).
-inline constexpr int kUtprisPosition = 23;
-inline constexpr int kPåläggPosition = 32;
 
 /// A company's rules for out prices: rounding by price ranges, and recomputing of the coupled price lists. Order:
 /// construct, `InitInstRS`, then round; to couple a product set `DblIPEfterRabatt`, `DblVägtIP`

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-namespace kolmera {
+#include "db/productcolumns.h"
 
-inline constexpr int kPriceLists = 9;
+namespace kolmera {
 
 /// One text for each of the nine price lists, kept as one setting: "1=EUR;3=USD" says EUR and USD for lists 1 and 3,
 /// and the standard text for the others.

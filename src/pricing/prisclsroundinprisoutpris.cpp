@@ -12,8 +12,8 @@ namespace {
 constexpr std::uint8_t kStandardDecimals = 2;
 constexpr int kMostDecimals = 15;  ///< of `roundDecimals`
 
-constexpr int kInprisPosition = 21;
-constexpr int kVägtinprisPosition = 23;
+constexpr int kInpris = ordinal(kProdukt, "Inpris");
+constexpr int kVägtinpris = ordinal(kProdukt, "Vägtinpris");
 
 std::uint8_t decimals(Recordset& settings, std::string_view column, const Locale& locale) {
     const std::int32_t number = TillLng(settings.value(column), locale);
@@ -50,12 +50,11 @@ void PrisClsRoundInprisOUtpris::Init() {
 }
 
 double PrisClsRoundInprisOUtpris::Avrunda(int PositionIPost, double DblBelopp) const {
-    if (PositionIPost == kInprisPosition || PositionIPost == kVägtinprisPosition) {
+    if (PositionIPost == kInpris || PositionIPost == kVägtinpris) {
         return roundDecimals(DblBelopp, InprisDec);
     }
-    const int list = PositionIPost - kUtprisPosition;
-    if (list < 1 || list > kPriceLists) return DblBelopp;
-    return avrund_->UtförAvrundning(DblBelopp, UtprisDec, list);
+    const int list = priceListOf(PositionIPost);
+    return list == 0 ? DblBelopp : avrund_->UtförAvrundning(DblBelopp, UtprisDec, list);
 }
 
 bool PrisClsRoundInprisOUtpris::KopplaMotFinns() const { return avrund_->BoolKopplaMotFinns; }
@@ -86,7 +85,7 @@ void PrisClsRoundInprisOUtpris::saveCoupledPrices(Recordset& ProdTabell, const P
     for (int list = 1; list <= kPriceLists; ++list) {
         if (!avrund_->Ändrad(list)) continue;
         attempt(passedOver_, "Priskoppling: Utpris", [&] {
-            const int position = kUtprisPosition + list;
+            const int position = utprisOrdinal(list);
             const double price = avrund_->Utpris(list);
             if (daterarPris(PPrisDatumBM_, list) &&
                 !NästanLika(TillDbl(ProdTabell.value(position), sql_.locale()), price)) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "db/productcolumns.h"
 #include "platform/error.h"
 #include "platform/tsv.h"
 
@@ -45,6 +48,17 @@ TEST(CompanySchema, WrittenBackIsTheDescription) {
     }
     EXPECT_EQ(tables, rowsOf("schema.tsv"));
     EXPECT_EQ(indexes, rowsOf("indexes.tsv"));
+}
+
+TEST(CompanySchema, ColumnsThatAreFoundByPlaceStandThere) {
+    const std::vector<TableDef> schema = companySchema();
+    const auto check = [&](std::string_view name, std::span<const ColumnPlace> columns) {
+        const auto table = std::ranges::find(schema, name, &TableDef::name);
+        ASSERT_NE(table, schema.end()) << name;
+        for (const ColumnPlace& column : columns) EXPECT_EQ(table->ordinal(column.name), column.ordinal) << column.name;
+    };
+    check("Produkt", kProdukt);
+    check("Prodgrupp", kProdgrupp);
 }
 
 TEST(CompanySchema, MalformedDescriptionsAreRefused) {

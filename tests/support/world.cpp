@@ -10,6 +10,7 @@
 #include "db/serverregister.h"
 #include "definitions/couplingfile.h"
 #include "definitions/datafolder.h"
+#include "definitions/targetcodes.h"
 #include "import/dispatcher.h"
 #include "platform/encodings.h"
 #include "startup/newcompany.h"
@@ -35,13 +36,13 @@ int ordinalOf(std::string_view table, std::string_view column) {
 }
 
 int targetCode(std::string_view target) {
-    if (target.starts_with("Alternativ ")) return 137 + std::atoi(target.substr(11).data());
+    if (target.starts_with("Alternativ ")) return targetOfHeading(std::atoi(target.substr(11).data()));
     if (!target.empty() && target.find_first_not_of("0123456789") == std::string_view::npos) {
         return std::atoi(std::string(target).c_str());
     }
     const int ordinal = ordinalOf("Produkt", target);
     EXPECT_GT(ordinal, 0) << target;
-    return ordinal > 137 ? ordinal + 63 : ordinal;
+    return targetOfColumn(ordinal);
 }
 
 /// The language database is the same for all worlds, and made once.

@@ -3,17 +3,16 @@
 #include <string>
 #include <utility>
 
+#include "db/productcolumns.h"
 #include "platform/locale.h"
-#include "pricing/clsprisavrund.h"
 
 namespace kolmera {
 namespace {
 
-constexpr int kInprisPosition = 21;
-
 template <std::size_t... level>
-std::array<Column, sizeof...(level)> levelColumns(const RowWriter& row, int before, std::index_sequence<level...>) {
-    return {row.columnAt(before + 1 + static_cast<int>(level))...};
+std::array<Column, sizeof...(level)> levelColumns(const RowWriter& row, int (*ordinal)(int),
+                                                  std::index_sequence<level...>) {
+    return {row.columnAt(ordinal(static_cast<int>(level) + 1))...};
 }
 
 constexpr auto kLevels = std::make_index_sequence<kPriceLists>();
@@ -22,8 +21,8 @@ constexpr auto kLevels = std::make_index_sequence<kPriceLists>();
 
 ProductRows::ProductRows(SqlLayer& sql, PassedOver& passedOver)
     : row(sql, passedOver, "Produkt", "Nummer"),
-      Utpris_(levelColumns(row, kUtprisPosition, kLevels)),
-      Pålägg_(levelColumns(row, kPåläggPosition, kLevels)) {}
+      Utpris_(levelColumns(row, utprisOrdinal, kLevels)),
+      Pålägg_(levelColumns(row, påläggOrdinal, kLevels)) {}
 
 double ProductRows::netCost(double purchasePrice) {
     return purchasePrice - purchasePrice * row.number(InprisProc) / 100;
@@ -58,10 +57,12 @@ bool AlternativeRows::put(std::string_view product, int heading, std::string_vie
     return row.save();
 }
 
-double TradeTables::roundedInpris(double price) const { return parts_.prices.Avrunda(kInprisPosition, price); }
+double TradeTables::roundedInpris(double price) const {
+    return parts_.prices.Avrunda(ordinal(kProdukt, "Inpris"), price);
+}
 
 double TradeTables::roundedUtpris(double price, int level) const {
-    return parts_.prices.Avrunda(kUtprisPosition + level, price);
+    return parts_.prices.Avrunda(utprisOrdinal(level), price);
 }
 
 RowWriter::Row TradeTables::editOrAddProduct(std::string_view number) {
