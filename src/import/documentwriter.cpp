@@ -1,9 +1,7 @@
 #include "import/documentwriter.h"
 
 #include "db/conversions.h"
-#include "platform/attempt.h"
 #include "platform/encodings.h"
-#include "pricing/changedate.h"
 
 namespace kolmera {
 namespace {
@@ -14,18 +12,12 @@ constexpr std::size_t kLongestPath = 200;
 }  // namespace
 
 DocumentWriter::DocumentWriter(const LoadedMask& mask, SqlLayer& sql, Date Idag, PassedOver& passedOver)
-    : source_(mask.document),
-      sql_(sql),
-      Idag_(Idag),
-      passedOver_(passedOver),
-      documents_(sql.SQLÖppnaTabell("Proddokument", "Nummer", 0, false)),
-      Dokument_(documents_->ordinal("Dokument")) {}
+    : source_(mask.document), locale_(sql.locale()), Idag_(Idag), row_(sql, passedOver, "Proddokument", "Nummer") {}
 
 bool DocumentWriter::write(std::string_view productNumber, const EntryList& entries) {
     const std::string_view path = firstCharacters(entries.text(source_), kLongestPath);
     bool written = false;
-    attempt(passedOver_, "Proddokument",
-            [&] { searchAgainOnDuplicate([&] { written = store(productNumber, path); }); });
+    row_.change([&] { written = store(productNumber, path); });
     return written;
 }
 
@@ -33,26 +25,20 @@ bool DocumentWriter::store(std::string_view productNumber, std::string_view path
     const bool always = source_.TypKod == 'U';
     const bool whenEmpty = source_.TypKod == 'S';
     if (!always && !whenEmpty) return false;
-    const bool none = sql_.SQLSökIngenTräff(documents_, "=", keys_.of(productNumber, kFirstDocument));
+    const bool exists = row_.find(productNumber, kFirstDocument);
     if (path.empty()) {
-        if (!none && always) documents_->remove();
+        if (exists && always) row_.rows().remove();
         return false;
     }
-    if (none) {
-        documents_->addNew();
-        documents_->set("Produktnr", std::string(productNumber));
-        documents_->set("Nummer", kFirstDocument);
-        return save(path);
+    if (exists && whenEmpty && !TillText(row_.rows().value(Dokument_.ordinal), locale_).empty()) return false;
+    row_.begin(exists);
+    if (!exists) {
+        row_.write(Produktnr_, productNumber);
+        row_.write(Nummer_, kFirstDocument);
     }
-    if (whenEmpty && !TillText(documents_->value(Dokument_), sql_.locale()).empty()) return false;
-    documents_->edit();
-    return save(path);
-}
-
-bool DocumentWriter::save(std::string_view path) {
-    documents_->set(Dokument_, std::string(path));
-    SättÄndringsdatum(*documents_, Idag_);
-    documents_->update();
+    row_.write(Dokument_, path);
+    row_.write(Förändringsdatum_, Idag_);
+    row_.update();
     return true;
 }
 

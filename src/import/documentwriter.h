@@ -1,13 +1,13 @@
 #pragma once
 
-#include <memory>
 #include <string_view>
 
 #include "db/sqllayer.h"
 #include "import/entrylist.h"
 #include "import/loadedmask.h"
-#include "import/seekkeys.h"
+#include "import/rowwriter.h"
 #include "platform/date.h"
+#include "pricing/changedate.h"
 
 namespace kolmera {
 
@@ -21,15 +21,15 @@ class DocumentWriter {
 
   private:
     bool store(std::string_view productNumber, std::string_view path);
-    bool save(std::string_view path);
 
     Source source_;
-    SqlLayer& sql_;
+    Locale locale_;
     Date Idag_;
-    PassedOver& passedOver_;
-    std::unique_ptr<Recordset> documents_;
-    int Dokument_;
-    SeekKeys keys_;
+    RowWriter row_;
+    const Column Produktnr_ = row_.column("Produktnr");
+    const Column Nummer_ = row_.column("Nummer");
+    const Column Dokument_ = row_.column("Dokument");
+    const Column Förändringsdatum_ = row_.column(kFörändringsdatum);
 };
 
 }  // namespace kolmera

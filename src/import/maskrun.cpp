@@ -159,7 +159,7 @@ void MaskRun::removeEmptyAlternatives() {
 void MaskRun::openTables() {
     tables_.alternatives = openAlternatives(sql_);
     if (mask_.UppdatLev || machinery_.emptyTables()) {
-        tables_.priceList = sql_.SQLÖppnaTabell("Levprislista", "Produktnr", 0, false);
+        tables_.priceList = openSupplierPrices(sql_);
     }
 }
 

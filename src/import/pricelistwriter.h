@@ -1,20 +1,18 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "db/sqllayer.h"
 #include "discounts/rabattbrev.h"
 #include "import/entrylist.h"
 #include "import/loadedmask.h"
 #include "import/runreport.h"
-#include "import/seekkeys.h"
+#include "import/supplierpricerows.h"
 #include "platform/date.h"
 
 namespace kolmera {
@@ -23,7 +21,7 @@ namespace kolmera {
 /// the net purchase price is rounded.
 class PriceListWriter {
   public:
-    /// `priceList` is `Levprislista` by its index "Produktnr".
+    /// `priceList` is what `openSupplierPrices` opened.
     PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::unique_ptr<Recordset> priceList, std::uint8_t InprisDec,
                     Date Idag, RunReport& report);
 
@@ -34,31 +32,19 @@ class PriceListWriter {
                const EntryList& entries);
 
   private:
-    struct Columns {
-        explicit Columns(const Recordset& priceList);
-        int Produktnr, Leverantör, Levartikelnr, Datum, Rabatt, RabattKod, Inpris, InprisFöreRabatt;
-        std::array<int, 10> Utpris;  ///< by price level, from 1
-    };
-
-    void startRow(std::string_view productNumber, std::string_view supplier,
-                  const std::function<std::string()>& articleNumber);
-    void set(int column, Value value);
     void writePurchasePrice(std::string_view supplier, std::optional<double> discount, const EntryList& entries);
     double netByDiscount(double gross, std::optional<double> discount, const EntryList& entries);
     double netByLetter(double gross, std::string_view supplier, std::string_view code);
     [[nodiscard]] Date dateOf(const EntryList& entries) const;
-    [[nodiscard]] double number(int column, const Source& source, const EntryList& entries);
+    [[nodiscard]] double number(const Column& column, const Source& source, const EntryList& entries);
 
     const LoadedMask& mask_;
     SqlLayer& sql_;
-    std::unique_ptr<Recordset> priceList_;
     RunReport& report_;
+    SupplierPriceRows prices_;
     Rabattbrev letters_;
-    Columns columns_;
-    std::vector<std::string> names_;  ///< table and column, for what is passed over
     std::uint8_t InprisDec_;
     Date Idag_;
-    SeekKeys keys_;
 };
 
 }  // namespace kolmera

@@ -67,7 +67,7 @@ bool EioRsk::writeProduct(const CoupledSupplier& supplier, double price) {
 void EioRsk::writeSupplierPrice(const CoupledSupplier& supplier, double price, std::string_view discountCode) {
     const double discount = tables().discount(supplier.number, discountCode);
     SupplierPriceRows& prices = tables().supplierPrices();
-    if (!prices.editOrAdd(article_.number, supplier.number)) return;
+    if (!tables().editOrAddSupplierPrice(article_.number, supplier.number)) return;
     prices.row.write(prices.Rabatt, roundDecimals(discount * 100, 2));
     prices.row.write(prices.Datum, priceDate_);
     prices.row.write(prices.RabattKod, discountCode);

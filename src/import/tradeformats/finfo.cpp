@@ -101,12 +101,12 @@ void Finfo::writeSupplierPrice(const Article& article) {
     // The lines name no discount code: what may apply is the letter of the job's supplier under the empty code.
     const double discount = tables.discount(parts_.job.supplier, {});
     SupplierPriceRows& prices = tables.supplierPrices();
-    if (!prices.editOrAdd(article.number, article.supplier.number)) return;
+    if (!tables.editOrAddSupplierPrice(article.number, article.supplier.number)) return;
     prices.row.write(prices.Datum, article.priceDate);
     prices.row.write(prices.RabattKod, std::string_view());
     prices.row.write(prices.Inpris, tables.roundedInpris(article.purchasePrice - article.purchasePrice * discount));
     prices.row.write(prices.InprisFöreRabatt, tables.roundedInpris(article.purchasePrice));
-    prices.row.write(prices.Utpris1, tables.roundedUtpris(article.salesPrice, 1));
+    prices.row.write(prices.Utpris(1), tables.roundedUtpris(article.salesPrice, 1));
     tables.saveSupplierPrice();
 }
 

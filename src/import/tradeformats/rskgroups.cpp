@@ -5,7 +5,7 @@
 
 #include "db/batchtransaction.h"
 #include "import/defaults.h"
-#include "import/tradeformats/rowwriter.h"
+#include "import/rowwriter.h"
 #include "platform/encodings.h"
 #include "platform/paths.h"
 #include "platform/pricefile.h"

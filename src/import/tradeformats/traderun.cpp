@@ -108,7 +108,7 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
     SqlLayer& sql = run.sql();
     run.Körläge(true);
     run.port().clearCancel();
-    SupplierPriceRows supplierPrices(sql, run.report());
+    SupplierPriceRows supplierPrices(sql, run.report(), openSupplierPrices(sql));
     Rabattbrev discountLetters(sql, run.report());
     std::optional<AlternativeRows> alternatives;
     if (job.writesAlternatives) alternatives.emplace(sql, run.report());

@@ -30,19 +30,6 @@ double ProductRows::netCost(double purchasePrice) {
 
 double ProductRows::markedUp(double netCost, int level) { return netCost * (1 + row.number(Pålägg(level)) / 100); }
 
-SupplierPriceRows::SupplierPriceRows(SqlLayer& sql, PassedOver& passedOver)
-    : row(sql, passedOver, "Levprislista", "Produktnr") {}
-
-bool SupplierPriceRows::editOrAdd(std::string_view product, std::string_view supplier) {
-    const RowWriter::Row found = row.editOrAdd(product, supplier);
-    if (found == RowWriter::Row::New) {
-        row.write(Produktnr, product);
-        row.write(Leverantör, supplier);
-        row.write(Levartikelnr, product);
-    }
-    return found != RowWriter::Row::Unreachable;
-}
-
 AlternativeRows::AlternativeRows(SqlLayer& sql, PassedOver& passedOver)
     : row(sql, passedOver, "Prodaltprodnr", "Produktnr") {}
 
@@ -77,6 +64,13 @@ void TradeTables::saveProduct(std::string_view number, RowWriter::Row row) {
     products.row.write(products.Förändringsdatum, parts_.Idag);
     if (!products.row.save()) return;
     parts_.summary.productSaved(number, row == RowWriter::Row::New);
+}
+
+bool TradeTables::editOrAddSupplierPrice(std::string_view product, std::string_view supplier) {
+    SupplierPriceRows& prices = parts_.supplierPrices;
+    const RowWriter::Row found = prices.row.editOrAdd(product, supplier);
+    if (found == RowWriter::Row::New) prices.name(product, supplier, product);
+    return found != RowWriter::Row::Unreachable;
 }
 
 void TradeTables::saveSupplierPrice() {

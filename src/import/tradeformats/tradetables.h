@@ -6,8 +6,9 @@
 
 #include "discounts/rabattbrev.h"
 #include "import/defaults.h"
+#include "import/rowwriter.h"
 #include "import/runsummary.h"
-#include "import/tradeformats/rowwriter.h"
+#include "import/supplierpricerows.h"
 #include "platform/date.h"
 #include "pricing/changedate.h"
 #include "pricing/listsetting.h"
@@ -49,27 +50,6 @@ class ProductRows {
 
   private:
     std::array<Column, kPriceLists> Utpris_, Pålägg_;
-};
-
-/// "Levprislista": one row per product and supplier.
-class SupplierPriceRows {
-  public:
-    SupplierPriceRows(SqlLayer& sql, PassedOver& passedOver);
-
-    RowWriter row;
-    const Column Produktnr = row.column("Produktnr");
-    const Column Leverantör = row.column("Leverantör");
-    const Column Levartikelnr = row.column("Levartikelnr");
-    const Column Datum = row.column("Datum");
-    const Column Rabatt = row.column("Rabatt");
-    const Column RabattKod = row.column("RabattKod");
-    const Column Inpris = row.column("Inpris");
-    const Column InprisFöreRabatt = row.column("InprisFöreRabatt");
-    const Column Utpris1 = row.column("Utpris1");
-
-    /// Edits the supplier's row of the product, or begins it; a new row gets the product number as article number too.
-    /// False when the row is unreachable.
-    bool editOrAdd(std::string_view product, std::string_view supplier);
 };
 
 /// "Prodaltprodnr": one alternative number per product and heading.
@@ -117,6 +97,9 @@ class TradeTables {
     RowWriter::Row editOrAddProduct(std::string_view number);
     /// Saves the product with today as the day of its change.
     void saveProduct(std::string_view number, RowWriter::Row row);
+    /// Edits the supplier's row of the product, or begins it; a new row gets the product number as article number too.
+    /// False when the row is unreachable.
+    bool editOrAddSupplierPrice(std::string_view product, std::string_view supplier);
     void saveSupplierPrice();
     void putAlternative(std::string_view product, int heading, std::string_view alternative);
 

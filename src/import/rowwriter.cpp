@@ -1,18 +1,14 @@
-#include "import/tradeformats/rowwriter.h"
-
-#include <utility>
+#include "import/rowwriter.h"
 
 #include "db/conversions.h"
 
 namespace kolmera {
 
 RowWriter::RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view table, std::string_view index)
-    : sql_(sql),
-      passedOver_(passedOver),
-      table_(table),
-      search_(table_ + ": search"),
-      save_(table_ + ": save"),
-      rows_(sql.SQLÖppnaTabell(table, index, 0, false)) {}
+    : RowWriter(sql, passedOver, table, sql.SQLÖppnaTabell(table, index, 0, false)) {}
+
+RowWriter::RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view table, std::unique_ptr<Recordset> rows)
+    : sql_(sql), passedOver_(passedOver), table_(table), rows_(std::move(rows)) {}
 
 Column RowWriter::column(std::string_view name) const { return columnAt(rows_->ordinal(name)); }
 
@@ -20,18 +16,24 @@ Column RowWriter::columnAt(int ordinal) const {
     return {ordinal, table_ + "." + rows_->fields().at(static_cast<std::size_t>(ordinal)).name};
 }
 
+bool RowWriter::find(Keys keys) { return !sql_.SQLSökIngenTräff(rows_, "=", keys); }
+
+void RowWriter::begin(bool exists) {
+    if (exists) {
+        rows_->edit();
+    } else {
+        rows_->addNew();
+    }
+}
+
 RowWriter::Row RowWriter::editOrAdd(Keys keys) {
     Row row = Row::Unreachable;
     searched_ = keys;
     written_.clear();
-    attempt(passedOver_, search_, [&] {
-        if (sql_.SQLSökIngenTräff(rows_, "=", keys)) {
-            rows_->addNew();
-            row = Row::New;
-        } else {
-            rows_->edit();
-            row = Row::Existing;
-        }
+    attempt(passedOver_, table_, [&] {
+        const bool exists = find(keys);
+        begin(exists);
+        row = exists ? Row::Existing : Row::New;
     });
     added_ = row == Row::New;
     return row;
@@ -39,8 +41,9 @@ RowWriter::Row RowWriter::editOrAdd(Keys keys) {
 
 void RowWriter::set(const Column& column, Value value) {
     attempt(passedOver_, column.statement, [&] {
+        if (!added_) return rows_->set(column.ordinal, std::move(value));
         rows_->set(column.ordinal, value);
-        if (added_) written_.emplace_back(column.ordinal, std::move(value));
+        written_.emplace_back(column.ordinal, std::move(value));
     });
 }
 
@@ -55,12 +58,12 @@ double RowWriter::number(const Column& column) {
 }
 
 bool RowWriter::save() {
-    return attempt(passedOver_, save_, [&] {
+    return attempt(passedOver_, table_, [&] {
         try {
             rows_->update();
         } catch (const PlatformError& error) {
             const bool duplicate = added_ && error.number() == errors::kDuplicateKey && !error.endsRun();
-            if (!duplicate || sql_.SQLSökIngenTräff(rows_, "=", searched_)) throw;
+            if (!duplicate || !find(searched_)) throw;
             writeIntoExisting();
         }
     });

@@ -21,14 +21,20 @@ struct Column {
     std::string statement;  ///< "Produkt.Inpris"
 };
 
-/// The rows of one table as a trade-format run writes them, statement by statement: what the engine refuses is noted
-/// and leaves the column, or the row, as it was. Order: `editOrAdd`, then `write`, then `save`.
+/// The rows of one table as a run writes them, statement by statement: what the engine refuses is noted, under
+/// "Table.Column" or, for a whole row, "Table", and leaves the column, or the row, as it was.
+///
+/// Order: `editOrAdd`, then `write`, then `save`; or, where a row depends on what was found, `change` with a function
+/// that calls `find`, `begin`, `write` and `update`. Both go on with the row of another run that has added it
+/// meanwhile.
 class RowWriter {
   public:
     enum class Row { Existing, New, Unreachable };
 
     /// Opens the table with the index that rows are found by; the engine's errors reach the caller.
     RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view table, std::string_view index);
+    /// `rows` is the table, opened so.
+    RowWriter(SqlLayer& sql, PassedOver& passedOver, std::string_view table, std::unique_ptr<Recordset> rows);
 
     /// Throws PlatformError(kUnknownField).
     [[nodiscard]] Column column(std::string_view name) const;
@@ -36,9 +42,10 @@ class RowWriter {
 
     /// Edits the row that has this key, or begins a new one. When neither succeeds the row is unreachable, and nothing
     /// is to be written.
-    Row editOrAdd(std::string_view key) { return editOrAdd(keys_.of(key)); }
-    Row editOrAdd(std::string_view key, std::string_view second) { return editOrAdd(keys_.of(key, second)); }
-    Row editOrAdd(std::string_view key, std::int64_t second) { return editOrAdd(keys_.of(key, second)); }
+    template <typename... Key>
+    Row editOrAdd(const Key&... key) {
+        return editOrAdd(keys_.of(key...));
+    }
     void write(const Column& column, std::string_view text) { set(column, std::string(text)); }
     void write(const Column& column, double number) { set(column, number); }
     void write(const Column& column, std::int64_t number) { set(column, number); }
@@ -49,21 +56,35 @@ class RowWriter {
     /// Whether the row was saved.
     bool save();
 
+    /// Whether `step` succeeded. It is called again when another run has added the row meanwhile.
+    template <typename Step>
+    bool change(Step&& step) {
+        return attempt(passedOver_, table_, [&] { searchAgainOnDuplicate(step); });
+    }
+    // Within `change`; the engine's errors reach it.
+    /// Whether there is a row of this key.
+    template <typename... Key>
+    bool find(const Key&... key) {
+        return find(keys_.of(key...));
+    }
+    void begin(bool exists);
+    void update() { rows_->update(); }
+
     [[nodiscard]] Recordset& rows() { return *rows_; }
 
   private:
     Row editOrAdd(Keys keys);
+    bool find(Keys keys);
     void set(const Column& column, Value value);
     void writeIntoExisting();
 
     SqlLayer& sql_;
     PassedOver& passedOver_;
     std::string table_;
-    std::string search_, save_;  ///< statements
     std::unique_ptr<Recordset> rows_;
     SeekKeys keys_;
     Keys searched_;                               ///< of the row at hand, in `keys_`
-    bool added_ = false;                          ///< it is new
+    bool added_ = false;                          ///< it is new, and `save` is to come
     std::vector<std::pair<int, Value>> written_;  ///< into a new row
 };
 
