@@ -191,7 +191,8 @@ std::string SqlLayer::SQLIndexKolumner(std::string_view table, std::string_view 
 // Seeking.
 
 void SqlLayer::SQLSök(Recordset& recordset, std::string_view comparison, Keys keys, PassedOver& passedOver) {
-    attempt(passedOver, "SQLSök", [&] {
+    const auto select = ÄrSQLFöretag ? SQLDelaSelect(recordset.name()) : std::nullopt;
+    attempt(passedOver, select ? select->first : recordset.name(), [&] {
         if (ÄrSQLFöretag) {
             recordset.findFirst(SQLVillkor(recordset.name(), comparison, recordset.sort(), keys));
         } else {

@@ -28,7 +28,7 @@ double remaining(const Discounts& discounts) {
 double TotalRabatt(std::span<const float, kDiscountSteps> discounts) { return 100 - remaining(discounts) * 100; }
 
 Rabattbrev::Rabattbrev(SqlLayer& sql, PassedOver& passedOver) : sql_(sql), passedOver_(passedOver) {
-    attempt(passedOver_, "open LevrabattBrev",
+    attempt(passedOver_, kTable,
             [this] { letters_ = sql_.SQLÖppnaTabell(kTable, "Leverantör", options::kReadOnly, true); });
 }
 
@@ -40,7 +40,7 @@ double Rabattbrev::BeräknaRabattbrev(std::string_view supplier, std::string_vie
     key_.assign(supplier).append(1, '\0').append(discountCode);
     if (const auto known = remembered_.find(key_); known != remembered_.end()) return known->second;
     double fraction = 0;
-    const bool read = attempt(passedOver_, "LevrabattBrev", [&] { fraction = readFraction(supplier, discountCode); });
+    const bool read = attempt(passedOver_, kTable, [&] { fraction = readFraction(supplier, discountCode); });
     if (read && key_.size() <= kLongestRemembered) remembered_.emplace(key_, fraction);
     return fraction;
 }

@@ -1,5 +1,7 @@
 #include "import/defaults.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <string_view>
 
@@ -17,12 +19,12 @@ enum class When { Empty, Zero, False, LevelBelowHighest, EmptyAndValuedByPercent
 /// Where the default stands: a column of one of the two settings tables, or in the table of defaults itself.
 enum class From { Syinställningar, Syinställningar2, Text, Level };
 
-/// The product column of a default: by its place, or by its name.
+/// The product column of a default: by its place, or, without one, by its name.
 struct ProductColumn {
     int ordinal;
     std::string_view name;
 };
-consteval ProductColumn column(std::string_view name) { return {ordinal(kProdukt, name), {}}; }
+consteval ProductColumn column(std::string_view name) { return {ordinal(kProdukt, name), name}; }
 consteval ProductColumn byName(std::string_view name) { return {-1, name}; }
 
 struct Default {
@@ -90,6 +92,13 @@ constexpr GroupAccount kGroupAccounts[] = {{ordinal(kProdgrupp, "Momskonto1"), "
                                            {ordinal(kProdgrupp, "Internuttagskonto"), "PInternUttag"},
                                            {ordinal(kProdgrupp, "Rabattkonto"), "PRabattKonto"}};
 
+/// The setting is at fault when a default cannot be written.
+std::string statement(const Default& row) {
+    if (row.from == Syinställningar) return fmt::format("Syinställningar.{}", row.setting);
+    if (row.from == Syinställningar2) return fmt::format("Syinställningar2.{}", row.setting);
+    return fmt::format("Produkt.{}", row.column.name);
+}
+
 /// A value that formats as an empty text.
 bool isEmpty(const Value& value) {
     const auto* text = std::get_if<std::string>(&value);
@@ -117,7 +126,7 @@ bool applies(When when, int column, Recordset& product, const Locale& locale) {
 void NewProductDefaults::SättNyProduktStandard(Recordset& product) {
     if (!resolved_) resolve(product);
     for (const Line& line : lines_) {
-        attempt(passedOver_, kProductDefaults[line.row].setting, [&] { apply(line, product); });
+        attempt(passedOver_, line.statement, [&] { apply(line, product); });
     }
 }
 
@@ -126,9 +135,9 @@ void NewProductDefaults::resolve(const Recordset& product) {
     resolved_ = true;
     for (std::size_t row = 0; row < std::size(kProductDefaults); ++row) {
         const Default& each = kProductDefaults[row];
-        attempt(passedOver_, each.setting, [&] {
-            Line line{row, each.column.ordinal, -1};
-            if (!each.column.name.empty()) line.column = product.ordinal(each.column.name);
+        attempt(passedOver_, statement(each), [&] {
+            Line line{row, each.column.ordinal, -1, statement(each)};
+            if (line.column < 0) line.column = product.ordinal(each.column.name);
             if (each.from == Syinställningar) line.setting = settings_.ordinal(each.setting);
             if (each.from == Syinställningar2) line.setting = settings2_.ordinal(each.setting);
             lines_.push_back(line);
@@ -153,7 +162,8 @@ void NewProductDefaults::apply(const Line& line, Recordset& product) {
 
 void SättGruppKonton(Recordset& group, Recordset& settings, PassedOver& passedOver) {
     for (const GroupAccount& row : kGroupAccounts) {
-        attempt(passedOver, row.setting, [&] { group.set(row.ordinal, settings.value(row.setting)); });
+        attempt(passedOver, fmt::format("Syinställningar.{}", row.setting),
+                [&] { group.set(row.ordinal, settings.value(row.setting)); });
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "platform/attempt.h"
@@ -25,6 +26,7 @@ class NewProductDefaults {
         std::size_t row;
         int column;
         int setting;
+        std::string statement;  ///< what it is called when it fails
     };
     void resolve(const Recordset& product);
     void apply(const Line& line, Recordset& product);

@@ -14,7 +14,7 @@ ProductCoupling::ProductCoupling(bool hasPurchasePrice, SqlLayer& sql, PrisClsRo
       currencies_(sql.SQLÖppnaTabell("Syvaluta", "Kod", options::kReadOnly, false)) {}
 
 void ProductCoupling::couple(Recordset& product) {
-    attempt(passedOver_, "Produkt: priskoppling", [&] {
+    attempt(passedOver_, "Produkt", [&] {
         if (coupled(product)) prices_.Priskoppling(product, netPurchasePrice(product));
     });
 }

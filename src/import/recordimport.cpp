@@ -15,7 +15,7 @@ ColumnSettings columnSettings(MaskTables& tables, Date Idag, const Locale& local
     settings.locale = locale;
     for (std::size_t rate = 0; rate < settings.vatRates.size(); ++rate) {
         const std::string column = std::to_string(rate + 1) + "OMomsproc";
-        attempt(passedOver, "Syinställningar.OMomsproc",
+        attempt(passedOver, "Syinställningar." + column,
                 [&] { settings.vatRates[rate] = TillDbl(tables.settings->value(column), locale); });
     }
     attempt(passedOver, "Syinställningar2.PPrisDatumBM", [&] {
@@ -67,7 +67,7 @@ void RecordImport::import(const EntryList& entries) {
 ProductMatch RecordImport::match(const EntryList& entries) {
     ProductMatch found;
     found.skipped = Remark::NotSaved;
-    attempt(report_, "Produkt: sökning", [&] { found = matcher_.match(entries); });
+    attempt(report_, "Produkt", [&] { found = matcher_.match(entries); });
     return found;
 }
 

@@ -233,18 +233,19 @@ void RunMachinery::Körläge(bool on) {
 }
 
 bool RunMachinery::TömTabeller(Recordset& products, Recordset& supplierPriceList, Recordset& alternativeNumbers) {
-    return emptyTable(products, 25, 50, summary_.deleted.products) &&
-           emptyTable(supplierPriceList, 50, 52, summary_.deleted.priceList) &&
-           emptyTable(alternativeNumbers, 50, 54, summary_.deleted.alternatives);
+    return emptyTable(products, "Produkt", 25, 50, summary_.deleted.products) &&
+           emptyTable(supplierPriceList, "Levprislista", 50, 52, summary_.deleted.priceList) &&
+           emptyTable(alternativeNumbers, "Prodaltprodnr", 50, 54, summary_.deleted.alternatives);
 }
 
 /// The label of the progress is the text behind the status line's.
-bool RunMachinery::emptyTable(Recordset& table, int every, int statusText, std::int64_t& deleted) {
+bool RunMachinery::emptyTable(Recordset& table, std::string_view name, int every, int statusText,
+                              std::int64_t& deleted) {
     port().status(texts().FormulärSträng("PrisMain", statusText));
     const std::string label = texts().FormulärSträng("PrisMain", statusText + 1) + " ";
     BatchTransaction transaction(*sql().FtgDB);
     for (std::int64_t passed = 1; !table.eof(); ++passed) {
-        if (attempt(report(), "TömTabeller", [&] { table.remove(); })) ++deleted;
+        if (attempt(report(), name, [&] { table.remove(); })) ++deleted;
         table.moveNext();
         if (passed % every != 0) continue;
         if (!progress(label, passed)) return false;

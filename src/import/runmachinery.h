@@ -96,7 +96,8 @@ class RunMachinery {
     [[nodiscard]] bool wantsJobSettings() const { return wantsJobSettings_; }
 
   private:
-    [[nodiscard]] bool emptyTable(Recordset& table, int every, int statusText, std::int64_t& deleted);
+    [[nodiscard]] bool emptyTable(Recordset& table, std::string_view name, int every, int statusText,
+                                  std::int64_t& deleted);
     [[nodiscard]] std::string roundingWarning(Recordset& settings2);
     [[nodiscard]] bool startInTurn(BatchFile& batch, const std::string& command);
     /// Waits until `done`. False when cancelled.

@@ -1,5 +1,7 @@
 #include "pricing/clsprisavrund.h"
 
+#include <fmt/format.h>
+
 #include <limits>
 
 #include "db/conversions.h"
@@ -53,7 +55,8 @@ ClsPrisAvrund::ClsPrisAvrund(SqlLayer& sql, PassedOver& passedOver)
 void ClsPrisAvrund::InitInstRS(Recordset& DsetInställningar2) {
     const Locale& locale = sql_.locale();
     const auto load = [&](std::string_view column, auto&& store) {
-        attempt(passedOver_, column, [&] { store(DsetInställningar2.value(column)); });
+        attempt(passedOver_, fmt::format("Syinställningar2.{}", column),
+                [&] { store(DsetInställningar2.value(column)); });
     };
     for (const TextSetting& row : kTexts) {
         load(row.column, [&](const Value& value) { (this->*row.write)(TillText(value, locale)); });
@@ -139,7 +142,7 @@ void ClsPrisAvrund::SetProdukt(Recordset& ProdTabell) {
         list(index).utpris = TillDbl(ProdTabell.value(utprisOrdinal(index)), locale);
         list(index).pålägg = TillSng(ProdTabell.value(påläggOrdinal(index)), locale);
     }
-    attempt(passedOver_, "Momskod", [&] {
+    attempt(passedOver_, "Produkt.Momskod", [&] {
         if (momskodOrdinal_ < 0) momskodOrdinal_ = ProdTabell.ordinal("Momskod");
         IntProdMomskod = static_cast<std::int16_t>(TillLng(ProdTabell.value(momskodOrdinal_), locale));
     });

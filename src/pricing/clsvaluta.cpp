@@ -17,7 +17,7 @@ constexpr std::size_t kMostRemembered = 100;
 }  // namespace
 
 ClsValuta::ClsValuta(SqlLayer& sql, PassedOver& passedOver) : sql_(sql), passedOver_(passedOver) {
-    attempt(passedOver_, "open Syvaluta",
+    attempt(passedOver_, "Syvaluta",
             [this] { ValutaTabell = sql_.SQLÖppnaTabell("Syvaluta", "Kod", options::kReadOnly, true); });
 }
 
@@ -75,7 +75,7 @@ const ClsValuta::Rates* ClsValuta::lookUp(std::string_view code) {
     auto known = std::ranges::find(remembered_, code, &Rates::code);
     if (known == remembered_.end()) {
         Rates rates{.code = {}, .found = false};
-        if (seek(code)) attempt(passedOver_, "read Syvaluta", [&] { rates = readCurrent(); });
+        if (seek(code)) attempt(passedOver_, "Syvaluta", [&] { rates = readCurrent(); });
         rates.code = code;  // as asked for: the index does not tell letter cases apart
         known = remembered_.insert(remembered_.end(), std::move(rates));
     }
@@ -84,7 +84,7 @@ const ClsValuta::Rates* ClsValuta::lookUp(std::string_view code) {
 
 bool ClsValuta::forEachCurrency(const std::function<void()>& visit) {
     if (!ValutaTabell) return false;
-    return attempt(passedOver_, "read Syvaluta", [&] {
+    return attempt(passedOver_, "Syvaluta", [&] {
         if (ValutaTabell->bof() && ValutaTabell->eof()) return;
         for (ValutaTabell->moveFirst(); !ValutaTabell->eof(); ValutaTabell->moveNext()) visit();
     });

@@ -14,6 +14,9 @@ constexpr int kMostDecimals = 15;  ///< of `roundDecimals`
 
 constexpr int kInpris = ordinal(kProdukt, "Inpris");
 constexpr int kVägtinpris = ordinal(kProdukt, "Vägtinpris");
+constexpr std::string_view kUtpris[kPriceLists] = {"Produkt.1Utpris", "Produkt.2Utpris", "Produkt.3Utpris",
+                                                   "Produkt.4Utpris", "Produkt.5Utpris", "Produkt.6Utpris",
+                                                   "Produkt.7Utpris", "Produkt.8Utpris", "Produkt.9Utpris"};
 
 std::uint8_t decimals(Recordset& settings, std::string_view column, const Locale& locale) {
     const std::int32_t number = TillLng(settings.value(column), locale);
@@ -38,9 +41,9 @@ PrisClsRoundInprisOUtpris::~PrisClsRoundInprisOUtpris() = default;
 void PrisClsRoundInprisOUtpris::Init() {
     avrund_ = std::make_unique<ClsPrisAvrund>(sql_, passedOver_);
     InprisDec = UtprisDec = kStandardDecimals;
-    attempt(passedOver_, "open Syinställningar2", [this] {
+    attempt(passedOver_, "Syinställningar2", [this] {
         const auto settings = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
-        attempt(passedOver_, "PDecInpris, PDecUtpris", [&] {
+        attempt(passedOver_, "Syinställningar2.PDecInpris", [&] {
             const std::uint8_t inpris = decimals(*settings, "PDecInpris", sql_.locale());
             UtprisDec = decimals(*settings, "PDecUtpris", sql_.locale());
             InprisDec = inpris;
@@ -61,7 +64,7 @@ bool PrisClsRoundInprisOUtpris::KopplaMotFinns() const { return avrund_->BoolKop
 
 void PrisClsRoundInprisOUtpris::Priskoppling(Recordset& ProdTabell, double DblIPEfterRabatt) {
     if (!avrund_->BoolPAutoUppdatUtpris) return;
-    const bool loaded = attempt(passedOver_, "Priskoppling", [&] {
+    const bool loaded = attempt(passedOver_, "Produkt", [&] {
         if (!columns_) {
             columns_ = std::make_unique<ProductColumns>(ProductColumns{ProdTabell.ordinal("Vägtinpris"),
                                                                        ProdTabell.ordinal("Prisändrdat"),
@@ -80,11 +83,11 @@ void PrisClsRoundInprisOUtpris::Priskoppling(Recordset& ProdTabell, double DblIP
 }
 
 void PrisClsRoundInprisOUtpris::saveCoupledPrices(Recordset& ProdTabell, const ProductColumns& columns) {
-    if (!attempt(passedOver_, "Priskoppling: Edit", [&] { ProdTabell.edit(); })) return;
+    if (!attempt(passedOver_, "Produkt", [&] { ProdTabell.edit(); })) return;
     bool pricesChanged = false;
     for (int list = 1; list <= kPriceLists; ++list) {
         if (!avrund_->Ändrad(list)) continue;
-        attempt(passedOver_, "Priskoppling: Utpris", [&] {
+        attempt(passedOver_, kUtpris[static_cast<std::size_t>(list - 1)], [&] {
             const int position = utprisOrdinal(list);
             const double price = avrund_->Utpris(list);
             if (daterarPris(PPrisDatumBM_, list) &&
@@ -95,11 +98,11 @@ void PrisClsRoundInprisOUtpris::saveCoupledPrices(Recordset& ProdTabell, const P
         });
     }
     if (pricesChanged) {
-        attempt(passedOver_, "Priskoppling: Prisändrdat", [&] { ProdTabell.set(columns.Prisändrdat, Idag_); });
+        attempt(passedOver_, "Produkt.Prisändrdat", [&] { ProdTabell.set(columns.Prisändrdat, Idag_); });
     }
-    attempt(passedOver_, "Priskoppling: Förändringsdatum",
+    attempt(passedOver_, "Produkt.Förändringsdatum",
             [&] { SättÄndringsdatum(ProdTabell, columns.Förändringsdatum, Idag_); });
-    attempt(passedOver_, "Priskoppling: Update", [&] { ProdTabell.update(); });
+    attempt(passedOver_, "Produkt", [&] { ProdTabell.update(); });
 }
 
 }  // namespace kolmera

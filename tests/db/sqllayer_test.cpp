@@ -189,7 +189,7 @@ TEST_F(SqlLayerTest, ServerSearchesBySelection) {
     Heard heard;
     products->setSort("Färgen");
     sql.SQLSök(*products, "=", key, heard);
-    EXPECT_EQ(heard.lines, std::vector<std::string>{"SQLSök 3265"}) << "an error reaches the caller, or nobody";
+    EXPECT_EQ(heard.lines, std::vector<std::string>{"Produkt 3265"}) << "an error reaches the caller, or nobody";
 
     products->setSort("Nummer");
     EXPECT_FALSE(sql.SQLSökIngenTräff(products, "=", key));
