@@ -4,6 +4,7 @@
 
 #include "definitions/prisstyr.h"
 #include "discounts/prisrab.h"
+#include "import/filedoubt.h"
 #include "import/jobicons.h"
 #include "import/prismain.h"
 #include "lang/errortext.h"
@@ -38,6 +39,9 @@ class KolmeraApplication final : public QApplication {
 void openWindowsOfOthers(Program& program) {
     program.showPrisStyr = [&program](QWidget* parent, int JobbNr, bool ÄrStandardJobb) {
         return visaPrisStyr(program, parent, JobbNr, ÄrStandardJobb);
+    };
+    program.misreadSample = [&program](const Mask& mask, const std::vector<Relation>& relations, const auto& sample) {
+        return misreadSample(program.texts, mask, relations, sample);
     };
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
 }

@@ -4,10 +4,10 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "definitions/savemessages.h"
-#include "import/filedoubt.h"
-#include "import/pricefilelook.h"
+#include "definitions/targetcodes.h"
 #include "lang/errortext.h"
 #include "platform/attempt.h"
 #include "platform/encodings.h"
@@ -43,8 +43,12 @@ std::int64_t EditedRelation::identity() const {
 }
 
 MaskEditor::MaskEditor(LanguageTexts& texts, MessageBoxes& boxes, std::filesystem::path dataFolder,
-                       std::filesystem::path sample)
-    : texts_(texts), boxes_(boxes), dataFolder_(std::move(dataFolder)), sample_(std::move(sample)) {}
+                       std::filesystem::path sample, SampleLook look)
+    : texts_(texts),
+      boxes_(boxes),
+      dataFolder_(std::move(dataFolder)),
+      sample_(std::move(sample)),
+      look_(std::move(look)) {}
 
 bool MaskEditor::open(SqlLayer& sql, int maskNumber) {
     try {
@@ -322,15 +326,7 @@ bool MaskEditor::doublesProducts() const {
 void MaskEditor::tellWhatRunsWillDo(const std::vector<Relation>& relations) {
     std::vector<std::string> remarks;
     if (doublesProducts()) remarks.push_back(texts_.ModulText(kModule, kDoublesProducts));
-    const LoadedMask mask(mask_, relations);
-    const Locale locale;
-    PassedOverSilently passedOver;
-    attempt(passedOver, "sample", [&] {
-        if (sample_.empty() || relations.empty() || mask.emptyRecords()) return;
-        for (const FileFact& fact : lookThroughMask(sample_, mask, {}, locale)) {
-            if (fact.garbage) remarks.push_back(factText(texts_, fact, locale));
-        }
-    });
+    if (look_ && !sample_.empty()) std::ranges::move(look_(mask_, relations, sample_), std::back_inserter(remarks));
     if (!remarks.empty()) boxes_.MeddelandeInfo(fmt::format("{}", fmt::join(remarks, "\r\n\r\n")));
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,13 +24,18 @@ struct EditedRelation {
     [[nodiscard]] std::int64_t identity() const;
 };
 
+/// What a run through the mask would do wrong with the sample, each in a sentence or two.
+using SampleLook = std::function<std::vector<std::string>(const Mask&, const std::vector<Relation>&,
+                                                          const std::filesystem::path& sample)>;
+
 /// What the mask editor shows and does, without its window. Rows are counted from 0, -1 is none. Call `open` first; it
 /// needs the open company database.
 class MaskEditor {
   public:
-    /// `sample` is the price file that the mask is shown against; empty when none is known.
+    /// `sample` is the price file that the mask is shown against; empty when none is known. `look` is asked when the
+    /// mask has been saved.
     MaskEditor(LanguageTexts& texts, MessageBoxes& boxes, std::filesystem::path dataFolder,
-               std::filesystem::path sample);
+               std::filesystem::path sample, SampleLook look);
 
     /// Begins with the mask of that number, 0 for a new one. Tells the user of headings that masks cannot use, and of
     /// relations beyond the hundredth, which are not shown and not saved again. False when the company's tables cannot
@@ -112,6 +118,7 @@ class MaskEditor {
     MessageBoxes& boxes_;
     std::filesystem::path dataFolder_;
     std::filesystem::path sample_;
+    SampleLook look_;
     Mask mask_;
     std::optional<WholeMask> shown_;  ///< as it is stored; none for a new one
     WholeMask begun_;                 ///< as the window first showed it

@@ -402,7 +402,7 @@ void PrisMTyp::presentPositions() {
 
 std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample,
                                 int maskNumber) {
-    MaskEditor editor(program.texts, program.boxes, program.state.dataFolder(), sample);
+    MaskEditor editor(program.texts, program.boxes, program.state.dataFolder(), sample, program.misreadSample);
     if (!editor.open(program.state.sql, maskNumber)) return std::nullopt;
     PrisMTyp form(program, editor, parent);
     VisaFormulär(program, form, true);

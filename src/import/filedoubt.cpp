@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "import/pricefilelook.h"
+#include "platform/attempt.h"
 #include "platform/printable.h"
 
 namespace kolmera {
@@ -37,6 +38,21 @@ DoubtfulFile doubtfulFile(LanguageTexts& texts, const FileFacts& facts, std::str
     for (const FileFact& fact : facts) doubt.text.append(kLineBreaks).append(factText(texts, fact, locale));
     if (!emptied.empty()) doubt.text.append(kLineBreaks).append(texts.ModulTextMed(kModule, kEmptiedFirst, emptied));
     return doubt;
+}
+
+std::vector<std::string> misreadSample(LanguageTexts& texts, const Mask& mask, const std::vector<Relation>& relations,
+                                       const std::filesystem::path& sample) {
+    const LoadedMask loaded(mask, relations);
+    std::vector<std::string> remarks;
+    if (relations.empty() || loaded.emptyRecords()) return remarks;
+    const Locale locale;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "sample", [&] {
+        for (const FileFact& fact : lookThroughMask(sample, loaded, {}, locale)) {
+            if (fact.garbage) remarks.push_back(factText(texts, fact, locale));
+        }
+    });
+    return remarks;
 }
 
 }  // namespace kolmera

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "lang/languagetexts.h"
 #include "startup/company.h"
@@ -12,8 +15,12 @@ class QWidget;
 
 namespace kolmera {
 
+struct Mask;
+struct Relation;
+
 /// What the forms share: made in `main`, handed to every form by reference. The windows that one form opens and another
-/// subsystem owns are members here, so that a test can put its own in their place.
+/// subsystem owns are members here, and what one asks of a subsystem above its own, so that a test can put its own in
+/// their place.
 struct Program {
     StartState& state;
     LanguageTexts& texts;
@@ -25,6 +32,10 @@ struct Program {
     std::function<std::optional<int>(QWidget* parent, int JobbNr, bool ÄrStandardJobb)> showPrisStyr{};
     /// Opens the discount letters modally.
     std::function<void(QWidget* parent, int JobbNr)> showPrisRab{};
+    /// What a run through that mask would read wrongly of a sample file, each in a sentence or two.
+    std::function<std::vector<std::string>(const Mask&, const std::vector<Relation>&,
+                                           const std::filesystem::path& sample)>
+        misreadSample{};
 };
 
 }  // namespace kolmera

@@ -25,7 +25,7 @@ class PrisMTypTest : public testing::Test {
     void open(FormWorld& world, const char* sample, int maskNumber = 0) {
         form.reset();
         ASSERT_TRUE(world.companies.ÖppnaDatabas("FTG1.MDB"));
-        editor.emplace(world.texts, world.boxes, world.data, world.data / "Prisfiler" / sample);
+        editor.emplace(world.texts, world.boxes, world.data, world.data / "Prisfiler" / sample, SampleLook());
         ASSERT_TRUE(editor->open(world.state.sql, maskNumber));
         form.emplace(world.program, *editor, nullptr);
         form->show();

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "definitions/editorworld.h"
+#include "import/filedoubt.h"
 
 namespace kolmera {
 namespace {
@@ -22,7 +23,10 @@ class MaskEditorTest : public testing::Test {
         world.rawPriceFile(sample);
         world.texts().InitSpråkOrd(language);
         EXPECT_TRUE(world.openCompany());
-        editor.emplace(world.texts(), world.boxes, world.data(), world.data() / "pris.txt");
+        editor.emplace(world.texts(), world.boxes, world.data(), world.data() / "pris.txt",
+                       [this](const Mask& mask, const std::vector<Relation>& relations, const auto& file) {
+                           return misreadSample(world.texts(), mask, relations, file);
+                       });
         EXPECT_TRUE(editor->open(world.state.sql, maskNumber));
         return *editor;
     }

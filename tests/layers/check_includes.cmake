@@ -27,6 +27,10 @@ check_folder(platform ${platform_never})
 check_folder(db ${db_never})
 foreach(subsystem ${subsystems})
   check_folder(${subsystem} "app/" "cli/" "suite/")
+  # The import stands on the other subsystems.
+  if(NOT subsystem STREQUAL "import")
+    check_folder(${subsystem} "import/")
+  endif()
 endforeach()
 
 # Logic knows nothing of the windows; the forms are those that src/CMakeLists.txt lists.
