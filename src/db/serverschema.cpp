@@ -32,8 +32,8 @@ constexpr auto kTypes = std::to_array<TypeText>({
     {FieldType::Memo, "nvarchar(max)", "text", "longtext"},
 });
 
-/// What differs between servers.
-struct Dialect {
+/// What differs between servers in the scripts that make a company.
+struct ScriptDialect {
     ServerKind kind;
     std::string_view name;
     std::string_view TypeText::*type;
@@ -47,11 +47,12 @@ struct Dialect {
     std::string_view indexName;  ///< {0} is the table, {1} the index
     bool oneNullOnly;            ///< a unique index takes Null for a value, unless its rows are chosen
     std::string_view text;       ///< before a text literal
+    bool escapes;                ///< a backslash in a text literal is an escape
 };
 
 // PostgreSQL's names of indexes belong to the schema, not to the table. Its collation has the accents' level, at which
 // letter case does not count.
-constexpr auto kDialects = std::to_array<Dialect>({
+constexpr auto kDialects = std::to_array<ScriptDialect>({
     {.kind = ServerKind::SqlServer,
      .name = "sqlserver",
      .type = &TypeText::sqlServer,
@@ -65,7 +66,8 @@ constexpr auto kDialects = std::to_array<Dialect>({
      .tableEnd = "",
      .indexName = "{1}",
      .oneNullOnly = true,
-     .text = "N"},
+     .text = "N",
+     .escapes = false},
     {.kind = ServerKind::PostgreSql,
      .name = "postgresql",
      .type = &TypeText::postgreSql,
@@ -81,7 +83,8 @@ constexpr auto kDialects = std::to_array<Dialect>({
      .tableEnd = "",
      .indexName = "{0}.{1}",
      .oneNullOnly = false,
-     .text = ""},
+     .text = "",
+     .escapes = false},
     {.kind = ServerKind::MariaDb,
      .name = "mariadb",
      .type = &TypeText::mariaDb,
@@ -96,21 +99,22 @@ constexpr auto kDialects = std::to_array<Dialect>({
                  "COLLATE=utf8mb4_uca1400_swedish_nopad_as_ci",
      .indexName = "{1}",
      .oneNullOnly = false,
-     .text = ""},
+     .text = "",
+     .escapes = true},
 });
 
-const Dialect& dialectOf(ServerKind kind) { return *std::ranges::find(kDialects, kind, &Dialect::kind); }
+const ScriptDialect& dialectOf(ServerKind kind) { return *std::ranges::find(kDialects, kind, &ScriptDialect::kind); }
 
-std::string quoted(const Dialect& dialect, std::string_view name) {
+std::string quoted(const ScriptDialect& dialect, std::string_view name) {
     return fmt::format("{}{}{}", dialect.quote, name, dialect.endQuote);
 }
 
-std::string typeText(const Dialect& dialect, const FieldDef& field) {
+std::string typeText(const ScriptDialect& dialect, const FieldDef& field) {
     const auto row = std::ranges::find(kTypes, field.type, &TypeText::type);
     return fmt::format(fmt::runtime(row->*dialect.type), field.size, field.name);
 }
 
-std::string columnText(const Dialect& dialect, const TableDef& table, const FieldDef& field) {
+std::string columnText(const ScriptDialect& dialect, const TableDef& table, const FieldDef& field) {
     std::string text = "    " + quoted(dialect, field.name) + ' ';
     if (field.counter) {
         return text + std::string(dialect.counter) + fmt::format(fmt::runtime(dialect.primaryKey), table.name) +
@@ -123,7 +127,7 @@ std::string columnText(const Dialect& dialect, const TableDef& table, const Fiel
     return text + " NULL DEFAULT " + std::string(field.type == FieldType::Boolean ? dialect.falseText : "0");
 }
 
-std::string tableText(const Dialect& dialect, const TableDef& table) {
+std::string tableText(const ScriptDialect& dialect, const TableDef& table) {
     std::string text = "CREATE TABLE " + quoted(dialect, table.name) + " (\n";
     std::string_view separator;
     for (const FieldDef& field : table.fields) {
@@ -141,7 +145,7 @@ bool isPrimaryKey(const TableDef& table, const IndexDef& index) {
 }
 
 /// "+A;-B" as a list of quoted columns.
-std::string columnList(const Dialect& dialect, const IndexDef& index) {
+std::string columnList(const ScriptDialect& dialect, const IndexDef& index) {
     std::string text;
     for (const std::string& field : split(index.fields, ";")) {
         if (!text.empty()) text += ", ";
@@ -152,7 +156,7 @@ std::string columnList(const Dialect& dialect, const IndexDef& index) {
 }
 
 /// Rows with Null in a column of a unique index do not collide.
-std::string rowsWithoutNull(const Dialect& dialect, const IndexDef& index) {
+std::string rowsWithoutNull(const ScriptDialect& dialect, const IndexDef& index) {
     std::string text;
     for (const std::string& column : index.columns()) {
         text += text.empty() ? " WHERE " : " AND ";
@@ -161,18 +165,18 @@ std::string rowsWithoutNull(const Dialect& dialect, const IndexDef& index) {
     return text;
 }
 
-std::string indexText(const Dialect& dialect, const TableDef& table, const IndexDef& index) {
+std::string indexText(const ScriptDialect& dialect, const TableDef& table, const IndexDef& index) {
     const std::string name = fmt::format(fmt::runtime(dialect.indexName), table.name, index.name);
     return fmt::format("CREATE {}INDEX {} ON {} ({}){};\n", index.unique ? "UNIQUE " : "", quoted(dialect, name),
                        quoted(dialect, table.name), columnList(dialect, index),
                        index.unique && dialect.oneNullOnly ? rowsWithoutNull(dialect, index) : "");
 }
 
-/// A literal of the first rows: whole numbers, and texts with apostrophes doubled; MariaDB reads "\" as an escape.
-std::string literal(const Dialect& dialect, const Value& value) {
+/// A literal of the first rows: whole numbers, and texts with apostrophes doubled.
+std::string literal(const ScriptDialect& dialect, const Value& value) {
     if (const auto* number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
     std::string text = replaceAll(textOf(value), "'", "''");
-    if (dialect.kind == ServerKind::MariaDb) text = replaceAll(text, "\\", "\\\\");
+    if (dialect.escapes) text = replaceAll(text, "\\", "\\\\");
     return std::string(dialect.text) + "'" + text + "'";
 }
 
@@ -180,12 +184,12 @@ std::string literal(const Dialect& dialect, const Value& value) {
 
 std::optional<ServerKind> serverKind(std::string_view name) {
     const auto found =
-        std::ranges::find_if(kDialects, [&](const Dialect& dialect) { return equalNoCase(dialect.name, name); });
+        std::ranges::find_if(kDialects, [&](const ScriptDialect& dialect) { return equalNoCase(dialect.name, name); });
     return found == kDialects.end() ? std::nullopt : std::optional(found->kind);
 }
 
 std::string serverSchema(ServerKind kind, std::span<const TableDef> tables) {
-    const Dialect& dialect = dialectOf(kind);
+    const ScriptDialect& dialect = dialectOf(kind);
     std::string text(dialect.heading);
     for (const TableDef& table : tables) {
         text += '\n' + tableText(dialect, table);
@@ -197,7 +201,7 @@ std::string serverSchema(ServerKind kind, std::span<const TableDef> tables) {
 }
 
 std::string serverFirstRows(ServerKind kind, std::string_view companyName) {
-    const Dialect& dialect = dialectOf(kind);
+    const ScriptDialect& dialect = dialectOf(kind);
     std::string text;
     for (const NewCompanyRow& row : newCompanyRows(companyName)) {
         std::string columns;

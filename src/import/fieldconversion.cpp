@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/digits.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
 namespace {
 
-bool allDigits(std::string_view text) {
-    return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
+bool allDigits(std::string_view text) { return std::ranges::all_of(text, isDigit); }
 
 int digits(std::string_view text) {
     int number = 0;

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/digits.h"
 #include "platform/lettercase.h"
 #include "platform/locale.h"
 
@@ -34,7 +35,6 @@ struct Spelling {
     char separator = ' ';  ///< between the first two parts
 };
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 template <typename Predicate>

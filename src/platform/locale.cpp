@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "platform/digits.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -15,8 +16,6 @@ namespace {
 
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 std::string_view withoutBlanks(std::string_view text) {
     const auto blank = [](char c) { return c == ' ' || c == '\t'; };

@@ -137,7 +137,7 @@ TEST(ServerDialect, MalformedTextsStayApart) {
         {"a sequence cut short", "a\xC3", "a\uFFFD"},
         {"a sequence cut short by a letter", "\xE2\x82z", "\uFFFD\uFFFDz"},
         {"a byte that begins nothing", "\xFFz\x80", "\uFFFDz\uFFFD"},
-        {"a surrogate", "\xED\xA0\x80", "\uFFFD"},
+        {"a surrogate", "\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
     };
     for (const auto& c : cases) EXPECT_EQ(fromWide(toWide(c.text)), c.back) << c.fault;
     EXPECT_EQ(fromWide(u"a\xD800z"), "a\uFFFDz") << "half a pair";

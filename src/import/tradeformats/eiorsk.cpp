@@ -1,15 +1,13 @@
 #include "import/tradeformats/eiorsk.h"
 
 #include "import/fieldconversion.h"
+#include "platform/digits.h"
 
 namespace kolmera {
 namespace {
 
 /// The first column as a number; a line without a digit there has type 0.
-int recordType(std::string_view line) {
-    const bool digit = !line.empty() && line.front() >= '0' && line.front() <= '9';
-    return digit ? line.front() - '0' : 0;
-}
+int recordType(std::string_view line) { return !line.empty() && isDigit(line.front()) ? line.front() - '0' : 0; }
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/digits.h"
 #include "platform/engine/sqlitenames.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
@@ -9,8 +10,6 @@
 namespace kolmera {
 
 namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
