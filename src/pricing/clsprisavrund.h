@@ -15,7 +15,6 @@
 
 namespace kolmera {
 
-
 /// A company's rules for out prices: rounding by price ranges, and recomputing of the coupled price lists. Order:
 /// construct, `InitInstRS`, then round; to couple a product set `DblIPEfterRabatt`, `DblVägtIP`
 /// and `ByteDecimaler`, call `SetProdukt` and `UtförPriskoppling`, and read `Ändrad` and `Utpris`. A property is read

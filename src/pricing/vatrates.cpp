@@ -1,5 +1,7 @@
 #include "pricing/vatrates.h"
 
+#include <fmt/format.h>
+
 #include <string_view>
 
 #include "db/conversions.h"
@@ -11,10 +13,10 @@ std::optional<double> VatRates::of(int momskod) {
     if (momskod < 1 || momskod > static_cast<int>(kColumns.size())) return std::nullopt;
     if (!rates_) {
         rates_.emplace();
-        attempt(passedOver_, "open Syinställningar", [this, &kColumns] {
+        attempt(passedOver_, "Syinställningar", [this, &kColumns] {
             const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
             for (std::size_t place = 0; place < kColumns.size(); ++place) {
-                attempt(passedOver_, kColumns[place],
+                attempt(passedOver_, fmt::format("Syinställningar.{}", kColumns[place]),
                         [&] { (*rates_)[place] = TillDbl(settings->value(kColumns[place]), sql_.locale()); });
             }
         });

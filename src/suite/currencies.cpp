@@ -16,8 +16,7 @@ void CurrencyLookUps::EndastFaktor(std::string_view StrKod, double Valutakurs) {
         return;
     }
     if (seek(StrKod)) {
-        attempt(passedOver_, "read Syvaluta",
-                [this] { Faktor = TillLng(ValutaTabell->value("Faktor"), sql_.locale()); });
+        attempt(passedOver_, "Syvaluta", [this] { Faktor = TillLng(ValutaTabell->value("Faktor"), sql_.locale()); });
     }
     neverZero();
 }
@@ -30,7 +29,7 @@ void CurrencyLookUps::FyllCombo(std::vector<std::string>& Cmb) {
 void CurrencyLookUps::ValutaKonto(std::string_view StrKey) {
     Konto = 0;
     if (!seek(StrKey)) return;
-    attempt(passedOver_, "read Syvaluta",
+    attempt(passedOver_, "Syvaluta",
             [this] { Konto = static_cast<std::int16_t>(TillLng(ValutaTabell->value("Valutakonto"), sql_.locale())); });
 }
 
