@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <filesystem>
 #include <memory>
@@ -47,6 +49,17 @@ class CliMachine {
     TemporaryFolder folder_;
     std::ostringstream out_;
     std::ostringstream err_;
+};
+
+/// The same with the demo company in FTG1.mdb.
+class DemoMachine : public CliMachine {
+  public:
+    DemoMachine() { EXPECT_EQ(run({"demo", data()}), 0) << err(); }
+    int runJob(const std::string& job, const std::vector<std::string>& options = {}) {
+        std::vector<std::string> arguments = {"run", job, "--data", data()};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return run(arguments);
+    }
 };
 
 }  // namespace kolmera::test

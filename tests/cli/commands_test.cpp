@@ -56,8 +56,7 @@ TEST(CommandLine, NewMakesAFolderOnce) {
 }
 
 TEST(CommandLine, RunStopsWithAMessage) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    DemoMachine machine;
     std::filesystem::remove(std::filesystem::path(machine.data()) / "Prisfiler" / "VERKTYG.TXT");
     const struct {
         const char* fault;
@@ -79,12 +78,10 @@ TEST(CommandLine, RunStopsWithAMessage) {
 }
 
 TEST(CommandLine, CancelKeepsWhatWasRead) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    DemoMachine machine;
     const std::int32_t before = products(machine);
     machine.cancel = true;
-    EXPECT_EQ(machine.run({"run", "Smedhult verktyg", "--data", machine.data(), "--summary", machine.file("s.json")}),
-              cli::exitcode::kCancelled);
+    EXPECT_EQ(machine.runJob("Smedhult verktyg", {"--summary", machine.file("s.json")}), cli::exitcode::kCancelled);
     const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
     EXPECT_EQ(summary["cancelled"], true);
     EXPECT_EQ(summary["records"], 25) << "Cancel is looked at behind every 25th record";
@@ -92,15 +89,14 @@ TEST(CommandLine, CancelKeepsWhatWasRead) {
 }
 
 TEST(CommandLine, CancelDuringThePreparationEmptiesNothing) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    DemoMachine machine;
     JobFile jobs(machine.data());
     auto job = *jobs.find("Smedhult verktyg");
     job.command = "sleep 3";
     jobs.save(job);
     const std::int32_t before = products(machine);
     machine.cancel = true;
-    EXPECT_EQ(machine.run({"run", job.name, "--data", machine.data(), "--empty"}), cli::exitcode::kCancelled);
+    EXPECT_EQ(machine.runJob(job.name, {"--empty"}), cli::exitcode::kCancelled);
     EXPECT_EQ(products(machine), before);
 }
 
@@ -144,18 +140,15 @@ TEST(TerminalStream, WaitsForAReaderUntilCancelled) {
 }
 
 TEST(CommandLine, EmptyDeletesTheProductsFirst) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
-    EXPECT_EQ(machine.run({"run", "Smedhult verktyg", "--data", machine.data(), "--empty", "--summary",
-                           machine.file("s.json")}),
+    DemoMachine machine;
+    EXPECT_EQ(machine.runJob("Smedhult verktyg", {"--empty", "--summary", machine.file("s.json")}),
               cli::exitcode::kPassedOver);
     const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
     EXPECT_EQ(products(machine), summary["new"].get<std::int32_t>());
 }
 
 TEST(CommandLine, DoubtfulFilesAreReadOnlyWhenAsked) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    DemoMachine machine;
     const std::string file = machine.data() + "/Prisfiler/VERKTYG.TXT";
     const std::string sound = readWholeFile(file);
     const struct {
@@ -186,16 +179,13 @@ TEST(CommandLine, DoubtfulFilesAreReadOnlyWhenAsked) {
         SCOPED_TRACE(c.fault);
         std::ofstream(file, std::ios::binary) << c.bytes;
         const std::int32_t before = products(machine);
-        std::vector<std::string> arguments = {"run", "Smedhult verktyg", "--data", machine.data()};
-        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
-        EXPECT_EQ(machine.run(arguments), c.code) << machine.err();
+        EXPECT_EQ(machine.runJob("Smedhult verktyg", c.options), c.code) << machine.err();
         EXPECT_EQ(products(machine) >= before, c.kept);
     }
 }
 
 TEST(SummaryFile, SaysHowEveryRunEnded) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    DemoMachine machine;
     std::filesystem::remove(std::filesystem::path(machine.data()) / "Prisfiler" / "VERKTYG.TXT");
     std::ofstream(std::filesystem::path(machine.data()) / "Prisfiler" / "SKRUV.TXT", std::ios::trunc);
     const struct {
@@ -245,13 +235,11 @@ TEST(SummaryFile, IsThereWhileTheRunIsOnAndNobodyElses) {
 }
 
 TEST(SummaryFile, ThatCannotBeWrittenStopsTheRunBeforeItBegins) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    DemoMachine machine;
     const std::int32_t before = products(machine);
     for (const std::string& file : {machine.file("no/s.json"), machine.data()}) {
         SCOPED_TRACE(file);
-        EXPECT_EQ(machine.run({"run", "Pärmnäs kontor", "--data", machine.data(), "--summary", file}),
-                  cli::exitcode::kStopped);
+        EXPECT_EQ(machine.runJob("Pärmnäs kontor", {"--summary", file}), cli::exitcode::kStopped);
         EXPECT_TRUE(contains(machine.err(), file)) << machine.err();
         EXPECT_EQ(products(machine), before);
     }
@@ -278,12 +266,11 @@ TEST(SummaryFile, HasNoMemberThatAGuideDoesNotExplain) {
 }
 
 TEST(CommandLine, RepairSavesWhatCanBeRead) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0);
+    DemoMachine machine;
     const std::vector<std::string> repair{"repair", "FTG1.mdb", "--data", machine.data()};
     EXPECT_EQ(machine.run(repair), 0) << "a sound company repaired";
     std::fstream(machine.company(), std::ios::binary | std::ios::in | std::ios::out) << std::string(8 * 4096, '\0');
-    EXPECT_EQ(machine.run({"run", "(EIO)", "--data", machine.data()}), 1);
+    EXPECT_EQ(machine.runJob("(EIO)"), 1);
     EXPECT_NE(machine.err().find("repair"), std::string::npos) << machine.err();
     EXPECT_EQ(machine.run(repair), 3);
     EXPECT_NE(machine.out().find("Produkt: 62\n"), std::string::npos) << machine.out();

@@ -35,13 +35,10 @@ double price(Recordset& product, const char* column) { return std::get<double>(p
 }  // namespace
 
 TEST(Demo, JobsDoWhatTheirFilesSay) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
+    DemoMachine machine;
     for (const DemoJob& expected : kDemoJobs) {
         SCOPED_TRACE(expected.job);
-        EXPECT_EQ(
-            machine.run({"run", expected.job, "--data", machine.data(), "--summary", machine.file("summary.json")}),
-            expected.exitCode);
+        EXPECT_EQ(machine.runJob(expected.job, {"--summary", machine.file("summary.json")}), expected.exitCode);
         const auto summary = nlohmann::json::parse(readWholeFile(machine.file("summary.json")));
         EXPECT_EQ(summary["job"], expected.job);
         EXPECT_EQ(summary["records"], expected.records);
@@ -59,9 +56,8 @@ TEST(Demo, JobsDoWhatTheirFilesSay) {
 
 // Worked out by hand from the settings of the demo company.
 TEST(Demo, PricesAreRight) {
-    CliMachine machine;
-    ASSERT_EQ(machine.run({"demo", machine.data()}), 0) << machine.err();
-    machine.run({"run", "(EIO)", "--data", machine.data()});
+    DemoMachine machine;
+    machine.runJob("(EIO)");
 
     const auto database = machine.open();
     const auto product = database->open("Produkt", RecordsetType::Table);

@@ -9,9 +9,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-/// A data folder with the demo company in FTG1.mdb.
-struct DemoFolder : CliMachine {
-    DemoFolder() { EXPECT_EQ(run({"demo", data()}), 0) << err(); }
+struct DemoFolder : DemoMachine {
     int addServer(const std::string& name, const std::string& connect) {
         return run({"add-server", name, "--connect", connect, "--description", "Åhus", "--data", data()});
     }
@@ -65,7 +63,7 @@ TEST(CopyCompanyCommand, CopiesBetweenFiles) {
     EXPECT_EQ(copy("FTG1.mdb", "FTG3.mdb"), cli::exitcode::kCancelled);
     machine.cancel = false;
     EXPECT_EQ(copy("FTG1.mdb", "FTG3.mdb"), 0) << machine.err();
-    machine.run({"run", "(EIO)", "--data", machine.data()});
+    machine.runJob("(EIO)");
     EXPECT_EQ(copy("FTG2.mdb", "FTG1.mdb"), cli::exitcode::kStopped);
     EXPECT_THAT(machine.err(), HasSubstr("Produkt, ID "));
 }

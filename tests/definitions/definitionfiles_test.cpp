@@ -6,6 +6,7 @@
 #include "definitions/jobfile.h"
 #include "definitions/maskfile.h"
 #include "platform/error.h"
+#include "support/errorof.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera {
@@ -313,17 +314,6 @@ TEST(CouplingFile, SavesByJobAndCode) {
 
 // Two programs.
 
-/// What a second window's change is refused with when a first one has changed the same record, 0 when it is carried
-/// out.
-int refusal(const std::function<void()>& change) {
-    try {
-        change();
-    } catch (const PlatformError& error) {
-        return error.number();
-    }
-    return 0;
-}
-
 TEST(DefinitionFiles, RefuseAStaleChange) {
     const TemporaryFolder folder;
     JobFile jobs(folder.path());
@@ -337,9 +327,9 @@ TEST(DefinitionFiles, RefuseAStaleChange) {
     const Job job = *jobs.read(2);
     const WholeMask whole = *masks.read(2);
     const std::vector<Coupling> shown = couplings.ofJob("(EIO)");
-    EXPECT_EQ(refusal([&] { jobs.save(named("c"), std::nullopt); }), errors::kDuplicateKey);
-    EXPECT_EQ(refusal([&] { masks.save(mask("b"), {}, std::nullopt); }), errors::kDuplicateKey);
-    EXPECT_EQ(refusal([&] { jobs.save(job, job); }), 0) << "a name is not its own double";
+    EXPECT_EQ(test::errorOf([&] { jobs.save(named("c"), std::nullopt); }), errors::kDuplicateKey);
+    EXPECT_EQ(test::errorOf([&] { masks.save(mask("b"), {}, std::nullopt); }), errors::kDuplicateKey);
+    EXPECT_EQ(test::errorOf([&] { jobs.save(job, job); }), 0) << "a name is not its own double";
 
     jobs.remove({*jobs.read(1)});
     masks.save(whole.mask, {});
@@ -355,9 +345,9 @@ TEST(DefinitionFiles, RefuseAStaleChange) {
         {"a coupling saved over another", [&] { couplings.save(shown[1], shown); }},
         {"a coupling removed for another", [&] { couplings.remove(shown[1], shown); }},
     };
-    for (const auto& c : cases) EXPECT_EQ(refusal(c.change), errors::kChangedElsewhere) << c.fault;
+    for (const auto& c : cases) EXPECT_EQ(test::errorOf(c.change), errors::kChangedElsewhere) << c.fault;
     masks.remove({masks.read(1)->mask});
-    EXPECT_EQ(refusal([&] { masks.remove({whole.mask}); }), errors::kChangedElsewhere);
+    EXPECT_EQ(test::errorOf([&] { masks.remove({whole.mask}); }), errors::kChangedElsewhere);
     EXPECT_EQ(names(jobs) + text(masks) + text(couplings.ofJob("(EIO)")), "1B 2C B: \nC: 1>1II \n1B=1 2C=1 ");
 }
 

@@ -10,7 +10,6 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
-#include <fstream>
 
 #include "definitions/jobfile.h"
 #include "support/qt/formworld.h"
@@ -69,47 +68,6 @@ class PrisRabInEnglishTest : public PrisRabTest {
     PrisRabInEnglishTest() : PrisRabTest("EN") {}
 };
 
-TEST_F(PrisRabTest, ShowsSwedishTexts) {
-    open(0);
-    expectTextsInBothLanguages(*form, world);
-    takePicture(*form, "prisrab-se");
-}
-
-TEST_F(PrisRabInEnglishTest, ShowsEnglishTexts) {
-    open(JobbNr);
-    EXPECT_EQ(form->windowTitle(), "Discount letters - 1010 - GRANÅSA EL");
-    EXPECT_EQ(control<QPushButton>(*form, "LäsFil").text(), "Read te&xt file...");
-    EXPECT_EQ(view("Lista").model()->headerData(1, Qt::Horizontal).toString(), "Disc. % 1");
-    EXPECT_EQ(view("Lev_Lista").accessibleName(), "From supplier") << "a screen reader says nothing";
-    EXPECT_EQ(control<QListWidget>(*form, "FTG_Lista").accessibleName(), "To company");
-    form->resize(form->minimumSizeHint());
-    QTest::qWait(0);
-    EXPECT_LE(view("Lista").header()->length(), view("Lista").viewport()->width() + 1) << "the last column is cut";
-    EXPECT_FALSE(view("Lev_Lista").horizontalScrollBar()->isVisible()) << "search names are cut";
-    takePicture(*form, "prisrab-en");
-}
-
-TEST_F(PrisRabTest, ChoosesCompanyAndSupplier) {
-    open(0);
-    EXPECT_EQ(form->windowTitle(), "Rabattbrev");
-    EXPECT_EQ(view("Lev_Lista").model()->rowCount(), 0) << "a company without a job";
-    EXPECT_FALSE(enabled("SkapaFil"));
-    control<QListWidget>(*form, "FTG_Lista").setCurrentRow(0);
-    ASSERT_GT(view("Lev_Lista").model()->rowCount(), 2);
-    selectRow(view("Lev_Lista"), 1);
-    EXPECT_EQ(form->windowTitle(), "Rabattbrev - 1020 - LYSHYTTAN");
-    const int groups = rows();
-    EXPECT_GT(groups, 0);
-    EXPECT_TRUE(enabled("SkapaFil"));
-
-    open(JobbNr);
-    EXPECT_EQ(form->windowTitle(), "Rabattbrev - 1010 - GRANÅSA EL");
-    EXPECT_EQ(view("Lev_Lista").currentIndex().row(), 0);
-    EXPECT_FALSE(view("Lista").currentIndex().isValid());
-    selectRow(view("Lev_Lista"), 1);
-    EXPECT_EQ(rows(), groups);
-}
-
 TEST_F(PrisRabTest, WaitsForALockedCompanyWithACancelButton) {
     open(JobbNr);
     const auto other = openFileDatabase(world.data / "FTG1.mdb", OpenOptions());
@@ -132,6 +90,24 @@ TEST_F(PrisRabTest, WaitsForALockedCompanyWithACancelButton) {
     EXPECT_EQ(field(0).text(), "");
 }
 
+TEST_F(PrisRabTest, FollowsCompanyAndSupplier) {
+    open(0);
+    EXPECT_EQ(view("Lev_Lista").model()->rowCount(), 0) << "a company without a job";
+    EXPECT_FALSE(enabled("SkapaFil"));
+    world.boxPort.answers = {Answer::OK};
+    press("LäsFil");
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulText("KMR", 307));
+    EXPECT_TRUE(asked.title.isEmpty()) << "asked for a file without a supplier";
+    control<QListWidget>(*form, "FTG_Lista").setCurrentRow(0);
+    selectRow(view("Lev_Lista"), 1);
+    EXPECT_EQ(form->windowTitle(), "Rabattbrev - 1020 - LYSHYTTAN");
+    EXPECT_GT(rows(), 0);
+    EXPECT_TRUE(enabled("SkapaFil"));
+    open(JobbNr);
+    EXPECT_EQ(view("Lev_Lista").currentIndex().row(), 0);
+    EXPECT_FALSE(view("Lista").currentIndex().isValid());
+}
+
 TEST_F(PrisRabTest, SavesAndDeletesByKeys) {
     open(JobbNr);
     const int before = rows();
@@ -141,6 +117,10 @@ TEST_F(PrisRabTest, SavesAndDeletesByKeys) {
     EXPECT_EQ(form->focusWidget(), &field(1)) << "Enter is Tab";
     type("1a0,,5-");
     EXPECT_EQ(field(1).text(), "10,5-") << "keys that no number has";
+    world.boxPort.answers = {Answer::OK};
+    key(Qt::Key_F7);
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulTextMed("KMR", 308, "10,5-"));
+    EXPECT_EQ(form->focusWidget(), &field(1));
     field(1).selectAll();
     type("10");
     key(Qt::Key_Return);
@@ -160,31 +140,25 @@ TEST_F(PrisRabTest, SavesAndDeletesByKeys) {
     type("ny1");
     key(Qt::Key_F7);
     EXPECT_EQ(cell(before, LetterRows::kTotalColumn), "14,50") << "the discounts of the group are gone";
-    EXPECT_EQ(rows(), before + 1);
 
     type("NY1");
     key(Qt::Key_Tab);
     EXPECT_EQ(field(2).text(), "5");
-    EXPECT_TRUE(enabled("TaBort"));
     world.boxPort.answers = {Answer::Yes};
     key(Qt::Key_F9);
     EXPECT_EQ(rows(), before);
-    EXPECT_EQ(field(0).text(), "");
     EXPECT_FALSE(enabled("TaBort"));
-}
 
-TEST_F(PrisRabTest, ShowsTheChosenGroupAgain) {
-    open(JobbNr);
     selectRow(view("Lista"), 1);
     const QString code = field(0).text();
     EXPECT_EQ(code, cell(1, 0));
-    EXPECT_EQ(total(), cell(1, LetterRows::kTotalColumn));
+    EXPECT_TRUE(enabled("TaBort"));
     key(Qt::Key_Escape);
     EXPECT_TRUE(form->isVisible()) << "Esc has closed the window";
     EXPECT_EQ(field(0).text() + total(), "");
     QTest::mouseClick(view("Lista").viewport(), Qt::LeftButton, {},
                       view("Lista").visualRect(view("Lista").currentIndex()).center());
-    EXPECT_EQ(field(0).text(), code);
+    EXPECT_EQ(field(0).text(), code) << "the chosen group is not shown again";
     key(Qt::Key_F8);
     EXPECT_EQ(field(0).text(), "");
     key(Qt::Key_L, Qt::AltModifier);
@@ -193,27 +167,7 @@ TEST_F(PrisRabTest, ShowsTheChosenGroupAgain) {
     EXPECT_FALSE(form->isVisible());
 }
 
-TEST_F(PrisRabTest, KeepsAWrongNumberInItsField) {
-    open(JobbNr);
-    field(0).setFocus();
-    type("NY1");
-    field(3).setFocus();
-    field(3).insert("12x");  // as pasting does
-    emit field(3).textEdited("12x");
-    world.boxPort.answers = {Answer::OK};
-    key(Qt::Key_F7);
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulTextMed("KMR", 308, "12x"));
-    EXPECT_EQ(form->focusWidget(), &field(3));
-    EXPECT_EQ(field(0).text() + field(3).text(), "NY112x");
-}
-
-TEST_F(PrisRabTest, ReadsAndWritesFiles) {
-    open(0);
-    world.boxPort.answers = {Answer::OK};
-    press("LäsFil");
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulText("KMR", 307));
-    EXPECT_TRUE(asked.title.isEmpty()) << "asked for a file without a supplier";
-
+TEST_F(PrisRabTest, AsksForFiles) {
     open(JobbNr);
     const int groups = rows();
     press("SkapaFil");  // cancelled
@@ -222,11 +176,8 @@ TEST_F(PrisRabTest, ReadsAndWritesFiles) {
     EXPECT_EQ(asked.path, toQt((world.data / "Rabattbrev1.txt").string()));
     file = (world.folder / "brev.xlsx").string();
     press("SkapaFil");
-    EXPECT_TRUE(std::filesystem::exists(file));
-
     selectRow(view("Lev_Lista"), 9);
-    const int others = rows();
-    world.boxPort.answers.assign(others > 0 ? 1 : 0, Answer::OK);
+    world.boxPort.answers.assign(rows() > 0 ? 1 : 0, Answer::OK);
     press("LäsFil");
     EXPECT_EQ(asked.title, "Läs in rabattbrev");
     EXPECT_EQ(asked.path, toQt(world.folder.path().string())) << "the folder of the last file";
@@ -234,23 +185,24 @@ TEST_F(PrisRabTest, ReadsAndWritesFiles) {
     EXPECT_FALSE(world.boxPort.waiting);
 }
 
-TEST_F(PrisRabTest, ScrollsAHundredThousandGroups) {
+TEST_F(PrisRabTest, ShowsSwedishTexts) {
+    open(0);
+    expectTextsInBothLanguages(*form, world);
+    takePicture(*form, "prisrab-se");
+}
+
+TEST_F(PrisRabInEnglishTest, ShowsEnglishTexts) {
     open(JobbNr);
-    file = (world.folder / "brev.txt").string();
-    {
-        std::ofstream letter(file, std::ios::binary);
-        for (int i = 0; i < 100000; ++i) letter << "G" << i << "\t5\r\n";
-    }
-    world.boxPort.answers = {Answer::OK};
-    press("LäsFil");
-    ASSERT_EQ(rows(), 100000);
-    selectRow(view("Lista"), 99999);
-    EXPECT_EQ(field(0).text(), cell(99999, 0));
-    field(0).setFocus();
-    field(0).selectAll();
-    type("G5");
-    key(Qt::Key_Tab);
-    EXPECT_EQ(cell(view("Lista").currentIndex().row(), 0), "G5");
+    EXPECT_EQ(form->windowTitle(), "Discount letters - 1010 - GRANÅSA EL");
+    EXPECT_EQ(control<QPushButton>(*form, "LäsFil").text(), "Read te&xt file...");
+    EXPECT_EQ(view("Lista").model()->headerData(1, Qt::Horizontal).toString(), "Disc. % 1");
+    EXPECT_EQ(view("Lev_Lista").accessibleName(), "From supplier") << "a screen reader says nothing";
+    EXPECT_EQ(control<QListWidget>(*form, "FTG_Lista").accessibleName(), "To company");
+    form->resize(form->minimumSizeHint());
+    QTest::qWait(0);
+    EXPECT_LE(view("Lista").header()->length(), view("Lista").viewport()->width() + 1) << "the last column is cut";
+    EXPECT_FALSE(view("Lev_Lista").horizontalScrollBar()->isVisible()) << "search names are cut";
+    takePicture(*form, "prisrab-en");
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ TEST_F(Queries, StatementsAreUnderstoodAsTheProgramsWriteThem) {
         {"a date between #", "SELECT ID FROM Artikel WHERE Datum = #2026-03-01#", "3"},
         {"a date in the locale's spelling", "SELECT ID FROM Artikel WHERE Datum < #1 apr 2026#", "3"},
         {"TRUE and FALSE", "SELECT ID FROM Artikel WHERE Webb = TRUE", "3"},
-        {"numbers cut at the point", "SELECT 1.5e1, 2E2, .5, 7", "15 200 0.5 7"},
+        {"numbers cut at the point", "SELECT 1.5e1, 2E2, .5, 7, 5e-1, 1.5E+1", "15 200 0.5 7 0.5 15"},
         {"a leading blank", "  SELECT ID FROM Artikel WHERE ID = 2", "2"},
     };
     for (const auto& c : cases) {

@@ -1,16 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <thread>
 #include <utility>
 
+#include "support/filesizelimit.h"
 #include "support/world.h"
 
 namespace kolmera::test {
@@ -145,17 +144,13 @@ TEST(FullDisk, KeepsWholeBatches) {
 
 TEST(FullDisk, AFileThatMayNotGrow) {
     TightWorld world;
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit old{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-    rlimit tight = old;
-    tight.rlim_cur = 2'000'000;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tight), 0);
     world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 15),
                                world.texts().ModulText("KMR", 110));
-    const RunSummary summary = world.run();
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &old), 0);
-    std::signal(SIGXFSZ, oldHandler);
+    RunSummary summary;
+    {
+        const FileSizeLimit limit(2'000'000);
+        summary = world.run();
+    }
     world.expectWholeBatches(summary);
 }
 

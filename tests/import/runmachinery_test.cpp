@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 #include "import/dispatcher.h"
 #include "platform/batchprocess.h"
@@ -151,7 +153,12 @@ struct TwoPreparations : World {
         EXPECT_TRUE(other.takeTurn());
         other.start("while [ ! -e go ]; do sleep 0.01; done; printf 'A\\t5\\r\\n' > pris.txt", {});
     }
-    ~TwoPreparations() { letOtherEnd(); }
+    /// Waits for the other command: it would look for "go" for ever in a folder that is gone.
+    ~TwoPreparations() {
+        letOtherEnd();
+        for (int pause = 0; pause < 1000 && std::filesystem::exists(program() / "Filer" / "EXPA@#01.BAT"); ++pause)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     void letOtherEnd() const { std::ofstream(program() / "Filer" / "go"); }
     [[nodiscard]] bool waits() const { return !port.statuses.empty() && port.statuses.back() == waiting(); }
     [[nodiscard]] std::string waiting() const { return texts().ModulText("KMR", 450); }
@@ -174,19 +181,6 @@ TEST(Preparation, CancelBeforeItsTurnReadsNothing) {
     EXPECT_EQ(world.rows("Produkt", "Nummer"), "");
 }
 
-TEST(Progress, IsShownEvery25Records) {
-    World world;
-    world.mask(kSimple);
-    const std::string label = world.text(29) + " ";
-    world.priceFile(priceLines(24));
-    world.run();
-    EXPECT_THAT(world.port.statuses, ElementsAre(world.text(20), world.text(28)));
-    world.priceFile(priceLines(60));
-    world.port.statuses.clear();
-    world.run();
-    EXPECT_THAT(world.port.statuses, ElementsAre(world.text(20), world.text(28), label + "25 ....", label + "50 ...."));
-}
-
 TEST(Cancel, KeepsWhatWasRead) {
     World world;
     world.mask(kSimple);
@@ -197,6 +191,8 @@ TEST(Cancel, KeepsWhatWasRead) {
     EXPECT_TRUE(summary.completed);
     EXPECT_EQ(summary.records, 50);
     EXPECT_EQ(lines(world.rows("Produkt", "Nummer")), 50U);
+    const std::string label = world.text(29) + " ";
+    EXPECT_THAT(world.port.statuses, ElementsAre(world.text(20), world.text(28), label + "25 ....", label + "50 ...."));
 
     world.port.cancelAtStatus.clear();
     EXPECT_FALSE(world.run().cancelled) << "the Cancel of the run before counts";
@@ -310,6 +306,21 @@ TEST(Confirmation, NamesNumbersAndBoundsThatAreNone) {
         EXPECT_EQ(asked.numbers, world.texts().ModulTextMed("KMR", 504, swedish ? "12,50" : "12.50"));
         EXPECT_EQ(asked.warning, swedish ? "" : world.texts().ModulTextMed("KMR", 505, "\"9,99\""));
     }
+}
+
+TEST(TwoRuns, InOneProcessKnowNothingOfEachOther) {
+    World one, other(Locale::Kind::English);
+    for (World* world : {&one, &other}) world->mask(kSimple);
+    one.priceFile("A\t1,5\r\nB\t2,5\r\n");
+    other.priceFile("C\t3.5\r\nD\t4.5\r\n");
+    bool ran = false;
+    one.port.onEvents = [&] {
+        if (std::exchange(ran, true)) return;
+        EXPECT_TRUE(other.run().completed);
+    };
+    EXPECT_TRUE(one.run().completed);
+    EXPECT_EQ(one.rows("Produkt", "Nummer, Vikt"), "A 1.5\nB 2.5\n");
+    EXPECT_EQ(other.rows("Produkt", "Nummer, Vikt"), "C 3.5\nD 4.5\n");
 }
 
 TEST(Dispatcher, JobNumberZeroRunsNothing) {

@@ -13,6 +13,7 @@ constexpr std::string_view kColumns =
     "Benämning, Anteckning, Vikt, Bredd, Prislista, SenasteInköp, Leveranstid, Sortering, Webbpris, Garantimånader";
 
 const World::Row kUnset{{"Nummer", "A"}};
+const World::Row kMissing{};
 const World::Row kSet{{"Nummer", "A"},
                       {"Benämning", "Gammal"},
                       {"Anteckning", "Gammal"},
@@ -25,7 +26,7 @@ const World::Row kSet{{"Nummer", "A"},
                       {"Webbpris", 1.0},
                       {"Garantimånader", std::int64_t{1}}};
 const char* const kOldTexts = "Gammal Gammal 1 1 True 2020-01-01 1 1 1 1\n";
-const char* const kNewTexts = "Ny Ny 2.5 2.5 True 2026-05-01 2 2 2.5 2\n";
+const char* const kNewTexts = "Ny Ny 2.5 2.5 True 2026-05-01 2 40000 2.5 2\n";
 
 /// Every column type under one update rule, in one record.
 MaskSpec everyType(char TypKod) {
@@ -44,11 +45,14 @@ TEST(UpdateRules, ByColumnType) {
         char rule;
         const World::Row& stored;
         const char* expected;
+        Locale::Kind locale = Locale::Kind::Swedish;
     } cases[] = {
         {"U does not write into an unset column", 'U', kUnset, kNewTexts},
         {"U spares what is stored", 'U', kSet, kNewTexts},
+        {"numbers are not those of the user's locale", 'U', kSet, kNewTexts, Locale::Kind::English},
         {"S takes a stored 0 of a whole number or an amount of money for unset", 'S', kUnset,
          "Ny Ny 2.5 2.5 True 2026-05-01 0 0 0 0\n"},
+        {"S fills the zeros of a new row", 'S', kMissing, "Ny Ny 2.5 2.5 True 2026-05-01 0 0 0 0\n"},
         {"S writes over what is stored", 'S', kSet, kOldTexts},
         {"I writes", 'I', kSet, kOldTexts},
         {"an unknown rule writes", 'Q', kSet, kOldTexts},
@@ -57,24 +61,16 @@ TEST(UpdateRules, ByColumnType) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
-        World world;
+        World world(c.locale);
         world.setting("1OMomsproc", 25.0);
-        world.add("Produkt", c.stored);
+        if (!c.stored.empty()) world.add("Produkt", c.stored);
         world.mask(everyType(c.rule));
-        world.priceFile("A\tNy\tNy\t2,5\t2,5\tJa\t20260501\t2\t2\t2,5\t2\r\n");
+        const std::string record = "A\tNy\tNy\t2,5\t2,5\tJa\t20260501\t2\t40000\t2,5\t2\r\n";
+        world.priceFile(c.locale == Locale::Kind::English ? replaceAll(record, ",", ".") : record);
         world.run();
         EXPECT_EQ(world.rows("Produkt", kColumns), c.expected);
         EXPECT_THAT(world.port.passedOver, IsEmpty());
     }
-}
-
-TEST(UpdateRules, ANewRowHasItsZeros) {
-    World world;
-    world.mask(everyType('S'));
-    world.priceFile("A\tNy\tNy\t2,5\t2,5\tJa\t20260501\t2\t2\t2,5\t2\r\n");
-    world.run();
-    // Without a number: the key itself is written under U, the other columns under S.
-    EXPECT_EQ(world.rows("Produkt", kColumns), "Ny Ny 2.5 2.5 True 2026-05-01 0 0 0 0\n");
 }
 
 TEST(UpdateRules, ARefusedValueLeavesItsColumn) {

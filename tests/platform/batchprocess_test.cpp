@@ -144,6 +144,11 @@ TEST_F(BatchTest, CommandsOfTheBatchLanguage) {
     }
 }
 
+TEST_F(BatchTest, ACommandThatCannotBeStartedIsNotWaitedFor) {
+    EXPECT_THROW(start(std::string(200'000, 'x')), PlatformError) << "longer than the system takes";
+    EXPECT_FALSE(fs::exists(work / kBatch));
+}
+
 TEST_F(BatchTest, RefusesAFolderThatIsNotThere) {
     try {
         BatchFile(folder / "none", kBatch);

@@ -4,24 +4,18 @@
 
 #include <stdexcept>
 
-#include "platform/error.h"
 #include "platform/lettercase.h"
 #include "platform/spreadsheet/workbook.h"
 #include "spreadsheet/workbookparts.h"
+#include "support/errorof.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera::test {
 
 namespace {
 
-/// The error number of reading a file; 0 when it is read.
-int errorOf(const std::filesystem::path& file) {
-    try {
-        rowsOf(file);
-        return 0;
-    } catch (const PlatformError& error) {
-        return error.number();
-    }
+int errorOfReading(const std::filesystem::path& file) {
+    return errorOf([&] { rowsOf(file); });
 }
 
 TEST(ReadingASheet, GivesWhatAnotherProgramSaved) {
@@ -211,18 +205,18 @@ TEST(ReadingASheet, RefusesWhatIsNoWorkbook) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
         writeZip(folder / "book.xlsx", c.parts);
-        EXPECT_EQ(errorOf(folder / "book.xlsx"), errors::kUnreadableSpreadsheet);
+        EXPECT_EQ(errorOfReading(folder / "book.xlsx"), errors::kUnreadableSpreadsheet);
     }
     folder.write("empty.xlsx", "");
     folder.write("text.xls", "Rabattgrupp\t1Rabatt\r\n");
     folder.write("zip.xlsx", "PK\3\4 and nothing else");
     for (const char* name : {"empty.xlsx", "text.xls", "zip.xlsx", ""}) {
-        EXPECT_EQ(errorOf(folder / name), errors::kUnreadableSpreadsheet) << name;
+        EXPECT_EQ(errorOfReading(folder / name), errors::kUnreadableSpreadsheet) << name;
     }
-    EXPECT_EQ(errorOf(folder / "missing.xlsx"), errors::kFileNotFound);
-    EXPECT_EQ(errorOf(savedWorkbook("protected.xls")), errors::kProtectedSpreadsheet);
+    EXPECT_EQ(errorOfReading(folder / "missing.xlsx"), errors::kFileNotFound);
+    EXPECT_EQ(errorOfReading(savedWorkbook("protected.xls")), errors::kProtectedSpreadsheet);
     folder.write("protected.xlsx", protectedXlsx());
-    EXPECT_EQ(errorOf(folder / "protected.xlsx"), errors::kProtectedSpreadsheet);
+    EXPECT_EQ(errorOfReading(folder / "protected.xlsx"), errors::kProtectedSpreadsheet);
 }
 
 TEST(ReadingASheet, PassesOverAMillionEmptyRows) {
@@ -268,7 +262,7 @@ TEST(ReadingXls, RefusesDamageByItsKind) {
         std::string damaged = whole;
         damaged.replace(c.at, c.bytes.size(), c.bytes);
         folder.write("damaged.xls", damaged);
-        EXPECT_EQ(errorOf(folder / "damaged.xls"), errors::kUnreadableSpreadsheet) << c.fault;
+        EXPECT_EQ(errorOfReading(folder / "damaged.xls"), errors::kUnreadableSpreadsheet) << c.fault;
     }
 }
 

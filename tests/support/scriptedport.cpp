@@ -52,11 +52,17 @@ void ScriptedPort::letEventsRun() {
 
 void ScriptedPort::status(std::string_view text) {
     statuses.emplace_back(text);
+    askedInVain_ = 0;
     if (text == cancelAtStatus) pressCancel();
 }
 
 bool ScriptedPort::cancelled() {
+    constexpr int kPatience = 3000;  // pauses of a wait, at least 30 seconds
     letEventsRun();
+    if (++askedInVain_ == kPatience) {
+        ADD_FAILURE() << "the run waits for nothing";
+        pressCancel();
+    }
     return cancelled_;
 }
 

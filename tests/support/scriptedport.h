@@ -61,6 +61,7 @@ class ScriptedPort final : public RunPort {
     };
     std::deque<Expected> expected_;
     bool cancelled_ = false;
+    int askedInVain_ = 0;  ///< since the status line changed
 };
 
 }  // namespace kolmera::test

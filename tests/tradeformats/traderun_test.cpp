@@ -56,27 +56,41 @@ TEST(TradeRun, ShowsTheCouplingsThatItUses) {
     EXPECT_EQ(world.rows("Levprislista", "Leverantör"), "1010\n");
 }
 
-TEST(TradeRun, StopsWithoutCoupledSupplier) {
-    World world;
-    world.job.name = "(RSK)";
-    world.add("Leverantör", {{"Nummer", "1010"}});
-    world.coupling("AB", "1010", true);  // of another job
-    world.job.name = "(FINFO)";
-    world.coupling("CD", "1020");  // the company has no such supplier
-    world.port.expect(
-        world.texts().FormulärSträngMed2("PrisMain", 24, "Testbolaget (" + world.shownCompany() + ")", "(FINFO)"),
-        world.text(25));
-    EXPECT_FALSE(world.run().completed);
-    EXPECT_TRUE(world.port.confirmations.empty());
-}
-
-TEST(TradeRun, StopsWhenTheCouplingsCannotBeRead) {
-    TradeWorld world("(EIO)");
-    std::filesystem::remove(world.data() / "PRISLEV.TXT");
-    std::filesystem::create_directory(world.data() / "PRISLEV.TXT");
-    world.port.expect(world.texts().ModulTextMed("KMR", 320, "Det är en mapp och ingen fil: PRISLEV.TXT."),
-                      world.texts().ModulText("KMR", 100));
-    EXPECT_FALSE(world.run().completed);
+TEST(TradeRun, StopsBeforeAnythingIsWritten) {
+    const struct {
+        const char* fault;
+        void (*arrange)(TradeWorld&);
+    } cases[] = {
+        {"couplings of another job or of unknown suppliers count",
+         [](TradeWorld& w) {
+             w.job.name = "(FINFO)";
+             w.coupling("CD", "9999");
+             w.port.expect(
+                 w.texts().FormulärSträngMed2("PrisMain", 24, "Testbolaget (" + w.shownCompany() + ")", "(FINFO)"),
+                 w.text(25));
+         }},
+        {"couplings that cannot be read",
+         [](TradeWorld& w) {
+             std::filesystem::remove(w.data() / "PRISLEV.TXT");
+             std::filesystem::create_directory(w.data() / "PRISLEV.TXT");
+             w.port.expect(w.texts().ModulTextMed("KMR", 320, "Det är en mapp och ingen fil: PRISLEV.TXT."),
+                           w.texts().ModulText("KMR", 100));
+         }},
+        {"not confirmed", [](TradeWorld& w) { w.port.confirmation = {.confirmed = false}; }},
+        {"no price file",
+         [](TradeWorld& w) {
+             w.job.priceFile = "borta.txt";
+             w.port.expect(w.text(26) + " borta.txt.", w.text(26));
+         }},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        TradeWorld world("(EIO)");
+        world.priceFile(eioFile(1));
+        c.arrange(world);
+        EXPECT_FALSE(world.run().completed);
+        EXPECT_EQ(world.rows("Produkt", "Nummer"), "");
+    }
 }
 
 TEST(TradeRun, TellsOfLineFeedsWhereLinesShouldEnd) {
@@ -132,32 +146,25 @@ TEST(TradeRun, TellsWhatLinesDidNotBring) {
     }
 }
 
-TEST(TradeRun, TouchesNothingUnlessConfirmed) {
-    TradeWorld world("(EIO)");
-    world.priceFile(eioFile(1));
-    world.port.confirmation = {.confirmed = false};
-    EXPECT_FALSE(world.run().completed);
-    EXPECT_EQ(world.rows("Produkt", "Nummer"), "");
-}
-
-TEST(TradeRun, TellsOfAMissingPriceFile) {
-    TradeWorld world("(RSK)");
-    world.job.priceFile = "borta.txt";
-    world.port.expect(world.text(26) + " borta.txt.", world.text(26));
-    EXPECT_FALSE(world.run().completed);
-}
-
 TEST(TradeRun, CancelKeepsWhatWasRead) {
     TradeWorld world("(EIO)");
     world.priceFile(eioFile(60));
     world.port.cancelAtStatus = world.text(29) + " 100 ....";
-    const RunSummary summary = world.run();
+    RunSummary summary = world.run();
     EXPECT_TRUE(summary.cancelled);
     EXPECT_TRUE(summary.completed);
     EXPECT_EQ(summary.records, 100);
+    EXPECT_EQ(world.port.statuses,
+              (std::vector<std::string>{world.text(28), world.text(29) + " 50 ....", world.text(29) + " 100 ...."}));
     // Two whole batches: the 50 price records among 100 lines.
     EXPECT_EQ(count(world.rows("Produkt", "Nummer")), 50);
     EXPECT_EQ(count(world.rows("Levprislista", "Produktnr")), 50);
+
+    world.port.cancelAtStatus.clear();
+    world.port.pressCancel();
+    summary = world.run();
+    EXPECT_FALSE(summary.cancelled) << "stopped by an old Cancel";
+    EXPECT_EQ(summary.records, 120);
 }
 
 TEST(TradeRun, CancelIsHeardBehindEveryLine) {
@@ -171,13 +178,6 @@ TEST(TradeRun, CancelIsHeardBehindEveryLine) {
     EXPECT_EQ(world.run().records, 6);
     // The rest of an unfinished batch is kept.
     EXPECT_EQ(world.rows("Produkt", "Nummer"), "1000001\n1000002\n1000003\n");
-}
-
-TEST(TradeRun, IsNotStoppedByAnOldCancel) {
-    TradeWorld world("(EIO)");
-    world.priceFile(eioFile(1));
-    world.port.pressCancel();
-    EXPECT_FALSE(world.run().cancelled);
 }
 
 TEST(TradeRun, CommitsEveryTwentyFivePriceRecords) {
@@ -194,15 +194,6 @@ TEST(TradeRun, CommitsEveryTwentyFivePriceRecords) {
     world.run();
     EXPECT_EQ(count(seenByOthers), 25);
     EXPECT_EQ(count(world.rows("Produkt", "Nummer")), 30);
-}
-
-TEST(TradeRun, ShowsEveryFiftiethLine) {
-    TradeWorld world("(EIO)");
-    world.priceFile(eioFile(60));
-    EXPECT_EQ(world.run().records, 120);
-    EXPECT_EQ(world.port.statuses,
-              (std::vector<std::string>{world.text(28), world.text(29) + " 50 ....", world.text(29) + " 100 ...."}));
-    EXPECT_EQ(count(world.rows("Produkt", "Nummer")), 60);
 }
 
 TEST(TradeRun, EmptiesTheTablesFirst) {
