@@ -112,6 +112,7 @@ class TerminalRun {
     [[nodiscard]] std::string nearJobs();
     void importJob(const Job& job);
     void tellResult();
+    [[nodiscard]] std::string refusal(const DoubtfulFile& file);
     void say(const std::string& message);
 
     const RunArguments& arguments_;
@@ -208,9 +209,17 @@ void TerminalRun::importJob(const Job& job) {
 
 void TerminalRun::tellResult() {
     if (result_.summary.completed) printSummary(session_, result_, surroundings_.out);
-    if (port_.hasRefusedFile()) surroundings_.err << session_.text(534) << ' ' << session_.text(350) << '\n';
+    if (port_.refusedFile()) surroundings_.err << refusal(*port_.refusedFile()) << '\n';
     std::ostream& stream = result_.exitCode == exitcode::kDone ? surroundings_.out : surroundings_.err;
     stream << outcome(session_, result_.exitCode) << '\n';
+}
+
+/// What can be done about a file that was not read.
+std::string TerminalRun::refusal(const DoubtfulFile& file) {
+    constexpr int kNothingChanged = 534, kForce = 350, kNotStrict = 746, kLocale = 747;
+    std::string text = session_.text(kNothingChanged) + ' ' + session_.text(file.garbage ? kForce : kNotStrict);
+    if (file.otherNumbers) text += ' ' + session_.text(kLocale);
+    return text;
 }
 
 void TerminalRun::say(const std::string& message) {

@@ -40,7 +40,7 @@ ConfirmationAnswer TerminalPort::confirm(const Confirmation& confirmation) {
 bool TerminalPort::readsDoubtful(const DoubtfulFile& file) {
     print(file.text);
     const bool read = doubtful_ == Doubtful::All || (doubtful_ == Doubtful::Harmless && !file.garbage);
-    refusedFile_ = !read;
+    if (!read) refusedFile_ = file;
     return read;
 }
 

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,7 +44,8 @@ class TerminalPort final : public RunPort, public PassedOver {
     /// What was told, a title before its text.
     [[nodiscard]] const std::vector<std::string>& messages() const { return messages_; }
     [[nodiscard]] std::int64_t passedOver() const { return passedOver_; }
-    [[nodiscard]] bool hasRefusedFile() const { return refusedFile_; }
+    /// The price file that was not read.
+    [[nodiscard]] const std::optional<DoubtfulFile>& refusedFile() const { return refusedFile_; }
 
   private:
     void print(std::string_view text);
@@ -52,7 +54,7 @@ class TerminalPort final : public RunPort, public PassedOver {
     const std::atomic<bool>& cancel_;
     bool emptyTables_;
     Doubtful doubtful_;
-    bool refusedFile_ = false;
+    std::optional<DoubtfulFile> refusedFile_;
     ProgressBar bar_;
     std::string status_;
     std::vector<std::string> messages_;

@@ -12,12 +12,28 @@ namespace {
 constexpr std::string_view kModule = "KMR";
 constexpr std::string_view kLineBreaks = "\r\n\r\n";
 constexpr int kTitle = 500, kUnexpected = 501, kEmptiedFirst = 502;
-constexpr int kNumberForm = 504, kSeparator = 530;
+constexpr int kNumberForm = 504, kSeparator = 530, kEncoding = 745;
 
 /// The text of each fact, in the order of FileLook.
 constexpr std::size_t kShown = 40;  ///< characters of the file
 constexpr int kFirstFact = 510;
 int textNumber(FileLook look) { return kFirstFact + static_cast<int>(look); }
+
+/// Under which names other programs save what we read.
+std::string_view nameOf(CodePage page) {
+    switch (page) {
+        case CodePage::Oem850:
+            return "DOS 850";
+        case CodePage::Oem437:
+            return "DOS 437";
+        default:
+            return "Windows-1252 (ANSI)";
+    }
+}
+
+bool isOfEncoding(FileLook look) {
+    return look == FileLook::Utf16 || look == FileLook::Utf8Mark || look == FileLook::Utf8;
+}
 
 }  // namespace
 
@@ -26,6 +42,7 @@ std::string factText(LanguageTexts& texts, const FileFact& fact, const Locale& l
     if (fact.look == FileLook::NoTabs && !fact.example.empty()) {
         text += " " + texts.ModulTextMed(kModule, kSeparator, fact.example);
     }
+    if (isOfEncoding(fact.look)) text += " " + texts.ModulTextMed(kModule, kEncoding, nameOf(fact.codePage));
     if (fact.look == FileLook::OtherNumbers) text += " " + texts.ModulTextMed(kModule, kNumberForm, numberForm(locale));
     return fact.file.empty() ? text : fact.file + ": " + text;
 }
@@ -34,7 +51,8 @@ DoubtfulFile doubtfulFile(LanguageTexts& texts, const FileFacts& facts, std::str
                           std::string_view emptied, const Locale& locale) {
     DoubtfulFile doubt{.title = texts.ModulText(kModule, kTitle),
                        .text = texts.ModulTextMed(kModule, kUnexpected, priceFile),
-                       .garbage = std::ranges::any_of(facts, &FileFact::garbage)};
+                       .garbage = std::ranges::any_of(facts, &FileFact::garbage),
+                       .otherNumbers = has(facts, FileLook::OtherNumbers)};
     for (const FileFact& fact : facts) doubt.text.append(kLineBreaks).append(factText(texts, fact, locale));
     if (!emptied.empty()) doubt.text.append(kLineBreaks).append(texts.ModulTextMed(kModule, kEmptiedFirst, emptied));
     return doubt;

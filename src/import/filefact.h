@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/encodings.h"
+
 namespace kolmera {
 
 /// What a price file seems to be, seen before the run.
@@ -25,6 +27,7 @@ enum class FileLook {
     NotOfFormat,    ///< no line of the trade format
     Uncoupled,      ///< no line of a coupled supplier
     OtherGroups,    ///< no line within the job's product groups
+    NotNumbers,     ///< most of its numbers are none, in neither locale
 };
 
 /// One respect in which a price file is not what the run expects.
@@ -32,7 +35,8 @@ struct FileFact {
     FileLook look{};
     bool garbage = false;  ///< reading would write what nobody meant, not only less than was meant
     std::string example{};
-    std::string file{};  ///< the file's name when it is not the price file itself
+    std::string file{};   ///< the file's name when it is not the price file itself
+    CodePage codePage{};  ///< in which the run reads the file
 };
 using FileFacts = std::vector<FileFact>;
 

@@ -31,8 +31,8 @@ FileLook lookOf(Signature signature) {
 
 /// How the texts of number columns can be read.
 struct NumberForms {
-    std::int64_t count = 0, thisOnly = 0, otherOnly = 0;
-    std::string firstOther;
+    std::int64_t count = 0, thisOnly = 0, otherOnly = 0, neither = 0;
+    std::string firstOther, firstOfNeither;
 
     void add(std::string_view text, const Locale& locale) {
         if (text.empty()) return;
@@ -40,12 +40,17 @@ struct NumberForms {
         const bool here = readNumber(text, 'I', locale).has_value();
         const bool there = readNumber(text, 'I', otherLocale(locale)).has_value();
         if (here && !there) ++thisOnly;
-        if (here || !there) return;
-        if (++otherOnly == 1) firstOther = text;
+        if (there && !here && ++otherOnly == 1) firstOther = text;
+        if (!there && !here && ++neither == 1) firstOfNeither = text;
     }
     /// Single slips are counted by the run.
     [[nodiscard]] bool other() const { return otherOnly > 0 && thisOnly == 0; }
     [[nodiscard]] bool mostly() const { return otherOnly * 20 >= count; }
+    /// A file of another layout, or one that writes a currency behind each price.
+    [[nodiscard]] bool noNumbers() const {
+        constexpr std::int64_t kEnough = 10;
+        return count >= kEnough && neither * 2 > count;
+    }
 };
 
 /// What the records at the beginning of a file show.
@@ -63,11 +68,11 @@ class MaskLook {
                                   const Locale& locale) {
         addLineFacts();
         if (has(facts_, FileLook::LineFeeds)) {
-            addUtf8Facts(sample_, allLetters(sample_), readsFirstBytes(), facts_);
+            addUtf8Facts(sample_, allLetters(sample_), readsFirstBytes(), mask_.codePage, facts_);
             return std::move(facts_);
         }
         const RecordsSeen seen = readRecords(file, numbers, locale);
-        addUtf8Facts(sample_, seen.utf8, readsFirstBytes(), facts_);
+        addUtf8Facts(sample_, seen.utf8, readsFirstBytes(), mask_.codePage, facts_);
         if (mask_.layout == Layout::Tabs) addTabFact();
         if (mask_.layout == Layout::Fixed) addDriftFact();
         if (!has(facts_, FileLook::NoTabs) && !has(facts_, FileLook::Drifting)) addRecordFacts(seen);
@@ -180,6 +185,9 @@ class MaskLook {
 
     void addRecordFacts(const RecordsSeen& seen) {
         if (seen.records > 0 && seen.withoutKey == seen.records) facts_.push_back({.look = FileLook::NoKeys});
+        if (seen.numbers.noNumbers()) {
+            facts_.push_back({.look = FileLook::NotNumbers, .garbage = true, .example = seen.numbers.firstOfNeither});
+        }
         if (!seen.numbers.other()) return;
         facts_.push_back(
             {.look = FileLook::OtherNumbers, .garbage = seen.numbers.mostly(), .example = seen.numbers.firstOther});
@@ -192,12 +200,12 @@ class MaskLook {
 
 }  // namespace
 
-std::optional<FileFact> factOfBeginning(const FileSample& sample) {
+std::optional<FileFact> factOfBeginning(const FileSample& sample, CodePage page) {
     if (!sample.plainFile()) return std::nullopt;
     if (sample.empty()) return FileFact{.look = FileLook::Empty};
     const Signature signature = signatureOf(sample.beginning());
     if (signature == Signature::None) return std::nullopt;
-    return FileFact{.look = lookOf(signature), .garbage = true};
+    return FileFact{.look = lookOf(signature), .garbage = true, .codePage = page};
 }
 
 Utf8Count allLetters(const FileSample& sample) {
@@ -206,12 +214,13 @@ Utf8Count allLetters(const FileSample& sample) {
     return count;
 }
 
-void addUtf8Facts(const FileSample& sample, const Utf8Count& read, bool readsFirstBytes, FileFacts& facts) {
+void addUtf8Facts(const FileSample& sample, const Utf8Count& read, bool readsFirstBytes, CodePage page,
+                  FileFacts& facts) {
     const bool marked = sample.beginning().starts_with(kUtf8Mark);
-    if (marked && readsFirstBytes) facts.push_back({.look = FileLook::Utf8Mark, .garbage = true});
+    if (marked && readsFirstBytes) facts.push_back({.look = FileLook::Utf8Mark, .garbage = true, .codePage = page});
     if (allLetters(sample).invalid > 0 || !read.atLeast(1)) return;
     const bool several = marked || read.atLeast(kSeveral);
-    facts.push_back({.look = FileLook::Utf8, .garbage = several});
+    facts.push_back({.look = FileLook::Utf8, .garbage = several, .codePage = page});
 }
 
 void addLineEndFacts(const FileSample& sample, const std::function<bool(std::string_view)>& isRecord,
@@ -244,7 +253,7 @@ FileFacts lookThroughMask(const std::filesystem::path& file, const LoadedMask& m
                           const Locale& locale) {
     const FileSample sample(file);
     if (!sample.plainFile()) return {};
-    if (auto fact = factOfBeginning(sample)) return {std::move(*fact)};
+    if (auto fact = factOfBeginning(sample, mask.codePage)) return {std::move(*fact)};
     return MaskLook(sample, mask).facts(file, numbers, locale);
 }
 

@@ -18,10 +18,11 @@ namespace kolmera {
 inline constexpr std::uint64_t kLookedAt = 4'194'304;
 
 /// Empty, or no text at all: then nothing else needs to be seen.
-std::optional<FileFact> factOfBeginning(const FileSample& sample);
+std::optional<FileFact> factOfBeginning(const FileSample& sample, CodePage page);
 Utf8Count allLetters(const FileSample& sample);
 /// UTF-8 is garbage when it stands in what the run reads; how often it does is in `read`.
-void addUtf8Facts(const FileSample& sample, const Utf8Count& read, bool readsFirstBytes, FileFacts& facts);
+void addUtf8Facts(const FileSample& sample, const Utf8Count& read, bool readsFirstBytes, CodePage page,
+                  FileFacts& facts);
 /// Of a file that is read by lines. `isRecord` as in LineEnds.
 void addLineEndFacts(const FileSample& sample, const std::function<bool(std::string_view)>& isRecord, FileFacts& facts);
 [[nodiscard]] bool has(const FileFacts& facts, FileLook look);

@@ -30,7 +30,8 @@ struct ConfirmationAnswer {
 /// A price file that is not what the run expects, in the user's words.
 struct DoubtfulFile {
     std::string title, text;
-    bool garbage = false;  ///< reading it would write what nobody meant
+    bool garbage = false;       ///< reading it would write what nobody meant
+    bool otherNumbers = false;  ///< its numbers are written as in the other locale
 };
 
 /// What a run asks of its surroundings: the main window, the terminal, or a test's script.

@@ -65,9 +65,9 @@ class Written {
 
 /// What the facts are; those that make garbage behind an exclamation mark.
 std::string shown(const FileFacts& facts) {
-    static constexpr const char* kNames[] = {"Empty",  "Zip",      "Compound", "Pdf",         "Packed",    "WebPage",
-                                             "Utf16",  "Utf8Mark", "Utf8",     "LF",          "SomeLF",    "NoTabs",
-                                             "Drifts", "NoKeys",   "Numbers",  "NotOfFormat", "Uncoupled", "Groups"};
+    static constexpr const char* kNames[] = {
+        "Empty",  "Zip",    "Compound", "Pdf",    "Packed",  "WebPage",     "Utf16",     "Utf8Mark", "Utf8",     "LF",
+        "SomeLF", "NoTabs", "Drifts",   "NoKeys", "Numbers", "NotOfFormat", "Uncoupled", "Groups",   "NoNumbers"};
     std::string text;
     for (const FileFact& fact : facts) {
         text += (text.empty() ? "" : " ") + (fact.garbage ? "!"s : ""s) + kNames[static_cast<int>(fact.look)];
@@ -129,6 +129,8 @@ TEST(PriceFileLook, ThroughAMask) {
         {"Swedish numbers read as English", tabs(), sound, "!Numbers", Locale::Kind::English},
         {"English numbers read as Swedish", tabs(), "A1\tSpik\t1,250.00\r\nA2\tSpik\t950.00\r\n", "!Numbers"},
         {"one slip among whole numbers", tabs(), repeated(50, "A1\tSpik\t5\r\n") + "A2\tSpik\t1,250.00\r\n", "Numbers"},
+        {"a currency behind each price", tabs(), repeated(10, "A1\tSpik\t12,50 kr\r\n"), "!NoNumbers"},
+        {"a currency behind half of the prices", tabs(), repeated(10, "A1\tSpik\t12,50 kr\r\nA2\tSpik\t1\r\n"), ""},
         {"one slip among Swedish numbers", tabs(), sound + "A4\tSpik\t1,250.00\r\n", ""},
     };
     for (const auto& c : cases) {

@@ -118,15 +118,15 @@ FileFacts lookAtTradeFile(const std::filesystem::path& file, const TradeLook& fo
                           const Job& job) {
     const FileSample sample(file);
     if (!sample.plainFile()) return {};
-    if (auto fact = factOfBeginning(sample)) return {std::move(*fact)};
+    if (auto fact = factOfBeginning(sample, format.page)) return {std::move(*fact)};
     FileFacts facts;
     addLineEndFacts(sample, isRecord, facts);
     if (has(facts, FileLook::LineFeeds)) {
-        addUtf8Facts(sample, allLetters(sample), readsFirstBytes(sample, format), facts);
+        addUtf8Facts(sample, allLetters(sample), readsFirstBytes(sample, format), format.page, facts);
         return facts;
     }
     const LinesSeen seen = readLines(file, format, suppliers, job);
-    addUtf8Facts(sample, seen.utf8, readsFirstBytes(sample, format), facts);
+    addUtf8Facts(sample, seen.utf8, readsFirstBytes(sample, format), format.page, facts);
     addLineFacts(seen, facts);
     return facts;
 }
@@ -138,9 +138,9 @@ FileFacts lookAtGroups(const std::filesystem::path& priceFile) {
     attempt(passedOver, "RKOD.DAT", [&] {
         const FileSample sample(groups);
         if (!sample.plainFile() || sample.empty()) return;
-        if (auto fact = factOfBeginning(sample)) return facts.push_back(std::move(*fact));
+        if (auto fact = factOfBeginning(sample, CodePage::Oem850)) return facts.push_back(std::move(*fact));
         addLineEndFacts(sample, isRecord, facts);
-        addUtf8Facts(sample, allLetters(sample), true, facts);
+        addUtf8Facts(sample, allLetters(sample), true, CodePage::Oem850, facts);
     });
     for (FileFact& fact : facts) fact.file = groups.filename().string();
     return facts;
