@@ -1,7 +1,6 @@
 #include "cli/summaryfile.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -13,37 +12,13 @@
 #include "cli/terminalstream.h"
 #include "lang/errortext.h"
 #include "platform/printable.h"
+#include "platform/privatefile.h"
 
 namespace kolmera::cli {
 namespace fs = std::filesystem;
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// A file of our own beside another one; removed unless it has taken the other one's place.
-struct Temporary {
-    explicit Temporary(const fs::path& beside);
-    Temporary(const Temporary&) = delete;
-    Temporary& operator=(const Temporary&) = delete;
-    ~Temporary() {
-        std::error_code ignored;
-        fs::remove(path, ignored);
-    }
-
-    fs::path path;
-    Descriptor descriptor;
-};
-
-Temporary::Temporary(const fs::path& beside) {
-    for (int attempt = 0; !descriptor.isOpen(); ++attempt) {
-        path = beside.string() + "." + std::to_string(getpid()) + "." + std::to_string(attempt);
-        try {
-            descriptor = Descriptor(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
-        } catch (const PlatformError& error) {
-            if (error.systemError() != EEXIST) throw;
-        }
-    }
-}
 
 std::string textOf(const Json& summary) {
     return summary.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
@@ -169,10 +144,10 @@ void SummaryFile::finish(const Json& summary) {
 }
 
 void SummaryFile::replaceBy(const Json& summary) const {
-    const Temporary temporary(file_);
-    if (existing_.isOpen()) temporary.descriptor.copyRights(existing_);
-    temporary.descriptor.writeAt(0, textOf(summary));
-    moveOver(temporary.descriptor, temporary.path, file_);
+    PrivateFile file(file_, "", existing_.isOpen() ? PrivateFile::kForOwner : PrivateFile::kForAll);
+    if (existing_.isOpen()) file.descriptor().copyRights(existing_);
+    file.descriptor().writeAt(0, textOf(summary));
+    file.moveTo(file_);
 }
 
 }  // namespace kolmera::cli

@@ -5,8 +5,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/privatename.h"
-
 namespace kolmera {
 namespace fs = std::filesystem;
 namespace {
@@ -28,18 +26,11 @@ OutputFile::OutputFile(const fs::path& file) : target_(withoutLinks(file)) {
     // A file that may not be written must not be replaced either, though its folder would allow that.
     if (fs::exists(status)) existing = Descriptor(target_, O_WRONLY);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        descriptor_ = std::move(existing);
+        direct_ = std::move(existing);
         return;
     }
-    const fs::path beside = target_.string() + "." + privateDigits();
-    descriptor_ = Descriptor(beside, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
-    temporary_.file = beside;
-    if (existing.isOpen()) descriptor_.copyRights(existing);
-}
-
-OutputFile::Temporary::~Temporary() {
-    std::error_code ignored;
-    if (!file.empty()) fs::remove(file, ignored);
+    unfinished_.emplace(target_, "", existing.isOpen() ? PrivateFile::kForOwner : PrivateFile::kForAll);
+    if (existing.isOpen()) unfinished_->descriptor().copyRights(existing);
 }
 
 void OutputFile::write(std::string_view bytes) {
@@ -48,10 +39,10 @@ void OutputFile::write(std::string_view bytes) {
 }
 
 void OutputFile::flush() {
-    if (temporary_.file.empty()) {
-        descriptor_.write(buffer_);
+    if (unfinished_) {
+        unfinished_->descriptor().writeAt(written_, buffer_);
     } else {
-        descriptor_.writeAt(written_, buffer_);
+        direct_.write(buffer_);
     }
     written_ += buffer_.size();
     buffer_.clear();
@@ -59,9 +50,7 @@ void OutputFile::flush() {
 
 void OutputFile::finish() {
     flush();
-    if (temporary_.file.empty()) return;
-    moveOver(descriptor_, temporary_.file, target_);
-    temporary_.file.clear();
+    if (unfinished_) unfinished_->moveTo(target_);
 }
 
 }  // namespace kolmera

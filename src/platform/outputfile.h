@@ -2,17 +2,19 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/descriptor.h"
+#include "platform/privatefile.h"
 
 namespace kolmera {
 
 /// A file that is written from front to back and takes its place whole or not at all: until `finish` has put everything
-/// on the disk, a file of that name stays as it was. The bytes go to a file beside it, "name.number that nobody can foresee", which is
-/// removed when writing fails. A symbolic link stays one, and the rights of a replaced file are kept. What is no
-/// ordinary file (a device, a pipe) is written to directly. Errors are PlatformError.
+/// on the disk, a file of that name stays as it was. The bytes go to a private file beside it, which is removed when
+/// writing fails. A symbolic link stays one, and the rights of a replaced file are kept. What is no ordinary file (a
+/// device, a pipe) is written to directly. Errors are PlatformError.
 class OutputFile {
   public:
     /// Throws when the file or its folder may not be written.
@@ -25,16 +27,11 @@ class OutputFile {
     void finish();
 
   private:
-    /// The file beside the target; none when the target is written to directly.
-    struct Temporary {
-        std::filesystem::path file;
-        ~Temporary();
-    };
     void flush();
 
     std::filesystem::path target_;
-    Temporary temporary_;
-    Descriptor descriptor_;
+    std::optional<PrivateFile> unfinished_;
+    Descriptor direct_;  ///< the target, when it is no ordinary file
     std::size_t written_ = 0;
     std::string buffer_;
 };

@@ -1,27 +1,26 @@
 #include "platform/privatefile.h"
 
-#include <stdlib.h>
-#include <unistd.h>
+#include <fcntl.h>
 
-#include <cerrno>
 #include <string>
 #include <system_error>
 
-#include "platform/descriptor.h"
+#include "platform/privatename.h"
 
 namespace kolmera {
 
-PrivateFile::PrivateFile(const std::filesystem::path& beside, std::string_view suffix) {
-    std::string name = beside.string().append(suffix).append("-XXXXXX");
-    const int descriptor = mkstemp(name.data());
-    if (descriptor < 0) throwSystemError(errno);
-    close(descriptor);
-    path_ = name;
-}
+PrivateFile::PrivateFile(const std::filesystem::path& beside, std::string_view suffix, unsigned mode)
+    : path_(beside.string().append(suffix).append("-").append(privateDigits())),
+      descriptor_(path_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode) {}
 
 PrivateFile::~PrivateFile() {
     std::error_code gone;
-    std::filesystem::remove(path_, gone);
+    if (!path_.empty()) std::filesystem::remove(path_, gone);
+}
+
+void PrivateFile::moveTo(const std::filesystem::path& target) {
+    moveOver(descriptor_, path_, target);
+    path_.clear();
 }
 
 }  // namespace kolmera

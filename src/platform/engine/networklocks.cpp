@@ -1,12 +1,10 @@
 #include "platform/engine/networklocks.h"
 
 #include <fcntl.h>
-#include <unistd.h>
-
-#include <string>
 
 #include "platform/descriptor.h"
 #include "platform/error.h"
+#include "platform/privatefile.h"
 
 namespace kolmera {
 
@@ -35,13 +33,10 @@ bool seesLock(const Descriptor& file) {
 
 bool fileLocksWork(const std::filesystem::path& folder) {
     // Never the database itself: closing any descriptor of a file drops the locks that this process has on it.
-    const std::filesystem::path probe = folder / ("kolmera-lock-" + std::to_string(getpid()));
     try {
-        const Descriptor one(probe, O_RDWR | O_CREAT | O_CLOEXEC);
-        const Descriptor other(probe, O_RDWR | O_CLOEXEC);
-        const bool work = takes(one) && seesLock(other) && !takes(other);
-        unlink(probe.c_str());
-        return work;
+        const PrivateFile probe(folder / "kolmera-lock", "");
+        const Descriptor other(probe.path(), O_RDWR | O_NOFOLLOW);
+        return takes(probe.descriptor()) && seesLock(other) && !takes(other);
     } catch (const PlatformError&) {
         return true;
     }
