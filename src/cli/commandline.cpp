@@ -12,6 +12,7 @@
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
 #include "cli/session.h"
+#include "lang/errortext.h"
 #include "platform/error.h"
 
 namespace kolmera::cli {
@@ -140,6 +141,8 @@ int dispatch(const CLI::App& app, const Options& options, const Surroundings& su
                       surroundings);
 }
 
+constexpr int kError = 250, kUnexpected = 255;
+
 int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
     CLI::App app("Kolmera without a window: makes data folders, lists and runs import jobs.", "kolmera-cli");
     Options options;
@@ -153,8 +156,13 @@ int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& 
         return dispatch(app, options, surroundings);
     } catch (const std::bad_alloc&) {
         throw;
+    } catch (const PlatformError& error) {
+        Session session(surroundings);
+        surroundings.err << session.text(kError) << ' ' << errorText(session.texts, error) << '\n';
+        return exitcode::kStopped;
     } catch (const std::exception& error) {
-        surroundings.err << error.what() << '\n';
+        Session session(surroundings);
+        surroundings.err << session.text(kError) << ' ' << session.text(kUnexpected, error.what()) << '\n';
         return exitcode::kStopped;
     }
 }
@@ -166,7 +174,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const Surroundings
     if (surroundings.out.flush().good()) return code;
     if (surroundings.cancel.load(std::memory_order_relaxed)) return exitcode::kCancelled;
     Session session(surroundings);
-    surroundings.err << session.text(250) << ' ' << session.text(460) << '\n';
+    surroundings.err << session.text(kError) << ' ' << session.text(460) << '\n';
     return code == exitcode::kDone ? exitcode::kStopped : code;
 }
 

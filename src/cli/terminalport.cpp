@@ -12,7 +12,7 @@ TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel
     : errors_(errors), cancel_(cancel), emptyTables_(emptyTables), doubtful_(doubtful), bar_(STDERR_FILENO) {}
 
 Answer TerminalPort::show(const Message& message) {
-    const bool titled = !message.title.empty() && message.title != message.text;
+    const bool titled = !message.title.empty() && !message.text.starts_with(message.title);
     print(titled ? message.title + ": " + message.text : message.text);
     switch (message.buttons) {
         case Buttons::OK:
