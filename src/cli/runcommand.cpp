@@ -216,9 +216,9 @@ void TerminalRun::tellResult() {
 
 /// What can be done about a file that was not read.
 std::string TerminalRun::refusal(const DoubtfulFile& file) {
-    constexpr int kNothingChanged = 534, kForce = 350, kNotStrict = 746, kLocale = 747;
-    std::string text = session_.text(kNothingChanged) + ' ' + session_.text(file.garbage ? kForce : kNotStrict);
-    if (file.otherNumbers) text += ' ' + session_.text(kLocale);
+    std::string text = session_.text(534);
+    text += ' ' + (file.garbage ? session_.text(350) : session_.text(746));
+    if (file.otherNumbers) text += ' ' + session_.text(747);
     return text;
 }
 
