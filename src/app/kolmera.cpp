@@ -8,6 +8,8 @@
 #include "import/jobicons.h"
 #include "import/prismain.h"
 #include "lang/errortext.h"
+#include "lang/keys/loggain.h"
+#include "lang/keys/terminal.h"
 #include "platform/systemuser.h"
 #include "signin/loggain.h"
 #include "signin/signin.h"
@@ -30,7 +32,8 @@ class KolmeraApplication final : public QApplication {
             return QApplication::notify(receiver, event);
         } catch (const std::exception& fault) {
             if (program == nullptr) throw;
-            program->boxes.MeddelandeVarning(program->texts.ModulTextMed("KMR", 255, fault.what()));
+            program->boxes.MeddelandeVarning(
+                program->texts.ModulTextMed(text::terminal::kUnexpectedError, fault.what()));
             return true;
         }
     }
@@ -73,7 +76,7 @@ int run(KolmeraApplication& application) {
             });
         });
     } catch (const PlatformError& error) {
-        boxes.MeddelandeVarning(texts.ModulTextMed("KMR", 419, errorText(texts, error)));
+        boxes.MeddelandeVarning(texts.ModulTextMed(text::loggain::kUnreadableUserFile, errorText(texts, error)));
         return 1;
     }
     if (signInCancelled) return 0;

@@ -13,6 +13,7 @@
 #include "cli/servercommands.h"
 #include "cli/session.h"
 #include "lang/errortext.h"
+#include "lang/keys/terminal.h"
 #include "platform/error.h"
 
 namespace kolmera::cli {
@@ -141,8 +142,6 @@ int dispatch(const CLI::App& app, const Options& options, const Surroundings& su
                       surroundings);
 }
 
-constexpr int kError = 250, kUnexpected = 255;
-
 int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
     CLI::App app("Kolmera without a window: makes data folders, lists and runs import jobs.", "kolmera-cli");
     Options options;
@@ -158,11 +157,12 @@ int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& 
         throw;
     } catch (const PlatformError& error) {
         Session session(surroundings);
-        surroundings.err << session.text(kError) << ' ' << errorText(session.texts, error) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << errorText(session.texts, error) << '\n';
         return exitcode::kStopped;
     } catch (const std::exception& error) {
         Session session(surroundings);
-        surroundings.err << session.text(kError) << ' ' << session.text(kUnexpected, error.what()) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' '
+                         << session.text(text::terminal::kUnexpectedError, error.what()) << '\n';
         return exitcode::kStopped;
     }
 }
@@ -174,7 +174,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const Surroundings
     if (surroundings.out.flush().good()) return code;
     if (surroundings.cancel.load(std::memory_order_relaxed)) return exitcode::kCancelled;
     Session session(surroundings);
-    surroundings.err << session.text(kError) << ' ' << session.text(460) << '\n';
+    surroundings.err << session.text(text::terminal::kError) << ' ' << session.text(text::terminal::kOutputCut) << '\n';
     return code == exitcode::kDone ? exitcode::kStopped : code;
 }
 

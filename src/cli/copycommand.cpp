@@ -9,6 +9,8 @@
 #include "cli/terminalport.h"
 #include "db/companyschema.h"
 #include "lang/errortext.h"
+#include "lang/keys/server.h"
+#include "lang/keys/terminal.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
 #include "startup/company.h"
@@ -37,24 +39,26 @@ bool isOfARow(const PlatformError& error) {
 }
 
 int tell(Session& session, const CopyArguments& arguments, const CopyResult& result, const Surroundings& surroundings) {
-    const auto fail = [&](int number) {
+    const auto fail = [&](ModuleKey text) {
         const std::string place = result.table.empty() ? "" : fmt::format(" {}, ID {}.", result.table, result.id);
-        surroundings.err << session.text(250) << ' ' << session.text(number, arguments.to) << place << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << session.text(text, arguments.to) << place
+                         << '\n';
         return exitcode::kStopped;
     };
     switch (result.outcome) {
         case CopyResult::Outcome::OtherRows:
-            return fail(265);
+            return fail(text::server::kOtherRows);
         case CopyResult::Outcome::Differs:
-            return fail(266);
+            return fail(text::server::kRowDiffers);
         case CopyResult::Outcome::Cancelled:
-            surroundings.err << session.text(267) << '\n';
+            surroundings.err << session.text(text::server::kCopyingCancelled) << '\n';
             return exitcode::kCancelled;
         case CopyResult::Outcome::Done:
             break;
     }
     for (const CopiedTable& table : result.tables) surroundings.out << table.name << ": " << table.rows << '\n';
-    surroundings.out << session.text(263, arguments.from) << ' ' << session.text(264, arguments.to) << '\n';
+    surroundings.out << session.text(text::server::kCopied, arguments.from) << ' '
+                     << session.text(text::server::kRowsCompared, arguments.to) << '\n';
     return exitcode::kDone;
 }
 
@@ -67,7 +71,8 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
         if (session.cutAtSemicolon(company, surroundings.err)) return exitcode::kUsage;
     }
     if (equalNoCase(arguments.from, arguments.to)) {
-        surroundings.err << session.text(250) << ' ' << session.text(268) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << session.text(text::server::kSameCompany)
+                         << '\n';
         return exitcode::kUsage;
     }
     TerminalPort port(surroundings.err, surroundings.cancel, false);
@@ -84,9 +89,10 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
         const CopyResult result = copyCompany(*source, *target, [&] { return !port.cancelled(); });
         return tell(session, arguments, result, surroundings);
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' '
-                         << (isOfARow(error) ? session.text(668, arguments.to) : session.text(269, arguments.to)) << ' '
-                         << errorText(session.texts, error) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' '
+                         << (isOfARow(error) ? session.text(text::server::kRowNotTaken, arguments.to)
+                                             : session.text(text::server::kCopyingStopped, arguments.to))
+                         << ' ' << errorText(session.texts, error) << '\n';
         return port.cancelled() ? exitcode::kCancelled : exitcode::kStopped;
     }
 }

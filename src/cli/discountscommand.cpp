@@ -13,6 +13,10 @@
 #include "definitions/supplierlist.h"
 #include "discounts/letterexchange.h"
 #include "discounts/lettermessages.h"
+#include "lang/keys/company.h"
+#include "lang/keys/files.h"
+#include "lang/keys/letter.h"
+#include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
 #include "startup/companylist.h"
 #include "startup/startup.h"
@@ -55,7 +59,7 @@ class LetterCommand {
     int finish(const LetterRead& report);
 
     int stop(const std::string& message) {
-        surroundings_.err << session_.text(250) << ' ' << replaceAll(message, "\r\n", "\n") << '\n';
+        surroundings_.err << session_.text(text::terminal::kError) << ' ' << replaceAll(message, "\r\n", "\n") << '\n';
         return exitcode::kStopped;
     }
     void print(const std::string& label, std::int64_t count) {
@@ -80,7 +84,7 @@ class LetterCommand {
 /// Another program keeps the company locked. Ctrl-C gives up.
 bool LetterCommand::waitForLock() {
     if (!std::exchange(toldOfLock_, true)) {
-        surroundings_.err << session_.text(114, database_) << std::endl;
+        surroundings_.err << session_.text(text::company::kWaiting, database_) << std::endl;
     }
     return !port_.cancelled();
 }
@@ -93,9 +97,10 @@ std::optional<std::string> LetterCommand::companyDatabase() {
     if (!named && companies.size() == 1) return companies.front().database;
     std::vector<std::string> databases;
     std::ranges::transform(companies, std::back_inserter(databases), &Company::database);
-    stop(named               ? session_.text(313, arguments_.company)
-         : companies.empty() ? session_.text(252, session_.state.dataFolder().string())
-                             : session_.text(314, fmt::format("{}", fmt::join(databases, ", "))));
+    stop(named ? session_.text(text::company::kNoSuchCompany, arguments_.company)
+         : companies.empty()
+             ? session_.text(text::terminal::kNotADataFolder, session_.state.dataFolder().string())
+             : session_.text(text::letter::kNameACompany, fmt::format("{}", fmt::join(databases, ", "))));
     return std::nullopt;
 }
 
@@ -113,25 +118,25 @@ std::optional<std::string> LetterCommand::supplierNumber() {
     const std::vector<SupplierRow> suppliers = readSuppliers(session_.state.sql);
     const int row = rowOfSupplier(suppliers, trimmed(arguments_.supplier));
     if (row >= 0) return suppliers[static_cast<std::size_t>(row)].number;
-    stop(session_.text(311, arguments_.supplier));
+    stop(session_.text(text::letter::kNoSuchSupplier, arguments_.supplier));
     return std::nullopt;
 }
 
 int LetterCommand::exportLetter() {
-    if (isOtherSpreadsheet(file_)) return stop(session_.text(130, file_.filename().string()));
+    if (isOtherSpreadsheet(file_)) return stop(session_.text(text::files::kUnwritableSheet, file_.filename().string()));
     const std::optional<std::string> supplier = openCompany() ? supplierNumber() : std::nullopt;
     if (!supplier) return exitcode::kStopped;
     LetterExchange exchange(session_.state.sql, *supplier, port_);
-    if (!exchange.hasLetter()) return stop(session_.text(312, *supplier));
+    if (!exchange.hasLetter()) return stop(session_.text(text::letter::kNoLetter, *supplier));
     LetterWritten report;
     try {
         report = exchange.writeTo(file_);
     } catch (const PlatformError& error) {
         return stop(writingFailed(session_.texts, file_, error));
     }
-    print(session_.text(317), report.groups);
+    print(session_.text(text::letter::kGroupsWritten), report.groups);
     printRemarks(report);
-    surroundings_.out << session_.text(316, file_.string()) << '\n';
+    surroundings_.out << session_.text(text::letter::kWritten, file_.string()) << '\n';
     return report.questionMarks.count > 0 ? exitcode::kPassedOver : exitcode::kDone;
 }
 
@@ -147,7 +152,7 @@ bool LetterCommand::canReplace(LetterExchange& exchange) {
 }
 
 int LetterCommand::importLetter() {
-    if (isOtherSpreadsheet(file_)) return stop(session_.text(131, file_.filename().string()));
+    if (isOtherSpreadsheet(file_)) return stop(session_.text(text::files::kUnreadableSheet, file_.filename().string()));
     const std::optional<std::string> supplier = openCompany() ? supplierNumber() : std::nullopt;
     if (!supplier) return stopped();
     LetterExchange exchange(session_.state.sql, *supplier, port_);
@@ -161,12 +166,12 @@ int LetterCommand::finish(const LetterRead& report) {
         stop(remarks(session_.texts, report).front());
         return report.cancelled ? exitcode::kCancelled : exitcode::kStopped;
     }
-    print(session_.text(303), report.deleted);
-    print(session_.text(300), report.lines);
-    print(session_.text(301), report.added);
-    print(session_.text(302), report.passedOver.count + report.withoutCode.count);
+    print(session_.text(text::letter::kDeletedGroups), report.deleted);
+    print(session_.text(text::letter::kLinesRead), report.lines);
+    print(session_.text(text::letter::kNewGroups), report.added);
+    print(session_.text(text::letter::kSkippedLines), report.passedOver.count + report.withoutCode.count);
     printRemarks(report);
-    surroundings_.out << session_.text(315) << '\n';
+    surroundings_.out << session_.text(text::letter::kRead) << '\n';
     return port_.passedOver() > 0 ? exitcode::kPassedOver : exitcode::kDone;
 }
 

@@ -8,6 +8,7 @@
 
 #include "cli/session.h"
 #include "import/joblist.h"
+#include "lang/keys/terminal.h"
 #include "platform/encodings.h"
 
 namespace kolmera::cli {
@@ -67,11 +68,14 @@ int jobsCommand(const std::string& dataFolder, bool json, const Surroundings& su
         return exitcode::kDone;
     }
     if (rows.empty()) {
-        surroundings.out << session.text(248, folder.string()) << '\n';
+        surroundings.out << session.text(text::terminal::kNoImports, folder.string()) << '\n';
         return exitcode::kDone;
     }
-    std::vector<TableRow> table{{session.text(240), session.text(241), session.text(242), session.text(244),
-                                 session.text(245), session.text(246), session.text(247)}};
+    std::vector<TableRow> table{
+        {session.text(text::terminal::kNumberHeading), session.text(text::terminal::kImportHeading),
+         session.text(text::terminal::kKindHeading), session.text(text::terminal::kPriceFileHeading),
+         session.text(text::terminal::kFileDateHeading), session.text(text::terminal::kCompanyHeading),
+         session.text(text::terminal::kSupplierHeading)}};
     for (const JobRow& row : rows) table.push_back(asTableRow(row));
     printTable(table, surroundings.out);
     return exitcode::kDone;

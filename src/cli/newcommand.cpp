@@ -8,6 +8,7 @@
 #include "cli/session.h"
 #include "definitions/datafolder.h"
 #include "lang/errortext.h"
+#include "lang/keys/terminal.h"
 #include "platform/descriptor.h"
 #include "platform/error.h"
 #include "startup/newcompany.h"
@@ -57,23 +58,25 @@ class FolderInTheMaking {
 };
 
 // Makes the folder and lets `fill` write into it; the message tells how it went.
-int makeFolder(Session& session, const fs::path& folder, const Surroundings& surroundings, int doneText,
+int makeFolder(Session& session, const fs::path& folder, const Surroundings& surroundings, ModuleKey doneText,
                const std::function<void(const fs::path& folder)>& fill) {
-    const auto stopped = [&](int text, std::string_view reason) {
-        surroundings.err << session.text(250) << ' ' << session.text(text, folder.string()) << reason << '\n';
+    const auto stopped = [&](ModuleKey text, std::string_view reason) {
+        surroundings.err << session.text(text::terminal::kError) << ' ' << session.text(text, folder.string()) << reason
+                         << '\n';
         return exitcode::kStopped;
     };
-    if (!mayBeFilled(folder)) return stopped(232, "");
+    if (!mayBeFilled(folder)) return stopped(text::terminal::kFolderNotEmpty, "");
     try {
         FolderInTheMaking making(folder);
         createDataFolder(making.folder());
         fill(making.folder());
         making.finish();
     } catch (const PlatformError& error) {
-        return stopped(233, " " + errorText(session.texts, error));
+        return stopped(text::terminal::kFolderNotCreated, " " + errorText(session.texts, error));
     } catch (const fs::filesystem_error& error) {
         const PlatformError cause(errors::kInternal, error.code().message());
-        return stopped(233, " " + errorText(session.texts, cause.ofSystem(error.code().value())));
+        return stopped(text::terminal::kFolderNotCreated,
+                       " " + errorText(session.texts, cause.ofSystem(error.code().value())));
     }
     surroundings.out << session.text(doneText, folder.string()) << '\n';
     return exitcode::kDone;
@@ -84,16 +87,16 @@ int makeFolder(Session& session, const fs::path& folder, const Surroundings& sur
 int newCommand(const std::string& folder, const std::string& companyName, const Surroundings& surroundings) {
     Session session(surroundings);
     const fs::path target = absoluteFolder(folder);
-    return makeFolder(session, target, surroundings, 230, [&](const fs::path& made) {
-        createCompany(made, kCompanyFile, companyName.empty() ? session.text(234) : companyName);
+    return makeFolder(session, target, surroundings, text::terminal::kFolderCreated, [&](const fs::path& made) {
+        createCompany(made, kCompanyFile, companyName.empty() ? session.text(text::terminal::kMyCompany) : companyName);
     });
 }
 
 int demoCommand(const std::string& folder, const Surroundings& surroundings) {
     Session session(surroundings);
     const fs::path target = absoluteFolder(folder);
-    return makeFolder(session, target, surroundings, 231, [&](const fs::path& made) {
-        createCompany(made, kCompanyFile, session.text(235));
+    return makeFolder(session, target, surroundings, text::terminal::kDemoCreated, [&](const fs::path& made) {
+        createCompany(made, kCompanyFile, session.text(text::terminal::kDemoCompany));
         fillDemoCompany(surroundings.programFolder / "demo", made, made / kCompanyFile, session.state.locale);
     });
 }

@@ -5,6 +5,9 @@
 #include "cli/session.h"
 #include "cli/terminalport.h"
 #include "lang/errortext.h"
+#include "lang/keys/company.h"
+#include "lang/keys/repair.h"
+#include "lang/keys/terminal.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
 #include "startup/company.h"
@@ -13,12 +16,10 @@
 namespace kolmera::cli {
 namespace {
 
-constexpr int kSound = 606, kNotRepaired = 607, kOnlyFiles = 608, kNoSuchCompany = 313;
-
 int repaired(Session& session, CompanyRegister& companies, const std::string& company,
              const Surroundings& surroundings) {
     if (companies.isSound(company)) {
-        surroundings.out << session.text(kSound, company) << '\n';
+        surroundings.out << session.text(text::repair::kNotDamaged, company) << '\n';
         return exitcode::kDone;
     }
     const RepairReport report = companies.repair(company);
@@ -33,10 +34,11 @@ int repairCommand(const std::string& company, const std::string& dataFolder, con
     Session session(surroundings, dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const auto fail = [&](const std::string& text, int code) {
-        surroundings.err << session.text(250) << ' ' << text << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << text << '\n';
         return code;
     };
-    if (SqlLayer::ÄrSQLDatabas(upperCase(company))) return fail(session.text(kOnlyFiles), exitcode::kUsage);
+    if (SqlLayer::ÄrSQLDatabas(upperCase(company)))
+        return fail(session.text(text::repair::kOnlyFiles), exitcode::kUsage);
     TerminalPort port(surroundings.err, surroundings.cancel, false);
     MessageBoxes boxes(port, session.state.helpFile);
     CompanyRegister companies(session.state, session.texts, boxes);
@@ -46,8 +48,9 @@ int repairCommand(const std::string& company, const std::string& dataFolder, con
     } catch (const PlatformError& error) {
         if (port.cancelled()) return exitcode::kCancelled;
         if (error.number() == errors::kFileNotFound)
-            return fail(session.text(kNoSuchCompany, company), exitcode::kStopped);
-        return fail(session.text(kNotRepaired, company) + ' ' + errorText(session.texts, error), exitcode::kStopped);
+            return fail(session.text(text::company::kNoSuchCompany, company), exitcode::kStopped);
+        return fail(session.text(text::repair::kCannotRepair, company) + ' ' + errorText(session.texts, error),
+                    exitcode::kStopped);
     }
 }
 

@@ -19,6 +19,10 @@
 #include "import/pricefilelook.h"
 #include "import/runmessage.h"
 #include "lang/errortext.h"
+#include "lang/keys/remark.h"
+#include "lang/keys/repair.h"
+#include "lang/keys/run.h"
+#include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
 
 namespace kolmera::cli {
@@ -33,53 +37,53 @@ int exitCode(const RunSummary& summary) {
 std::string outcome(Session& session, int code) {
     switch (code) {
         case exitcode::kDone:
-            return session.text(220);
+            return session.text(text::terminal::kDone);
         case exitcode::kPassedOver:
-            return session.text(370);
+            return session.text(text::terminal::kDoneWithRemarks);
         case exitcode::kCancelled:
-            return session.text(222);
+            return session.text(text::run::kCancelled);
         default:
-            return session.text(223);
+            return session.text(text::terminal::kStopped);
     }
 }
 
-// What the run did; a label is a text of the program's own module.
+// What the run did.
 struct SummaryLine {
-    int label;
+    ModuleKey label;
     std::int64_t count;
     bool always = true;  ///< also when it is 0
 };
-constexpr int kSkipped = 204;
 
 std::vector<SummaryLine> summaryLines(const RunSummary& summary) {
     const RunReport& report = summary.report;
-    return {{201, summary.records},
-            {202, summary.newProducts},
-            {203, summary.changed},
-            {kSkipped, summary.skipped},
-            {205, summary.priceList},
-            {206, summary.alternatives},
-            {207, summary.documents},
-            {507, summary.deleted.products, false},
-            {508, summary.deleted.priceList, false},
-            {509, summary.deleted.alternatives, false},
-            {371, summary.groups, false},
-            {372, summary.groupLinesSkipped, false},
-            {208, report.failed()},
-            {551, report.count(Remark::NotNumber)},
-            {552, report.count(Remark::MissingPrice)}};
+    return {{text::terminal::kRecordsRead, summary.records},
+            {text::terminal::kNewProducts, summary.newProducts},
+            {text::terminal::kChangedProducts, summary.changed},
+            {text::run::kSkippedRecords, summary.skipped},
+            {text::terminal::kSupplierPrices, summary.priceList},
+            {text::terminal::kAlternatives, summary.alternatives},
+            {text::terminal::kDocuments, summary.documents},
+            {text::run::kDeletedProducts, summary.deleted.products, false},
+            {text::run::kDeletedSupplierPrices, summary.deleted.priceList, false},
+            {text::run::kDeletedAlternatives, summary.deleted.alternatives, false},
+            {text::terminal::kGroupsRead, summary.groups, false},
+            {text::terminal::kGroupLinesSkipped, summary.groupLinesSkipped, false},
+            {text::terminal::kFailedStatements, report.failed()},
+            {text::remark::kNotNumbers, report.count(Remark::NotNumber)},
+            {text::remark::kMissingPrices, report.count(Remark::MissingPrice)}};
 }
 
 void printSummary(Session& session, const RunResult& result, std::ostream& out) {
     for (const SummaryLine& line : summaryLines(result.summary)) {
         if (line.count == 0 && !line.always) continue;
         out << fmt::format("{}: {}\n", session.text(line.label), line.count);
-        if (line.label != kSkipped) continue;
+        if (line.label != text::run::kSkippedRecords) continue;
         for (const std::string& reason : skipReasons(session.texts, result.summary.report))
             out << "  " << reason << '\n';
     }
-    out << fmt::format("{}: {}\n", session.text(506), result.numberForm);
-    out << fmt::format("{}: {}\n", session.text(210), session.state.locale.formatFixed(result.seconds, 2));
+    out << fmt::format("{}: {}\n", session.text(text::terminal::kNumberForm), result.numberForm);
+    out << fmt::format("{}: {}\n", session.text(text::terminal::kSeconds),
+                       session.state.locale.formatFixed(result.seconds, 2));
 }
 
 Locale localeOf(const std::string& name) {
@@ -132,7 +136,7 @@ int TerminalRun::run() {
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        say(session_.text(255, error.what()));
+        say(session_.text(text::terminal::kUnexpectedError, error.what()));
     }
     if (!finishSummary() && result_.exitCode != exitcode::kCancelled) return exitcode::kStopped;
     return result_.exitCode;
@@ -144,7 +148,8 @@ bool TerminalRun::startSummary() {
         summaryFile_.emplace(arguments_.summaryFile, arguments_.job, surroundings_.cancel);
         return true;
     } catch (const PlatformError& error) {
-        say(session_.text(253, arguments_.summaryFile) + ' ' + errorText(session_.texts, error));
+        say(session_.text(text::terminal::kSummaryNotWritten, arguments_.summaryFile) + ' ' +
+            errorText(session_.texts, error));
         return false;
     }
 }
@@ -157,7 +162,8 @@ bool TerminalRun::finishSummary() {
         summaryFile_->finish(summaryJson(session_.texts, arguments_.job, result_));
         return true;
     } catch (const PlatformError& error) {
-        say(session_.text(253, arguments_.summaryFile) + ' ' + errorText(session_.texts, error));
+        say(session_.text(text::terminal::kSummaryNotWritten, arguments_.summaryFile) + ' ' +
+            errorText(session_.texts, error));
         return false;
     }
 }
@@ -180,7 +186,7 @@ std::optional<Job> TerminalRun::findJob() {
         return std::nullopt;
     }
     auto job = JobFile(absoluteFolder(arguments_.dataFolder)).find(trimmed(arguments_.job));
-    if (!job) say(session_.text(125, arguments_.job) + ' ' + nearJobs());
+    if (!job) say(session_.text(text::terminal::kNoSuchImport, arguments_.job) + ' ' + nearJobs());
     return job;
 }
 
@@ -188,8 +194,8 @@ std::string TerminalRun::nearJobs() {
     std::vector<std::string> names;
     for (const Job& job : JobFile(absoluteFolder(arguments_.dataFolder)).all()) names.push_back(job.name);
     const std::vector<std::string> near = nearNames(arguments_.job, names);
-    if (near.empty()) return session_.text(458, arguments_.dataFolder);
-    return session_.text(457, fmt::format("\"{}\"", fmt::join(near, "\", \"")));
+    if (near.empty()) return session_.text(text::terminal::kListJobs, arguments_.dataFolder);
+    return session_.text(text::terminal::kDidYouMean, fmt::format("\"{}\"", fmt::join(near, "\", \"")));
 }
 
 void TerminalRun::importJob(const Job& job) {
@@ -204,7 +210,7 @@ void TerminalRun::importJob(const Job& job) {
                           .JobbNr = job.number,
                           .shown = job};
     result_.summary = Utför(context, job.name);
-    if (!companies.damagedCompany().empty()) say(session_.text(609, companies.damagedCompany()));
+    if (!companies.damagedCompany().empty()) say(session_.text(text::repair::kDamaged, companies.damagedCompany()));
 }
 
 void TerminalRun::tellResult() {
@@ -216,14 +222,15 @@ void TerminalRun::tellResult() {
 
 /// What can be done about a file that was not read.
 std::string TerminalRun::refusal(const DoubtfulFile& file) {
-    std::string text = session_.text(534);
-    text += ' ' + (file.garbage ? session_.text(350) : session_.text(746));
-    if (file.otherNumbers) text += ' ' + session_.text(747);
+    std::string text = session_.text(text::terminal::kNothingChanged);
+    text +=
+        ' ' + (file.garbage ? session_.text(text::terminal::kForce) : session_.text(text::terminal::kWithoutStrict));
+    if (file.otherNumbers) text += ' ' + session_.text(text::terminal::kLocale);
     return text;
 }
 
 void TerminalRun::say(const std::string& message) {
-    surroundings_.err << session_.text(250) << ' ' << message << '\n';
+    surroundings_.err << session_.text(text::terminal::kError) << ' ' << message << '\n';
     result_.messages.push_back(message);
 }
 

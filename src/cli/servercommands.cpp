@@ -11,6 +11,8 @@
 #include "db/serverschema.h"
 #include "db/sqllayer.h"
 #include "lang/errortext.h"
+#include "lang/keys/server.h"
+#include "lang/keys/terminal.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
 
@@ -20,11 +22,13 @@ int serverSchemaCommand(const std::string& dialect, const std::string& companyNa
     Session session(surroundings);
     const std::optional<ServerKind> kind = serverKind(dialect);
     if (!kind) {
-        surroundings.err << session.text(250) << ' ' << session.text(260, dialect) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' '
+                         << session.text(text::server::kUnknownKind, dialect) << '\n';
         return exitcode::kUsage;
     }
     surroundings.out << serverSchema(*kind, companySchema()) << '\n'
-                     << serverFirstRows(*kind, companyName.empty() ? session.text(234) : companyName);
+                     << serverFirstRows(*kind,
+                                        companyName.empty() ? session.text(text::terminal::kMyCompany) : companyName);
     return exitcode::kDone;
 }
 
@@ -36,13 +40,14 @@ std::optional<std::string> connectStringOf(Session& session, const ServerArgumen
     if (!arguments.connectFile.empty()) {
         std::ifstream file(arguments.connectFile == "-" ? "/dev/stdin" : arguments.connectFile);
         if (!std::getline(file, text)) {
-            err << session.text(250) << ' ' << session.text(667, arguments.connectFile) << '\n';
+            err << session.text(text::terminal::kError) << ' '
+                << session.text(text::server::kUnreadableFile, arguments.connectFile) << '\n';
             return std::nullopt;
         }
     }
     text = trimmed(text);
     if (!text.empty()) return text;
-    err << session.text(250) << ' ' << session.text(665) << '\n';
+    err << session.text(text::terminal::kError) << ' ' << session.text(text::server::kNoConnectString) << '\n';
     return std::nullopt;
 }
 
@@ -65,12 +70,13 @@ int addServerCommand(const ServerArguments& arguments, const Surroundings& surro
     try {
         registerServer(folder, server);
     } catch (const PlatformError& error) {
-        surroundings.err << session.text(250) << ' ' << session.text(262, server.name) << ' '
+        surroundings.err << session.text(text::terminal::kError) << ' '
+                         << session.text(text::server::kNotRegistered, server.name) << ' '
                          << errorText(session.texts, error) << '\n';
         return exitcode::kStopped;
     }
-    surroundings.out << session.text(261, server.name) << '\n';
-    if (holdsPassword(*connectString)) surroundings.err << session.text(666) << '\n';
+    surroundings.out << session.text(text::server::kRegistered, server.name) << '\n';
+    if (holdsPassword(*connectString)) surroundings.err << session.text(text::server::kReadablePassword) << '\n';
     return exitcode::kDone;
 }
 

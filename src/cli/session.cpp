@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "cli/builtintexts.h"
+#include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
 #include "startup/startup.h"
 
@@ -32,13 +33,13 @@ bool Session::hasDataFolder(std::ostream& err) {
     const std::filesystem::path folder = state.dataFolder();
     std::error_code unreachable;
     if (std::filesystem::is_directory(folder, unreachable)) return true;
-    err << text(250) << ' ' << text(120, folder.string()) << '\n';
+    err << text(text::terminal::kError) << ' ' << text(text::terminal::kNoDataFolder, folder.string()) << '\n';
     return false;
 }
 
 bool Session::cutAtSemicolon(std::string_view company, std::ostream& err) {
     if (!equalNoCase(trimmed(company), "SQL")) return false;
-    err << text(250) << ' ' << text(459) << '\n';
+    err << text(text::terminal::kError) << ' ' << text(text::terminal::kCutAtSemicolon) << '\n';
     return true;
 }
 

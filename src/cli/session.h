@@ -17,8 +17,8 @@ struct Session {
     explicit Session(const Surroundings& surroundings, const std::string& dataFolder = {});
 
     /// A text of the program's own module.
-    std::string text(int number) { return texts.ModulText("KMR", number); }
-    std::string text(int number, std::string_view var1) { return texts.ModulTextMed("KMR", number, var1); }
+    std::string text(ModuleKey key) { return texts.ModulText(key); }
+    std::string text(ModuleKey key, std::string_view var1) { return texts.ModulTextMed(key, var1); }
 
     /// Whether the data folder is there; `err` tells when it is not.
     bool hasDataFolder(std::ostream& err);

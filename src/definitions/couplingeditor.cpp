@@ -6,19 +6,13 @@
 
 #include "db/conversions.h"
 #include "definitions/savemessages.h"
+#include "lang/keys/definitions.h"
+#include "lang/keys/prisstyr.h"
 #include "platform/attempt.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
-namespace {
-
-constexpr std::string_view kForm = "PrisStyr";
-constexpr int kNoSuchSupplier = 5, kAskToRemove = 50, kRemoveTitle = 51;
-constexpr int kChangedElsewhere = 405, kAskWithoutSupplier = 416, kAskUnknownSupplier = 417;
-
-}  // namespace
-
 void CouplingEditor::setCompany(SqlLayer& sql, std::string database) {
     sql_ = &sql;
     database_ = std::move(database);
@@ -43,9 +37,9 @@ std::optional<CouplingEditor::Supplier> CouplingEditor::find(const std::string& 
 
 std::string CouplingEditor::rowText(const Coupling& coupling) {
     const auto supplierFound = find(coupling.supplier);
-    const std::string name = supplierFound
-                                 ? supplierFound->searchName
-                                 : fmt::format("({}{})", texts_.FormulärSträng(kForm, kNoSuchSupplier), database_);
+    const std::string name =
+        supplierFound ? supplierFound->searchName
+                      : fmt::format("({}{})", texts_.FormulärSträng(text::prisstyr::kNoSuchSupplier), database_);
     return fmt::format("{}\t-->\t{}\t{}\t{}", coupling.code, coupling.supplier, coupling.mainSupplier ? "H" : "", name);
 }
 
@@ -104,7 +98,7 @@ bool CouplingEditor::change(const std::function<void()>& statement) {
         statement();
         return true;
     } catch (const PlatformError& error) {
-        tellNotSaved(error, {.changedElsewhere = kChangedElsewhere, .name = job_}, texts_, boxes_);
+        tellNotSaved(error, {.changedElsewhere = text::definitions::kCouplingsChanged, .name = job_}, texts_, boxes_);
         if (error.number() == errors::kChangedElsewhere) list();
         return false;
     }
@@ -124,8 +118,9 @@ bool CouplingEditor::canBeStored() {
 bool CouplingEditor::supplierIsMeant() {
     const std::string number(trimmed(supplier));
     if (!suppliers_ || find(number)) return true;
-    const std::string question = number.empty() ? texts_.ModulTextMed("KMR", kAskWithoutSupplier, trimmed(code))
-                                                : texts_.ModulTextMed("KMR", kAskUnknownSupplier, number);
+    const std::string question = number.empty()
+                                     ? texts_.ModulTextMed(text::definitions::kAskWithoutSupplier, trimmed(code))
+                                     : texts_.ModulTextMed(text::definitions::kAskWithUnknownSupplier, number);
     return boxes_.MeddelandeJaNejNej(question) == Answer::Yes;
 }
 
@@ -149,8 +144,8 @@ void CouplingEditor::cancel() {
 
 void CouplingEditor::remove() {
     if (chosen_ < 0) return;
-    if (boxes_.MeddelandeJaNejNej(texts_.FormulärSträng(kForm, kAskToRemove),
-                                  texts_.FormulärSträng(kForm, kRemoveTitle)) != Answer::Yes) {
+    if (boxes_.MeddelandeJaNejNej(texts_.FormulärSträng(text::prisstyr::kAskToRemoveCoupling),
+                                  texts_.FormulärSträng(text::prisstyr::kRemoveCouplingTitle)) != Answer::Yes) {
         return;
     }
     const Coupling coupling = rows_[static_cast<std::size_t>(chosen_)].coupling;

@@ -8,6 +8,8 @@
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
 #include "definitions/savemessages.h"
+#include "lang/keys/definitions.h"
+#include "lang/keys/prisstyr.h"
 #include "platform/attempt.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
@@ -15,14 +17,7 @@
 namespace kolmera {
 namespace {
 
-constexpr std::string_view kForm = "PrisStyr";
-constexpr std::string_view kModule = "KMR";
-constexpr int kJobChangedElsewhere = 402, kMaskChangedElsewhere = 403, kNameTaken = 409, kSeveralMasks = 412,
-              kMaskInUse = 413;
 constexpr std::string_view kNextParagraph = "\r\n\r\n";
-constexpr int kCaption = 2, kCouplingCaption = 10, kNoHeading = 15, kNoSample = 20, kNoSampleTitle = 21, kNoFile = 30,
-              kNoCompany = 31, kNoName = 32, kReservedName = 33, kNoMask = 34, kAskToDeleteMask = 40,
-              kDeleteMaskTitle = 41;
 
 bool empty(const std::string& text) { return trimmed(text).empty(); }
 
@@ -52,7 +47,7 @@ void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
 }
 
 std::string JobEditor::caption() const {
-    return job.number == 0 ? std::string() : texts_.FormulärSträng(kForm, kCaption) + job.name;
+    return job.number == 0 ? std::string() : texts_.FormulärSträng(text::prisstyr::kCaption) + job.name;
 }
 
 std::filesystem::path JobEditor::priceFile() const {
@@ -95,7 +90,7 @@ void JobEditor::readCompany() {
 }
 
 void JobEditor::readHeadings() {
-    headings_.push_back({0, texts_.FormulärSträng(kForm, kNoHeading)});
+    headings_.push_back({0, texts_.FormulärSträng(text::prisstyr::kNoHeading)});
     const auto records =
         state_.sql.SQLÖppnaRs("SELECT * FROM Prodaltrubrik WHERE Rubrik IS NOT NULL AND Nummer < 100 ORDER BY Nummer",
                               RecordsetType::Snapshot);
@@ -118,7 +113,7 @@ std::string JobEditor::supplierCaption(std::string_view label) const {
 
 std::string JobEditor::couplingCaption() const {
     const std::string company = companyRow_ < 0 ? "Dorvik" : companyName();
-    return texts_.FormulärSträngMed1(kForm, kCouplingCaption, job.name) + company;
+    return texts_.FormulärSträngMed1(text::prisstyr::kCouplingCaption, job.name) + company;
 }
 
 void JobEditor::readMasks() {
@@ -142,8 +137,8 @@ std::optional<std::filesystem::path> JobEditor::sampleForMask() {
     const std::filesystem::path sample = priceFile();
     std::error_code unreadable;
     if (!std::filesystem::is_regular_file(sample, unreadable)) {
-        boxes_.MeddelandeVarning(texts_.FormulärSträngMed1(kForm, kNoSample, job.priceFile),
-                                 texts_.FormulärSträng(kForm, kNoSampleTitle));
+        boxes_.MeddelandeVarning(texts_.FormulärSträngMed1(text::prisstyr::kNoSample, job.priceFile),
+                                 texts_.FormulärSträng(text::prisstyr::kNoSampleTitle));
         return std::nullopt;
     }
     if (!openCompany()) return std::nullopt;
@@ -157,7 +152,7 @@ bool JobEditor::maskIsAsShown() {
     PassedOverSilently passedOver;
     attempt(passedOver, "PRISMASK.TXT", [&] { stored = MaskFile(state_.dataFolder()).read(shown.number); });
     if (stored && stored->mask == shown) return true;
-    tell(PlatformError(errors::kChangedElsewhere, {}), kMaskChangedElsewhere, shown.Namn);
+    tell(PlatformError(errors::kChangedElsewhere, {}), text::definitions::kMaskChangedNothingDone, shown.Namn);
     readMasks();
     chooseMask(static_cast<int>(std::ranges::find(masks_, shown.Namn, &Mask::Namn) - masks_.begin()));
     return false;
@@ -172,16 +167,18 @@ std::string JobEditor::chosenMaskName() const {
     return maskRow_ < 0 ? std::string() : masks_[static_cast<std::size_t>(maskRow_)].Namn;
 }
 
-void JobEditor::tell(const PlatformError& error, int changedElsewhere, const std::string& name) {
-    tellNotSaved(error, {.changedElsewhere = changedElsewhere, .nameTaken = kNameTaken, .name = name}, texts_, boxes_);
+void JobEditor::tell(const PlatformError& error, ModuleKey changedElsewhere, const std::string& name) {
+    tellNotSaved(error,
+                 {.changedElsewhere = changedElsewhere, .nameTaken = text::definitions::kImportNameTaken, .name = name},
+                 texts_, boxes_);
 }
 
 bool JobEditor::agreesToDelete(const std::string& mask, std::size_t count) {
-    std::string question = texts_.FormulärSträngMed1(kForm, kAskToDeleteMask, mask);
-    const auto add = [&](int text, std::string_view value) {
-        question.append(kNextParagraph).append(texts_.ModulTextMed(kModule, text, value));
+    std::string question = texts_.FormulärSträngMed1(text::prisstyr::kAskToDeleteMask, mask);
+    const auto add = [&](ModuleKey text, std::string_view value) {
+        question.append(kNextParagraph).append(texts_.ModulTextMed(text, value));
     };
-    if (count > 1) add(kSeveralMasks, std::to_string(count));
+    if (count > 1) add(text::definitions::kSeveralMasks, std::to_string(count));
     std::string users;
     PassedOverSilently passedOver;
     attempt(passedOver, "KOLMERA.TXT", [&] {
@@ -189,8 +186,8 @@ bool JobEditor::agreesToDelete(const std::string& mask, std::size_t count) {
             if (each.mask == mask) users.append(users.empty() ? "" : ", ").append(each.name);
         }
     });
-    if (!users.empty()) add(kMaskInUse, users);
-    return boxes_.MeddelandeJaNejNej(question, texts_.FormulärSträng(kForm, kDeleteMaskTitle)) == Answer::Yes;
+    if (!users.empty()) add(text::definitions::kMaskUsedBy, users);
+    return boxes_.MeddelandeJaNejNej(question, texts_.FormulärSträng(text::prisstyr::kDeleteMaskTitle)) == Answer::Yes;
 }
 
 void JobEditor::deleteMask() {
@@ -202,24 +199,24 @@ void JobEditor::deleteMask() {
     try {
         MaskFile(state_.dataFolder()).remove(named);
     } catch (const PlatformError& error) {
-        tell(error, kMaskChangedElsewhere, name);
+        tell(error, text::definitions::kMaskChangedNothingDone, name);
     }
     maskRow_ = -1;
     readMasks();
 }
 
 /// The text and the control of the first check that fails.
-std::optional<std::pair<int, JobEditor::Control>> JobEditor::missing() const {
+std::optional<std::pair<FormKey, JobEditor::Control>> JobEditor::missing() const {
     const struct {
         bool fails, inTradeFormat;
-        int text;
+        FormKey text;
         Control focus;
     } checks[] = {
-        {empty(job.name), false, kNoName, Control::Namn},
-        {ÄrStandardFormat(trimmed(job.name)), false, kReservedName, Control::Namn},
-        {empty(job.priceFile), true, kNoFile, Control::FilNamn},
-        {maskRow_ < 0, false, kNoMask, Control::Mask_Lista},
-        {companyRow_ < 0, true, kNoCompany, Control::FTG_Lista},
+        {empty(job.name), false, text::prisstyr::kNoName, Control::Namn},
+        {ÄrStandardFormat(trimmed(job.name)), false, text::prisstyr::kReservedName, Control::Namn},
+        {empty(job.priceFile), true, text::prisstyr::kNoFile, Control::FilNamn},
+        {maskRow_ < 0, false, text::prisstyr::kNoMask, Control::Mask_Lista},
+        {companyRow_ < 0, true, text::prisstyr::kNoCompany, Control::FTG_Lista},
     };
     for (const auto& check : checks) {
         if (check.fails && (check.inTradeFormat || !tradeFormat_)) return std::pair(check.text, check.focus);
@@ -247,7 +244,7 @@ std::optional<std::pair<std::string, JobEditor::Control>> JobEditor::notStorable
 
 JobEditor::Outcome JobEditor::save() {
     if (const auto first = missing()) {
-        boxes_.MeddelandeInfo(texts_.FormulärSträng(kForm, first->first));
+        boxes_.MeddelandeInfo(texts_.FormulärSträng(first->first));
         return {.focus = first->second};
     }
     if (const auto first = notStorable()) {
@@ -269,7 +266,8 @@ JobEditor::Outcome JobEditor::save() {
     try {
         return {.JobbNr = JobFile(state_.dataFolder()).save(job, shown_)};
     } catch (const PlatformError& error) {
-        tell(error, kJobChangedElsewhere, error.number() == errors::kDuplicateKey ? job.name : begun_.name);
+        tell(error, text::definitions::kImportChangedNothingSaved,
+             error.number() == errors::kDuplicateKey ? job.name : begun_.name);
         return {.focus = error.number() == errors::kDuplicateKey ? Control::Namn : Control::None};
     }
 }

@@ -90,11 +90,11 @@ class JobEditor {
     void readMasks();
     [[nodiscard]] std::filesystem::path priceFile() const;
     bool openCompany();
-    [[nodiscard]] std::optional<std::pair<int, Control>> missing() const;
+    [[nodiscard]] std::optional<std::pair<FormKey, Control>> missing() const;
     [[nodiscard]] std::optional<std::pair<std::string, Control>> notStorable() const;
     [[nodiscard]] std::string chosenMaskName() const;
     [[nodiscard]] bool agreesToDelete(const std::string& mask, std::size_t count);
-    void tell(const PlatformError& error, int changedElsewhere, const std::string& name);
+    void tell(const PlatformError& error, ModuleKey changedElsewhere, const std::string& name);
     void closeCompany();
     [[nodiscard]] const std::string& companyName() const {
         return companies_.at(static_cast<std::size_t>(companyRow_)).name;

@@ -9,19 +9,15 @@
 #include "definitions/savemessages.h"
 #include "definitions/targetcodes.h"
 #include "lang/errortext.h"
+#include "lang/keys/definitions.h"
+#include "lang/keys/mask.h"
+#include "lang/keys/prismtyp.h"
 #include "platform/attempt.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
 namespace {
-
-constexpr std::string_view kForm = "PrisMTyp";
-constexpr std::string_view kModule = "KMR";
-
-constexpr int kNewMaskCaption = 1, kNameMissing = 40, kTooManyRelations = 41;
-constexpr int kRelationsLeftOut = 104, kHeadingsLeftOut = 105, kTooManyMasks = 107;
-constexpr int kChangedElsewhere = 404, kNameTaken = 410, kAskToReplace = 414, kDoublesProducts = 535;
 
 bool within(int row, std::size_t count) { return row >= 0 && static_cast<std::size_t>(row) < count; }
 
@@ -60,8 +56,8 @@ bool MaskEditor::open(SqlLayer& sql, int maskNumber) {
     }
     readSources();
     begun_ = edited();
-    if (relationsLeftOut_) boxes_.MeddelandeInfo(texts_.ModulTextMed(kModule, kRelationsLeftOut, mask_.Namn));
-    if (targets_.headingsLeftOut) boxes_.MeddelandeInfo(texts_.ModulText(kModule, kHeadingsLeftOut));
+    if (relationsLeftOut_) boxes_.MeddelandeInfo(texts_.ModulTextMed(text::mask::kRelationsLeftOut, mask_.Namn));
+    if (targets_.headingsLeftOut) boxes_.MeddelandeInfo(texts_.ModulText(text::mask::kHeadingsLeftOut));
     return true;
 }
 
@@ -87,7 +83,7 @@ void MaskEditor::load(int maskNumber) {
 
 std::string MaskEditor::caption() const {
     if (mask_.number != 0) return {};
-    return texts_.FormulärSträngMed1(kForm, kNewMaskCaption, sample_.filename().string());
+    return texts_.FormulärSträngMed1(text::prismtyp::kNewMaskCaption, sample_.filename().string());
 }
 
 void MaskEditor::setFilTyp(char structure) {
@@ -244,7 +240,7 @@ void MaskEditor::createRelation() {
         dropRelation(chosen_.relation);
     }
     if (relations_.size() >= std::size_t{kMostRelations}) {
-        boxes_.MeddelandeInfo(texts_.FormulärSträng(kForm, kTooManyRelations));
+        boxes_.MeddelandeInfo(texts_.FormulärSträng(text::prismtyp::kTooManyRelations));
         return;
     }
     relations_.push_back({freeSlot(), relation});
@@ -267,7 +263,8 @@ bool MaskEditor::agreesToReplace(int target) {
     const int row = targets_.row(target);
     const std::string text = row < 0 ? std::to_string(target) : targets()[static_cast<std::size_t>(row)].text;
     const std::string name(trimmed(text.substr(text.find('\t') + 1)));
-    return boxes_.MeddelandeJaNejNej(texts_.ModulTextMed(kModule, kAskToReplace, name)) == Answer::Yes;
+    return boxes_.MeddelandeJaNejNej(texts_.ModulTextMed(text::definitions::kAskToReplaceRelation, name)) ==
+           Answer::Yes;
 }
 
 WholeMask MaskEditor::edited() const {
@@ -278,16 +275,17 @@ WholeMask MaskEditor::edited() const {
 
 /// What is wrong with the name; empty when nothing is.
 std::string MaskEditor::wrongName() const {
-    if (mask_.Namn.empty()) return texts_.FormulärSträng(kForm, kNameMissing);
+    if (mask_.Namn.empty()) return texts_.FormulärSträng(text::prismtyp::kNameMissing);
     return whyNotStored(mask_.Namn, kMaskNameLength, texts_);
 }
 
 void MaskEditor::tell(const PlatformError& error) {
     const bool taken = error.number() == errors::kDuplicateKey;
-    tellNotSaved(
-        error,
-        {.changedElsewhere = kChangedElsewhere, .nameTaken = kNameTaken, .name = taken ? mask_.Namn : begun_.mask.Namn},
-        texts_, boxes_);
+    tellNotSaved(error,
+                 {.changedElsewhere = text::definitions::kMaskChangedNothingSaved,
+                  .nameTaken = text::definitions::kMaskNameTaken,
+                  .name = taken ? mask_.Namn : begun_.mask.Namn},
+                 texts_, boxes_);
 }
 
 MaskEditor::Saved MaskEditor::save() {
@@ -299,7 +297,7 @@ MaskEditor::Saved MaskEditor::save() {
     try {
         MaskFile masks(dataFolder_);
         if (mask_.number == 0 && masks.all().size() >= std::size_t{kMostMasks}) {
-            boxes_.MeddelandeVarning(texts_.ModulText(kModule, kTooManyMasks));
+            boxes_.MeddelandeVarning(texts_.ModulText(text::mask::kTooManyMasks));
             return Saved::Failed;
         }
         mask_.number = masks.save(mask_, edited().relations, shown_);
@@ -325,7 +323,7 @@ bool MaskEditor::doublesProducts() const {
 
 void MaskEditor::tellWhatRunsWillDo(const std::vector<Relation>& relations) {
     std::vector<std::string> remarks;
-    if (doublesProducts()) remarks.push_back(texts_.ModulText(kModule, kDoublesProducts));
+    if (doublesProducts()) remarks.push_back(texts_.ModulText(text::mask::kDoublesProducts));
     if (look_ && !sample_.empty()) std::ranges::move(look_(mask_, relations, sample_), std::back_inserter(remarks));
     if (!remarks.empty()) boxes_.MeddelandeInfo(fmt::format("{}", fmt::join(remarks, "\r\n\r\n")));
 }

@@ -17,6 +17,7 @@
 #include "definitions/prismtyp.h"
 #include "definitions/savemessages.h"
 #include "definitions/suppliermodel.h"
+#include "lang/keys/prisstyr.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
@@ -27,7 +28,6 @@ namespace kolmera {
 namespace {
 
 constexpr int kCouplingLines = 11, kCouplingLinesOfFinfo = 4;
-constexpr int kFileFilter = 55, kCompressedFilter = 56;
 const std::vector<int> kCompanyTabStops{208};  ///< dialog units
 
 /// Enter and the space bar in a list do what a double click does.
@@ -244,10 +244,11 @@ void PrisStyr::connectFiles() {
     connect(kompFilNamn_, &QLineEdit::textChanged, this,
             [this](const QString& text) { job_.job.command = fromQt(text); });
     connect(väljFil_, &QPushButton::clicked, this, [this] {
-        if (const QString path = askForFile(lblFilNamn_->text(), kFileFilter); !path.isEmpty()) filNamn_->setText(path);
+        if (const QString path = askForFile(lblFilNamn_->text(), text::prisstyr::kPriceFileFilter); !path.isEmpty())
+            filNamn_->setText(path);
     });
     connect(kompFil_, &QPushButton::clicked, this, [this] {
-        const QString path = askForFile(kompFil_->text(), kCompressedFilter);
+        const QString path = askForFile(kompFil_->text(), text::prisstyr::kCompressedFilter);
         if (!path.isEmpty()) kompFilNamn_->setText(path);
     });
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
@@ -260,8 +261,8 @@ void PrisStyr::reject() {
     QDialog::reject();
 }
 
-QString PrisStyr::askForFile(const QString& caption, int filterText) {
-    QString path = chooseFile(withoutMarks(caption), toQt(program_.texts.FormulärSträng("PrisStyr", filterText)));
+QString PrisStyr::askForFile(const QString& caption, FormKey filterText) {
+    QString path = chooseFile(withoutMarks(caption), toQt(program_.texts.FormulärSträng(filterText)));
     const std::string why = whyNotStored(fromQt(path), kJobTextLength, program_.texts);
     if (why.empty()) return path;
     program_.boxes.MeddelandeVarning(why);

@@ -49,7 +49,7 @@ class PrisStyr final : public QDialog {
     void connectFinfo();
     void connectKeys();
     void showJob();
-    QString askForFile(const QString& title, int filterText);
+    QString askForFile(const QString& title, FormKey filterText);
 
     void present();
     void presentMasks();

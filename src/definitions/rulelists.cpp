@@ -5,24 +5,20 @@
 #include <algorithm>
 #include <utility>
 
+#include "lang/keys/prismtyp.h"
+
 namespace kolmera {
 namespace {
-
-constexpr std::string_view kForm = "PrisMTyp";
-
-constexpr int kNoDivision = 11, kDivideBy = 12, kNotImported = 15, kSearchKey = 20, kNoSearchKey = 21,
-              kNoDiscountCode = 25, kDiscountCode = 26, kAlways = 31, kIfZero = 32, kIfEmpty = 33, kNever = 34,
-              kWithVat = 35;
 
 /// Collects entries. Their letters are those of the file in every language, whatever letter the text begins with.
 class Entries {
   public:
     explicit Entries(LanguageTexts& texts) : texts_(texts) {}
 
-    void add(char letter, int number) { entries_.push_back({letter, texts_.FormulärSträng(kForm, number)}); }
+    void add(char letter, FormKey text) { entries_.push_back({letter, texts_.FormulärSträng(text)}); }
     /// "2 - text 2": a numbered entry.
-    void addNumbered(char letter, int number, std::string_view end) {
-        entries_.push_back({letter, fmt::format("{} - {}{}", letter, texts_.FormulärSträng(kForm, number), end)});
+    void addNumbered(char letter, FormKey text, std::string_view end) {
+        entries_.push_back({letter, fmt::format("{} - {}{}", letter, texts_.FormulärSträng(text), end)});
     }
     RuleEntries take() { return std::move(entries_); }
 
@@ -36,33 +32,33 @@ class Entries {
 RuleEntries updateRules(const Target& target, LanguageTexts& texts) {
     Entries entries(texts);
     if (target.code > 0) {
-        entries.add('U', kAlways);
+        entries.add('U', text::prismtyp::kAlways);
         if (target.numeric() && target.priceLevel()) {
-            entries.addNumbered('1', kWithVat, " 1");
-            entries.addNumbered('2', kWithVat, " 2");
-            entries.addNumbered('3', kWithVat, " 3");
+            entries.addNumbered('1', text::prismtyp::kWithVat, " 1");
+            entries.addNumbered('2', text::prismtyp::kWithVat, " 2");
+            entries.addNumbered('3', text::prismtyp::kWithVat, " 3");
         }
-        entries.add('S', target.numeric() ? kIfZero : kIfEmpty);
+        entries.add('S', target.numeric() ? text::prismtyp::kIfZero : text::prismtyp::kIfEmpty);
     }
-    entries.add('I', kNever);
+    entries.add('I', text::prismtyp::kNever);
     return entries.take();
 }
 
 RuleEntries divisions(const Target& target, LanguageTexts& texts) {
     Entries entries(texts);
     if (target.code == 0) {
-        entries.add('I', kNotImported);
+        entries.add('I', text::prismtyp::kNotImported);
     } else if (target.keyCapable()) {
-        entries.add('S', kSearchKey);
-        entries.add('I', kNoSearchKey);
+        entries.add('S', text::prismtyp::kSearchKey);
+        entries.add('I', text::prismtyp::kNoSearchKey);
     } else if (target.floating()) {
-        entries.add('I', kNoDivision);
-        entries.addNumbered('1', kDivideBy, "10");
-        entries.addNumbered('2', kDivideBy, "100");
-        entries.addNumbered('3', kDivideBy, "1000");
+        entries.add('I', text::prismtyp::kNoDivision);
+        entries.addNumbered('1', text::prismtyp::kDivideBy, "10");
+        entries.addNumbered('2', text::prismtyp::kDivideBy, "100");
+        entries.addNumbered('3', text::prismtyp::kDivideBy, "1000");
     } else {
-        entries.add('I', kNoDiscountCode);
-        entries.add('R', kDiscountCode);
+        entries.add('I', text::prismtyp::kNoDiscountCode);
+        entries.add('R', text::prismtyp::kDiscountCode);
     }
     return entries.take();
 }

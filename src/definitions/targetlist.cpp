@@ -6,12 +6,10 @@
 
 #include "db/conversions.h"
 #include "definitions/targetcodes.h"
+#include "lang/keys/prismtyp.h"
 
 namespace kolmera {
 namespace {
-
-constexpr std::string_view kForm = "PrisMTyp";
-constexpr int kNotImportedText = 15;
 
 constexpr int kNeverOffered[] = {ordinal(kProdukt, "Postversion"), ordinal(kProdukt, "Postlås")};
 constexpr int kKeyColumns[] = {target("Nummer"), target("Söknamn"), target("Levartikelnr")};
@@ -30,7 +28,7 @@ class TargetReader {
         : sql_(sql), texts_(texts), columns_(sql.FtgDB->table("Produkt").fields) {}
 
     TargetList read() {
-        const std::string none = texts_.FormulärSträng(kForm, kNotImportedText);
+        const std::string none = texts_.FormulärSträng(text::prismtyp::kNotImported);
         list_.targets.push_back({.code = 0, .text = fmt::format("««\t{}   »»", none)});
         addColumns(1, kLastColumnBeforeHeadings);
         addHeadings();

@@ -10,6 +10,9 @@
 #include "discounts/lettermessages.h"
 #include "discounts/lettertable.h"
 #include "lang/errortext.h"
+#include "lang/keys/company.h"
+#include "lang/keys/letter.h"
+#include "lang/keys/prisrab.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
@@ -17,12 +20,6 @@ namespace kolmera {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr std::string_view kForm = "PrisRab";
-constexpr std::string_view kModule = "KMR";
-constexpr int kReadTitle = 10, kWriteTitle = 11, kAskToReplace = 15, kFileName = 17, kAskToDelete = 20,
-              kDeleteTitle = 21;
-constexpr int kWaiting = 114, kNoCode = 622, kAskBeyond = 623, kAskToDeleteNameless = 624;
-constexpr int kChooseSupplier = 307, kNoNumber = 308, kCannotSave = 309, kCannotShow = 318, kCannotDelete = 319;
 constexpr std::string_view kFileEnding = ".txt";
 
 /// Listens on behalf of the user, who is told by a report at the end.
@@ -70,7 +67,7 @@ void LetterEditor::open(int JobbNr) {
 }
 
 bool LetterEditor::waitForLock() {
-    gaveUp_ = !keepWaiting || !keepWaiting(texts_.ModulTextMed(kModule, kWaiting, FtgFil_));
+    gaveUp_ = !keepWaiting || !keepWaiting(texts_.ModulTextMed(text::company::kWaiting, FtgFil_));
     return !gaveUp_;
 }
 
@@ -90,14 +87,14 @@ class LetterEditor::Patience {
 
 /// Runs a statement; a failure is shown, with what could not be done in front of it, unless the user gave up waiting.
 /// Returns whether it succeeded.
-bool LetterEditor::tried(int failureText, const std::function<void()>& statement) {
+bool LetterEditor::tried(ModuleKey failureText, const std::function<void()>& statement) {
     try {
         const Patience patience(*this);
         statement();
         return true;
     } catch (const PlatformError& error) {
         if (error.number() == errors::kLocked && gaveUp_ && keepWaiting) return false;
-        boxes_.MeddelandeVarning(texts_.ModulText(kModule, failureText) + "\r\n\r\n" + errorText(texts_, error));
+        boxes_.MeddelandeVarning(texts_.ModulText(failureText) + "\r\n\r\n" + errorText(texts_, error));
         return false;
     }
 }
@@ -120,7 +117,7 @@ bool LetterEditor::chooseCompany(int row) {
         const Patience patience(*this);
         if (!register_.ÖppnaDatabas(FtgFil_)) return false;
     }
-    tried(kCannotShow, [this] { suppliers_ = readSuppliers(state_.sql); });
+    tried(text::letter::kCannotShow, [this] { suppliers_ = readSuppliers(state_.sql); });
     if (!jobsSupplier_.empty()) chooseSupplier(rowOfSupplier(suppliers_, jobsSupplier_));
     return true;
 }
@@ -146,7 +143,7 @@ void LetterEditor::closeLetter() {
 
 void LetterEditor::openLetter() {
     closeLetter();
-    tried(kCannotShow, [this] {
+    tried(text::letter::kCannotShow, [this] {
         const std::string statement = lettertable::letterOf(supplier().number);
         letter_ = state_.sql.SQLÖppnaRs(statement, RecordsetType::Dynaset);
         // All values at once: the dynaset asks for every value anew.
@@ -166,7 +163,7 @@ void LetterEditor::clearFields() {
 void LetterEditor::chooseRow(int row) {
     row_ = row >= 0 && row < rows_.count() ? row : -1;
     if (row_ < 0 || !letter_) return;
-    tried(kCannotShow, [this] {
+    tried(text::letter::kCannotShow, [this] {
         letter_->findFirst(fmt::format("[ID] = {}", rows_.id(row_)));
         if (!letter_->noMatch()) showGroup();
     });
@@ -194,7 +191,7 @@ void LetterEditor::leave(int number) {
         total_ = TotalRabattText();
         return;
     }
-    tried(kCannotShow, [this] {
+    tried(text::letter::kCannotShow, [this] {
         if (!find(field(0))) return;
         row_ = rows_.rowOf(lettertable::idOf(*letter_));
         showGroup();
@@ -228,18 +225,18 @@ std::optional<int> LetterEditor::Spara() {
     if (trimmed(field(0)).empty()) {
         // Nothing was asked for, but a discount that is typed must not look saved.
         if (std::all_of(fields_.begin() + 1, fields_.end(), [](const auto& text) { return text.empty(); })) return {};
-        boxes_.MeddelandeVarning(texts_.ModulText(kModule, kNoCode));
+        boxes_.MeddelandeVarning(texts_.ModulText(text::letter::kNoCode));
         return 0;
     }
     if (!canRead()) return std::nullopt;
     if (const auto wrong = wrongDiscount()) {
-        boxes_.MeddelandeVarning(texts_.ModulTextMed(kModule, kNoNumber, field(*wrong)));
+        boxes_.MeddelandeVarning(texts_.ModulTextMed(text::letter::kNoNumber, field(*wrong)));
         return wrong;
     }
     for (int number = 1; number < kFields; ++number) {
         if (!mayExceedPrice(number)) return number;
     }
-    if (!tried(kCannotSave, [this] { saveGroup(); })) {
+    if (!tried(text::letter::kCannotSave, [this] { saveGroup(); })) {
         letter_->cancelUpdate();
         return std::nullopt;
     }
@@ -250,7 +247,7 @@ std::optional<int> LetterEditor::Spara() {
 /// Whether a discount is at most 100 per cent, or meant to be more.
 bool LetterEditor::mayExceedPrice(int number) {
     if (!isBeyondPrice(TillDbl(field(number), state_.locale))) return true;
-    return boxes_.MeddelandeJaNejNej(texts_.ModulTextMed(kModule, kAskBeyond, field(number))) == Answer::Yes;
+    return boxes_.MeddelandeJaNejNej(texts_.ModulTextMed(text::letter::kAskBeyond, field(number))) == Answer::Yes;
 }
 
 void LetterEditor::saveGroup() {
@@ -289,11 +286,13 @@ bool LetterEditor::findGroupToDelete() {
 
 void LetterEditor::TaBort() {
     if (!canDelete()) return;
-    tried(kCannotDelete, [this] {
+    tried(text::letter::kCannotDelete, [this] {
         if (!findGroupToDelete()) return;
-        const std::string question = showsNamelessGroup() ? texts_.ModulText(kModule, kAskToDeleteNameless)
-                                                          : texts_.FormulärSträngMed1(kForm, kAskToDelete, field(0));
-        if (boxes_.MeddelandeJaNejNej(question, texts_.FormulärSträng(kForm, kDeleteTitle)) != Answer::Yes) return;
+        const std::string question = showsNamelessGroup()
+                                         ? texts_.ModulText(text::letter::kAskToDeleteNameless)
+                                         : texts_.FormulärSträngMed1(text::prisrab::kAskToDelete, field(0));
+        if (boxes_.MeddelandeJaNejNej(question, texts_.FormulärSträng(text::prisrab::kDeleteTitle)) != Answer::Yes)
+            return;
         const int row = rows_.rowOf(lettertable::idOf(*letter_));
         letter_->remove();
         if (row >= 0) rows_.remove(row);
@@ -306,7 +305,7 @@ void LetterEditor::TaBort() {
 
 bool LetterEditor::canRead() {
     if (letter_) return true;
-    boxes_.MeddelandeInfo(texts_.ModulText(kModule, kChooseSupplier));
+    boxes_.MeddelandeInfo(texts_.ModulText(text::letter::kChooseSupplier));
     return false;
 }
 
@@ -317,10 +316,10 @@ void LetterEditor::LäsFil(const fs::path& file) {
     LetterExchange exchange(state_.sql, supplier().number, passedOver);
     exchange.cancelled = [this] { return gaveUp_; };
     if (!mayReplace(exchange, file)) return;
-    const std::string title = texts_.FormulärSträng(kForm, kReadTitle);
+    const std::string title = texts_.FormulärSträng(text::prisrab::kReadTitle);
     LetterRead report;
     closeLetter();
-    tried(kCannotSave, [&] {
+    tried(text::letter::kCannotSave, [&] {
         const Hourglass reading(boxes_.port());
         report = exchange.replaceFrom(file);
     });
@@ -331,7 +330,7 @@ void LetterEditor::LäsFil(const fs::path& file) {
 
 /// Whether the file can be read to its end, and the user agrees to lose the letter that is there.
 bool LetterEditor::mayReplace(LetterExchange& exchange, const fs::path& file) {
-    const std::string title = texts_.FormulärSträng(kForm, kReadTitle);
+    const std::string title = texts_.FormulärSträng(text::prisrab::kReadTitle);
     try {
         if (usableLines(exchange, file) == 0) {
             boxes_.MeddelandeVarning(noGroups(texts_, file), title);
@@ -341,7 +340,8 @@ bool LetterEditor::mayReplace(LetterExchange& exchange, const fs::path& file) {
         boxes_.MeddelandeVarning(readingFailed(texts_, file, error), title);
         return false;
     }
-    return rows_.empty() || boxes_.MeddelandeOKAvbryt(texts_.FormulärSträng(kForm, kAskToReplace), title) == Answer::OK;
+    return rows_.empty() ||
+           boxes_.MeddelandeOKAvbryt(texts_.FormulärSträng(text::prisrab::kAskToReplace), title) == Answer::OK;
 }
 
 std::int64_t LetterEditor::usableLines(LetterExchange& exchange, const fs::path& file) {
@@ -351,14 +351,14 @@ std::int64_t LetterEditor::usableLines(LetterExchange& exchange, const fs::path&
 }
 
 fs::path LetterEditor::proposedFile() const {
-    const std::string beginning = texts_.FormulärSträng(kForm, kFileName);
+    const std::string beginning = texts_.FormulärSträng(text::prisrab::kFileName);
     return folder_ / fmt::format("{}{}{}", beginning, countFiles(folder_, beginning) + 1, kFileEnding);
 }
 
 void LetterEditor::SkapaFil(const fs::path& file) {
     if (!canWrite()) return;
     folder_ = file.parent_path();
-    const std::string title = texts_.FormulärSträng(kForm, kWriteTitle);
+    const std::string title = texts_.FormulärSträng(text::prisrab::kWriteTitle);
     Reported passedOver;
     try {
         LetterWritten report;

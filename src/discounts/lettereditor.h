@@ -90,7 +90,7 @@ class LetterEditor {
     bool mayExceedPrice(int number);
     [[nodiscard]] bool showsNamelessGroup() const;
     bool findGroupToDelete();
-    bool tried(int failureText, const std::function<void()>& statement);
+    bool tried(ModuleKey failureText, const std::function<void()>& statement);
     void closeCompany();
     void closeLetter();
     void openLetter();

@@ -1,17 +1,14 @@
 #include "discounts/lettermessages.h"
 
 #include "lang/errortext.h"
+#include "lang/keys/files.h"
+#include "lang/keys/letter.h"
+#include "lang/keys/run.h"
+#include "lang/keys/shared.h"
 
 namespace kolmera {
 namespace {
 
-constexpr std::string_view kModule = "KMR";
-constexpr int kCannotOpenFile = 1502;
-constexpr int kDatabaseStopped = 111, kDiskFullStopped = 112, kCancelled = 222, kStoppedRestored = 330,
-              kCancelledRestored = 331, kCannotSaveFile = 124;
-constexpr int kUnwritableSheet = 130, kUnreadableSheet = 131;
-constexpr int kWithoutCode = 620, kBeyond = 621;
-constexpr int kLinesPassedOver = 304, kNotNumbers = 305, kNoGroups = 306, kQuestionMarks = 310;
 constexpr std::string_view kParagraph = "\r\n\r\n";
 
 std::string named(const std::string& text, const std::filesystem::path& file) {
@@ -22,19 +19,20 @@ std::string explained(LanguageTexts& texts, std::string text, const PlatformErro
     return text.append(kParagraph).append(errorText(texts, error));
 }
 
-void addRemark(std::vector<std::string>& lines, LanguageTexts& texts, int text, const NotedGroups& groups) {
-    if (groups.count > 0) lines.push_back(texts.ModulTextMed(kModule, text, groups.text()));
+void addRemark(std::vector<std::string>& lines, LanguageTexts& texts, ModuleKey text, const NotedGroups& groups) {
+    if (groups.count > 0) lines.push_back(texts.ModulTextMed(text, groups.text()));
 }
 
 /// Why the letter is not the file's.
 std::string readingEnded(LanguageTexts& texts, const LetterRead& report) {
     if (report.cancelled) {
-        return report.restored ? texts.ModulText(kModule, kCancelledRestored) : texts.ModulText(kModule, kCancelled);
+        return report.restored ? texts.ModulText(text::letter::kCancelledRestored)
+                               : texts.ModulText(text::run::kCancelled);
     }
     const std::string reason = errorText(texts, *report.stopped);
-    if (report.restored) return texts.ModulTextMed(kModule, kStoppedRestored, reason);
-    return report.stopped->number() == errors::kDiskFull ? texts.ModulTextMed(kModule, kDiskFullStopped, reason)
-                                                         : texts.ModulTextMed(kModule, kDatabaseStopped, reason);
+    if (report.restored) return texts.ModulTextMed(text::letter::kStoppedRestored, reason);
+    return report.stopped->number() == errors::kDiskFull ? texts.ModulTextMed(text::run::kDiskFull, reason)
+                                                         : texts.ModulTextMed(text::run::kDatabaseStopped, reason);
 }
 
 }  // namespace
@@ -42,36 +40,36 @@ std::string readingEnded(LanguageTexts& texts, const LetterRead& report) {
 std::string readingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error) {
     const bool damagedSheet = isSpreadsheet(file) && error.number() != errors::kFileNotFound;
     return explained(texts,
-                     damagedSheet ? texts.ModulTextMed(kModule, kUnreadableSheet, file.filename().string())
-                                  : named(texts.ResText(kCannotOpenFile), file),
+                     damagedSheet ? texts.ModulTextMed(text::files::kUnreadableSheet, file.filename().string())
+                                  : named(texts.ResText(text::shared::kCannotOpenFile), file),
                      error);
 }
 
 std::string noGroups(LanguageTexts& texts, const std::filesystem::path& file) {
-    return texts.ModulTextMed(kModule, kNoGroups, file.filename().string());
+    return texts.ModulTextMed(text::letter::kNoGroups, file.filename().string());
 }
 
 std::string writingFailed(LanguageTexts& texts, const std::filesystem::path& file, const PlatformError& error) {
-    if (!isSpreadsheet(file)) return explained(texts, named(texts.ResText(kCannotOpenFile), file), error);
+    if (!isSpreadsheet(file)) return explained(texts, named(texts.ResText(text::shared::kCannotOpenFile), file), error);
     if (error.number() == errors::kUnwritableFormat) {
-        return texts.ModulTextMed(kModule, kUnwritableSheet, file.filename().string());
+        return texts.ModulTextMed(text::files::kUnwritableSheet, file.filename().string());
     }
-    return explained(texts, named(texts.ModulText(kModule, kCannotSaveFile), file), error);
+    return explained(texts, named(texts.ModulText(text::files::kCannotSave), file), error);
 }
 
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterRead& report) {
     if (report.cancelled || report.stopped) return {readingEnded(texts, report)};
     std::vector<std::string> lines;
-    addRemark(lines, texts, kWithoutCode, report.withoutCode);
-    addRemark(lines, texts, kLinesPassedOver, report.passedOver);
-    addRemark(lines, texts, kNotNumbers, report.notNumbers);
-    addRemark(lines, texts, kBeyond, report.beyond);
+    addRemark(lines, texts, text::letter::kWithoutCode, report.withoutCode);
+    addRemark(lines, texts, text::letter::kLinesPassedOver, report.passedOver);
+    addRemark(lines, texts, text::letter::kNotNumbers, report.notNumbers);
+    addRemark(lines, texts, text::letter::kBeyond, report.beyond);
     return lines;
 }
 
 std::vector<std::string> remarks(LanguageTexts& texts, const LetterWritten& report) {
     std::vector<std::string> lines;
-    addRemark(lines, texts, kQuestionMarks, report.questionMarks);
+    addRemark(lines, texts, text::letter::kQuestionMarks, report.questionMarks);
     return lines;
 }
 

@@ -10,6 +10,8 @@
 
 #include "definitions/suppliermodel.h"
 #include "discounts/lettermodel.h"
+#include "lang/keys/boxes.h"
+#include "lang/keys/prisrab.h"
 #include "ui/controls.h"
 #include "ui/fields.h"
 #include "ui/forms.h"
@@ -21,9 +23,7 @@ namespace kolmera {
 namespace {
 
 constexpr std::string_view kForm = "PrisRab";
-constexpr int kReadTitle = 10, kWriteTitle = 11, kWriteFilters = 12, kReadFilters = 13;
 constexpr int kSecondFilter = 1;
-constexpr int kCancelWaiting = 141;
 constexpr int kCodeLength = 10;
 constexpr int kDiscountLength = 15;
 const std::vector<int> kCompanyTabStops{208};  ///< dialog units
@@ -309,7 +309,7 @@ void PrisRab::connectKeys() {
 
 void PrisRab::connectWaiting() {
     letters_.keepWaiting = [this](const std::string& text) {
-        return wait_.keepWaiting(toQt(text), toQt(program_.texts.ModulText("KMR", kCancelWaiting)));
+        return wait_.keepWaiting(toQt(text), toQt(program_.texts.ModulText(text::boxes::kCancel)));
     };
     letters_.waited = [this] { wait_.over(); };
 }
@@ -371,8 +371,8 @@ void PrisRab::save() {
 
 void PrisRab::readFile() {
     if (!letters_.canRead()) return;
-    const QString file = fileToRead({.title = toQt(program_.texts.FormulärSträng(kForm, kReadTitle)),
-                                     .filters = toQt(program_.texts.FormulärSträng(kForm, kReadFilters)),
+    const QString file = fileToRead({.title = toQt(program_.texts.FormulärSträng(text::prisrab::kReadTitle)),
+                                     .filters = toQt(program_.texts.FormulärSträng(text::prisrab::kReadFilters)),
                                      .path = toQt(letters_.folder().string())});
     if (file.isEmpty()) return;
     letters_.LäsFil(fromQt(file));
@@ -380,8 +380,8 @@ void PrisRab::readFile() {
 }
 
 void PrisRab::writeFile() {
-    const QString file = fileToWrite({.title = toQt(program_.texts.FormulärSträng(kForm, kWriteTitle)),
-                                      .filters = toQt(program_.texts.FormulärSträng(kForm, kWriteFilters)),
+    const QString file = fileToWrite({.title = toQt(program_.texts.FormulärSträng(text::prisrab::kWriteTitle)),
+                                      .filters = toQt(program_.texts.FormulärSträng(text::prisrab::kWriteFilters)),
                                       .filter = kSecondFilter,
                                       .path = toQt(letters_.proposedFile().string())});
     if (!file.isEmpty()) letters_.SkapaFil(fromQt(file));

@@ -15,9 +15,6 @@
 namespace kolmera {
 namespace {
 
-constexpr int kQuestionText = 1;
-constexpr int kTitleText = 2;
-
 QString withLineFeeds(const std::string& text) { return toQt(text).replace("\r\n", "\n").trimmed(); }
 
 QLabel* iconLabel(QWidget& form, bool tradeFormat) {
@@ -49,9 +46,13 @@ QLabel* numbersLabel(QWidget& form, const Confirmation& confirmation) {
 
 }  // namespace
 
-ConfirmationForm::ConfirmationForm(Program& program, const char* name, const Confirmation& confirmation,
-                                   QWidget* parent)
-    : QDialog(parent), program_(program), contents_(new QVBoxLayout), tabort_(new QCheckBox(this)) {
+ConfirmationForm::ConfirmationForm(Program& program, const char* name, const EmptyingQuestion& emptying,
+                                   const Confirmation& confirmation, QWidget* parent)
+    : QDialog(parent),
+      program_(program),
+      emptying_(emptying),
+      contents_(new QVBoxLayout),
+      tabort_(new QCheckBox(this)) {
     setObjectName(QString::fromUtf8(name));
     setWindowTitle(QStringLiteral("Utför :"));
     setWindowIcon((confirmation.tradeFormat ? tradeFormatJobIcon : maskJobIcon)(palette()));
@@ -89,11 +90,10 @@ void ConfirmationForm::load(const Confirmation& confirmation) {
 }
 
 void ConfirmationForm::carryOut() {
-    const std::string form = fromQt(objectName());
     LanguageTexts& texts = program_.texts;
     if (tabort_->isChecked()) {
-        if (program_.boxes.MeddelandeJaNejNej(texts.FormulärSträng(form, kQuestionText),
-                                              texts.FormulärSträng(form, kTitleText)) != Answer::Yes) {
+        if (program_.boxes.MeddelandeJaNejNej(texts.FormulärSträng(emptying_.question),
+                                              texts.FormulärSträng(emptying_.title)) != Answer::Yes) {
             return;
         }
         answer_.emptyTables = true;

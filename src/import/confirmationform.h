@@ -10,6 +10,11 @@ class QVBoxLayout;
 
 namespace kolmera {
 
+/// The question whether all tables are to be emptied first.
+struct EmptyingQuestion {
+    FormKey question, title;
+};
+
 /// What the two forms that confirm a run have in common: the run text, the box that empties the tables first, and the
 /// buttons `Utför` and `Avbryt`.
 class ConfirmationForm : public QDialog {
@@ -17,7 +22,8 @@ class ConfirmationForm : public QDialog {
     [[nodiscard]] ConfirmationAnswer answer() const { return answer_; }
 
   protected:
-    ConfirmationForm(Program& program, const char* name, const Confirmation& confirmation, QWidget* parent);
+    ConfirmationForm(Program& program, const char* name, const EmptyingQuestion& emptying,
+                     const Confirmation& confirmation, QWidget* parent);
 
     /// Where a form puts what it shows besides, below the run text.
     [[nodiscard]] QVBoxLayout& contents() { return *contents_; }
@@ -28,6 +34,7 @@ class ConfirmationForm : public QDialog {
     void carryOut();
 
     Program& program_;
+    EmptyingQuestion emptying_;
     ConfirmationAnswer answer_;
     QVBoxLayout* contents_;
     QCheckBox* tabort_;

@@ -3,21 +3,38 @@
 #include <algorithm>
 
 #include "import/pricefilelook.h"
+#include "lang/keys/look.h"
 #include "platform/attempt.h"
 #include "platform/printable.h"
 
 namespace kolmera {
 namespace {
 
-constexpr std::string_view kModule = "KMR";
 constexpr std::string_view kLineBreaks = "\r\n\r\n";
-constexpr int kTitle = 500, kUnexpected = 501, kEmptiedFirst = 502;
-constexpr int kNumberForm = 504, kSeparator = 530, kEncoding = 745;
+
+constexpr std::size_t kShown = 40;  ///< characters of the file
 
 /// The text of each fact, in the order of FileLook.
-constexpr std::size_t kShown = 40;  ///< characters of the file
-constexpr int kFirstFact = 510;
-int textNumber(FileLook look) { return kFirstFact + static_cast<int>(look); }
+constexpr ModuleKey kFacts[] = {text::look::kEmpty,
+                                text::look::kZip,
+                                text::look::kOfficeDocument,
+                                text::look::kPdf,
+                                text::look::kArchive,
+                                text::look::kWebPage,
+                                text::look::kUtf16,
+                                text::look::kByteOrderMark,
+                                text::look::kUtf8,
+                                text::look::kLineFeeds,
+                                text::look::kSomeLineFeeds,
+                                text::look::kNoTabs,
+                                text::look::kOtherRecordLength,
+                                text::look::kNoSearchKeys,
+                                text::look::kOtherNumbers,
+                                text::look::kNoPriceLines,
+                                text::look::kNoCoupledCodes,
+                                text::look::kOutsideGroups,
+                                text::look::kMostlyNoNumbers};
+static_assert(std::size(kFacts) == static_cast<std::size_t>(FileLook::NotNumbers) + 1);
 
 /// Under which names other programs save what we read.
 std::string_view nameOf(CodePage page) {
@@ -38,23 +55,24 @@ bool isOfEncoding(FileLook look) {
 }  // namespace
 
 std::string factText(LanguageTexts& texts, const FileFact& fact, const Locale& locale) {
-    std::string text = texts.ModulTextMed(kModule, textNumber(fact.look), printable(fact.example, kShown));
+    std::string text = texts.ModulTextMed(kFacts[static_cast<std::size_t>(fact.look)], printable(fact.example, kShown));
     if (fact.look == FileLook::NoTabs && !fact.example.empty()) {
-        text += " " + texts.ModulTextMed(kModule, kSeparator, fact.example);
+        text += " " + texts.ModulTextMed(text::look::kSeparator, fact.example);
     }
-    if (isOfEncoding(fact.look)) text += " " + texts.ModulTextMed(kModule, kEncoding, nameOf(fact.codePage));
-    if (fact.look == FileLook::OtherNumbers) text += " " + texts.ModulTextMed(kModule, kNumberForm, numberForm(locale));
+    if (isOfEncoding(fact.look)) text += " " + texts.ModulTextMed(text::look::kEncoding, nameOf(fact.codePage));
+    if (fact.look == FileLook::OtherNumbers)
+        text += " " + texts.ModulTextMed(text::look::kNumberForm, numberForm(locale));
     return fact.file.empty() ? text : fact.file + ": " + text;
 }
 
 DoubtfulFile doubtfulFile(LanguageTexts& texts, const FileFacts& facts, std::string_view priceFile,
                           std::string_view emptied, const Locale& locale) {
-    DoubtfulFile doubt{.title = texts.ModulText(kModule, kTitle),
-                       .text = texts.ModulTextMed(kModule, kUnexpected, priceFile),
+    DoubtfulFile doubt{.title = texts.ModulText(text::look::kTitle),
+                       .text = texts.ModulTextMed(text::look::kUnexpected, priceFile),
                        .garbage = std::ranges::any_of(facts, &FileFact::garbage),
                        .otherNumbers = has(facts, FileLook::OtherNumbers)};
     for (const FileFact& fact : facts) doubt.text.append(kLineBreaks).append(factText(texts, fact, locale));
-    if (!emptied.empty()) doubt.text.append(kLineBreaks).append(texts.ModulTextMed(kModule, kEmptiedFirst, emptied));
+    if (!emptied.empty()) doubt.text.append(kLineBreaks).append(texts.ModulTextMed(text::look::kEmptiedFirst, emptied));
     return doubt;
 }
 

@@ -5,11 +5,10 @@
 #include <ctime>
 
 #include "definitions/pricefilepath.h"
+#include "lang/keys/prismain.h"
 
 namespace kolmera {
 namespace {
-
-constexpr std::string_view kForm = "PrisMain";
 
 struct RowTexts {
     std::string missing, removable, cd, tradeFormat, mask;
@@ -39,11 +38,11 @@ std::string fileState(const std::string& path, const RowTexts& texts, const JobL
 }  // namespace
 
 std::vector<JobRow> jobRows(LanguageTexts& texts, const JobListSurroundings& surroundings) {
-    const RowTexts rowTexts{.missing = texts.FormulärSträng(kForm, 11),
-                            .removable = texts.FormulärSträng(kForm, 12),
-                            .cd = texts.FormulärSträng(kForm, 13),
-                            .tradeFormat = texts.FormulärSträng(kForm, 14),
-                            .mask = texts.FormulärSträng(kForm, 15)};
+    const RowTexts rowTexts{.missing = texts.FormulärSträng(text::prismain::kFileMissing),
+                            .removable = texts.FormulärSträng(text::prismain::kRemovable),
+                            .cd = texts.FormulärSträng(text::prismain::kCd),
+                            .tradeFormat = texts.FormulärSträng(text::prismain::kTradeFormat),
+                            .mask = texts.FormulärSträng(text::prismain::kMask)};
     std::vector<JobRow> rows;
     for (Job& job : JobFile(surroundings.dataFolder).all()) {
         JobRow row;

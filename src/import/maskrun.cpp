@@ -9,6 +9,9 @@
 #include "import/recordimport.h"
 #include "import/recordreader.h"
 #include "import/runmachinery.h"
+#include "lang/keys/mask.h"
+#include "lang/keys/prismain.h"
+#include "lang/keys/run.h"
 
 namespace kolmera {
 namespace {
@@ -69,28 +72,29 @@ bool MaskRun::loadMask() {
         found = true;
     });
     if (!read || found) return read;
-    machinery_.offerJobSettings(texts_.FormulärSträngMed1("PrisMain", 30, job_.mask),
-                                texts_.FormulärSträng("PrisMain", 31));
+    machinery_.offerJobSettings(texts_.FormulärSträngMed1(text::prismain::kAskForOtherMask, job_.mask),
+                                texts_.FormulärSträng(text::prismain::kMaskMissingTitle));
     return false;
 }
 
 bool MaskRun::checkMask() {
-    const std::string title = texts_.FormulärSträng("PrisMain", 33);
+    const std::string title = texts_.FormulärSträng(text::prismain::kMaskIncompleteTitle);
     if (mask_.relations.empty()) {
-        machinery_.warn(texts_.FormulärSträngMed1("PrisMain", 32, job_.mask), title);
+        machinery_.warn(texts_.FormulärSträngMed1(text::prismain::kNoRelations, job_.mask), title);
         return false;
     }
     if (!mask_.hasKey) {
-        machinery_.warn(texts_.FormulärSträngMed1("PrisMain", 34, job_.mask), title);
+        machinery_.warn(texts_.FormulärSträngMed1(text::prismain::kNoSearchKey, job_.mask), title);
         return false;
     }
     if (mask_.emptyRecords()) {
         const bool lines = mask_.layout == LoadedMask::Layout::Lines;
-        machinery_.warn(lines ? texts_.ModulTextMed("KMR", 101, job_.mask) : texts_.ModulTextMed("KMR", 102, job_.mask),
-                        texts_.ModulText("KMR", 100));
+        machinery_.warn(lines ? texts_.ModulTextMed(text::mask::kNoLines, job_.mask)
+                              : texts_.ModulTextMed(text::mask::kNoRecordLength, job_.mask),
+                        texts_.ModulText(text::run::kCannotRunTitle));
         return false;
     }
-    if (mask_.tooManyRelations) machinery_.warn(texts_.ModulTextMed("KMR", 104, job_.mask), title);
+    if (mask_.tooManyRelations) machinery_.warn(texts_.ModulTextMed(text::mask::kRelationsLeftOut, job_.mask), title);
     return true;
 }
 
@@ -98,14 +102,15 @@ bool MaskRun::checkSupplier() {
     if (!mask_.UppdatLev) return true;
     std::string reason;
     if (job_.supplier.empty()) {
-        reason = texts_.FormulärSträng("PrisMain", 36);
+        reason = texts_.FormulärSträng(text::prismain::kAskForSupplier);
     } else if (!supplierExists()) {
-        reason = texts_.FormulärSträng("PrisMain", 38);
+        reason = texts_.FormulärSträng(text::prismain::kAskForOtherSupplier);
     } else {
         return true;
     }
-    machinery_.offerJobSettings(texts_.FormulärSträngMed1("PrisMain", 35, job_.mask) + "\r\n\r\n" + reason,
-                                texts_.FormulärSträng("PrisMain", 37));
+    machinery_.offerJobSettings(
+        texts_.FormulärSträngMed1(text::prismain::kUpdatesSupplierPrices, job_.mask) + "\r\n\r\n" + reason,
+        texts_.FormulärSträng(text::prismain::kSupplierMissingTitle));
     return false;
 }
 
@@ -131,7 +136,8 @@ void MaskRun::checkColumns() {
         missing += (missing.empty() ? "" : ", ") + std::to_string(relation.Mål);
     }
     if (!missing.empty()) {
-        machinery_.warn(texts_.ModulTextMed("KMR", 106, missing), texts_.FormulärSträng("PrisMain", 33));
+        machinery_.warn(texts_.ModulTextMed(text::mask::kColumnsMissing, missing),
+                        texts_.FormulärSträng(text::prismain::kMaskIncompleteTitle));
     }
 }
 
@@ -149,7 +155,7 @@ bool MaskRun::readsFile() {
 
 void MaskRun::enterRunMode() {
     machinery_.Körläge(true);
-    machinery_.port().status(texts_.FormulärSträng("PrisMain", 20));
+    machinery_.port().status(texts_.FormulärSträng(text::prismain::kPreparing));
 }
 
 void MaskRun::removeEmptyAlternatives() {
@@ -170,7 +176,7 @@ bool MaskRun::emptyTables() {
 
 void MaskRun::readRecords() {
     constexpr int kBatch = 25;
-    machinery_.port().status(texts_.FormulärSträng("PrisMain", 28));
+    machinery_.port().status(texts_.FormulärSträng(text::prismain::kReading));
     RecordImport import(mask_, job_.supplier, machinery_.context(), tables_, machinery_.summary());
     RecordReader reader(machinery_.priceFile(), mask_);
     BatchTransaction transaction(*sql_.FtgDB);

@@ -17,6 +17,8 @@
 #include "import/joblistmodel.h"
 #include "import/runpanel.h"
 #include "lang/errortext.h"
+#include "lang/keys/definitions.h"
+#include "lang/keys/prismain.h"
 #include "platform/attempt.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
@@ -30,10 +32,9 @@ namespace {
 
 constexpr std::string_view kForm = "PrisMain";
 constexpr std::array<const char*, JobTable::kColumns> kDesignedHeaders{"Inläsning", "Typ", "Prisfil", "Fildatum"};
-constexpr int kDeleteText = 23;
-// Of the program's own module.
-constexpr std::string_view kModule = "KMR";
-constexpr int kChangedElsewhere = 401, kSeveralText = 411, kAskForTradeJobs = 418, kCannotShow = 420;
+constexpr std::array<FormKey, JobTable::kColumns> kHeaders{text::prismain::kImportHeading, text::prismain::kKindHeading,
+                                                           text::prismain::kPriceFileHeading,
+                                                           text::prismain::kFileDateHeading};
 
 }  // namespace
 
@@ -110,7 +111,7 @@ void PrisMain::buildList() {
 void PrisMain::nameColumns() {
     std::array<QString, JobTable::kColumns> headers;
     for (std::size_t column = 0; column < headers.size(); ++column) {
-        const std::string text = program_.texts.FormulärSträng(kForm, static_cast<int>(column) + 1);
+        const std::string text = program_.texts.FormulärSträng(kHeaders.at(column));
         headers.at(column) = text.empty() ? QString::fromUtf8(kDesignedHeaders.at(column)) : toQt(text);
     }
     model_->setHeaders(headers);
@@ -162,7 +163,7 @@ void PrisMain::fill(int JobbNr, const std::string& otherwise) {
                                         .locale = state.locale});
     } catch (const PlatformError& error) {
         program_.boxes.MeddelandeVarning(
-            program_.texts.ModulTextMed(kModule, kCannotShow, errorText(program_.texts, error)));
+            program_.texts.ModulTextMed(text::prismain::kCannotShowImports, errorText(program_.texts, error)));
     }
     model_->fill(std::move(rows), JobbNr, otherwise);
     showSelection();
@@ -176,7 +177,8 @@ bool PrisMain::isAsShown() {
     PassedOverSilently passedOver;  // filling the list tells of it
     attempt(passedOver, shown.name, [&] { stored = JobFile(program_.state.dataFolder()).read(shown.number); });
     if (stored == shown) return true;
-    program_.boxes.MeddelandeVarning(program_.texts.ModulTextMed(kModule, kChangedElsewhere, shown.name));
+    program_.boxes.MeddelandeVarning(
+        program_.texts.ModulTextMed(text::definitions::kImportChangedNothingDone, shown.name));
     fill(0, shown.name);
     return false;
 }
@@ -201,7 +203,7 @@ bool PrisMain::addsTradeJobs() {
     if (missing.empty()) return false;
     std::string names;
     for (const std::string& name : missing) names.append(names.empty() ? "" : ", ").append(name);
-    const std::string question = program_.texts.ModulTextMed(kModule, kAskForTradeJobs, names);
+    const std::string question = program_.texts.ModulTextMed(text::definitions::kAskToAddTradeFormats, names);
     if (program_.boxes.MeddelandeJaNej(question) != Answer::Yes) return false;
     try {
         JobFile(program_.state.dataFolder()).addTradeJobs(program_.state.StandardFöretag);
@@ -228,18 +230,20 @@ void PrisMain::openSettings(int JobbNr, bool ÄrStandardJobb) {
 
 void PrisMain::taBort() {
     if (!jobs_.canDelete()) return;
-    const std::string title = program_.texts.FormulärSträng(kForm, kDeleteText);
+    const std::string title = program_.texts.FormulärSträng(text::prismain::kDeleteTitle);
     const std::vector<Job> shown = jobs_.namesakes();
     const std::string& name = shown.front().name;
     std::string question = title + " " + name + " ?";
     if (shown.size() > 1) {
-        question += "\r\n\r\n" + program_.texts.ModulTextMed(kModule, kSeveralText, std::to_string(shown.size()));
+        question +=
+            "\r\n\r\n" + program_.texts.ModulTextMed(text::definitions::kSeveralImports, std::to_string(shown.size()));
     }
     if (program_.boxes.MeddelandeJaNejNej(question, title) != Answer::Yes) return;
     try {
         JobFile(program_.state.dataFolder()).remove(shown);
     } catch (const PlatformError& error) {
-        tellNotSaved(error, {.changedElsewhere = kChangedElsewhere, .name = name}, program_.texts, program_.boxes);
+        tellNotSaved(error, {.changedElsewhere = text::definitions::kImportChangedNothingDone, .name = name},
+                     program_.texts, program_.boxes);
     }
     FyllJobbLista(0);
 }

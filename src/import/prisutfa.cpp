@@ -4,6 +4,7 @@
 #include <QListWidget>
 #include <QVBoxLayout>
 
+#include "lang/keys/prisutfa.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
 
@@ -15,7 +16,8 @@ const std::vector<int> kTabStops{90, 104, 186, 224};  ///< dialog units
 }  // namespace
 
 PrisUtFa::PrisUtFa(Program& program, const Confirmation& confirmation, QWidget* parent)
-    : ConfirmationForm(program, "PrisUtFa", confirmation, parent) {
+    : ConfirmationForm(program, "PrisUtFa", {text::prisutfa::kAskToEmpty, text::prisutfa::kEmptyTitle}, confirmation,
+                       parent) {
     auto* label = new QLabel(QStringLiteral("Följande leverantörer kommer att användas vid inläsningen."), this);
     label->setObjectName(QStringLiteral("Lbl_LedtextLev"));
     auto* list = new QListWidget(this);

@@ -1,9 +1,12 @@
 #include "import/prisutfo.h"
 
+#include "lang/keys/prisutfo.h"
+
 namespace kolmera {
 
 PrisUtfö::PrisUtfö(Program& program, const Confirmation& confirmation, QWidget* parent)
-    : ConfirmationForm(program, "PrisUtfö", confirmation, parent) {
+    : ConfirmationForm(program, "PrisUtfö", {text::prisutfo::kAskToEmpty, text::prisutfo::kEmptyTitle}, confirmation,
+                       parent) {
     load(confirmation);
 }
 

@@ -16,6 +16,11 @@
 #include "import/pricefilelook.h"
 #include "import/runmessage.h"
 #include "lang/errortext.h"
+#include "lang/keys/company.h"
+#include "lang/keys/look.h"
+#include "lang/keys/preparation.h"
+#include "lang/keys/prismain.h"
+#include "lang/keys/run.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
@@ -45,7 +50,8 @@ bool RunMachinery::readDefinitions(const std::function<void()>& statement) {
         statement();
         return true;
     } catch (const PlatformError& error) {
-        warn(texts().ModulTextMed("KMR", 320, errorText(texts(), error)), texts().ModulText("KMR", 100));
+        warn(texts().ModulTextMed(text::run::kUnreadableFile, errorText(texts(), error)),
+             texts().ModulText(text::run::kCannotRunTitle));
         return false;
     }
 }
@@ -54,25 +60,26 @@ bool RunMachinery::HämtaKolmeraData() {
     std::optional<Job> stored;
     const bool read = readDefinitions([&] { stored = JobFile(context_.state.dataFolder()).read(context_.JobbNr); });
     if (read && context_.shown && stored != context_.shown) {
-        warn(texts().ModulTextMed("KMR", 421, context_.shown->name), texts().ModulText("KMR", 100));
+        warn(texts().ModulTextMed(text::prismain::kImportChangedNothingRead, context_.shown->name),
+             texts().ModulText(text::run::kCannotRunTitle));
         return false;
     }
     job_ = stored.value_or(Job{});
     job_.company = properCase(job_.company);
     job_.fromGroup = upperCase(job_.fromGroup);
     job_.toGroup = upperCase(job_.toGroup);
-    progressLabel_ = texts().FormulärSträng("PrisMain", 29) + " ";
+    progressLabel_ = texts().FormulärSträng(text::prismain::kRecordsRead) + " ";
     return read;
 }
 
 bool RunMachinery::openCompany() {
     companyOpen_ = true;
     context_.companies.waitForLock = [this] {
-        port().status(texts().ModulTextMed("KMR", 114, job_.company));
+        port().status(texts().ModulTextMed(text::company::kWaiting, job_.company));
         return !port().cancelled();
     };
     context_.companies.waitForAnswer = [this](std::chrono::milliseconds waited) {
-        if (waited >= kNoticeable) port().status(texts().ModulText("KMR", 663));
+        if (waited >= kNoticeable) port().status(texts().ModulText(text::run::kWaitingForServer));
         return !port().cancelled();
     };
     return context_.companies.ÖppnaDatabas(job_.company);
@@ -88,14 +95,15 @@ std::string RunMachinery::heading(Recordset& settings) {
 }
 
 std::string RunMachinery::MeddelandeUtför(std::string_view heading) {
-    std::string text = job_.command.empty()
-                           ? texts().FormulärSträngMed2("PrisMain", 40, job_.priceFile, heading)
-                           : texts().FormulärSträngMed3("PrisMain", 39, job_.command, job_.priceFile, heading);
+    std::string text =
+        job_.command.empty()
+            ? texts().FormulärSträngMed2(text::prismain::kConfirm, job_.priceFile, heading)
+            : texts().FormulärSträngMed3(text::prismain::kConfirmWithCommand, job_.command, job_.priceFile, heading);
     text += kLineBreaks;
     const std::string& source = job_.command.empty() ? job_.priceFile : job_.command;
     if (const auto diskette = disketteDrive(source)) {
-        text += texts().FormulärSträngMed1("PrisMain", 41, std::string_view(&*diskette, 1));
-        text += texts().FormulärSträng("PrisMain", 42);
+        text += texts().FormulärSträngMed1(text::prismain::kInsertDiskette, std::string_view(&*diskette, 1));
+        text += texts().FormulärSträng(text::prismain::kBeforeRun);
     }
     return text;
 }
@@ -112,20 +120,21 @@ std::string RunMachinery::roundingWarning(Recordset& settings2) {
         if (trimmed(bound).empty() || context_.state.locale.parseNumber(bound)) continue;
         bounds += (bounds.empty() ? "\"" : ", \"") + bound + "\"";
     }
-    return bounds.empty() ? bounds : texts().ModulTextMed("KMR", 505, bounds);
+    return bounds.empty() ? bounds : texts().ModulTextMed(text::look::kUnreadableBounds, bounds);
 }
 
 bool RunMachinery::confirm(Recordset& products, Recordset& settings2, std::string runText,
                            std::optional<std::vector<std::string>> couplings) {
     const bool hasProducts = !(products.bof() && products.eof());
-    Confirmation confirmation{.captionSuffix = " " + jobText_,
-                              .runText = std::move(runText),
-                              .numbers = texts().ModulTextMed("KMR", 504, numberForm(context_.state.locale)),
-                              .warning = roundingWarning(settings2),
-                              .emptyTablesSuffix = " " + job_.company,
-                              .emptyTablesEnabled = hasProducts,
-                              .couplings = {},
-                              .tradeFormat = couplings.has_value()};
+    Confirmation confirmation{
+        .captionSuffix = " " + jobText_,
+        .runText = std::move(runText),
+        .numbers = texts().ModulTextMed(text::look::kNumberForm, numberForm(context_.state.locale)),
+        .warning = roundingWarning(settings2),
+        .emptyTablesSuffix = " " + job_.company,
+        .emptyTablesEnabled = hasProducts,
+        .couplings = {},
+        .tradeFormat = couplings.has_value()};
     if (couplings) confirmation.couplings = std::move(*couplings);
     const ConfirmationAnswer answer = port().confirm(confirmation);
     emptyTables_ = answer.emptyTables;
@@ -152,7 +161,7 @@ bool RunMachinery::FörberedFil(const std::string& command) {
         summary_.cancelled = !ended && port().cancelEndsPreparation();
         return !summary_.cancelled;
     } catch (const PlatformError& error) {
-        const std::string title = texts().FormulärSträng("PrisMain", 21);
+        const std::string title = texts().FormulärSträng(text::prismain::kCannotStartCommand);
         warn(title + " " + command + "." + std::string(kLineBreaks) + errorText(texts(), error), title);
         return false;
     }
@@ -161,13 +170,13 @@ bool RunMachinery::FörberedFil(const std::string& command) {
 bool RunMachinery::startInTurn(BatchFile& batch, const std::string& command) {
     if (!batch.takeTurn()) {
         Körläge(true);
-        port().status(texts().ModulText("KMR", 450));
+        port().status(texts().ModulText(text::preparation::kWaiting));
         summary_.cancelled = !waitUntil([&] { return batch.takeTurn(); });
         if (summary_.cancelled) return false;
     }
     batch.start(command, context_.state.drives);
     Körläge(true);
-    port().status(texts().FormulärSträng("PrisMain", 22) + " " + command + " ...");
+    port().status(texts().FormulärSträng(text::prismain::kRunningCommand) + " " + command + " ...");
     return true;
 }
 
@@ -189,7 +198,7 @@ bool RunMachinery::findPriceFile() {
     priceFilePath_ = wantedPriceFile();
     std::error_code unreadable;
     if (!priceFilePath_.empty() && std::filesystem::exists(priceFilePath_, unreadable)) return true;
-    const std::string title = texts().FormulärSträng("PrisMain", 26);
+    const std::string title = texts().FormulärSträng(text::prismain::kCannotFindPriceFile);
     warn(title + " " + job_.priceFile + ".", title);
     return false;
 }
@@ -203,7 +212,7 @@ bool RunMachinery::openPriceFile() {
         priceFile_ = open(priceFilePath_);
         return true;
     } catch (const PlatformError& error) {
-        const std::string title = texts().FormulärSträng("PrisMain", 27);
+        const std::string title = texts().FormulärSträng(text::prismain::kCannotOpenPriceFile);
         warn(title + " " + job_.priceFile + "." + std::string(kLineBreaks) + errorText(texts(), error), title);
         return false;
     }
@@ -233,16 +242,20 @@ void RunMachinery::Körläge(bool on) {
 }
 
 bool RunMachinery::TömTabeller(Recordset& products, Recordset& supplierPriceList, Recordset& alternativeNumbers) {
-    return emptyTable(products, "Produkt", 25, 50, summary_.deleted.products) &&
-           emptyTable(supplierPriceList, "Levprislista", 50, 52, summary_.deleted.priceList) &&
-           emptyTable(alternativeNumbers, "Prodaltprodnr", 50, 54, summary_.deleted.alternatives);
+    return emptyTable(products, "Produkt", 25, {text::prismain::kDeletingProducts, text::prismain::kProductsDeleted},
+                      summary_.deleted.products) &&
+           emptyTable(supplierPriceList, "Levprislista", 50,
+                      {text::prismain::kDeletingSupplierPrices, text::prismain::kSupplierPricesDeleted},
+                      summary_.deleted.priceList) &&
+           emptyTable(alternativeNumbers, "Prodaltprodnr", 50,
+                      {text::prismain::kDeletingAlternatives, text::prismain::kAlternativesDeleted},
+                      summary_.deleted.alternatives);
 }
 
-/// The label of the progress is the text behind the status line's.
-bool RunMachinery::emptyTable(Recordset& table, std::string_view name, int every, int statusText,
+bool RunMachinery::emptyTable(Recordset& table, std::string_view name, int every, const EmptyingTexts& told,
                               std::int64_t& deleted) {
-    port().status(texts().FormulärSträng("PrisMain", statusText));
-    const std::string label = texts().FormulärSträng("PrisMain", statusText + 1) + " ";
+    port().status(texts().FormulärSträng(told.status));
+    const std::string label = texts().FormulärSträng(told.progress) + " ";
     BatchTransaction transaction(*sql().FtgDB);
     for (std::int64_t passed = 1; !table.eof(); ++passed) {
         if (attempt(report(), name, [&] { table.remove(); })) ++deleted;
@@ -286,9 +299,9 @@ void RunMachinery::offerJobSettings(const std::string& text, const std::string& 
 namespace {
 
 std::string whatEndedTheRun(LanguageTexts& texts, const std::string& company, const PlatformError& error) {
-    if (error.number() == errors::kDiskFull) return texts.ModulTextMed("KMR", 112, errorText(texts, error));
-    if (error.number() == errors::kLocked) return texts.ModulTextMed("KMR", 113, company);
-    return texts.ModulTextMed("KMR", 111, errorText(texts, error));
+    if (error.number() == errors::kDiskFull) return texts.ModulTextMed(text::run::kDiskFull, errorText(texts, error));
+    if (error.number() == errors::kLocked) return texts.ModulTextMed(text::company::kLocked, company);
+    return texts.ModulTextMed(text::run::kDatabaseStopped, errorText(texts, error));
 }
 
 /// Why the file that was read may be an old one.
@@ -297,12 +310,14 @@ std::vector<std::string> doubtsAboutPreparation(LanguageTexts& texts, const Job&
     constexpr int kNotFound = 127;
     std::vector<std::string> doubts;
     if (preparation.exitStatus != 0) {
-        const int reason = preparation.exitStatus == kNotFound ? 453 : 452;
-        doubts.push_back(texts.ModulTextMed("KMR", 451, job.command) + " " +
-                         texts.ModulTextMed("KMR", reason, fmt::format("{}", preparation.exitStatus)));
+        const ModuleKey reason =
+            preparation.exitStatus == kNotFound ? text::preparation::kNoSuchProgram : text::preparation::kExitStatus;
+        doubts.push_back(texts.ModulTextMed(text::preparation::kFailed, job.command) + " " +
+                         texts.ModulTextMed(reason, fmt::format("{}", preparation.exitStatus)));
     }
-    if (preparation.stillRunning) doubts.push_back(texts.ModulTextMed("KMR", 454, job.command));
-    if (preparation.fileNotRenewed) doubts.push_back(texts.ModulTextMed("KMR", 455, job.priceFile));
+    if (preparation.stillRunning) doubts.push_back(texts.ModulTextMed(text::preparation::kStillRunning, job.command));
+    if (preparation.fileNotRenewed)
+        doubts.push_back(texts.ModulTextMed(text::preparation::kSamePriceFile, job.priceFile));
     return doubts;
 }
 
@@ -310,10 +325,10 @@ std::vector<std::string> doubtsAboutPreparation(LanguageTexts& texts, const Job&
 bool isPlain(const RunSummary& summary) { return !summary.hasFaults() && summary.report.count(Remark::EmptyKey) == 0; }
 
 std::string titleOf(LanguageTexts& texts, const RunSummary& summary, bool doubted) {
-    if (doubted) return texts.ModulText("KMR", 456);
-    if (summary.cancelled) return texts.ModulText("KMR", 110);
-    if (summary.readAsOneLine) return texts.ModulText("KMR", 322);
-    return isPlain(summary) ? texts.ModulText("KMR", 567) : texts.ModulText("KMR", 550);
+    if (doubted) return texts.ModulText(text::preparation::kTitle);
+    if (summary.cancelled) return texts.ModulText(text::run::kStoppedTitle);
+    if (summary.readAsOneLine) return texts.ModulText(text::run::kReadAsOneLineTitle);
+    return isPlain(summary) ? texts.ModulText(text::run::kDoneTitle) : texts.ModulText(text::run::kReadThisTitle);
 }
 
 void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job, std::int64_t kept,
@@ -328,9 +343,10 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
     const std::string found = fmt::format("{}", fmt::join(paragraphs, kLineBreaks));
     if (ended) {
         std::string text = whatEndedTheRun(texts, job.company, *ended);
-        if (kept > 0) text += std::string(kLineBreaks) + texts.ModulTextMed("KMR", 662, std::to_string(kept));
+        if (kept > 0)
+            text += std::string(kLineBreaks) + texts.ModulTextMed(text::run::kCertainlySaved, std::to_string(kept));
         if (!found.empty()) text += std::string(kLineBreaks) + found;
-        context.boxes.MeddelandeVarning(text, texts.ModulText("KMR", 110));
+        context.boxes.MeddelandeVarning(text, texts.ModulText(text::run::kStoppedTitle));
     } else if (!found.empty()) {
         Message message;
         message.text = found;

@@ -96,7 +96,11 @@ class RunMachinery {
     [[nodiscard]] bool wantsJobSettings() const { return wantsJobSettings_; }
 
   private:
-    [[nodiscard]] bool emptyTable(Recordset& table, std::string_view name, int every, int statusText,
+    struct EmptyingTexts {
+        FormKey status, progress;
+    };
+
+    [[nodiscard]] bool emptyTable(Recordset& table, std::string_view name, int every, const EmptyingTexts& told,
                                   std::int64_t& deleted);
     [[nodiscard]] std::string roundingWarning(Recordset& settings2);
     [[nodiscard]] bool startInTurn(BatchFile& batch, const std::string& command);

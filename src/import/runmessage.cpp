@@ -4,17 +4,15 @@
 #include <fmt/ranges.h>
 
 #include "lang/errortext.h"
+#include "lang/keys/run.h"
 #include "platform/printable.h"
 
 namespace kolmera {
 namespace {
 
-constexpr std::string_view kModule = "KMR";
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kErrorCharacters = 300;
 constexpr std::string_view kIndent = "    ";
-constexpr int kOneLine = 321, kFailures = 555, kNothingUsed = 563, kRecord = 564, kMore = 565, kSkipped = 204,
-              kNoCode = 566;
 
 class MessageText {
   public:
@@ -24,8 +22,8 @@ class MessageText {
         if (!text_.empty()) text_ += "\r\n\r\n";
         text_ += text;
     }
-    void counted(int label, std::int64_t count) {
-        paragraph(fmt::format("{}: {}", texts_.ModulText(kModule, label), count));
+    void counted(ModuleKey label, std::int64_t count) {
+        paragraph(fmt::format("{}: {}", texts_.ModulText(label), count));
     }
     void line(std::string_view text) { (text_ += kLineEnd).append(kIndent).append(text); }
     void examples(const RunReport::Tally& tally);
@@ -36,7 +34,7 @@ class MessageText {
   private:
     [[nodiscard]] std::string where(std::int64_t record, std::string_view product);
     void more(std::size_t all) {
-        if (all > examples_) line(texts_.ModulTextMed(kModule, kMore, fmt::format("{}", all - examples_)));
+        if (all > examples_) line(texts_.ModulTextMed(text::run::kMore, fmt::format("{}", all - examples_)));
     }
 
     LanguageTexts& texts_;
@@ -47,7 +45,7 @@ class MessageText {
 /// "post 12, 4711"
 std::string MessageText::where(std::int64_t record, std::string_view product) {
     std::string where;
-    if (record > 0) where = texts_.ModulTextMed(kModule, kRecord, fmt::format("{}", record));
+    if (record > 0) where = texts_.ModulTextMed(text::run::kRecord, fmt::format("{}", record));
     if (!where.empty() && !product.empty()) where += ", ";
     return where += product;
 }
@@ -78,15 +76,17 @@ void MessageText::failures(const RunReport& report) {
 std::string codesByName(LanguageTexts& texts, const RunReport& report) {
     std::vector<std::string> codes;
     for (const auto& [code, count] : report.uncoupledCodes()) {
-        codes.push_back(fmt::format("{} {}", code.empty() ? texts.ModulText(kModule, kNoCode) : code, count));
+        codes.push_back(fmt::format("{} {}", code.empty() ? texts.ModulText(text::run::kNoCode) : code, count));
     }
     return fmt::format(" ({})", fmt::join(codes, ", "));
 }
 
 /// What is gone when the file has brought less than it should.
 void addDeleted(const RunSummary& summary, MessageText& message) {
-    const std::pair<int, std::int64_t> deleted[] = {
-        {507, summary.deleted.products}, {508, summary.deleted.priceList}, {509, summary.deleted.alternatives}};
+    const std::pair<ModuleKey, std::int64_t> deleted[] = {
+        {text::run::kDeletedProducts, summary.deleted.products},
+        {text::run::kDeletedSupplierPrices, summary.deleted.priceList},
+        {text::run::kDeletedAlternatives, summary.deleted.alternatives}};
     for (const auto& [label, count] : deleted) {
         if (count > 0) message.counted(label, count);
     }
@@ -98,8 +98,8 @@ std::string runMessage(LanguageTexts& texts, const RunSummary& summary, std::str
                        std::size_t examples) {
     const RunReport& report = summary.report;
     MessageText message(texts, examples);
-    if (summary.readAsOneLine) message.paragraph(texts.ModulTextMed(kModule, kOneLine, priceFile));
-    if (summary.nothingUsed()) message.paragraph(texts.ModulTextMed(kModule, kNothingUsed, priceFile));
+    if (summary.readAsOneLine) message.paragraph(texts.ModulTextMed(text::run::kReadAsOneLine, priceFile));
+    if (summary.nothingUsed()) message.paragraph(texts.ModulTextMed(text::run::kNothingUsed, priceFile));
     addDeleted(summary, message);
     for (const RemarkKind& kind : kRemarks) {
         if (report.count(kind.remark) == 0 || (kind.asItStands && kind.skips)) continue;
@@ -107,11 +107,11 @@ std::string runMessage(LanguageTexts& texts, const RunSummary& summary, std::str
         message.examples(report.tally(kind.remark));
     }
     if (!report.failures().empty()) {
-        message.counted(kFailures, report.failedStatements());
+        message.counted(text::run::kFailedStatements, report.failedStatements());
         message.failures(report);
     }
     if (summary.skipped > 0) {
-        message.counted(kSkipped, summary.skipped);
+        message.counted(text::run::kSkippedRecords, summary.skipped);
         for (const std::string& reason : skipReasons(texts, report)) message.line(reason);
     }
     return std::move(message).text();
@@ -122,7 +122,7 @@ std::vector<std::string> skipReasons(LanguageTexts& texts, const RunReport& repo
     for (const RemarkKind& kind : kRemarks) {
         const std::int64_t count = report.count(kind.remark);
         if (!kind.skips || count == 0) continue;
-        std::string& reason = reasons.emplace_back(fmt::format("{}: {}", texts.ModulText(kModule, kind.text), count));
+        std::string& reason = reasons.emplace_back(fmt::format("{}: {}", texts.ModulText(kind.text), count));
         if (kind.remark == Remark::UncoupledCode) reason += codesByName(texts, report);
     }
     return reasons;

@@ -9,6 +9,8 @@
 
 #include "import/prisutfa.h"
 #include "import/prisutfo.h"
+#include "lang/keys/look.h"
+#include "lang/keys/prismain.h"
 #include "ui/forms.h"
 #include "ui/qttext.h"
 
@@ -19,8 +21,6 @@ namespace {
 // answer to Cancel is as quick.
 constexpr int kPauseBetweenEvents = 40;  ///< milliseconds
 constexpr int kPermille = 1000;
-constexpr int kProgressText = 29;
-constexpr int kReadAllTheSameText = 503;  ///< of the program's own module
 
 }  // namespace
 
@@ -37,7 +37,7 @@ RunPanel::RunPanel(Program& program, QWidget* parent)
     bar_->setObjectName(QStringLiteral("Förlopp"));
     bar_->setRange(0, kPermille);
     bar_->setTextVisible(false);
-    bar_->setAccessibleName(toQt(program.texts.FormulärSträng("PrisMain", kProgressText)));
+    bar_->setAccessibleName(toQt(program.texts.FormulärSträng(text::prismain::kRecordsRead)));
     avbryt_->setObjectName(QStringLiteral("Avbryt"));
     connect(avbryt_, &QPushButton::clicked, this, [this] { cancel(); });
 
@@ -87,7 +87,7 @@ ConfirmationAnswer RunPanel::confirm(const Confirmation& confirmation) {
 }
 
 bool RunPanel::readsDoubtful(const DoubtfulFile& file) {
-    const std::string question = program_.texts.ModulText("KMR", kReadAllTheSameText);
+    const std::string question = program_.texts.ModulText(text::look::kReadAllTheSame);
     return program_.boxes.MeddelandeJaNejNej(file.text + "\r\n\r\n" + question, file.title) == Answer::Yes;
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "lang/keys/remark.h"
 #include "platform/attempt.h"
 
 namespace kolmera {
@@ -30,25 +31,25 @@ enum class Remark {
 struct RemarkKind {
     Remark remark;
     std::string_view name;  ///< in the summary file
-    int text;               ///< of the module KMR
-    bool asItStands;        ///< the file was taken as it stands: nothing to look into
-    bool skips;             ///< the record wrote nothing
+    ModuleKey text;
+    bool asItStands;  ///< the file was taken as it stands: nothing to look into
+    bool skips;       ///< the record wrote nothing
 };
 
 /// One row a remark, in their order.
 inline constexpr RemarkKind kRemarks[] = {
-    {Remark::NotNumber, "not_numbers", 551, false, false},
-    {Remark::MissingPrice, "missing_prices", 552, false, false},
-    {Remark::UnevenRecord, "uneven_records", 568, false, false},
-    {Remark::DamagedPrice, "damaged_prices", 553, false, true},
-    {Remark::DamagedQuantity, "damaged_quantities", 554, false, false},
-    {Remark::NotSaved, "not_saved", 556, false, true},
-    {Remark::EmptyKey, "empty_keys", 557, true, false},
-    {Remark::UncoupledCode, "uncoupled_codes", 558, true, true},
-    {Remark::OutsideGroups, "outside_groups", 559, true, true},
-    {Remark::NoProduct, "no_product", 560, true, true},
-    {Remark::NoKey, "no_key", 561, true, true},
-    {Remark::OtherLine, "other_lines", 562, true, true},
+    {Remark::NotNumber, "not_numbers", text::remark::kNotNumbers, false, false},
+    {Remark::MissingPrice, "missing_prices", text::remark::kMissingPrices, false, false},
+    {Remark::UnevenRecord, "uneven_records", text::remark::kUnevenRecords, false, false},
+    {Remark::DamagedPrice, "damaged_prices", text::remark::kDamagedPrices, false, true},
+    {Remark::DamagedQuantity, "damaged_quantities", text::remark::kDamagedQuantities, false, false},
+    {Remark::NotSaved, "not_saved", text::remark::kNotSaved, false, true},
+    {Remark::EmptyKey, "empty_keys", text::remark::kEmptyKeys, true, false},
+    {Remark::UncoupledCode, "uncoupled_codes", text::remark::kUncoupledCodes, true, true},
+    {Remark::OutsideGroups, "outside_groups", text::remark::kOutsideGroups, true, true},
+    {Remark::NoProduct, "no_product", text::remark::kNoProduct, true, true},
+    {Remark::NoKey, "no_key", text::remark::kNoKey, true, true},
+    {Remark::OtherLine, "other_lines", text::remark::kOtherLines, true, true},
 };
 
 /// Hears from the steps of an import what happened to the record at hand, counts it, and keeps the first of each kind

@@ -23,12 +23,13 @@ TableDef langTable() {
     return lang;
 }
 
-void addTexts(const std::filesystem::path& file, const std::vector<std::vector<std::string>>& rows) {
+void addTexts(const std::filesystem::path& file, const Tsv& table) {
     const std::unique_ptr<Database> database = openFileDatabase(file, OpenOptions());
     const std::unique_ptr<Recordset> lang = database->open("Lang", RecordsetType::Table);
     database->begin();
-    for (const std::vector<std::string>& row : rows) {
-        if (row.size() != kColumns.size()) throw PlatformError(errors::kInternal, "Too many columns: " + row.front());
+    for (const std::vector<std::string>& row : table.rows) {
+        if (row.size() != table.columns.size())
+            throw PlatformError(errors::kInternal, "Too many columns: " + row.front());
         lang->addNew();
         for (int column = 0; column < static_cast<int>(kColumns.size()); ++column) {
             lang->set(column, row[static_cast<std::size_t>(column)]);
@@ -42,15 +43,16 @@ void addTexts(const std::filesystem::path& file, const std::vector<std::vector<s
 
 void buildLanguageDatabase(const std::filesystem::path& tsv, const std::filesystem::path& target) {
     const Tsv table = Tsv::read(tsv);
-    if (!std::ranges::equal(table.columns, kColumns)) {
-        throw PlatformError(errors::kInternal, tsv.string() + ": the columns are not key, SE and EN.");
+    if (table.columns.size() < kColumns.size() ||
+        !std::equal(kColumns.begin(), kColumns.end(), table.columns.begin())) {
+        throw PlatformError(errors::kInternal, tsv.string() + ": the first columns are not key, SE and EN.");
     }
     std::filesystem::path unfinished = target;
     unfinished += ".new";
     std::error_code error;
     std::filesystem::remove(unfinished, error);
     createFileDatabase(unfinished, std::array{langTable()});
-    addTexts(unfinished, table.rows);
+    addTexts(unfinished, table);
     std::filesystem::rename(unfinished, target, error);
     if (error) throw PlatformError(errors::kFileNotFound, target.string() + ": " + error.message());
 }

@@ -31,10 +31,8 @@ std::optional<std::string> textOfLines(std::span<const std::string_view> lines, 
     const std::string beginning = std::string(key) + "\t";
     const auto line = std::ranges::find_if(lines, [&](std::string_view text) { return text.starts_with(beginning); });
     if (line == lines.end()) return std::nullopt;
-    const std::string_view texts = line->substr(beginning.size());
-    const std::size_t tab = texts.find('\t');
-    return std::string(language == "EN" && tab != std::string_view::npos ? texts.substr(tab + 1)
-                                                                         : texts.substr(0, tab));
+    const std::vector<std::string> texts = split(line->substr(beginning.size()), "\t");
+    return language == "EN" && texts.size() > 1 ? texts[1] : texts[0];
 }
 
 }  // namespace

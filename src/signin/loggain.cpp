@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "lang/keys/loggain.h"
 #include "platform/lettercase.h"
 #include "signin/signin.h"
 #include "ui/controls.h"
@@ -19,7 +20,6 @@ namespace kolmera {
 namespace {
 
 constexpr std::string_view kForm = "Loggain";
-constexpr int kUnknownSignText = 1, kWrongPasswordText = 2, kNoRightText = 3;
 
 QLabel* labelOf(QWidget& field, const char* name, const char* caption) {
     QLabel* made = label(*field.window(), name, caption);
@@ -80,13 +80,13 @@ void Loggain::tryTyped() {
             accept();
             return;
         case SignInResult::UnknownSign:
-            warn(texts.FormulärSträng(kForm, kUnknownSignText), *namn_);
+            warn(texts.FormulärSträng(text::loggain::kUnknownSign), *namn_);
             return;
         case SignInResult::WrongPassword:
-            warn(texts.FormulärSträng(kForm, kWrongPasswordText), *lösen_);
+            warn(texts.FormulärSträng(text::loggain::kWrongPassword), *lösen_);
             return;
         case SignInResult::NoRight: {
-            const std::string text = texts.FormulärSträngMed1(kForm, kNoRightText, sign);
+            const std::string text = texts.FormulärSträngMed1(text::loggain::kNoRight, sign);
             // Without language texts too the user is told why the right password is refused.
             warn(text.empty() ? "Signaturen " + sign + " saknar rättighet för att använda Kolmera." : text, *namn_);
             return;

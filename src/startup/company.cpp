@@ -6,6 +6,9 @@
 #include "db/companyschema.h"
 #include "db/conversions.h"
 #include "lang/errortext.h"
+#include "lang/keys/company.h"
+#include "lang/keys/server.h"
+#include "lang/keys/shared.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "startup/companyfile.h"
@@ -15,13 +18,6 @@
 namespace kolmera {
 
 namespace {
-
-constexpr int kCannotOpen = 3300;
-constexpr std::string_view kModule = "KMR";
-constexpr int kNotACompany = 15;
-constexpr int kAskToRepair = 16;
-constexpr int kNotRepaired = 18;
-constexpr int kNoTables = 659;
 
 bool isCompanyFile(const std::string& upperName) { return upperName.starts_with("FTG") && upperName.ends_with(".MDB"); }
 
@@ -94,10 +90,10 @@ bool CompanyRegister::openRepaired(std::string_view name) {
 
 void CompanyRegister::warnNotOpened(std::string_view name, const PlatformError& error) {
     boxes_.port().hourglass(false);
-    const std::string title = texts_.ResText(kCannotOpen);
+    const std::string title = texts_.ResText(text::shared::kCannotOpenCompany);
     std::string reason = std::to_string(error.number()) + "\r\n" + errorText(texts_, error);
     const bool server = SqlLayer::ÄrSQLDatabas(upperCase(name));
-    if (server && error.number() == errors::kUnknownTable) reason += "\r\n" + texts_.ModulText(kModule, kNoTables);
+    if (server && error.number() == errors::kUnknownTable) reason += "\r\n" + texts_.ModulText(text::server::kNoTables);
     boxes_.MeddelandeVarning(title + " " + std::string(name) + ".\r\n\r\n" + reason, title);
 }
 
@@ -159,8 +155,8 @@ bool CompanyRegister::isSound(const std::string& file) {
 bool CompanyRegister::offerRepair(const std::string& file) {
     damaged_ = file;
     boxes_.port().hourglass(false);
-    const std::string question =
-        texts_.ResText(kCannotOpen) + " " + file + "." + texts_.ModulTextMed(kModule, kAskToRepair, file);
+    const std::string question = texts_.ResText(text::shared::kCannotOpenCompany) + " " + file + "." +
+                                 texts_.ModulTextMed(text::company::kAskToRepair, file);
     if (boxes_.MeddelandeJaNej(question) != Answer::Yes) return false;
     boxes_.port().hourglass(true);
     try {
@@ -170,7 +166,7 @@ bool CompanyRegister::offerRepair(const std::string& file) {
         return true;
     } catch (const PlatformError&) {
         boxes_.port().hourglass(false);
-        boxes_.MeddelandeVarning(texts_.ModulText(kModule, kNotRepaired));
+        boxes_.MeddelandeVarning(texts_.ModulText(text::company::kNotRepaired));
         return false;
     }
 }
@@ -187,9 +183,9 @@ std::optional<std::string> CompanyRegister::repairedCompany(const std::string& f
 
 void CompanyRegister::showFailure(const std::string& file, const PlatformError& error) {
     boxes_.port().hourglass(false);
-    const std::string cannotOpen = texts_.ResText(kCannotOpen);
+    const std::string cannotOpen = texts_.ResText(text::shared::kCannotOpenCompany);
     if (error.number() == errors::kInternal) {
-        boxes_.MeddelandeVarning(cannotOpen + ". " + file + texts_.ModulText(kModule, kNotACompany));
+        boxes_.MeddelandeVarning(cannotOpen + ". " + file + texts_.ModulText(text::company::kNotACompany));
     } else {
         boxes_.MeddelandeVarning(cannotOpen + " " + file + ".\r\n" + errorText(texts_, error));
     }

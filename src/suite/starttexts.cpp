@@ -1,17 +1,25 @@
 #include "suite/starttexts.h"
 
+#include "lang/keys/shared.h"
 #include "suite/wordtable.h"
 
 namespace kolmera {
 namespace {
 
-constexpr int kMessages[] = {5000, 5001, 1344, 1345, 1346, 1354, 1355, 5501, 5502, 5503, 5504, 5505,
-                             5601, 5602, 5603, 5604, 5605, 5606, 5607, 5608, 5609, 5610, 5611};
+namespace shared = text::shared;
+
+constexpr MessageKey kMessages[] = {
+    shared::kMessage,       shared::kError,         shared::kAskToSave,         shared::kRecordExists,
+    shared::kRecordMissing, shared::kRecordInUse,   shared::kRecordChanged,     shared::kMonday,
+    shared::kTuesday,       shared::kWednesday,     shared::kThursday,          shared::kFriday,
+    shared::kQuotation,     shared::kOrder,         shared::kOrderConfirmation, shared::kPickingList,
+    shared::kDeliveryNote,  shared::kInvoice,       shared::kCreditNote,        shared::kReminder,
+    shared::kPriceRequest,  shared::kPurchaseOrder, shared::kGoodsReceipt};
 
 }  // namespace
 
 StartTexts::StartTexts(LanguageTexts& texts) : words_(wordTable(texts.language())) {
-    for (const int number : kMessages) messages_[number] = texts.ResText(number);
+    for (const MessageKey key : kMessages) messages_[key.number] = texts.ResText(key);
 }
 
 const std::string& StartTexts::Ordtabell(int entry) const { return words_.at(static_cast<std::size_t>(entry)); }

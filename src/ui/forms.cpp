@@ -11,6 +11,8 @@
 #include <QWidget>
 #include <new>
 
+#include "lang/keys/definitions.h"
+#include "lang/keys/shared.h"
 #include "ui/guidewindow.h"
 #include "ui/translation.h"
 
@@ -75,7 +77,7 @@ bool VisaFormulär(Program& program, QWidget& form, bool modal) {
         }
         return true;
     } catch (const std::bad_alloc&) {
-        program.boxes.MeddelandeVarning(program.texts.ResText(3001));
+        program.boxes.MeddelandeVarning(program.texts.ResText(text::shared::kOutOfMemory));
         return false;
     }
 }
@@ -95,8 +97,7 @@ void SättTypsnitt(QWidget& form, bool TypsnittTahoma) {
 }
 
 bool leaveUnsaved(Program& program) {
-    constexpr int kAskToLeave = 415;
-    return program.boxes.MeddelandeJaNejNej(program.texts.ModulText("KMR", kAskToLeave)) == Answer::Yes;
+    return program.boxes.MeddelandeJaNejNej(program.texts.ModulText(text::definitions::kAskToDiscard)) == Answer::Yes;
 }
 
 void centreOnScreen(QWidget& form) {

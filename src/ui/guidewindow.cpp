@@ -4,14 +4,13 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+#include "lang/keys/boxes.h"
 #include "platform/error.h"
 #include "platform/tsv.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
 namespace {
-
-constexpr int kCaption = 720;  ///< of the program's own module
 
 void layOut(QDialog& window, const std::string& guide) {
     constexpr int kLetters = 110, kLines = 40;
@@ -46,7 +45,7 @@ bool openGuide(QWidget* parent, LanguageTexts& texts, const std::filesystem::pat
     try {
         const std::string guide = readWholeFile(file);
         auto* window = new QDialog(parent);
-        window->setWindowTitle(toQt(texts.ModulText("KMR", kCaption)));
+        window->setWindowTitle(toQt(texts.ModulText(text::boxes::kGuide)));
         layOut(*window, guide);
         window->show();
         return true;

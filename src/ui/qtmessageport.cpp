@@ -8,26 +8,25 @@
 #include <QUrl>
 #include <span>
 
+#include "lang/keys/boxes.h"
 #include "ui/guidewindow.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
 namespace {
 
-/// A button: its answer, the number of its text, the designed text, and its part in the box.
+/// A button: its answer, its text, the designed text, and its part in the box.
 struct ButtonRow {
     Answer answer;
-    int text;
+    ModuleKey text;
     const char* designed;
     QMessageBox::ButtonRole role;
 };
 
-constexpr ButtonRow kOK{Answer::OK, 140, "OK", QMessageBox::AcceptRole};
-constexpr ButtonRow kCancel{Answer::Cancel, 141, "Avbryt", QMessageBox::RejectRole};
-constexpr ButtonRow kYes{Answer::Yes, 142, "&Ja", QMessageBox::YesRole};
-constexpr ButtonRow kNo{Answer::No, 143, "&Nej", QMessageBox::NoRole};
-constexpr int kHelpText = 144;
-constexpr int kHelpMissingText = 145;
+constexpr ButtonRow kOK{Answer::OK, text::boxes::kOk, "OK", QMessageBox::AcceptRole};
+constexpr ButtonRow kCancel{Answer::Cancel, text::boxes::kCancel, "Avbryt", QMessageBox::RejectRole};
+constexpr ButtonRow kYes{Answer::Yes, text::boxes::kYes, "&Ja", QMessageBox::YesRole};
+constexpr ButtonRow kNo{Answer::No, text::boxes::kNo, "&Nej", QMessageBox::NoRole};
 
 constexpr ButtonRow kJustOK[] = {kOK};
 constexpr ButtonRow kOKCancel[] = {kOK, kCancel};
@@ -74,7 +73,7 @@ Answer QtMessagePort::show(const Message& message) {
     const std::span<const ButtonRow> rows = buttonsOf(message.buttons);
     std::vector<QPushButton*> buttons;
     for (const ButtonRow& row : rows) {
-        buttons.push_back(box.addButton(textOr(texts_.ModulText("KMR", row.text), row.designed), row.role));
+        buttons.push_back(box.addButton(textOr(texts_.ModulText(row.text), row.designed), row.role));
     }
     box.setDefaultButton(message.secondIsDefault && buttons.size() > 1 ? buttons[1] : buttons[0]);
     box.setEscapeButton(buttons.back());
@@ -87,7 +86,7 @@ Answer QtMessagePort::show(const Message& message) {
 }
 
 void QtMessagePort::addHelp(QMessageBox& box, const Message& message) {
-    QPushButton* help = box.addButton(textOr(texts_.ModulText("KMR", kHelpText), "&Hjälp"), QMessageBox::HelpRole);
+    QPushButton* help = box.addButton(textOr(texts_.ModulText(text::boxes::kHelp), "&Hjälp"), QMessageBox::HelpRole);
     // The box stays while the help is read: the button's own connection would close it.
     QObject::disconnect(help, &QPushButton::clicked, nullptr, nullptr);
     QObject::connect(help, &QPushButton::clicked, &box, [&] { openHelp(message, box); });
@@ -98,9 +97,9 @@ void QtMessagePort::openHelp(const Message& message, QMessageBox& box) {
     if (QFileInfo::exists(file) && QDesktopServices::openUrl(QUrl::fromLocalFile(file))) return;
     if (openGuide(&box, texts_, std::filesystem::path(message.helpFile).parent_path())) return;
     QMessageBox missing(QMessageBox::Warning, box.windowTitle(),
-                        toQt(texts_.ModulTextMed("KMR", kHelpMissingText, message.helpFile)), QMessageBox::NoButton,
-                        &box);
-    missing.addButton(textOr(texts_.ModulText("KMR", kOK.text), kOK.designed), kOK.role);
+                        toQt(texts_.ModulTextMed(text::boxes::kHelpFileMissing, message.helpFile)),
+                        QMessageBox::NoButton, &box);
+    missing.addButton(textOr(texts_.ModulText(kOK.text), kOK.designed), kOK.role);
     missing.exec();
 }
 

@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include "definitions/jobfile.h"
+#include "lang/keys/prismtyp.h"
 #include "platform/lettercase.h"
 #include "support/qt/formworld.h"
 #include "ui/lists.h"
@@ -95,7 +96,7 @@ TEST_F(PrisMTypTest, MakesChangesAndKeepsATabMask) {
 
     world.boxPort.answers = {Answer::OK};
     press("Spara");
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.FormulärSträng("PrisMTyp", 40));
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.FormulärSträng(text::prismtyp::kNameMissing));
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(form->focusWidget(), &control(*form, "Namn"));
     type("Namn", "Skruvar");

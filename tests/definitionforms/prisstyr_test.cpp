@@ -10,6 +10,7 @@
 #include <QTest>
 #include <QTreeView>
 
+#include "lang/keys/prisstyr.h"
 #include "support/qt/formworld.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
@@ -63,7 +64,7 @@ TEST_F(PrisStyrTest, AsksForWhatIsMissingAndSaves) {
     EXPECT_TRUE(enabled("TaBortMask"));
     world.boxPort.answers = {Answer::OK};
     press("Spara");
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.FormulärSträng("PrisStyr", 31));
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.FormulärSträng(text::prisstyr::kNoCompany));
     EXPECT_EQ(form->focusWidget(), &list("FTG_Lista"));
     list("FTG_Lista").setCurrentRow(0);
     EXPECT_TRUE(enabled("ÖppnaMask"));
@@ -123,8 +124,8 @@ TEST_F(PrisStyrTest, MakesOpensAndDeletesMasks) {
     type("FilNamn", "saknas.txt");
     world.boxPort.answers = {Answer::OK};
     press("ÖppnaMask");
-    EXPECT_EQ(world.boxPort.shown.back(), world.texts.FormulärSträng("PrisStyr", 21) + "|" +
-                                              world.texts.FormulärSträngMed1("PrisStyr", 20, "saknas.txt"));
+    EXPECT_EQ(world.boxPort.shown.back(), world.texts.FormulärSträng(text::prisstyr::kNoSampleTitle) + "|" +
+                                              world.texts.FormulärSträngMed1(text::prisstyr::kNoSample, "saknas.txt"));
 }
 
 TEST_F(PrisStyrTest, TakesAChosenFile) {
@@ -138,7 +139,7 @@ TEST_F(PrisStyrTest, TakesAChosenFile) {
     press("VäljFil");
     EXPECT_EQ(field("FilNamn").text(), answer);
     EXPECT_EQ(asked[0], "Sökväg och filnamn vid inläsning");
-    EXPECT_EQ(asked[1], toQt(world.texts.FormulärSträng("PrisStyr", 55)));
+    EXPECT_EQ(asked[1], toQt(world.texts.FormulärSträng(text::prisstyr::kPriceFileFilter)));
     press("KompFil");
     EXPECT_EQ(field("KompFilNamn").text(), answer);
     EXPECT_EQ(asked[0], "Komprimerad fil");

@@ -12,8 +12,8 @@ class EditorWorld : public World {
   public:
     EditorWorld() : boxes(port, {}), companies(state, texts(), boxes) { job.company = "FTG1.mdb"; }
     /// `port` follows the script of a test until its end; the texts are those of the window.
-    void expect(const char* form, int number, int title = 0, Answer answer = Answer::OK) {
-        port.expect(texts().FormulärSträng(form, number), title == 0 ? "Kolmera" : texts().FormulärSträng(form, title),
+    void expect(FormKey text, const FormKey* title = nullptr, Answer answer = Answer::OK) {
+        port.expect(texts().FormulärSträng(text), title == nullptr ? "Kolmera" : texts().FormulärSträng(*title),
                     answer);
     }
     bool openCompany() { return companies.ÖppnaDatabas("FTG1.mdb"); }

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 
 #include "definitions/editorworld.h"
+#include "lang/keys/definitions.h"
+#include "lang/keys/files.h"
+#include "lang/keys/prisstyr.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -12,7 +15,6 @@ using test::EditorWorld;
 using testing::ElementsAre;
 using Control = JobEditor::Control;
 
-constexpr const char* kForm = "PrisStyr";
 constexpr const char* kLongName = "FTG_ett_mycket_langt_namn_30.mdb";
 
 class JobEditorTest : public testing::Test {
@@ -38,20 +40,20 @@ class JobEditorTest : public testing::Test {
 TEST_F(JobEditorTest, ChecksAMaskJobInOrder) {
     open();
     const struct {
-        int text;
+        FormKey text;
         Control focus;
         std::function<void()> mend;
     } steps[] = {
-        {32, Control::Namn, [&] { editor->job.name = " (FINFO) "; }},
-        {33, Control::Namn, [&] { editor->job.name = "Kontor"; }},
-        {30, Control::FilNamn, [&] { editor->job.priceFile = "pris.txt"; }},
-        {34, Control::Mask_Lista, [&] { editor->chooseMask(0); }},
-        {31, Control::FTG_Lista, [&] { editor->chooseCompany(0); }},
+        {text::prisstyr::kNoName, Control::Namn, [&] { editor->job.name = " (FINFO) "; }},
+        {text::prisstyr::kReservedName, Control::Namn, [&] { editor->job.name = "Kontor"; }},
+        {text::prisstyr::kNoFile, Control::FilNamn, [&] { editor->job.priceFile = "pris.txt"; }},
+        {text::prisstyr::kNoMask, Control::Mask_Lista, [&] { editor->chooseMask(0); }},
+        {text::prisstyr::kNoCompany, Control::FTG_Lista, [&] { editor->chooseCompany(0); }},
     };
     const auto before = JobFile(world.data()).all().size();
     for (const auto& step : steps) {
-        SCOPED_TRACE(step.text);
-        world.expect(kForm, step.text);
+        SCOPED_TRACE(step.text.number);
+        world.expect(step.text);
         const JobEditor::Outcome outcome = editor->save();
         EXPECT_EQ(outcome.focus, step.focus);
         EXPECT_FALSE(outcome.JobbNr);
@@ -70,7 +72,7 @@ TEST_F(JobEditorTest, ChecksAMaskJobInOrder) {
 TEST_F(JobEditorTest, ChecksATradeFormatJobInOrder) {
     open(jobNumber("(EIO)"), true);
     editor->job.priceFile = " ";
-    world.expect(kForm, 30);
+    world.expect(text::prisstyr::kNoFile);
     EXPECT_EQ(editor->save().focus, Control::FilNamn);
     editor->job.priceFile = "eio.txt";
     EXPECT_EQ(editor->save().JobbNr, jobNumber("(EIO)"));
@@ -148,8 +150,8 @@ TEST_F(JobEditorTest, NeedsASampleForTheMaskEditor) {
     EXPECT_FALSE(editor->sampleForMask());
     editor->chooseCompany(0);
     editor->job.priceFile = "saknas.txt";
-    world.port.expect(world.texts().FormulärSträngMed1(kForm, 20, "saknas.txt"),
-                      world.texts().FormulärSträng(kForm, 21));
+    world.port.expect(world.texts().FormulärSträngMed1(text::prisstyr::kNoSample, "saknas.txt"),
+                      world.texts().FormulärSträng(text::prisstyr::kNoSampleTitle));
     EXPECT_FALSE(editor->sampleForMask());
     editor->job.priceFile = "PRIS.TXT";
     EXPECT_EQ(editor->sampleForMask(), world.data() / "pris.txt");
@@ -181,15 +183,15 @@ TEST_F(JobEditorTest, DeletesAMaskWhenTheUserAgrees) {
     masks.save(second, {{.Källa = 1, .Mål = 6}});
     open();
     editor->chooseMask(0);
-    const std::string question = world.texts().FormulärSträngMed1(kForm, 40, "Testmask");
-    world.port.expect(question, world.texts().FormulärSträng(kForm, 41), Answer::No);
+    const std::string question = world.texts().FormulärSträngMed1(text::prisstyr::kAskToDeleteMask, "Testmask");
+    world.port.expect(question, world.texts().FormulärSträng(text::prisstyr::kDeleteMaskTitle), Answer::No);
     editor->deleteMask();
     EXPECT_EQ(editor->masks().size(), 2U);
     world.job.name = "Kontor";
     world.job.mask = "Testmask";
     JobFile(world.data()).save(world.job);
-    world.port.expect(question + "\r\n\r\n" + world.texts().ModulTextMed("KMR", 413, "Kontor"),
-                      world.texts().FormulärSträng(kForm, 41), Answer::Yes);
+    world.port.expect(question + "\r\n\r\n" + world.texts().ModulTextMed(text::definitions::kMaskUsedBy, "Kontor"),
+                      world.texts().FormulärSträng(text::prisstyr::kDeleteMaskTitle), Answer::Yes);
     editor->deleteMask();
     ASSERT_EQ(editor->masks().size(), 1U);
     EXPECT_EQ(editor->masks()[0].Namn, "Andra");
@@ -204,13 +206,13 @@ TEST_F(JobEditorTest, RefusesWhatTheFileCannotHold) {
         std::string Job::*field;
         const char* typed;
         std::size_t times;
-        int text;
+        ModuleKey text;
         std::string var1;
         Control focus;
     } cases[] = {
-        {&Job::priceFile, "/łódź/", 1, 407, "ł ź", Control::FilNamn},
-        {&Job::command, "x", 101, 126, "100", Control::KompFilNamn},
-        {&Job::toGroup, "1", 9, 126, "8", Control::TomGrp},
+        {&Job::priceFile, "/łódź/", 1, text::definitions::kUnsavableCharacters, "ł ź", Control::FilNamn},
+        {&Job::command, "x", 101, text::files::kTextTooLong, "100", Control::KompFilNamn},
+        {&Job::toGroup, "1", 9, text::files::kTextTooLong, "8", Control::TomGrp},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.typed);
@@ -220,7 +222,7 @@ TEST_F(JobEditorTest, RefusesWhatTheFileCannotHold) {
         field.clear();
         for (std::size_t i = 0; i < c.times; ++i) field += c.typed;
         EXPECT_TRUE(editor->changed());
-        world.port.expect(world.texts().ModulTextMed("KMR", c.text, c.var1), "Kolmera");
+        world.port.expect(world.texts().ModulTextMed(c.text, c.var1), "Kolmera");
         EXPECT_EQ(editor->save().focus, c.focus);
     }
     editor->job.toGroup.clear();
@@ -238,8 +240,8 @@ TEST_F(JobEditorTest, DoesNotSaveOverWhatOthersHaveChanged) {
     Job other = *JobFile(world.data()).read(number);
     other.supplier = "20";
     JobFile(world.data()).save(other);
-    const std::string title = world.texts().ModulText("KMR", 124);
-    world.port.expect(world.texts().ModulTextMed("KMR", 402, "Kontor"), title);
+    const std::string title = world.texts().ModulText(text::files::kCannotSave);
+    world.port.expect(world.texts().ModulTextMed(text::definitions::kImportChangedNothingSaved, "Kontor"), title);
     EXPECT_FALSE(editor->save().JobbNr);
     EXPECT_EQ(JobFile(world.data()).read(number), other);
 
@@ -249,13 +251,13 @@ TEST_F(JobEditorTest, DoesNotSaveOverWhatOthersHaveChanged) {
     editor->job.name = "KONTOR";
     editor->chooseMask(0);
     editor->chooseCompany(0);
-    world.port.expect(world.texts().ModulTextMed("KMR", 409, "KONTOR"), title);
+    world.port.expect(world.texts().ModulTextMed(text::definitions::kImportNameTaken, "KONTOR"), title);
     EXPECT_EQ(editor->save().focus, Control::Namn);
 
     Mask mask = editor->masks()[0];
     mask.SkapaNya = 'N';
     MaskFile(world.data()).save(mask, {});
-    world.port.expect(world.texts().ModulTextMed("KMR", 403, "Testmask"), title);
+    world.port.expect(world.texts().ModulTextMed(text::definitions::kMaskChangedNothingDone, "Testmask"), title);
     EXPECT_FALSE(editor->maskIsAsShown());
     EXPECT_EQ(editor->masks()[0].SkapaNya, 'N') << "not listed anew";
     EXPECT_TRUE(editor->maskIsAsShown());
@@ -310,7 +312,7 @@ TEST_F(CouplingEditorTest, SavesListsAndSelects) {
     CouplingEditor& couplings = openCouplings();
     EXPECT_FALSE(couplings.save()) << "saved without a code";
     save("ahl", "10");
-    const std::string question = world.texts().ModulTextMed("KMR", 417, "99");
+    const std::string question = world.texts().ModulTextMed(text::definitions::kAskWithUnknownSupplier, "99");
     world.port.expect(question, "Kolmera", Answer::No);
     couplings.code = "BEI";
     couplings.supplier = "99";
@@ -353,10 +355,10 @@ TEST_F(CouplingEditorTest, DeletesTheChosenOneOnly) {
     couplings.remove();
     EXPECT_EQ(rows().size(), 1U);
     couplings.choose(0);
-    world.expect(kForm, 50, 51, Answer::No);
+    world.expect(text::prisstyr::kAskToRemoveCoupling, &text::prisstyr::kRemoveCouplingTitle, Answer::No);
     couplings.remove();
     EXPECT_EQ(rows().size(), 1U);
-    world.expect(kForm, 50, 51, Answer::Yes);
+    world.expect(text::prisstyr::kAskToRemoveCoupling, &text::prisstyr::kRemoveCouplingTitle, Answer::Yes);
     couplings.remove();
     EXPECT_TRUE(rows().empty());
     EXPECT_EQ(couplings.code, "");
@@ -371,9 +373,10 @@ TEST_F(CouplingEditorTest, ListsAnewWhatOthersHaveChanged) {
     CouplingFile(world.data()).save({.job = "(EIO)", .code = "BEI", .supplier = "20"});
     couplings.code = "ahl";
     couplings.supplier = "";
-    world.port.expect(world.texts().ModulTextMed("KMR", 416, "ahl"), "Kolmera", Answer::Yes);
-    const std::string title = world.texts().ModulText("KMR", 124);
-    world.port.expect(world.texts().ModulTextMed("KMR", 405, "(EIO)"), title);
+    world.port.expect(world.texts().ModulTextMed(text::definitions::kAskWithoutSupplier, "ahl"), "Kolmera",
+                      Answer::Yes);
+    const std::string title = world.texts().ModulText(text::files::kCannotSave);
+    world.port.expect(world.texts().ModulTextMed(text::definitions::kCouplingsChanged, "(EIO)"), title);
     EXPECT_FALSE(couplings.save());
     EXPECT_THAT(rows(), ElementsAre("AHL\t-->\t10\t\tLev 10", "BEI\t-->\t20\t\tLev 20"));
     EXPECT_EQ(couplings.code, "ahl") << "what was typed is lost";

@@ -7,14 +7,17 @@
 
 #include "definitions/editorworld.h"
 #include "import/filedoubt.h"
+#include "lang/keys/definitions.h"
+#include "lang/keys/files.h"
+#include "lang/keys/look.h"
+#include "lang/keys/mask.h"
+#include "lang/keys/prismtyp.h"
 
 namespace kolmera {
 namespace {
 
 using test::EditorWorld;
 using testing::ElementsAre;
-
-constexpr const char* kForm = "PrisMTyp";
 
 /// An editor against a sample, in a world of its own.
 class MaskEditorTest : public testing::Test {
@@ -100,7 +103,7 @@ TEST_F(MaskEditorTest, LeavesOutHeadingsThatWouldTakeTheCodesOfColumns) {
     for (const std::int64_t number : {63, 64, 99}) {
         world.add("Prodaltrubrik", {{"Nummer", number}, {"Rubrik", "R" + std::to_string(number)}});
     }
-    world.port.expect(world.texts().ModulText("KMR", 105), "Kolmera");
+    world.port.expect(world.texts().ModulText(text::mask::kHeadingsLeftOut), "Kolmera");
     open("x\r\n");
     EXPECT_EQ(editor->targets()[static_cast<std::size_t>(rowOf(200))].text, "200.\tR63");
     EXPECT_THAT(editor->targets()[static_cast<std::size_t>(rowOf(201))].text, testing::Not(testing::HasSubstr("R64")));
@@ -293,7 +296,7 @@ TEST_F(MaskEditorTest, GivesATargetToOneRelationOnly) {
     join(2, 0);
     EXPECT_THAT(relations(), ElementsAre("2>6 UI", "1>0 II", "2>0 II")) << "nothing, refused a second time";
     editor->chooseRelation(1);
-    const std::string question = world.texts().ModulTextMed("KMR", 414, "Benämning");
+    const std::string question = world.texts().ModulTextMed(text::definitions::kAskToReplaceRelation, "Benämning");
     for (const Answer answer : {Answer::No, Answer::Yes}) {
         world.port.expect(question, "Kolmera", answer);
         join(1, 6);
@@ -304,7 +307,7 @@ TEST_F(MaskEditorTest, GivesATargetToOneRelationOnly) {
 TEST_F(MaskEditorTest, RefusesTheHundredAndFirstRelation) {
     open("a\r\n");
     for (int i = 0; i < kMostRelations; ++i) join(1, 0);
-    world.expect(kForm, 41);
+    world.expect(text::prismtyp::kTooManyRelations);
     join(1, 0);
     EXPECT_EQ(relations().size(), 100U);
 }
@@ -315,7 +318,7 @@ TEST_F(MaskEditorTest, TellsOfRelationsThatItCannotShow) {
     MaskFile(world.data()).save(mask, std::vector<Relation>(100));
     std::ofstream(world.data() / "PRISMPOS.TXT", std::ios::binary | std::ios::app)
         << "00100100100000000US1" << std::string(9, '\0') << "\r\n";
-    world.port.expect(world.texts().ModulTextMed("KMR", 104, "Annan"), "Kolmera");
+    world.port.expect(world.texts().ModulTextMed(text::mask::kRelationsLeftOut, "Annan"), "Kolmera");
     open("a\r\n", 1);
     EXPECT_EQ(relations().size(), 100U);
 }
@@ -325,7 +328,7 @@ TEST_F(MaskEditorTest, TellsOfRelationsThatItCannotShow) {
 TEST_F(MaskEditorTest, SavesAndOpensAgain) {
     open("a\tb\r\n");
     editor->setNamn("  ");
-    world.expect(kForm, 40);
+    world.expect(text::prismtyp::kNameMissing);
     EXPECT_EQ(editor->save(), MaskEditor::Saved::WrongName);
     EXPECT_TRUE(MaskFile(world.data()).all().empty());
 
@@ -355,11 +358,11 @@ TEST_F(MaskEditorTest, TellsWhatRunsWillDo) {
     editor->setFilTyp('T');
     editor->setSkapaNya('J');
     join(1, 4);
-    const std::string doubles = world.texts().ModulText("KMR", 535);
-    world.port.expect(doubles + "\r\n\r\n" + world.texts().ModulText("KMR", 519), "Kolmera");
+    const std::string doubles = world.texts().ModulText(text::mask::kDoublesProducts);
+    world.port.expect(doubles + "\r\n\r\n" + world.texts().ModulText(text::look::kLineFeeds), "Kolmera");
     EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes);
     join(2, 3);
-    world.port.expect(world.texts().ModulText("KMR", 519), "Kolmera");
+    world.port.expect(world.texts().ModulText(text::look::kLineFeeds), "Kolmera");
     EXPECT_EQ(editor->save(), MaskEditor::Saved::Yes) << "a supplier is read";
 }
 
@@ -371,20 +374,22 @@ TEST_F(MaskEditorTest, RefusesNamesAndStaleMasks) {
     EXPECT_FALSE(editor->changed());
     const struct {
         const char* name;
-        int text;
+        ModuleKey text;
         std::string var1;
-    } cases[] = {{"KONTOR", 410, "KONTOR"}, {"łódź, łampa", 407, "ł ź"}};
+    } cases[] = {{"KONTOR", text::definitions::kMaskNameTaken, "KONTOR"},
+                 {"łódź, łampa", text::definitions::kUnsavableCharacters, "ł ź"}};
     for (const auto& c : cases) {
         editor->setNamn(c.name);
         EXPECT_TRUE(editor->changed());
-        const bool taken = c.text == 410;
-        world.port.expect(world.texts().ModulTextMed("KMR", c.text, c.var1),
-                          taken ? world.texts().ModulText("KMR", 124) : "Kolmera");
+        const bool taken = c.text == text::definitions::kMaskNameTaken;
+        world.port.expect(world.texts().ModulTextMed(c.text, c.var1),
+                          taken ? world.texts().ModulText(text::files::kCannotSave) : "Kolmera");
         EXPECT_EQ(editor->save(), MaskEditor::Saved::WrongName);
     }
     open("a\r\n", 1);
     MaskFile(world.data()).save(MaskFile(world.data()).read(1)->mask, {{.Källa = 1, .Mål = 1}});
-    world.port.expect(world.texts().ModulTextMed("KMR", 404, "Kontor"), world.texts().ModulText("KMR", 124));
+    world.port.expect(world.texts().ModulTextMed(text::definitions::kMaskChangedNothingSaved, "Kontor"),
+                      world.texts().ModulText(text::files::kCannotSave));
     EXPECT_EQ(editor->save(), MaskEditor::Saved::Failed);
     EXPECT_THAT(stored(1), ElementsAre("1>1 II"));
 }

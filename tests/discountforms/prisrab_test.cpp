@@ -12,6 +12,8 @@
 #include <QTreeView>
 
 #include "definitions/jobfile.h"
+#include "lang/keys/company.h"
+#include "lang/keys/letter.h"
 #include "support/qt/formworld.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
@@ -82,7 +84,8 @@ TEST_F(PrisRabTest, WaitsForALockedCompanyWithACancelButton) {
         dialog->cancel();
     });
     press("Spara");
-    EXPECT_EQ(said, toQt(world.program.texts.ModulTextMed("KMR", 114, "FTG1.MDB"))) << "the window is frozen";
+    EXPECT_EQ(said, toQt(world.program.texts.ModulTextMed(text::company::kWaiting, "FTG1.MDB")))
+        << "the window is frozen";
     EXPECT_EQ(field(0).text(), "NY1") << "what was typed is gone";
     EXPECT_EQ(form->findChild<QProgressDialog*>(), nullptr);
     other->rollback();
@@ -96,7 +99,7 @@ TEST_F(PrisRabTest, FollowsCompanyAndSupplier) {
     EXPECT_FALSE(enabled("SkapaFil"));
     world.boxPort.answers = {Answer::OK};
     press("LäsFil");
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulText("KMR", 307));
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulText(text::letter::kChooseSupplier));
     EXPECT_TRUE(asked.title.isEmpty()) << "asked for a file without a supplier";
     control<QListWidget>(*form, "FTG_Lista").setCurrentRow(0);
     selectRow(view("Lev_Lista"), 1);
@@ -119,7 +122,7 @@ TEST_F(PrisRabTest, SavesAndDeletesByKeys) {
     EXPECT_EQ(field(1).text(), "10,5-") << "keys that no number has";
     world.boxPort.answers = {Answer::OK};
     key(Qt::Key_F7);
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulTextMed("KMR", 308, "10,5-"));
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulTextMed(text::letter::kNoNumber, "10,5-"));
     EXPECT_EQ(form->focusWidget(), &field(1));
     field(1).selectAll();
     type("10");

@@ -7,6 +7,11 @@
 
 #include "definitions/editorworld.h"
 #include "discounts/lettermessages.h"
+#include "lang/keys/company.h"
+#include "lang/keys/files.h"
+#include "lang/keys/letter.h"
+#include "lang/keys/prisrab.h"
+#include "lang/keys/shared.h"
 #include "support/filesizelimit.h"
 
 namespace kolmera {
@@ -14,7 +19,6 @@ namespace {
 
 using test::EditorWorld;
 
-constexpr const char* kForm = "PrisRab";
 constexpr const char* kTable = "LevrabattBrev";
 
 class LetterEditorTest : public testing::Test {
@@ -77,8 +81,8 @@ class LetterEditorTest : public testing::Test {
     void expectBox(const std::string& text, const std::string& title, Answer answer = Answer::OK) {
         world.port.expect(text, title, answer);
     }
-    [[nodiscard]] std::string formText(int number) { return world.texts().FormulärSträng(kForm, number); }
-    [[nodiscard]] std::string moduleText(int number) { return world.texts().ModulText("KMR", number); }
+    [[nodiscard]] std::string formText(FormKey key) { return world.texts().FormulärSträng(key); }
+    [[nodiscard]] std::string moduleText(ModuleKey key) { return world.texts().ModulText(key); }
 
     EditorWorld world;
     std::unique_ptr<LetterEditor> editor;
@@ -110,7 +114,8 @@ TEST_F(LetterEditorTest, OpensACompanyOnAServer) {
     EXPECT_EQ(editor->chosenCompany(), 1);
     EXPECT_EQ(editor->captionSuffix(), " - 10 - Lev 10");
     std::filesystem::remove(world.data() / "DVSQLSvr.ini");
-    world.port.expectBeginning(world.texts().ResText(3300) + " SQL;TEST.", world.texts().ResText(3300));
+    world.port.expectBeginning(world.texts().ResText(text::shared::kCannotOpenCompany) + " SQL;TEST.",
+                               world.texts().ResText(text::shared::kCannotOpenCompany));
     EXPECT_FALSE(editor->chooseCompany(1));
     EXPECT_TRUE(editor->suppliers().empty()) << "the suppliers of a company that is closed";
     EXPECT_EQ(listed(), "");
@@ -172,24 +177,24 @@ TEST_F(LetterEditorTest, SavesNothingThatIsWrong) {
     open();
     EXPECT_EQ(editor->Spara(), std::nullopt) << "nothing is asked for";
     type({" ", "5"});
-    expectBox(moduleText(622), "Kolmera");
+    expectBox(moduleText(text::letter::kNoCode), "Kolmera");
     EXPECT_EQ(editor->Spara(), 0) << "without a code";
     for (const char* slip : {"100,1", "-250"}) {
         type({"X", "5", slip});
-        expectBox(world.texts().ModulTextMed("KMR", 623, slip), "Kolmera", Answer::No);
+        expectBox(world.texts().ModulTextMed(text::letter::kAskBeyond, slip), "Kolmera", Answer::No);
         EXPECT_EQ(editor->Spara(), 2);
     }
     editor->edit(2, "");
     type({"X", "5", "", "1x"});
-    expectBox(world.texts().ModulTextMed("KMR", 308, "1x"), "Kolmera");
+    expectBox(world.texts().ModulTextMed(text::letter::kNoNumber, "1x"), "Kolmera");
     EXPECT_EQ(editor->Spara(), 3);
     EXPECT_EQ(editor->field(3), "1x") << "the user's text is gone";
     type({"A CODE TOO LONG", "5", "", ""});
-    world.port.expectBeginning(moduleText(309), "Kolmera");
+    world.port.expectBeginning(moduleText(text::letter::kCannotSave), "Kolmera");
     EXPECT_EQ(editor->Spara(), std::nullopt);
     open("99");
     type({"X", "5"});
-    expectBox(moduleText(307), "Kolmera");
+    expectBox(moduleText(text::letter::kChooseSupplier), "Kolmera");
     EXPECT_EQ(editor->Spara(), std::nullopt) << "without a supplier";
     EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
 }
@@ -202,11 +207,11 @@ TEST_F(LetterEditorTest, DeletesTheGroupOfTheCode) {
     editor->TaBort();
     EXPECT_EQ(listed(), "A1 B2 ") << "another group than the one that is named";
     editor->edit(0, "b2");
-    const std::string question = world.texts().FormulärSträngMed1(kForm, 20, "b2");
-    expectBox(question, formText(21), Answer::No);
+    const std::string question = world.texts().FormulärSträngMed1(text::prisrab::kAskToDelete, "b2");
+    expectBox(question, formText(text::prisrab::kDeleteTitle), Answer::No);
     editor->TaBort();
     EXPECT_EQ(listed(), "A1 B2 ");
-    expectBox(question, formText(21), Answer::Yes);
+    expectBox(question, formText(text::prisrab::kDeleteTitle), Answer::Yes);
     editor->TaBort();
     EXPECT_EQ(listed(), "A1 ");
     EXPECT_EQ(fields(), "||||||");
@@ -219,7 +224,7 @@ TEST_F(LetterEditorTest, DeletesAGroupWithoutACode) {
     editor->chooseRow(listed().starts_with(" ") ? 0 : 2);
     EXPECT_EQ(editor->field(1), "7");
     EXPECT_TRUE(editor->canDelete());
-    expectBox(moduleText(624), formText(21), Answer::Yes);
+    expectBox(moduleText(text::letter::kAskToDeleteNameless), formText(text::prisrab::kDeleteTitle), Answer::Yes);
     editor->TaBort();
     EXPECT_EQ(listed(), "A1 B2 ");
     EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
@@ -231,7 +236,7 @@ TEST_F(LetterEditorTest, WaitsForALockUntilTheUserGivesUp) {
     other->begin();
     int asked = 0, over = 0;
     editor->keepWaiting = [&](const std::string& text) {
-        EXPECT_EQ(text, world.texts().ModulTextMed("KMR", 114, "FTG1.MDB"));
+        EXPECT_EQ(text, world.texts().ModulTextMed(text::company::kWaiting, "FTG1.MDB"));
         return ++asked % 3 != 0;
     };
     editor->waited = [&] { ++over; };
@@ -241,8 +246,8 @@ TEST_F(LetterEditorTest, WaitsForALockUntilTheUserGivesUp) {
     EXPECT_EQ(over, 1) << "the window stays closed to the user";
     EXPECT_EQ(editor->field(0), "X") << "the user's text is gone";
     const auto file = write("brev.txt", "N1\t5\r\n");
-    expectBox(formText(15), formText(10));
-    expectBox(moduleText(331), formText(10));
+    expectBox(formText(text::prisrab::kAskToReplace), formText(text::prisrab::kReadTitle));
+    expectBox(moduleText(text::letter::kCancelledRestored), formText(text::prisrab::kReadTitle));
     editor->LäsFil(file);
     EXPECT_EQ(asked, 6) << "giving up once is not enough";
     other->commit();
@@ -258,11 +263,12 @@ TEST_F(LetterEditorTest, ReplacesTheLetterBehindOK) {
     for (int i = 1; i < 100000; ++i) lines += fmt::format("G{:06}\t{},5\t5\r\n", i, i % 90);
     const auto file = write("brev.txt", lines);
     open();
-    expectBox(formText(15), formText(10), Answer::Cancel);
+    expectBox(formText(text::prisrab::kAskToReplace), formText(text::prisrab::kReadTitle), Answer::Cancel);
     editor->LäsFil(file);
     EXPECT_EQ(listed(), "A1 B2 ") << "Cancel has deleted groups";
-    expectBox(formText(15), formText(10), Answer::OK);
-    expectBox(world.texts().ModulTextMed("KMR", 304, "1 (A1)"), formText(10));
+    expectBox(formText(text::prisrab::kAskToReplace), formText(text::prisrab::kReadTitle), Answer::OK);
+    expectBox(world.texts().ModulTextMed(text::letter::kLinesPassedOver, "1 (A1)"),
+              formText(text::prisrab::kReadTitle));
     editor->LäsFil(file);
     EXPECT_FALSE(world.port.hourglassShown);
     ASSERT_EQ(editor->Lista().count(), 100000);
@@ -274,13 +280,14 @@ TEST_F(LetterEditorTest, ReplacesTheLetterBehindOK) {
 TEST_F(LetterEditorTest, ABadFileCostsNothing) {
     open();
     const auto none = world.data() / "none.txt";
-    world.port.expectBeginning(world.texts().ResText(1502) + " " + none.string() + ".", formText(10));
+    world.port.expectBeginning(world.texts().ResText(text::shared::kCannotOpenFile) + " " + none.string() + ".",
+                               formText(text::prisrab::kReadTitle));
     editor->LäsFil(none);
     const auto empty = write("tom.txt", "");
-    expectBox(noGroups(world.texts(), empty), formText(10));
+    expectBox(noGroups(world.texts(), empty), formText(text::prisrab::kReadTitle));
     editor->LäsFil(empty);
     open("99");
-    expectBox(moduleText(307), "Kolmera");
+    expectBox(moduleText(text::letter::kChooseSupplier), "Kolmera");
     editor->LäsFil(write("brev.txt", "A\t1\r\n"));
     EXPECT_FALSE(editor->canWrite());
     EXPECT_EQ(stored(), "10 A1 10 5\n10 B2 12.5 -\n20 A1 50 -\n");
@@ -291,9 +298,9 @@ TEST_F(LetterEditorTest, ADatabaseThatCannotGrowKeepsTheOldLetter) {
     for (int i = 0; i < 50000; ++i) lines += fmt::format("N{}\t5\r\n", i);
     const auto file = write("brev.txt", lines);
     open();
-    expectBox(formText(15), formText(10));
-    const std::string stopped = world.texts().ModulTextMed("KMR", 330, "\n");
-    world.port.expectBeginning(stopped.substr(0, stopped.find('\n')), formText(10));
+    expectBox(formText(text::prisrab::kAskToReplace), formText(text::prisrab::kReadTitle));
+    const std::string stopped = world.texts().ModulTextMed(text::letter::kStoppedRestored, "\n");
+    world.port.expectBeginning(stopped.substr(0, stopped.find('\n')), formText(text::prisrab::kReadTitle));
     {
         const test::FileSizeLimit limit(static_cast<rlim_t>(std::filesystem::file_size(world.company()) + 200'000));
         editor->LäsFil(file);
@@ -313,11 +320,12 @@ TEST_F(LetterEditorTest, WritesALetter) {
     std::ifstream text(world.data() / "Rabattbrev2.txt", std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(text), {}), "A1\t10\t5\t2\t\t\r\nB2\t12,5\t\t\t\t\r\n");
 
-    expectBox(world.texts().ModulTextMed("KMR", 130, "brev.xls"), formText(11));
+    expectBox(world.texts().ModulTextMed(text::files::kUnwritableSheet, "brev.xls"),
+              formText(text::prisrab::kWriteTitle));
     editor->SkapaFil(world.data() / "brev.xls");
     type({"Ω"});
     editor->Spara();
-    expectBox(world.texts().ModulTextMed("KMR", 310, "1 (Ω)"), formText(11));
+    expectBox(world.texts().ModulTextMed(text::letter::kQuestionMarks, "1 (Ω)"), formText(text::prisrab::kWriteTitle));
     editor->SkapaFil(world.data() / "brev.txt");
 }
 

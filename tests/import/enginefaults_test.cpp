@@ -9,6 +9,10 @@
 #include <thread>
 #include <utility>
 
+#include "lang/keys/company.h"
+#include "lang/keys/repair.h"
+#include "lang/keys/run.h"
+#include "lang/keys/shared.h"
 #include "support/filesizelimit.h"
 #include "support/world.h"
 
@@ -49,7 +53,8 @@ TEST(LockedCompany, IsWaitedFor) {
     EXPECT_GE(waits, 20) << "the run did not wait";
     EXPECT_EQ(world.rows("Produkt", "Nummer, Vikt"), "A 5\n");
     EXPECT_THAT(world.port.passedOver, IsEmpty());
-    EXPECT_THAT(world.port.statuses, ::testing::Contains(world.texts().ModulTextMed("KMR", 114, "Ftg1.Mdb")));
+    EXPECT_THAT(world.port.statuses,
+                ::testing::Contains(world.texts().ModulTextMed(text::company::kWaiting, "Ftg1.Mdb")));
 }
 
 TEST(LockedCompany, CancelEndsTheWait) {
@@ -68,8 +73,8 @@ TEST(LockedCompany, CancelEndsTheWait) {
 TEST(BrokenCompany, ATableThatIsMissingEndsTheRun) {
     BusyWorld world;
     world.dropTable("Prodaltprodnr");
-    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 20),
-                               world.texts().ModulText("KMR", 110));
+    world.port.expectBeginning(world.texts().ModulTextMed(text::run::kDatabaseStopped, "").substr(0, 20),
+                               world.texts().ModulText(text::run::kStoppedTitle));
     EXPECT_FALSE(world.run().completed);
 }
 
@@ -94,12 +99,13 @@ TEST(BrokenCompany, DamageEndsTheRunAndIsOfferedToBeRepaired) {
         world.open()->execute("UPDATE Syinställningar SET Produktnummer = '1'");  // what was read is read again
         loseRows(world.company(), "LOST");
     };
-    const std::string title = world.texts().ResText(3300);
-    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 20),
-                               world.texts().ModulText("KMR", 110));
-    world.port.expectBeginning(title + " Ftg1.Mdb." + world.texts().ModulTextMed("KMR", 16, "Ftg1.Mdb"), "Kolmera",
-                               Answer::Yes);
-    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 117, "FTG1.mdb.damaged-1"), "Kolmera");
+    const std::string title = world.texts().ResText(text::shared::kCannotOpenCompany);
+    world.port.expectBeginning(world.texts().ModulTextMed(text::run::kDatabaseStopped, "").substr(0, 20),
+                               world.texts().ModulText(text::run::kStoppedTitle));
+    world.port.expectBeginning(
+        title + " Ftg1.Mdb." + world.texts().ModulTextMed(text::company::kAskToRepair, "Ftg1.Mdb"), "Kolmera",
+        Answer::Yes);
+    world.port.expectBeginning(world.texts().ModulTextMed(text::repair::kRepaired, "FTG1.mdb.damaged-1"), "Kolmera");
     EXPECT_FALSE(world.run().completed);
     EXPECT_THAT(world.port.passedOver, IsEmpty());
 }
@@ -136,16 +142,16 @@ TEST(FullDisk, KeepsWholeBatches) {
     std::filesystem::copy_file(world.company(), company);
     std::filesystem::remove(world.company());
     std::filesystem::create_symlink(company, world.company());
-    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 112, "").substr(0, 15),
-                               world.texts().ModulText("KMR", 110));
+    world.port.expectBeginning(world.texts().ModulTextMed(text::run::kDiskFull, "").substr(0, 15),
+                               world.texts().ModulText(text::run::kStoppedTitle));
     world.expectWholeBatches(world.run());
     EXPECT_EQ(umount2(small.path().c_str(), MNT_DETACH), 0);
 }
 
 TEST(FullDisk, AFileThatMayNotGrow) {
     TightWorld world;
-    world.port.expectBeginning(world.texts().ModulTextMed("KMR", 111, "").substr(0, 15),
-                               world.texts().ModulText("KMR", 110));
+    world.port.expectBeginning(world.texts().ModulTextMed(text::run::kDatabaseStopped, "").substr(0, 15),
+                               world.texts().ModulText(text::run::kStoppedTitle));
     RunSummary summary;
     {
         const FileSizeLimit limit(2'000'000);

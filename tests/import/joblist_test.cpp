@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "lang/keys/prismain.h"
 #include "support/world.h"
 
 namespace kolmera::test {
@@ -20,7 +21,8 @@ TEST(JobList, StatesOfThePriceFile) {
     world.rawPriceFile("x");
     std::filesystem::create_directory(world.data() / "mapp");
     const DriveMap drives({{'D', world.data(), DriveKind::Cd}, {'E', world.data(), DriveKind::Removable}});
-    const std::string missing = world.text(11), removable = world.text(12), cd = world.text(13);
+    const std::string missing = world.text(text::prismain::kFileMissing),
+                      removable = world.text(text::prismain::kRemovable), cd = world.text(text::prismain::kCd);
     const std::string today = world.state.locale.formatDate(Date::today());
     const struct {
         const char* fault;
@@ -57,9 +59,9 @@ TEST(JobList, TheKindFollowsTheLetterOnly) {
                                               .locale = world.state.locale});
     ASSERT_GE(rows.size(), 2U);
     const JobRow& byName = rows[rows.size() - 2];
-    EXPECT_EQ(byName.kindText, world.text(15));
+    EXPECT_EQ(byName.kindText, world.text(text::prismain::kMask));
     EXPECT_FALSE(byName.tradeFormat);
-    EXPECT_EQ(rows.back().kindText, world.text(14));
+    EXPECT_EQ(rows.back().kindText, world.text(text::prismain::kTradeFormat));
     EXPECT_TRUE(rows.back().tradeFormat);
 }
 

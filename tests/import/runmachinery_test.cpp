@@ -6,6 +6,10 @@
 #include <thread>
 
 #include "import/dispatcher.h"
+#include "lang/keys/look.h"
+#include "lang/keys/preparation.h"
+#include "lang/keys/prismain.h"
+#include "lang/keys/run.h"
 #include "platform/batchprocess.h"
 #include "support/world.h"
 
@@ -56,11 +60,14 @@ TEST(Confirmation, SaysWhatIsGoingToBeRead) {
         EXPECT_FALSE(asked.tradeFormat);
         LanguageTexts& texts = world.texts();
         const std::string heading = "Testbolaget (" + world.shownCompany() + ")";
-        std::string expected = *c.command ? texts.FormulärSträngMed3("PrisMain", 39, c.command, c.priceFile, heading)
-                                          : texts.FormulärSträngMed2("PrisMain", 40, c.priceFile, heading);
+        std::string expected =
+            *c.command ? texts.FormulärSträngMed3(text::prismain::kConfirmWithCommand, c.command, c.priceFile, heading)
+                       : texts.FormulärSträngMed2(text::prismain::kConfirm, c.priceFile, heading);
         expected += "\r\n\r\n";
         const std::string letter = *c.command ? "B" : "A";
-        if (c.diskette) expected += texts.FormulärSträngMed1("PrisMain", 41, letter) + world.text(42);
+        if (c.diskette)
+            expected += texts.FormulärSträngMed1(text::prismain::kInsertDiskette, letter) +
+                        world.text(text::prismain::kBeforeRun);
         EXPECT_EQ(asked.runText, expected);
     }
 }
@@ -84,7 +91,8 @@ TEST(Preparation, RunsBesideTheProgram) {
         EXPECT_TRUE(std::filesystem::exists(world.data().parent_path() / c.folder / "pris.txt"));
         EXPECT_FALSE(std::filesystem::exists(world.data().parent_path() / c.folder / "EXPA@#01.BAT"));
         EXPECT_EQ(world.rows("Produkt", "Nummer"), "A\n");
-        EXPECT_THAT(world.port.statuses, Contains(world.text(22) + " " + c.command + " ..."));
+        EXPECT_THAT(world.port.statuses,
+                    Contains(world.text(text::prismain::kRunningCommand) + " " + c.command + " ..."));
     }
 }
 
@@ -104,7 +112,7 @@ TEST(Preparation, CancelEndsTheWaitAndThenTheRun) {
     world.mask(kSimple);
     world.priceFile(priceLines(60));
     world.job.command = "sleep 2";
-    world.port.cancelAtStatus = world.text(22) + " sleep 2 ...";
+    world.port.cancelAtStatus = world.text(text::prismain::kRunningCommand) + " sleep 2 ...";
     const RunSummary summary = world.run();
     EXPECT_TRUE(summary.completed);
     EXPECT_TRUE(summary.cancelled);
@@ -128,14 +136,14 @@ TEST(Preparation, ThatFailedOrRenewedNothingIsTold) {
         world.mask(kSimple);
         world.priceFile("A\t5\r\n");
         world.job.command = c.command;
-        const auto text = [&](int number, const std::string& var) {
-            return world.texts().ModulTextMed("KMR", number, var);
-        };
+        const auto text = [&](ModuleKey key, const std::string& var) { return world.texts().ModulTextMed(key, var); };
         std::string told;
         if (c.status != 0) {
-            told = text(451, c.command) + " " + text(c.status == 127 ? 453 : 452, std::to_string(c.status));
+            told = text(text::preparation::kFailed, c.command) + " " +
+                   text(c.status == 127 ? text::preparation::kNoSuchProgram : text::preparation::kExitStatus,
+                        std::to_string(c.status));
         }
-        if (!c.renewed) told += (told.empty() ? "" : "\r\n\r\n") + text(455, "pris.txt");
+        if (!c.renewed) told += (told.empty() ? "" : "\r\n\r\n") + text(text::preparation::kSamePriceFile, "pris.txt");
         const RunSummary summary = world.run();
         EXPECT_EQ(summary.preparation.exitStatus, c.status);
         EXPECT_EQ(summary.hasFaults(), c.status != 0);
@@ -161,7 +169,7 @@ struct TwoPreparations : World {
     }
     void letOtherEnd() const { std::ofstream(program() / "Filer" / "go"); }
     [[nodiscard]] bool waits() const { return !port.statuses.empty() && port.statuses.back() == waiting(); }
-    [[nodiscard]] std::string waiting() const { return texts().ModulText("KMR", 450); }
+    [[nodiscard]] std::string waiting() const { return texts().ModulText(text::preparation::kWaiting); }
 };
 
 TEST(Preparation, WaitsForTheCommandOfAnotherRun) {
@@ -185,14 +193,16 @@ TEST(Cancel, KeepsWhatWasRead) {
     World world;
     world.mask(kSimple);
     world.priceFile(priceLines(60));
-    world.port.cancelAtStatus = world.text(29) + " 50 ....";
+    world.port.cancelAtStatus = world.text(text::prismain::kRecordsRead) + " 50 ....";
     const RunSummary summary = world.run();
     EXPECT_TRUE(summary.cancelled);
     EXPECT_TRUE(summary.completed);
     EXPECT_EQ(summary.records, 50);
     EXPECT_EQ(lines(world.rows("Produkt", "Nummer")), 50U);
-    const std::string label = world.text(29) + " ";
-    EXPECT_THAT(world.port.statuses, ElementsAre(world.text(20), world.text(28), label + "25 ....", label + "50 ...."));
+    const std::string label = world.text(text::prismain::kRecordsRead) + " ";
+    EXPECT_THAT(world.port.statuses,
+                ElementsAre(world.text(text::prismain::kPreparing), world.text(text::prismain::kReading),
+                            label + "25 ....", label + "50 ...."));
 
     world.port.cancelAtStatus.clear();
     EXPECT_FALSE(world.run().cancelled) << "the Cancel of the run before counts";
@@ -232,20 +242,30 @@ TEST(EmptyTables, DeletesAllThree) {
     EXPECT_EQ(summary.newProducts, 1);
     EXPECT_THAT(world.counts(), ElementsAre(1U, 0U, 0U));
     EXPECT_THAT(world.port.statuses,
-                ElementsAre(world.text(20), world.text(50), world.text(51) + " 25 ....", world.text(51) + " 50 ....",
-                            world.text(52), world.text(53) + " 50 ....", world.text(53) + " 100 ....", world.text(54),
-                            world.text(55) + " 50 ....", world.text(55) + " 100 ....", world.text(28)));
+                ElementsAre(world.text(text::prismain::kPreparing), world.text(text::prismain::kDeletingProducts),
+                            world.text(text::prismain::kProductsDeleted) + " 25 ....",
+                            world.text(text::prismain::kProductsDeleted) + " 50 ....",
+                            world.text(text::prismain::kDeletingSupplierPrices),
+                            world.text(text::prismain::kSupplierPricesDeleted) + " 50 ....",
+                            world.text(text::prismain::kSupplierPricesDeleted) + " 100 ....",
+                            world.text(text::prismain::kDeletingAlternatives),
+                            world.text(text::prismain::kAlternativesDeleted) + " 50 ....",
+                            world.text(text::prismain::kAlternativesDeleted) + " 100 ....",
+                            world.text(text::prismain::kReading)));
 }
 
 TEST(EmptyTables, CancelReadsNothing) {
     const struct {
         const char* fault;
-        int label;
+        FormKey label;
         const char* count;
         std::vector<std::size_t> left;
-    } cases[] = {{"goes on with the products or with the next table", 51, " 25 ....", {35, 110, 110}},
-                 {"goes on with the price list", 53, " 50 ....", {0, 60, 110}},
-                 {"goes on with the alternatives", 55, " 100 ....", {0, 0, 10}}};
+    } cases[] = {{"goes on with the products or with the next table",
+                  text::prismain::kProductsDeleted,
+                  " 25 ....",
+                  {35, 110, 110}},
+                 {"goes on with the price list", text::prismain::kSupplierPricesDeleted, " 50 ....", {0, 60, 110}},
+                 {"goes on with the alternatives", text::prismain::kAlternativesDeleted, " 100 ....", {0, 0, 10}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
         FullWorld world;
@@ -279,8 +299,9 @@ TEST(DoubtfulFile, ThatIsNotReadChangesNothing) {
     ASSERT_EQ(world.port.doubtfulFiles.size(), 1U);
     const DoubtfulFile& asked = world.port.doubtfulFiles[0];
     EXPECT_TRUE(asked.garbage);
-    EXPECT_NE(asked.text.find(world.texts().ModulText("KMR", 511)), std::string::npos);
-    EXPECT_NE(asked.text.find(world.texts().ModulTextMed("KMR", 502, world.shownCompany())), std::string::npos)
+    EXPECT_NE(asked.text.find(world.texts().ModulText(text::look::kZip)), std::string::npos);
+    EXPECT_NE(asked.text.find(world.texts().ModulTextMed(text::look::kEmptiedFirst, world.shownCompany())),
+              std::string::npos)
         << "the emptying is not named";
 }
 
@@ -291,7 +312,8 @@ TEST(DoubtfulFile, OfWhichNothingIsUsedIsTold) {
     EXPECT_TRUE(summary.nothingUsed());
     EXPECT_EQ(summary.deleted.products, 60);
     ASSERT_EQ(world.port.told.size(), 1U);
-    EXPECT_NE(world.port.told[0].find(world.texts().ModulText("KMR", 508) + ": 110"), std::string::npos);
+    EXPECT_NE(world.port.told[0].find(world.texts().ModulText(text::run::kDeletedSupplierPrices) + ": 110"),
+              std::string::npos);
 }
 
 TEST(Confirmation, NamesNumbersAndBoundsThatAreNone) {
@@ -303,8 +325,8 @@ TEST(Confirmation, NamesNumbersAndBoundsThatAreNone) {
         world.run();
         const bool swedish = locale == Locale::Kind::Swedish;
         const Confirmation& asked = world.port.confirmations.at(0);
-        EXPECT_EQ(asked.numbers, world.texts().ModulTextMed("KMR", 504, swedish ? "12,50" : "12.50"));
-        EXPECT_EQ(asked.warning, swedish ? "" : world.texts().ModulTextMed("KMR", 505, "\"9,99\""));
+        EXPECT_EQ(asked.numbers, world.texts().ModulTextMed(text::look::kNumberForm, swedish ? "12,50" : "12.50"));
+        EXPECT_EQ(asked.warning, swedish ? "" : world.texts().ModulTextMed(text::look::kUnreadableBounds, "\"9,99\""));
     }
 }
 

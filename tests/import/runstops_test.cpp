@@ -3,6 +3,11 @@
 
 #include <fstream>
 
+#include "lang/keys/company.h"
+#include "lang/keys/mask.h"
+#include "lang/keys/prismain.h"
+#include "lang/keys/run.h"
+#include "lang/keys/shared.h"
 #include "support/world.h"
 
 namespace kolmera::test {
@@ -12,9 +17,7 @@ constexpr const char* kBreaks = "\r\n\r\n";
 const MaskSpec kSimple{.relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}};
 const MaskSpec kOfSupplier{.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Vikt"}}};
 
-std::string withMask(World& world, int number) {
-    return world.texts().FormulärSträngMed1("PrisMain", number, "Testmask");
-}
+std::string withMask(World& world, FormKey key) { return world.texts().FormulärSträngMed1(key, "Testmask"); }
 
 /// Appends a relation to PRISMPOS.TXT as another program may have left it there.
 void appendRelation(const World& world, const std::string& fields) {
@@ -35,43 +38,53 @@ TEST(RunStops, EachWithItsMessage) {
          [](World& w) {
              w.mask(kSimple);
              w.job.mask = "testmask";  // letter case counts
-             w.port.expect(w.texts().FormulärSträngMed1("PrisMain", 30, "testmask"), w.text(31), Answer::Yes);
+             w.port.expect(w.texts().FormulärSträngMed1(text::prismain::kAskForOtherMask, "testmask"),
+                           w.text(text::prismain::kMaskMissingTitle), Answer::Yes);
          },
          Answer::Yes},
         {"a mask that does not exist, settings not wanted",
-         [](World& w) { w.port.expect(withMask(w, 30), w.text(31), Answer::No); }, Answer::No},
+         [](World& w) {
+             w.port.expect(withMask(w, text::prismain::kAskForOtherMask), w.text(text::prismain::kMaskMissingTitle),
+                           Answer::No);
+         },
+         Answer::No},
         {"relations of another mask only",
          [](World& w) {
              w.mask({.relations = {}});
              appendRelation(w, "00200100100000000US1");
-             w.port.expect(withMask(w, 32), w.text(33));
+             w.port.expect(withMask(w, text::prismain::kNoRelations), w.text(text::prismain::kMaskIncompleteTitle));
          }},
         {"a file of masks that cannot be read",
          [](World& w) {
              std::filesystem::remove(w.data() / "PRISMASK.TXT");
              std::filesystem::create_directory(w.data() / "PRISMASK.TXT");
-             w.port.expect(w.texts().ModulTextMed("KMR", 320, "Det är en mapp och ingen fil: PRISMASK.TXT."),
-                           w.texts().ModulText("KMR", 100));
+             w.port.expect(
+                 w.texts().ModulTextMed(text::run::kUnreadableFile, "Det är en mapp och ingen fil: PRISMASK.TXT."),
+                 w.texts().ModulText(text::run::kCannotRunTitle));
          }},
         {"no search key",
          [](World& w) {
              w.mask({.relations = {{1, "Nummer"}, {2, "Vikt"}}});
-             w.port.expect(withMask(w, 34), w.text(33));
+             w.port.expect(withMask(w, text::prismain::kNoSearchKey), w.text(text::prismain::kMaskIncompleteTitle));
          }},
         {"no lines in a record",
          [](World& w) {
              w.mask({.structure = 'F', .lines = 0, .relations = kSimple.relations});
-             w.port.expect(w.texts().ModulTextMed("KMR", 101, "Testmask"), w.texts().ModulText("KMR", 100));
+             w.port.expect(w.texts().ModulTextMed(text::mask::kNoLines, "Testmask"),
+                           w.texts().ModulText(text::run::kCannotRunTitle));
          }},
         {"no bytes in a record",
          [](World& w) {
              w.mask({.structure = 'P', .length = 0, .relations = kSimple.relations});
-             w.port.expect(w.texts().ModulTextMed("KMR", 102, "Testmask"), w.texts().ModulText("KMR", 100));
+             w.port.expect(w.texts().ModulTextMed(text::mask::kNoRecordLength, "Testmask"),
+                           w.texts().ModulText(text::run::kCannotRunTitle));
          }},
         {"no supplier, settings wanted",
          [](World& w) {
              w.mask(kOfSupplier);
-             w.port.expect(withMask(w, 35) + kBreaks + w.text(36), w.text(37), Answer::Yes);
+             w.port.expect(withMask(w, text::prismain::kUpdatesSupplierPrices) + kBreaks +
+                               w.text(text::prismain::kAskForSupplier),
+                           w.text(text::prismain::kSupplierMissingTitle), Answer::Yes);
          },
          Answer::Yes},
         {"an unknown supplier",
@@ -79,7 +92,9 @@ TEST(RunStops, EachWithItsMessage) {
              w.add("Leverantör", {{"Nummer", "L1"}});
              w.job.supplier = "L2";
              w.mask(kOfSupplier);
-             w.port.expect(withMask(w, 35) + kBreaks + w.text(38), w.text(37), Answer::No);
+             w.port.expect(withMask(w, text::prismain::kUpdatesSupplierPrices) + kBreaks +
+                               w.text(text::prismain::kAskForOtherSupplier),
+                           w.text(text::prismain::kSupplierMissingTitle), Answer::No);
          },
          Answer::No},
         {"not confirmed",
@@ -94,28 +109,32 @@ TEST(RunStops, EachWithItsMessage) {
              w.job.command = "true";
              std::ofstream(w.program() / "Filer") << "no folder";
              std::ofstream(w.data() / "Filer") << "no folder";
-             w.port.expectBeginning(w.text(21) + " true." + kBreaks, w.text(21));
+             w.port.expectBeginning(w.text(text::prismain::kCannotStartCommand) + " true." + kBreaks,
+                                    w.text(text::prismain::kCannotStartCommand));
          },
          Answer::OK, 1},
         {"a price file that does not exist",
          [](World& w) {
              w.mask(kSimple);
              w.job.priceFile = "X:\\priser\\p.txt";
-             w.port.expect(w.text(26) + " X:\\priser\\p.txt.", w.text(26));
+             w.port.expect(w.text(text::prismain::kCannotFindPriceFile) + " X:\\priser\\p.txt.",
+                           w.text(text::prismain::kCannotFindPriceFile));
          },
          Answer::OK, 1},
         {"no price file named",
          [](World& w) {
              w.mask(kSimple);
              w.job.priceFile = "";
-             w.port.expect(w.text(26) + " .", w.text(26));
+             w.port.expect(w.text(text::prismain::kCannotFindPriceFile) + " .",
+                           w.text(text::prismain::kCannotFindPriceFile));
          },
          Answer::OK, 1},
         {"a price file that is a folder",
          [](World& w) {
              w.mask(kSimple);
              std::filesystem::create_directory(w.data() / "pris.txt");
-             w.port.expectBeginning(w.text(27) + " pris.txt." + kBreaks, w.text(27));
+             w.port.expectBeginning(w.text(text::prismain::kCannotOpenPriceFile) + " pris.txt." + kBreaks,
+                                    w.text(text::prismain::kCannotOpenPriceFile));
          },
          Answer::OK, 1},
     };
@@ -136,7 +155,8 @@ TEST(RunStops, EachWithItsMessage) {
 TEST(RunStops, NothingOfTheCompanyIsTouchedBeforeTheMaskIsKnown) {
     World world;
     std::filesystem::remove(world.company());
-    world.port.expect(withMask(world, 30), world.text(31), Answer::No);
+    world.port.expect(withMask(world, text::prismain::kAskForOtherMask), world.text(text::prismain::kMaskMissingTitle),
+                      Answer::No);
     world.run();
     EXPECT_FALSE(std::filesystem::exists(world.company()));
 }
@@ -169,11 +189,12 @@ TEST(RunStops, CompaniesThatCannotBeOpened) {
         world.mask(kSimple);
         world.priceFile("A\t5\r\n");
         c.arrange(world.company());
-        const std::string title = world.texts().ResText(3300);
+        const std::string title = world.texts().ResText(text::shared::kCannotOpenCompany);
         world.port.expectBeginning(title + " Ftg1.Mdb." + kBreaks + c.number + "\r\n", title);
         if (std::string(c.number) == "3049") {
-            world.port.expectBeginning(title + " Ftg1.Mdb." + world.texts().ModulTextMed("KMR", 16, "Ftg1.Mdb"),
-                                       "Kolmera", Answer::No);
+            world.port.expectBeginning(
+                title + " Ftg1.Mdb." + world.texts().ModulTextMed(text::company::kAskToRepair, "Ftg1.Mdb"), "Kolmera",
+                Answer::No);
         }
         EXPECT_FALSE(world.run().completed);
     }
@@ -185,7 +206,8 @@ TEST(RunStops, OnlyTheFirstHundredRelationsAreUsed) {
     appendRelation(world, "00100100100000000US1");  // the hundredth: the key
     appendRelation(world, "00100301800000000UI1");  // Vikt
     world.priceFile("A\t5\r\n");
-    world.port.expect(world.texts().ModulTextMed("KMR", 104, "Testmask"), world.text(33));
+    world.port.expect(world.texts().ModulTextMed(text::mask::kRelationsLeftOut, "Testmask"),
+                      world.text(text::prismain::kMaskIncompleteTitle));
     EXPECT_TRUE(world.run().completed);
     EXPECT_EQ(world.rows("Produkt", "Nummer, Vikt"), "A 0\n");
 }

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "lang/keys/mask.h"
+#include "lang/keys/prismain.h"
 #include "support/world.h"
 
 namespace kolmera::test {
@@ -123,7 +125,8 @@ TEST(UpdateRules, TargetsBehindTheHeadingsAndUnknownOnes) {
                               {2, "219"},  // behind the last column
                               {2, "999"}}});
     world.priceFile("A\t1\t1\r\n");
-    world.port.expect(world.texts().ModulTextMed("KMR", 106, "219, 999"), world.text(33));
+    world.port.expect(world.texts().ModulTextMed(text::mask::kColumnsMissing, "219, 999"),
+                      world.text(text::prismain::kMaskIncompleteTitle));
     const RunSummary summary = world.run();
     EXPECT_EQ(world.rows("Produkt", "Nummer, Webshop, Frijanej"), "A True True\n");
     EXPECT_EQ(summary.newProducts, 1);

@@ -17,6 +17,9 @@
 #include "definitions/jobfile.h"
 #include "import/prisutfa.h"
 #include "import/prisutfo.h"
+#include "lang/keys/definitions.h"
+#include "lang/keys/look.h"
+#include "lang/keys/prismain.h"
 #include "support/qt/formworld.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
@@ -141,7 +144,7 @@ TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {
     world.boxPort.answers = {Answer::No, Answer::Yes};
     press("TaBort");
     EXPECT_EQ(world.boxPort.shown.back(), "Ta bort inläsningen|Ta bort inläsningen Smedhult verktyg ?\r\n\r\n" +
-                                              world.texts.ModulTextMed("KMR", 411, "2"));
+                                              world.texts.ModulTextMed(text::definitions::kSeveralImports, "2"));
     EXPECT_EQ(list().model()->rowCount(), before);
     QTest::keyClick(&list(), Qt::Key_F9);
     EXPECT_EQ(list().model()->rowCount(), before - 2);
@@ -178,7 +181,8 @@ TEST_F(PrisMainTest, DoesNothingWithAJobThatOthersHaveChanged) {
         if (asks) world.boxPort.answers = {Answer::Yes};
         world.boxPort.answers.push_back(Answer::OK);
         press(name);
-        EXPECT_TRUE(world.boxPort.shown.back().ends_with(world.texts.ModulTextMed("KMR", 401, kMaskJob)));
+        EXPECT_TRUE(world.boxPort.shown.back().ends_with(
+            world.texts.ModulTextMed(text::definitions::kImportChangedNothingDone, kMaskJob)));
         EXPECT_EQ(JobFile(world.data).find(kMaskJob), job);
         EXPECT_TRUE(asks || selectedJob() == kMaskJob) << "not selected again";
     }
@@ -195,7 +199,8 @@ TEST_F(PrisMainTest, OffersTheTradeFormatsThatAreGone) {
     };
     world.boxPort.answers = {Answer::No, Answer::Yes};
     press("Ny");
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ModulTextMed("KMR", 418, "(RSK)"));
+    EXPECT_EQ(world.boxPort.shown.back(),
+              "Kolmera|" + world.texts.ModulTextMed(text::definitions::kAskToAddTradeFormats, "(RSK)"));
     EXPECT_EQ(opened, 1);
     press("Ny");
     EXPECT_EQ(selectedJob(), "(RSK)");
@@ -306,7 +311,7 @@ TEST_F(PrisMainTest, AsksBeforeItReadsADoubtfulFile) {
         });
         press("Utför");
         EXPECT_TRUE(world.boxPort.shown.at(1).starts_with("Prisfilen ser inte ut som väntat|"));
-        EXPECT_TRUE(world.boxPort.shown.at(1).ends_with(world.texts.ModulText("KMR", 503)));
+        EXPECT_TRUE(world.boxPort.shown.at(1).ends_with(world.texts.ModulText(text::look::kReadAllTheSame)));
         EXPECT_EQ(products() == before, answer == Answer::No);
     }
     world.boxPort.answers.clear();
@@ -407,14 +412,15 @@ TEST(PrisMainEmpty, StartsWithoutAJobFileAndWithoutTexts) {
 
 template <typename Form>
 void checkConfirmation(FormWorld& world, const std::string& picture) {
-    const Confirmation confirmation{.captionSuffix = {},
-                                    .runText = world.texts.FormulärSträngMed2("PrisMain", 40, "A.TXT", "Demo"),
-                                    .numbers = world.texts.ModulTextMed("KMR", 504, "12,50"),
-                                    .warning = {},
-                                    .emptyTablesSuffix = {},
-                                    .emptyTablesEnabled = false,
-                                    .couplings = {"GR\t-->\t1010\tHuvudlev.\tGRANÅSA EL"},
-                                    .tradeFormat = std::is_same_v<Form, PrisUtFa>};
+    const Confirmation confirmation{
+        .captionSuffix = {},
+        .runText = world.texts.FormulärSträngMed2(text::prismain::kConfirm, "A.TXT", "Demo"),
+        .numbers = world.texts.ModulTextMed(text::look::kNumberForm, "12,50"),
+        .warning = {},
+        .emptyTablesSuffix = {},
+        .emptyTablesEnabled = false,
+        .couplings = {"GR\t-->\t1010\tHuvudlev.\tGRANÅSA EL"},
+        .tradeFormat = std::is_same_v<Form, PrisUtFa>};
     Form form(world.program, confirmation, nullptr);
     form.show();
     expectTextsInBothLanguages(form, world);

@@ -20,6 +20,16 @@ constexpr const char* kTexts =
     "SP_MOD_KMR_007\t<SP>och <VAR1>\tx\n"
     "RGA_Produkt_021\tInpris\tPurchase price\n";
 
+struct NumberedTexts : LanguageTexts {
+    using LanguageTexts::FormulärSträng;
+    using LanguageTexts::FormulärSträngMed1;
+    using LanguageTexts::FormulärSträngMed2;
+    using LanguageTexts::FormulärSträngMed3;
+    using LanguageTexts::ModulText;
+    using LanguageTexts::ModulTextMed;
+    using LanguageTexts::ResText;
+};
+
 class LanguageTextsTest : public ::testing::Test {
   protected:
     LanguageTextsTest() {
@@ -28,7 +38,7 @@ class LanguageTextsTest : public ::testing::Test {
         texts.ÖppnaSpråk(folder.path(), {});
     }
     TemporaryFolder folder;
-    LanguageTexts texts;
+    NumberedTexts texts;
 };
 
 TEST_F(LanguageTextsTest, BuildsKeysAndFillsPlaceholders) {
@@ -67,7 +77,7 @@ TEST_F(LanguageTextsTest, GoesByLanguage) {
 }
 
 TEST_F(LanguageTextsTest, MissingFilesGiveEmptyTexts) {
-    LanguageTexts none;
+    NumberedTexts none;
     EXPECT_EQ(none.ResText(228), "") << "never opened";
     none.ÖppnaSpråk(folder / "nowhere", {});
     EXPECT_EQ(none.ResText(228), "");
@@ -82,7 +92,7 @@ TEST_F(LanguageTextsTest, MissingFilesGiveEmptyTexts) {
 }
 
 TEST_F(LanguageTextsTest, TwoProgramsReadAtOnceEvenWithoutTheRightToWrite) {
-    LanguageTexts second;
+    NumberedTexts second;
     const RestrictedPath readOnly(folder.path(), 0555);
     second.ÖppnaSpråk(folder.path(), {});
     EXPECT_EQ(second.ResText(228), "Två\r\nrader");

@@ -5,6 +5,9 @@
 #include <chrono>
 
 #include "db/serverregister.h"
+#include "lang/keys/company.h"
+#include "lang/keys/run.h"
+#include "lang/keys/shared.h"
 #include "support/companyrows.h"
 #include "support/testserver.h"
 #include "support/world.h"
@@ -33,7 +36,8 @@ struct FaultWorld : World {
     static std::string number(int record) { return fmt::format("N{}", record); }
     [[nodiscard]] std::int64_t products() const { return std::ranges::count(rows("Produkt", "Nummer"), '\n'); }
     void expectStop() {
-        port.expectBeginning(texts().ModulTextMed("KMR", 111, "").substr(0, 15), texts().ModulText("KMR", 110));
+        port.expectBeginning(texts().ModulTextMed(text::run::kDatabaseStopped, "").substr(0, 15),
+                             texts().ModulText(text::run::kStoppedTitle));
     }
 };
 
@@ -64,7 +68,7 @@ TEST(ServerNotThere, IsTriedFourTimesAndTold) {
     registerServer(world.data(), {world.job.company, "", TestServer::ofProcess().connectString() + ";Port=1"});
     int turns = 0;
     world.port.onEvents = [&] { ++turns; };
-    const std::string title = world.texts().ResText(3300);
+    const std::string title = world.texts().ResText(text::shared::kCannotOpenCompany);
     world.port.expectBeginning(title + " Sql;Test.\r\n\r\n3151\r\n", title);
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_FALSE(world.run().completed);
@@ -124,7 +128,7 @@ TEST(LockedRow, IsWaitedFor) {
     FaultWorld world;
     RowHolder other;
     int waits = 0;
-    const std::string waiting = world.texts().ModulTextMed("KMR", 114, world.shownCompany());
+    const std::string waiting = world.texts().ModulTextMed(text::company::kWaiting, world.shownCompany());
     world.port.onEvents = [&] {
         if (!world.port.statuses.empty() && world.port.statuses.back() == waiting && ++waits == 3) other.letGo();
     };
@@ -141,7 +145,7 @@ TEST(LockedRow, CancelEndsTheWait) {
     FaultWorld world;
     const RowHolder other;
     int waits = 0;
-    const std::string waiting = world.texts().ModulTextMed("KMR", 114, world.shownCompany());
+    const std::string waiting = world.texts().ModulTextMed(text::company::kWaiting, world.shownCompany());
     world.port.onEvents = [&] {
         if (!world.port.statuses.empty() && world.port.statuses.back() == waiting && ++waits == 3)
             world.port.pressCancel();

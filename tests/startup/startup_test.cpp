@@ -1,5 +1,6 @@
 #include "startup/startup.h"
 
+#include "lang/keys/shared.h"
 #include "startworld.h"
 
 namespace kolmera::test {
@@ -94,7 +95,7 @@ TEST(StartUp, GoesThroughItsSteps) {
     EXPECT_TRUE(signedIn);
     EXPECT_EQ(state.Signatur, "ABC");
     EXPECT_EQ(state.Språkkod, "EN");
-    EXPECT_EQ(texts.ResText(5000), "Answer");
+    EXPECT_EQ(texts.ResText(text::shared::kMessage), "Answer");
     EXPECT_EQ(state.helpFile, state.ProgramMapp + "Dorvik.chm");
     EXPECT_EQ(state.Decimaltecken, '.');
     EXPECT_TRUE(std::filesystem::exists(world.data / "DORVIK.INI")) << "missing settings file not created";
@@ -108,7 +109,7 @@ TEST(StartUp, AloneNobodySignsInAndNothingIsCreated) {
     EXPECT_TRUE(state.EjKlientIni);
     EXPECT_EQ(state.DataMapp, state.ProgramMapp);
     EXPECT_EQ(state.Språkkod, "SE");
-    EXPECT_EQ(texts.ResText(5000), "");
+    EXPECT_EQ(texts.ResText(text::shared::kMessage), "");
     EXPECT_TRUE(std::filesystem::is_empty(world.program));
 }
 
@@ -122,7 +123,7 @@ TEST(StartUp, TextsOfTheServerFolderServeWhenTheProgramHasNone) {
         StartState state = world.state(drive + "[Sökvägar]\nServer = " + server + "\n");
         LanguageTexts texts;
         startUp(state, texts, world.program.string());
-        EXPECT_EQ(texts.ResText(5000), "Svar");
+        EXPECT_EQ(texts.ResText(text::shared::kMessage), "Svar");
     }
 }
 

@@ -70,7 +70,7 @@ class World {
     /// a point, Null as "-".
     [[nodiscard]] std::string rows(std::string_view table, std::string_view columns) const;
     /// A text of the main window.
-    [[nodiscard]] std::string text(int number) const { return texts_.FormulärSträng("PrisMain", number); }
+    [[nodiscard]] std::string text(FormKey key) const { return texts_.FormulärSträng(key); }
     [[nodiscard]] LanguageTexts& texts() const { return texts_; }
     [[nodiscard]] std::filesystem::path company() const { return data() / "FTG1.mdb"; }
     [[nodiscard]] std::filesystem::path data() const { return folder_ / "data"; }

@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "lang/keys/prismain.h"
 #include "platform/encodings.h"
 #include "tradeformats/tradeworld.h"
 
@@ -100,7 +101,7 @@ TEST(RskGroups, CancelStopsBeforeThePriceFile) {
     for (int number = 1001; number <= 1120; ++number) groups += std::to_string(number) + "Grupp\r\n";
     world.groups(groups);
     world.file(std::string(kArticle) + "2AB00012550\r\n");
-    world.port.cancelAtStatus = world.text(57) + " 50 ....";
+    world.port.cancelAtStatus = world.text(text::prismain::kGroupsRead) + " 50 ....";
     const RunSummary summary = world.run();
     EXPECT_TRUE(summary.cancelled);
     EXPECT_EQ(summary.records, 0);

@@ -4,6 +4,9 @@
 #include <fstream>
 #include <thread>
 
+#include "lang/keys/prismain.h"
+#include "lang/keys/prisutfa.h"
+#include "lang/keys/run.h"
 #include "platform/lettercase.h"
 #include "tradeformats/tradeworld.h"
 
@@ -49,9 +52,10 @@ TEST(TradeRun, ShowsTheCouplingsThatItUses) {
     const Confirmation& asked = world.port.confirmations[0];
     EXPECT_TRUE(asked.tradeFormat);
     EXPECT_EQ(asked.captionSuffix, " (EIO)");
-    EXPECT_EQ(asked.couplings, (std::vector<std::string>{
-                                   "AB\t-->\t1010\t" + world.texts().FormulärSträng("PrisUtFa", 3) + "\tGrossisten",
-                                   "CD\t-->\t1020\t\tLyskällan", "AB\t-->\t1020\t\tLyskällan"}));
+    EXPECT_EQ(asked.couplings,
+              (std::vector<std::string>{
+                  "AB\t-->\t1010\t" + world.texts().FormulärSträng(text::prisutfa::kMainSupplier) + "\tGrossisten",
+                  "CD\t-->\t1020\t\tLyskällan", "AB\t-->\t1020\t\tLyskällan"}));
     // Of two couplings of one code the first counts.
     EXPECT_EQ(world.rows("Levprislista", "Leverantör"), "1010\n");
 }
@@ -65,22 +69,24 @@ TEST(TradeRun, StopsBeforeAnythingIsWritten) {
          [](TradeWorld& w) {
              w.job.name = "(FINFO)";
              w.coupling("CD", "9999");
-             w.port.expect(
-                 w.texts().FormulärSträngMed2("PrisMain", 24, "Testbolaget (" + w.shownCompany() + ")", "(FINFO)"),
-                 w.text(25));
+             w.port.expect(w.texts().FormulärSträngMed2(text::prismain::kNoSupplierCoupled,
+                                                        "Testbolaget (" + w.shownCompany() + ")", "(FINFO)"),
+                           w.text(text::prismain::kNoCouplingTitle));
          }},
         {"couplings that cannot be read",
          [](TradeWorld& w) {
              std::filesystem::remove(w.data() / "PRISLEV.TXT");
              std::filesystem::create_directory(w.data() / "PRISLEV.TXT");
-             w.port.expect(w.texts().ModulTextMed("KMR", 320, "Det är en mapp och ingen fil: PRISLEV.TXT."),
-                           w.texts().ModulText("KMR", 100));
+             w.port.expect(
+                 w.texts().ModulTextMed(text::run::kUnreadableFile, "Det är en mapp och ingen fil: PRISLEV.TXT."),
+                 w.texts().ModulText(text::run::kCannotRunTitle));
          }},
         {"not confirmed", [](TradeWorld& w) { w.port.confirmation = {.confirmed = false}; }},
         {"no price file",
          [](TradeWorld& w) {
              w.job.priceFile = "borta.txt";
-             w.port.expect(w.text(26) + " borta.txt.", w.text(26));
+             w.port.expect(w.text(text::prismain::kCannotFindPriceFile) + " borta.txt.",
+                           w.text(text::prismain::kCannotFindPriceFile));
          }},
     };
     for (const auto& c : cases) {
@@ -98,7 +104,7 @@ TEST(TradeRun, TellsOfLineFeedsWhereLinesShouldEnd) {
     world.rawPriceFile(replaceAll(eioFile(100), "\r", ""));
     EXPECT_EQ(world.run().records, 1);
     ASSERT_EQ(world.port.told.size(), 1U);
-    EXPECT_EQ(world.port.told[0].find(world.texts().ModulTextMed("KMR", 321, "pris.txt")), 0U);
+    EXPECT_EQ(world.port.told[0].find(world.texts().ModulTextMed(text::run::kReadAsOneLine, "pris.txt")), 0U);
 }
 
 TEST(TradeRun, TellsWhatLinesDidNotBring) {
@@ -149,13 +155,14 @@ TEST(TradeRun, TellsWhatLinesDidNotBring) {
 TEST(TradeRun, CancelKeepsWhatWasRead) {
     TradeWorld world("(EIO)");
     world.priceFile(eioFile(60));
-    world.port.cancelAtStatus = world.text(29) + " 100 ....";
+    world.port.cancelAtStatus = world.text(text::prismain::kRecordsRead) + " 100 ....";
     RunSummary summary = world.run();
     EXPECT_TRUE(summary.cancelled);
     EXPECT_TRUE(summary.completed);
     EXPECT_EQ(summary.records, 100);
-    EXPECT_EQ(world.port.statuses,
-              (std::vector<std::string>{world.text(28), world.text(29) + " 50 ....", world.text(29) + " 100 ...."}));
+    EXPECT_EQ(world.port.statuses, (std::vector<std::string>{world.text(text::prismain::kReading),
+                                                             world.text(text::prismain::kRecordsRead) + " 50 ....",
+                                                             world.text(text::prismain::kRecordsRead) + " 100 ...."}));
     // Two whole batches: the 50 price records among 100 lines.
     EXPECT_EQ(count(world.rows("Produkt", "Nummer")), 50);
     EXPECT_EQ(count(world.rows("Levprislista", "Produktnr")), 50);

@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "lang/keys/shared.h"
 #include "support/qt/formworld.h"
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"
@@ -54,7 +55,7 @@ TEST(Forms, VisaFormulärTellsOfMissingMemory) {
     world.boxPort.answers = {Answer::OK};
     Heavy form;
     EXPECT_FALSE(VisaFormulär(world.program, form, false));
-    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ResText(3001));
+    EXPECT_EQ(world.boxPort.shown.back(), "Kolmera|" + world.texts.ResText(text::shared::kOutOfMemory));
 }
 
 /// Shows a message box and lets `act` work on it.

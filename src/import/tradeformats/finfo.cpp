@@ -13,16 +13,16 @@ constexpr double kMillionths = 1'000'000;
 constexpr Columns kInpris = columns(kFinfo, "inpris"), kUtpris = columns(kFinfo, "utpris"),
                   kFörpackningsantal = columns(kFinfo, "förpackningsantal");
 
-std::string text(std::string_view line, Columns columns) { return toUtf8(cut(line, columns), CodePage::Oem850); }
+std::string cutText(std::string_view line, Columns columns) { return toUtf8(cut(line, columns), CodePage::Oem850); }
 
 }  // namespace
 
 LineUse Finfo::takeLine(std::string_view line) {
-    std::string group = text(line, columns(kFinfo, "varugrupp"));
+    std::string group = cutText(line, columns(kFinfo, "varugrupp"));
     if (!inGroupRange(group)) return parts_.passOver(Remark::OutsideGroups, {}, group);
     const std::string_view code = cut(line, columns(kFinfo, "leverantörskod"));
     const CoupledSupplier* supplier = parts_.suppliers.find(code);
-    std::string number = text(line, columns(kFinfo, "produktnr"));
+    std::string number = cutText(line, columns(kFinfo, "produktnr"));
     parts_.report.about(number);
     if (!supplier) {
         parts_.report.uncoupled(toUtf8(code, CodePage::Oem850));
@@ -31,7 +31,7 @@ LineUse Finfo::takeLine(std::string_view line) {
     if (number.empty()) return parts_.passOver(Remark::NoKey);
     const Digits purchasePrice = cutDigits(line, kInpris, kHundredths);
     // A damaged price must not put 0 over a good one; a missing one is 0.
-    if (purchasePrice.unreadable()) return parts_.passOver(Remark::DamagedPrice, kInpris.name, text(line, kInpris));
+    if (purchasePrice.unreadable()) return parts_.passOver(Remark::DamagedPrice, kInpris.name, cutText(line, kInpris));
     const Digits salesPrice = cutDigits(line, kUtpris, kHundredths);
 
     const Article article{
@@ -41,10 +41,10 @@ LineUse Finfo::takeLine(std::string_view line) {
         .group = std::move(group),
         .purchasePrice = purchasePrice.number,
         .salesPrice = salesPrice.number,
-        .priceDate = TolkaDatum(text(line, columns(kFinfo, "prisdatum")), parts_.Idag, parts_.locale)};
+        .priceDate = TolkaDatum(cutText(line, columns(kFinfo, "prisdatum")), parts_.Idag, parts_.locale)};
     if (!writeProduct(article)) return parts_.passOver(Remark::NotSaved);
-    if (article.purchasePrice == 0) parts_.report.remark(Remark::MissingPrice, kInpris.name, text(line, kInpris));
-    if (salesPrice.unreadable()) parts_.report.remark(Remark::NotNumber, kUtpris.name, text(line, kUtpris));
+    if (article.purchasePrice == 0) parts_.report.remark(Remark::MissingPrice, kInpris.name, cutText(line, kInpris));
+    if (salesPrice.unreadable()) parts_.report.remark(Remark::NotNumber, kUtpris.name, cutText(line, kUtpris));
     writeSupplierPrice(article);
     writeAlternatives(article);
     return LineUse::Written;
@@ -61,15 +61,15 @@ bool Finfo::writeProduct(const Article& article) {
     ProductRows& products = parts_.tables.products();
     RowWriter& row = products.row;
     row.write(products.Nummer, article.number);
-    row.write(products.Benämning, text(article.line, columns(kFinfo, "benämning")));
-    const std::string unit = text(article.line, columns(kFinfo, "enhet"));
+    row.write(products.Benämning, cutText(article.line, columns(kFinfo, "benämning")));
+    const std::string unit = cutText(article.line, columns(kFinfo, "enhet"));
     for (const Column* column : {&products.InköpsEnhet, &products.Försäljenhet, &products.Statistikenhet}) {
         row.write(*column, unit);
     }
     row.write(products.Grupp, firstCharacters(article.group, kGroupCharacters));
     writePackage(products, article.line);
     row.write(products.Leverantör, article.supplier.number);
-    row.write(products.Levartikelnr, text(article.line, columns(kFinfo, "levartikelnr")));
+    row.write(products.Levartikelnr, cutText(article.line, columns(kFinfo, "levartikelnr")));
     row.write(products.Prisändrdat, article.priceDate);
     row.write(products.Inpris, parts_.tables.roundedInpris(article.purchasePrice));
     row.write(products.Utpris(1), parts_.tables.roundedUtpris(levelOnePrice(article, found), 1));
@@ -82,9 +82,10 @@ void Finfo::writePackage(ProductRows& products, std::string_view line) {
     const Digits quantity = cutDigits(line, kFörpackningsantal, kMillionths);
     if (quantity.number == 1) return;
     if (quantity.unreadable()) {
-        return parts_.report.remark(Remark::DamagedQuantity, kFörpackningsantal.name, text(line, kFörpackningsantal));
+        return parts_.report.remark(Remark::DamagedQuantity, kFörpackningsantal.name,
+                                    cutText(line, kFörpackningsantal));
     }
-    const std::string unit = text(line, columns(kFinfo, "förpackningsenhet"));
+    const std::string unit = cutText(line, columns(kFinfo, "förpackningsenhet"));
     products.row.write(products.Antal1, quantity.number);
     products.row.write(products.Rubrik0, unit);
     products.row.write(products.Rubrik1, unit);
@@ -118,7 +119,7 @@ void Finfo::writeAlternatives(const Article& article) {
                         {parts_.job.heading2, columns(kFinfo, "EAN")}};
     for (const auto& alternative : alternatives) {
         if (alternative.heading == 0) continue;
-        parts_.tables.putAlternative(article.number, alternative.heading, text(article.line, alternative.columns));
+        parts_.tables.putAlternative(article.number, alternative.heading, cutText(article.line, alternative.columns));
     }
 }
 

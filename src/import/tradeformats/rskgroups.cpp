@@ -6,6 +6,7 @@
 #include "db/batchtransaction.h"
 #include "import/defaults.h"
 #include "import/rowwriter.h"
+#include "lang/keys/prismain.h"
 #include "platform/encodings.h"
 #include "platform/paths.h"
 #include "platform/pricefile.h"
@@ -52,8 +53,8 @@ class GroupRows {
 bool LäsInproduktGrupperRSK(RunMachinery& run, Recordset& settings) {
     const auto file = openGroups(run);
     if (!file) return true;
-    const std::string label = run.texts().FormulärSträng("PrisMain", 57) + " ";
-    run.port().status(run.texts().FormulärSträng("PrisMain", 56));
+    const std::string label = run.texts().FormulärSträng(text::prismain::kGroupsRead) + " ";
+    run.port().status(run.texts().FormulärSträng(text::prismain::kReadingGroups));
     run.port().letEventsRun();
 
     GroupRows groups(run, settings);

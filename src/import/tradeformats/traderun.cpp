@@ -16,6 +16,8 @@
 #include "import/tradeformats/rsk.h"
 #include "import/tradeformats/rskgroups.h"
 #include "import/tradeformats/tradelook.h"
+#include "lang/keys/prismain.h"
+#include "lang/keys/prisutfa.h"
 
 namespace kolmera {
 namespace {
@@ -53,8 +55,8 @@ struct CompanyTables {
 };
 
 void warnNoCoupling(RunMachinery& run, std::string_view heading) {
-    run.warn(run.texts().FormulärSträngMed2("PrisMain", 24, heading, run.jobText()),
-             run.texts().FormulärSträng("PrisMain", 25));
+    run.warn(run.texts().FormulärSträngMed2(text::prismain::kNoSupplierCoupled, heading, run.jobText()),
+             run.texts().FormulärSträng(text::prismain::kNoCouplingTitle));
 }
 
 /// Empties the tables that the run writes. False when cancelled.
@@ -116,7 +118,7 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
     if (run.emptyTables() && !emptyTables(run, products, supplierPrices, alternatives)) return;
     if (job.readsGroups && !LäsInproduktGrupperRSK(run, *company.settings)) return;
 
-    run.port().status(run.texts().FormulärSträng("PrisMain", 28));
+    run.port().status(run.texts().FormulärSträng(text::prismain::kReading));
     const Date Idag = run.context().Idag;
     PrisClsRoundInprisOUtpris prices(sql, run.report(), Idag);
     prices.Init();
@@ -159,7 +161,7 @@ void runTradeFormat(RunMachinery& run, const TradeJob& job) {
     if (suppliers.empty()) return warnNoCoupling(run, heading);
 
     ProductRows products(run.sql(), run.report());
-    auto rows = couplingRows(suppliers, run.texts().FormulärSträng("PrisUtFa", 3));
+    auto rows = couplingRows(suppliers, run.texts().FormulärSträng(text::prisutfa::kMainSupplier));
     if (!run.confirm(products.row.rows(), *company.settings2, run.MeddelandeUtför(heading), std::move(rows))) return;
     if (!run.prepare() || !run.findPriceFile() || !readsFile(run, job, suppliers) || !run.openPriceFile()) return;
     readPriceFile(run, job, products, company, std::move(suppliers));

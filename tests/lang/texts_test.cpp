@@ -1,0 +1,66 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+#include <set>
+
+#include "db/companyschema.h"
+#include "platform/lettercase.h"
+#include "platform/tsv.h"
+
+namespace kolmera::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kProject(KOLMERA_SOURCE_DIR);
+
+/// A marker of each kind, as often as the text has it; nothing of an empty text or of one with an unknown marker.
+std::multiset<std::string> markersOf(const std::string& text) {
+    static const std::regex marker("<[^<>]*>"), known("<(LF|CRLF|TAB|SP|VAR[123])>");
+    std::multiset<std::string> markers{text.empty() ? "" : "text"};
+    for (std::sregex_iterator i(text.begin(), text.end(), marker), end; i != end; ++i) {
+        markers.insert(std::regex_match(i->str(), known) ? i->str() : "");
+    }
+    return markers;
+}
+
+std::string wholeSource() {
+    std::string source;
+    for (const auto& entry : fs::recursive_directory_iterator(kProject / "src")) {
+        if (std::set<fs::path>{".cpp", ".h"}.contains(entry.path().extension())) source += readWholeFile(entry.path());
+    }
+    return source;
+}
+
+std::size_t productColumns() {
+    static const std::vector<TableDef> tables = companySchema();
+    return std::ranges::find(tables, "Produkt", &TableDef::name)->fields.size();
+}
+
+/// Named texts are used where their name stands; captions and names of columns are found by what they belong to.
+bool isUsed(const std::string& key, const std::string& name, const std::string& source) {
+    static const std::regex column("RGA_Produkt_0*([0-9]+)"), control("SP_FRM_([^_]+)(_(.+?)(_[0-9]+)?(_TT)?)?");
+    const auto quoted = [&](const std::string& word) { return source.find('"' + word + '"') != std::string::npos; };
+    std::smatch match;
+    if (!name.empty()) return std::regex_search(source, std::regex("\\b" + name + "\\b"));
+    if (std::regex_match(key, match, column)) return std::stoul(match[1]) < productColumns();
+    return std::regex_match(key, match, control) && quoted(match[1]) && (!match[3].matched || quoted(match[3]));
+}
+
+TEST(Texts, TableIsWellFormedAndUsed) {
+    const Tsv table = Tsv::read(kProject / "data/lang/texts.tsv");
+    const std::string source = wholeSource();
+    std::set<std::string> keys;
+    for (const auto& row : table.rows) {
+        SCOPED_TRACE(row[0]);
+        ASSERT_EQ(row.size(), 4U) << "key, SE, EN, name";
+        EXPECT_TRUE(keys.insert(upperCase(row[0])).second) << "twice";
+        EXPECT_EQ(markersOf(row[1]).count(""), 0U) << "empty, or with an unknown marker";
+        EXPECT_EQ(markersOf(row[1]), markersOf(row[2])) << "the languages differ in their markers";
+        EXPECT_TRUE(isUsed(row[0], row[3], source)) << "nobody uses it";
+    }
+}
+
+}  // namespace
+}  // namespace kolmera::test
