@@ -1,5 +1,7 @@
 #include "cli/servercommands.h"
 
+#include <fmt/format.h>
+
 #include <fstream>
 #include <optional>
 #include <ostream>
@@ -52,7 +54,7 @@ std::optional<std::string> connectStringOf(Session& session, const ServerArgumen
 }
 
 bool holdsPassword(std::string_view connectString) {
-    const std::string upper = ";" + upperCase(connectString);
+    const std::string upper = fmt::format(";{}", upperCase(connectString));
     return upper.find(";PWD=") != std::string::npos || upper.find(";PASSWORD=") != std::string::npos;
 }
 

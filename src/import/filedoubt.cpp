@@ -57,11 +57,12 @@ bool isOfEncoding(FileLook look) {
 std::string factText(LanguageTexts& texts, const FileFact& fact, const Locale& locale) {
     std::string text = texts.ModulTextMed(kFacts[static_cast<std::size_t>(fact.look)], printable(fact.example, kShown));
     if (fact.look == FileLook::NoTabs && !fact.example.empty()) {
-        text += " " + texts.ModulTextMed(text::look::kSeparator, fact.example);
+        text.append(" ").append(texts.ModulTextMed(text::look::kSeparator, fact.example));
     }
-    if (isOfEncoding(fact.look)) text += " " + texts.ModulTextMed(text::look::kEncoding, nameOf(fact.codePage));
+    if (isOfEncoding(fact.look))
+        text.append(" ").append(texts.ModulTextMed(text::look::kEncoding, nameOf(fact.codePage)));
     if (fact.look == FileLook::OtherNumbers)
-        text += " " + texts.ModulTextMed(text::look::kNumberForm, numberForm(locale));
+        text.append(" ").append(texts.ModulTextMed(text::look::kNumberForm, numberForm(locale)));
     return fact.file.empty() ? text : fact.file + ": " + text;
 }
 

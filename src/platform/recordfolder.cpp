@@ -39,7 +39,8 @@ std::string contentOf(const Descriptor& file) {
 /// The content; empty when the file is missing, which is made where the folder can be written.
 std::string readOrMake(const fs::path& file) {
     std::error_code error;
-    if (fs::symlink_status(file, error).type() != fs::file_type::not_found) return contentOf(Descriptor(file, O_RDONLY));
+    if (fs::symlink_status(file, error).type() != fs::file_type::not_found)
+        return contentOf(Descriptor(file, O_RDONLY));
     try {
         const Descriptor made(file, O_RDWR | O_CREAT | O_NOFOLLOW);
         return contentOf(made);

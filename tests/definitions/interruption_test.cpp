@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
@@ -65,7 +66,7 @@ struct Definitions {
             text += "\n" + mask.Namn + ":";
             const WholeMask whole = *masks.read(mask.number);
             for (const Relation& relation : whole.relations) {
-                text += " " + std::to_string(relation.Källa) + ">" + std::to_string(relation.Mål);
+                text += fmt::format(" {}>{}", relation.Källa, relation.Mål);
             }
         }
         for (const Coupling& each : couplings.ofJob("(EIO)")) text += "\n" + each.code + (each.mainSupplier ? "H" : "");

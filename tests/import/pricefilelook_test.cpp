@@ -70,7 +70,9 @@ std::string shown(const FileFacts& facts) {
         "SomeLF", "NoTabs", "Drifts",   "NoKeys", "Numbers", "NotOfFormat", "Uncoupled", "Groups",   "NoNumbers"};
     std::string text;
     for (const FileFact& fact : facts) {
-        text += (text.empty() ? "" : " ") + (fact.garbage ? "!"s : ""s) + kNames[static_cast<int>(fact.look)];
+        text.append(text.empty() ? "" : " ")
+            .append(fact.garbage ? "!" : "")
+            .append(kNames[static_cast<int>(fact.look)]);
     }
     return text;
 }

@@ -100,7 +100,7 @@ TEST(RunReport, KeepsCountsNotTheFile) {
     for (int record = 1; record <= 1000; ++record) {
         report.at(record);
         report.remark(Remark::NoProduct);
-        report.uncoupled("K" + std::to_string(record));
+        report.uncoupled(fmt::format("K{}", record));
         report.note("Produkt", PlatformError(3022, "Duplicate " + std::to_string(record)));
     }
     EXPECT_EQ(report.count(Remark::NoProduct), 1000);
