@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <regex>
 #include <set>
 
@@ -38,14 +39,27 @@ std::size_t productColumns() {
     return std::ranges::find(tables, "Produkt", &TableDef::name)->fields.size();
 }
 
-/// Named texts are used where their name stands; captions and names of columns are found by what they belong to.
+bool hasWord(const std::string& source, const std::string& word) {
+    for (std::size_t at = source.find(word); at != std::string::npos; at = source.find(word, at + 1)) {
+        if (std::isalnum(static_cast<unsigned char>(source[at + word.size()])) == 0) return true;
+    }
+    return false;
+}
+
+/// Named texts are used where their name stands; captions and names of columns are found by what they belong to: a
+/// control by its whole name, a numbered one by its pattern, a label also by its box.
 bool isUsed(const std::string& key, const std::string& name, const std::string& source) {
-    static const std::regex column("RGA_Produkt_0*([0-9]+)"), control("SP_FRM_([^_]+)(_(.+?)(_[0-9]+)?(_TT)?)?");
+    static const std::regex column("RGA_Produkt_0*([0-9]+)"), form("SP_FRM_([^_]+)"),
+        control("SP_FRM_([^_]+)_((Lbl_)?(.*?)(_?[0-9]+)?)(_TT)?");
     const auto quoted = [&](const std::string& word) { return source.find('"' + word + '"') != std::string::npos; };
     std::smatch match;
-    if (!name.empty()) return std::regex_search(source, std::regex("\\b" + name + "\\b"));
+    if (!name.empty()) return hasWord(source, name);
     if (std::regex_match(key, match, column)) return std::stoul(match[1]) < productColumns();
-    return std::regex_match(key, match, control) && quoted(match[1]) && (!match[3].matched || quoted(match[3]));
+    if (std::regex_match(key, match, form)) return quoted(match[1]);
+    if (!std::regex_match(key, match, control) || !quoted(match[1])) return false;
+    const std::string label = match[3], stem = match[4];
+    const bool numbered = quoted(label + stem) || quoted(label + "%1");
+    return quoted(match[2]) || (match[5].matched && numbered) || (!label.empty() && quoted(stem));
 }
 
 TEST(Texts, TableIsWellFormedAndUsed) {

@@ -6,6 +6,7 @@
 set(file_only_tests
     LockedCompany.*                              # locks of the whole file (on servers: serverfaults_test)
     FullDisk.*  # the disk is the server's
+    BrokenCompany.*                              # damages the file
     TwoRuns.*                                    # a test process has one company on a server
     RunStops.NothingOfTheCompanyIsTouchedBeforeTheMaskIsKnown  # looks for the file
     RunStops.CompaniesThatCannotBeOpened         # files that are damaged, no database, locked by a password
