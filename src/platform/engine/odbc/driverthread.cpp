@@ -1,7 +1,6 @@
 #include "platform/engine/odbc/driverthread.h"
 
-#include <signal.h>
-
+#include <csignal>
 #include <optional>
 #include <utility>
 
