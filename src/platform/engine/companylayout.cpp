@@ -143,8 +143,9 @@ Copy readCopy(const PageFile& file, std::uint32_t root) {
             checked.push_back(std::move(entry));
         }
     });
-    if (checked.empty() && salvage.whole()) return {std::move(unchecked), !unchecked.empty()};
-    return {std::move(checked), lines > 0 && checked.size() == lines};
+    const bool old = checked.empty() && salvage.whole();
+    const bool complete = old ? !unchecked.empty() : lines > 0 && checked.size() == lines;
+    return {old ? std::move(unchecked) : std::move(checked), complete};
 }
 
 bool sameField(const FieldDef& a, const FieldDef& b) {

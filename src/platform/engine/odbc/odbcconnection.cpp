@@ -210,7 +210,7 @@ OdbcConnection::Error OdbcConnection::setAutomaticCommit(bool on) {
     if (on == automaticCommit_) return std::nullopt;
     const SQLULEN mode = on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF;
     if (!dialect_->sendsBegin) count();
-    const Error error = call([&]() -> Error {
+    Error error = call([&]() -> Error {
         if (SQL_SUCCEEDED(SQLSetConnectAttr(handle_, SQL_ATTR_AUTOCOMMIT, number(mode), 0))) return std::nullopt;
         return odbcError(SQL_HANDLE_DBC, handle_);
     });
