@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "db/companyschema.h"
-#include "platform/engine/collation.h"
 #include "platform/engine/database.h"
+#include "platform/engine/sqlite/collation.h"
 
 namespace kolmera {
 namespace {

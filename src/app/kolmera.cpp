@@ -2,17 +2,17 @@
 #include <exception>
 #include <filesystem>
 
-#include "definitions/prisstyr.h"
-#include "discounts/prisrab.h"
-#include "import/filedoubt.h"
-#include "import/jobicons.h"
-#include "import/prismain.h"
+#include "definitions/window/prisstyr.h"
+#include "discounts/window/prisrab.h"
+#include "import/masks/masklook.h"
+#include "import/window/jobicons.h"
+#include "import/window/prismain.h"
 #include "lang/errortext.h"
 #include "lang/keys/loggain.h"
 #include "lang/keys/terminal.h"
 #include "platform/systemuser.h"
-#include "signin/loggain.h"
 #include "signin/signin.h"
+#include "signin/window/loggain.h"
 #include "startup/startup.h"
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"

@@ -7,7 +7,7 @@
 #include <ostream>
 
 #include "cli/session.h"
-#include "import/joblist.h"
+#include "definitions/joblist.h"
 #include "lang/keys/terminal.h"
 #include "platform/encodings.h"
 

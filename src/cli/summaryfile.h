@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "import/runsummary.h"
+#include "import/run/runsummary.h"
 #include "lang/languagetexts.h"
 #include "platform/descriptor.h"
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "cli/progressbar.h"
-#include "import/runport.h"
+#include "import/run/runport.h"
 
 namespace kolmera::cli {
 

@@ -1,6 +1,6 @@
 #include "import/dispatcher.h"
 
-#include "import/maskrun.h"
+#include "import/masks/maskrun.h"
 #include "import/tradeformats/traderun.h"
 
 namespace kolmera {

@@ -1,4 +1,4 @@
-#include "definitions/prismtyp.h"
+#include "definitions/window/prismtyp.h"
 
 #include <QComboBox>
 #include <QLabel>

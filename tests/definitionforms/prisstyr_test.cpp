@@ -1,4 +1,4 @@
-#include "definitions/prisstyr.h"
+#include "definitions/window/prisstyr.h"
 
 #include <QCheckBox>
 #include <QComboBox>

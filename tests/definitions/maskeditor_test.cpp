@@ -6,7 +6,7 @@
 #include <map>
 
 #include "definitions/editorworld.h"
-#include "import/filedoubt.h"
+#include "import/masks/masklook.h"
 #include "lang/keys/definitions.h"
 #include "lang/keys/files.h"
 #include "lang/keys/look.h"

@@ -1,4 +1,4 @@
-#include "discounts/prisrab.h"
+#include "discounts/window/prisrab.h"
 
 #include <QHeaderView>
 #include <QLabel>

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "engine/enginetest.h"
-#include "platform/engine/collation.h"
+#include "platform/engine/sqlite/collation.h"
 
 namespace kolmera::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/defaults.h"
+#include "import/rows/defaults.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "import/fieldconversion.h"
+#include "import/rows/fieldconversion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "import/joblist.h"
+#include "definitions/joblist.h"
 
 #include <gtest/gtest.h>
 

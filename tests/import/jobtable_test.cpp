@@ -1,4 +1,4 @@
-#include "import/jobtable.h"
+#include "definitions/jobtable.h"
 
 #include <gtest/gtest.h>
 

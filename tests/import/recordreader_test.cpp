@@ -1,4 +1,4 @@
-#include "import/recordreader.h"
+#include "import/masks/recordreader.h"
 
 #include <gtest/gtest.h>
 

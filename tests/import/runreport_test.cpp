@@ -1,4 +1,4 @@
-#include "import/runreport.h"
+#include "import/run/runreport.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "import/prismain.h"
+#include "import/window/prismain.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +15,8 @@
 
 #include "db/conversions.h"
 #include "definitions/jobfile.h"
-#include "import/prisutfa.h"
-#include "import/prisutfo.h"
+#include "import/window/prisutfa.h"
+#include "import/window/prisutfo.h"
 #include "lang/keys/definitions.h"
 #include "lang/keys/look.h"
 #include "lang/keys/prismain.h"

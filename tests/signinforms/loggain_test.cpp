@@ -1,4 +1,4 @@
-#include "signin/loggain.h"
+#include "signin/window/loggain.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "import/runport.h"
+#include "import/run/runport.h"
 
 namespace kolmera::test {
 

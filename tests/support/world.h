@@ -7,7 +7,7 @@
 
 #include "definitions/jobfile.h"
 #include "definitions/maskfile.h"
-#include "import/importcontext.h"
+#include "import/run/importcontext.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 #include "support/scriptedport.h"

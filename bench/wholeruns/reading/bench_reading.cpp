@@ -6,8 +6,8 @@
 #include <span>
 #include <string>
 
-#include "import/loadedmask.h"
-#include "import/recordreader.h"
+#include "import/masks/loadedmask.h"
+#include "import/masks/recordreader.h"
 #include "import/tradeformats/eio.h"
 #include "import/tradeformats/finfo.h"
 #include "import/tradeformats/rsk.h"

@@ -1,6 +1,6 @@
 #include "import/tradeformats/eiorsk.h"
 
-#include "import/fieldconversion.h"
+#include "import/rows/fieldconversion.h"
 #include "platform/digits.h"
 
 namespace kolmera {

@@ -1,6 +1,6 @@
 #include "import/tradeformats/finfo.h"
 
-#include "import/fieldconversion.h"
+#include "import/rows/fieldconversion.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 

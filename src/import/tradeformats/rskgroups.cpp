@@ -4,8 +4,8 @@
 #include <string>
 
 #include "db/batchtransaction.h"
-#include "import/defaults.h"
-#include "import/rowwriter.h"
+#include "import/rows/defaults.h"
+#include "import/rows/rowwriter.h"
 #include "lang/keys/prismain.h"
 #include "platform/encodings.h"
 #include "platform/paths.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/runmachinery.h"
+#include "import/run/runmachinery.h"
 #include "import/tradeformats/linelayout.h"
 
 namespace kolmera {

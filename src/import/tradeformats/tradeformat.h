@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "definitions/jobfile.h"
-#include "import/runreport.h"
+#include "import/run/runreport.h"
 #include "import/tradeformats/suppliercouplings.h"
 #include "import/tradeformats/tradetables.h"
 #include "platform/date.h"

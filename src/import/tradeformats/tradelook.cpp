@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "import/pricefilelook.h"
+#include "import/run/filelook.h"
 #include "import/tradeformats/eio.h"
 #include "import/tradeformats/finfo.h"
 #include "import/tradeformats/rsk.h"

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "definitions/jobfile.h"
-#include "import/filefact.h"
+#include "import/run/filefact.h"
 #include "import/tradeformats/linelayout.h"
 #include "import/tradeformats/suppliercouplings.h"
 

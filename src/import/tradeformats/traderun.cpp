@@ -10,7 +10,7 @@
 
 #include "db/batchtransaction.h"
 #include "definitions/couplingfile.h"
-#include "import/runmachinery.h"
+#include "import/run/runmachinery.h"
 #include "import/tradeformats/eio.h"
 #include "import/tradeformats/finfo.h"
 #include "import/tradeformats/rsk.h"

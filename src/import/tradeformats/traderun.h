@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "import/importcontext.h"
+#include "import/run/importcontext.h"
 
 namespace kolmera {
 

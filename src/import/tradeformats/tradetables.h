@@ -5,10 +5,10 @@
 #include <string_view>
 
 #include "discounts/rabattbrev.h"
-#include "import/defaults.h"
-#include "import/rowwriter.h"
-#include "import/runsummary.h"
-#include "import/supplierpricerows.h"
+#include "import/rows/defaults.h"
+#include "import/rows/rowwriter.h"
+#include "import/rows/supplierpricerows.h"
+#include "import/run/runsummary.h"
 #include "platform/date.h"
 #include "pricing/changedate.h"
 #include "pricing/listsetting.h"

@@ -2,7 +2,7 @@
 //   sqlite3 -cmd ".load ./svenska" FTG1.mdb
 #include <sqlite3ext.h>
 
-#include "platform/engine/collation.h"
+#include "platform/engine/sqlite/collation.h"
 
 SQLITE_EXTENSION_INIT1
 

@@ -1,0 +1,413 @@
+#include "definitions/window/prismtyp.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+
+#include "ui/controls.h"
+#include "ui/forms.h"
+#include "ui/keys.h"
+#include "ui/lists.h"
+#include "ui/qttext.h"
+#include "ui/ucuppner.h"
+
+namespace kolmera {
+namespace {
+
+constexpr int kNumberLength = 4;
+constexpr char kFilTyper[] = {'F', 'T', 'P'};
+constexpr char kTecken[] = {'J', 'N'};
+constexpr char kSkapaNya[] = {'J', 'N'};
+const std::vector<int> kFieldTabStops{18};                       ///< dialog units
+const std::vector<int> kRelationTabStops{16, 64, 94, 168, 244};  ///< dialog units
+
+QListWidget* list(QWidget& parent, const char* name, QLabel& caption, const std::vector<int>& tabStops) {
+    auto* made = named(new QListWidget(&parent), name);
+    made->setUniformItemSizes(true);
+    setTabStops(*made, tabStops);
+    installEnterSomTabOn(*made);
+    caption.setBuddy(made);
+    return made;
+}
+
+QLineEdit* numberBox(QWidget& parent, const char* name) {
+    auto* box = named(new QLineEdit(&parent), name);
+    box->setMaxLength(kNumberLength);
+    // Room for the digits, the cursor and the frame.
+    box->setFixedWidth((kNumberLength + 3) * box->fontMetrics().horizontalAdvance('0'));
+    allowNumbersOnly(*box, ',', false, false);
+    return box;
+}
+
+/// The arrows beside a number box.
+UCUppNer* arrows(QLineEdit& box, const Locale& locale) {
+    constexpr float kGreatest = 9999;  // of kNumberLength digits
+    auto* made = new UCUppNer(locale, box);
+    made->setObjectName("UppNer_" + box.objectName());
+    made->steps.Max = kGreatest;
+    return made;
+}
+
+/// The letter of the option with that number, counted from 1.
+template <std::size_t Count>
+char letterOf(const char (&letters)[Count], int option) {
+    return letters[static_cast<std::size_t>(option - 1)];
+}
+
+/// Chooses the option of a letter; an unknown letter is the last one's.
+template <std::size_t Count>
+void check(QButtonGroup& options, const char (&letters)[Count], char letter) {
+    std::size_t place = 0;
+    while (place + 1 < Count && letters[place] != letter) ++place;
+    options.button(static_cast<int>(place) + 1)->setChecked(true);
+}
+
+void fill(QComboBox& box, const RuleEntries& entries, int chosen) {
+    const QSignalBlocker quiet(box);
+    box.clear();
+    for (const RuleEntry& entry : entries) box.addItem(toQt(entry.text));
+    box.setCurrentIndex(chosen);
+}
+
+void select(QListWidget& list, int row) {
+    const QSignalBlocker quiet(list);
+    selectRow(list, row);
+}
+
+void setTextQuietly(QLineEdit& box, const std::string& text) {
+    if (fromQt(box.text()) != text) box.setText(toQt(text));
+}
+
+}  // namespace
+
+PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent)
+    : QDialog(parent), program_(program), editor_(editor) {
+    const Hourglass loading(program.boxes.port());
+    setObjectName(QStringLiteral("PrisMTyp"));
+    setWindowTitle(QStringLiteral("Mask (filtyp)"));
+    buildMask();
+    buildLists();
+    buildRules();
+    buildButtons();
+    layOut();
+    installEnterSomTab(*this);
+    loadForm(program_, *this);
+    setSizes();
+    showMask();
+    connectMask();
+    connectLists();
+    connectButtons();
+    present();
+}
+
+void PrisMTyp::buildMask() {
+    lblNamn_ = label(*this, "Lbl_Namn", "&Namn på mask");
+    namn_ = named(new QLineEdit(this), "Namn");
+    lblNamn_->setBuddy(namn_);
+
+    ramFilTyp_ = named(new QGroupBox(QStringLiteral("Filstruktur"), this), "Ram_FilTyp");
+    filTyp_ =
+        addOptions(*ramFilTyp_, "FilTyp", {"Fast antal r&ader per post", "Ta&bbavgränsad text", "Fast &postlängd"});
+    antalRader_ = addNumber(*ramFilTyp_, "AntalRader", "Antal ra&der");
+    postlängd_ = addNumber(*ramFilTyp_, "Postlängd", "Post&längd");
+
+    ramTecken_ = named(new QGroupBox(QStringLiteral("Teckenuppsättning"), this), "Ram_Tecken");
+    tecken_ = addOptions(*ramTecken_, "Tecken", {"D&OS", "&Windows"});
+    ramTecken_->layout()->setAlignment(Qt::AlignTop);
+
+    ramSkapaNya_ = named(new QGroupBox(QStringLiteral("Produkter"), this), "Ram_SkapaNya");
+    skapaNya_ = addOptions(*ramSkapaNya_, "SkapaNya", {"S&kapa nya produkter", "Ändra endast b&efintliga produkter"});
+    uppdatLev_ = named(new QCheckBox(QStringLiteral("&Uppdatera priser på"), ramSkapaNya_), "UppdatLev");
+    auto* grid = dynamic_cast<QGridLayout*>(ramSkapaNya_->layout());
+    auto* supplier = new QHBoxLayout;
+    supplier->setSpacing(0);
+    supplier->addWidget(uppdatLev_);
+    supplier->addWidget(label(*ramSkapaNya_, "Lbl_UppdatLev", "leverantör"), 1);
+    grid->addLayout(supplier, grid->rowCount(), 0, 1, 2);
+    grid->setAlignment(Qt::AlignTop);
+}
+
+QButtonGroup* PrisMTyp::addOptions(QGroupBox& frame, const char* name, std::initializer_list<const char*> captions) {
+    auto* grid = new QGridLayout(&frame);
+    auto* group = new QButtonGroup(&frame);
+    int number = 0;
+    for (const char* caption : captions) {
+        ++number;
+        auto* option = new QRadioButton(QString::fromUtf8(caption), &frame);
+        option->setObjectName(QString::fromUtf8(name) + "_" + QString::number(number));
+        group->addButton(option, number);
+        grid->addWidget(option, number - 1, 0);
+    }
+    return group;
+}
+
+// The number stands beside the option that it belongs to.
+QLineEdit* PrisMTyp::addNumber(QGroupBox& frame, const char* name, const char* caption) {
+    auto* grid = dynamic_cast<QGridLayout*>(frame.layout());
+    QLabel* boxLabel = label(frame, ("Lbl_" + std::string(name)).c_str(), caption);
+    QLineEdit* box = numberBox(frame, name);
+    boxLabel->setBuddy(box);
+    const int row = std::string_view(name) == "AntalRader" ? 0 : 2;
+    grid->addWidget(boxLabel, row, 1, Qt::AlignRight);
+    grid->addWidget(box, row, 2);
+    grid->addWidget(arrows(*box, program_.state.locale), row, 3);
+    return box;
+}
+
+void PrisMTyp::buildLists() {
+    lblFrånLista_ = label(*this, "Lbl_FrånLista", "&Fält i prisfilen");
+    frånLista_ = list(*this, "FrånLista", *lblFrånLista_, kFieldTabStops);
+    positioner_ = named(new QGroupBox(QStringLiteral("Position i posten"), this), "Positioner");
+    QLabel* from = label(*positioner_, "Lbl_FrånPos", "Fr&ån position");
+    frånPos_ = numberBox(*positioner_, "FrånPos");
+    from->setBuddy(frånPos_);
+    QLabel* length = label(*positioner_, "Lbl_Längd", "L&ängd");
+    längd_ = numberBox(*positioner_, "Längd");
+    length->setBuddy(längd_);
+    auto* boxes = new QHBoxLayout(positioner_);
+    for (QWidget* control : std::initializer_list<QWidget*>{from, frånPos_, arrows(*frånPos_, program_.state.locale),
+                                                            length, längd_, arrows(*längd_, program_.state.locale)}) {
+        boxes->addWidget(control);
+    }
+    boxes->addStretch(1);
+    lblTillLista_ = label(*this, "Lbl_TillLista", "Fält i företa&get");
+    tillLista_ = list(*this, "TillLista", *lblTillLista_, kFieldTabStops);
+}
+
+void PrisMTyp::buildRules() {
+    lblTypKod_ = label(*this, "Lbl_TypKod", "Uppdaterings&metod");
+    typKod_ = named(new QComboBox(this), "TypKod");
+    lblTypKod_->setBuddy(typKod_);
+    lblDivision_ = label(*this, "Lbl_Division", "S&öknyckel / division");
+    division_ = named(new QComboBox(this), "Division");
+    lblDivision_->setBuddy(division_);
+}
+
+void PrisMTyp::buildButtons() {
+    skapa_ = button(*this, "Skapa", "Skapa &relation");
+    tabort_ = button(*this, "Tabort", "&Ta bort relation");
+    lblRelationer_ = label(*this, "Lbl_Relationer", "Relat&ioner");
+    relationer_ = list(*this, "Relationer", *lblRelationer_, kRelationTabStops);
+    spara_ = button(*this, "Spara", "&Spara");
+    spara_->setDefault(true);
+    avbryt_ = button(*this, "Avbryt", "A&vbryt");
+}
+
+void PrisMTyp::layOut() {
+    auto* name = new QHBoxLayout;
+    name->addWidget(lblNamn_);
+    name->addWidget(namn_, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(spara_);
+    buttons->addWidget(avbryt_);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(name);
+    layout->addLayout(layOutMask());
+    layout->addLayout(layOutFields(), 3);
+    layout->addWidget(lblRelationer_);
+    layout->addWidget(relationer_, 2);
+    layout->addLayout(buttons);
+}
+
+QLayout* PrisMTyp::layOutMask() {
+    auto* frames = new QHBoxLayout;
+    frames->addWidget(ramFilTyp_, 2);
+    frames->addWidget(ramTecken_, 1);
+    frames->addWidget(ramSkapaNya_, 2);
+    return frames;
+}
+
+QLayout* PrisMTyp::layOutFields() {
+    auto* rules = new QGridLayout;
+    rules->addWidget(lblTypKod_, 0, 0);
+    rules->addWidget(typKod_, 1, 0);
+    rules->addWidget(lblDivision_, 0, 1);
+    rules->addWidget(division_, 1, 1);
+    rules->addWidget(skapa_, 1, 2);
+    rules->addWidget(tabort_, 1, 3);
+    rules->setColumnStretch(0, 1);
+    rules->setColumnStretch(1, 1);
+    auto* grid = new QGridLayout;
+    grid->addWidget(lblFrånLista_, 0, 0);
+    grid->addWidget(frånLista_, 1, 0);
+    grid->addWidget(positioner_, 2, 0);
+    grid->addWidget(lblTillLista_, 0, 1);
+    grid->addWidget(tillLista_, 1, 1, 2, 1);
+    grid->addLayout(rules, 3, 0, 1, 2);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+    grid->setRowStretch(1, 1);
+    return grid;
+}
+
+void PrisMTyp::setSizes() {
+    constexpr int kLetters = 130, kLines = 8, kRelationLines = 5;
+    const QFontMetrics metrics = fontMetrics();
+    for (QListWidget* fields : {frånLista_, tillLista_}) fields->setMinimumHeight(kLines * metrics.lineSpacing());
+    relationer_->setMinimumHeight(kRelationLines * metrics.lineSpacing());
+    // Not the window's own minimum: that one would replace what its layout needs.
+    relationer_->setMinimumWidth(kLetters * metrics.averageCharWidth());
+}
+
+void PrisMTyp::showMask() {
+    const Mask& mask = editor_.mask();
+    namn_->setText(toQt(mask.Namn));
+    antalRader_->setText(toQt(mask.AntalRader));
+    postlängd_->setText(toQt(mask.Postlängd));
+    check(*filTyp_, kFilTyper, mask.FilTyp);
+    check(*tecken_, kTecken, mask.Tecken);
+    check(*skapaNya_, kSkapaNya, mask.SkapaNya);
+    uppdatLev_->setChecked(mask.UppdatLev == 'J');
+    for (const Target& target : editor_.targets()) tillLista_->addItem(toQt(target.text));
+    if (const std::string caption = editor_.caption(); !caption.empty()) setWindowTitle(toQt(caption));
+}
+
+void PrisMTyp::connectMask() {
+    connect(namn_, &QLineEdit::textEdited, this, [this](const QString& text) { editor_.setNamn(fromQt(text)); });
+    connect(filTyp_, &QButtonGroup::idToggled, this, [this](int option, bool on) {
+        if (!on) return;
+        editor_.setFilTyp(letterOf(kFilTyper, option));
+        present();
+    });
+    connect(tecken_, &QButtonGroup::idToggled, this, [this](int option, bool on) {
+        if (!on) return;
+        editor_.setTecken(letterOf(kTecken, option));
+        present();
+    });
+    connect(skapaNya_, &QButtonGroup::idToggled, this, [this](int option, bool on) {
+        if (on) editor_.setSkapaNya(letterOf(kSkapaNya, option));
+    });
+    connect(uppdatLev_, &QCheckBox::toggled, this, [this](bool on) { editor_.setUppdatLev(on); });
+    connect(antalRader_, &QLineEdit::textEdited, this, [this](const QString& text) {
+        editor_.setAntalRader(fromQt(text));
+        present();
+    });
+    connect(postlängd_, &QLineEdit::textEdited, this, [this](const QString& text) {
+        editor_.setPostlängd(fromQt(text));
+        present();
+    });
+}
+
+void PrisMTyp::connectLists() {
+    connect(frånLista_, &QListWidget::currentRowChanged, this, [this](int row) {
+        editor_.chooseSource(row);
+        presentChoice();
+    });
+    connect(tillLista_, &QListWidget::currentRowChanged, this, [this](int row) {
+        editor_.chooseTarget(row);
+        presentChoice();
+    });
+    connect(tillLista_, &QListWidget::itemDoubleClicked, this, [this] { skapa_->click(); });
+    const auto chooseRelation = [this] {
+        editor_.chooseRelation(relationer_->currentRow());
+        presentChoice();
+    };
+    connect(relationer_, &QListWidget::currentRowChanged, this, chooseRelation);
+    // A click on the selected relation shows it again.
+    connect(relationer_, &QListWidget::itemClicked, this, chooseRelation);
+    connect(typKod_, &QComboBox::currentIndexChanged, this, [this](int place) { editor_.chooseUpdateRule(place); });
+    connect(division_, &QComboBox::currentIndexChanged, this, [this](int place) { editor_.chooseDivision(place); });
+    connect(frånPos_, &QLineEdit::textEdited, this, [this](const QString& text) { editor_.setFrånPos(fromQt(text)); });
+    connect(längd_, &QLineEdit::textEdited, this, [this](const QString& text) { editor_.setLängd(fromQt(text)); });
+}
+
+void PrisMTyp::connectButtons() {
+    connect(skapa_, &QPushButton::clicked, this, [this] {
+        editor_.createRelation();
+        present();
+        relationer_->scrollToBottom();  // where the new one stands
+    });
+    connect(tabort_, &QPushButton::clicked, this, [this] {
+        editor_.removeRelation();
+        present();
+    });
+    connect(spara_, &QPushButton::clicked, this, [this] { save(); });
+    connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
+}
+
+// Esc and the window's own button; "Avbryt" says what it does.
+void PrisMTyp::reject() {
+    if (editor_.changed() && !leaveUnsaved(program_)) return;
+    QDialog::reject();
+}
+
+void PrisMTyp::save() {
+    switch (editor_.save()) {
+        case MaskEditor::Saved::Yes:
+            accept();
+            break;
+        case MaskEditor::Saved::WrongName:
+            namn_->setFocus();
+            break;
+        case MaskEditor::Saved::Failed:
+            break;
+    }
+}
+
+// The one place that fills, enables and hides.
+void PrisMTyp::present() {
+    const char structure = editor_.mask().FilTyp;
+    antalRader_->setEnabled(structure == 'F');
+    postlängd_->setEnabled(structure == 'P');
+    positioner_->setVisible(editor_.showsPositions());
+    presentSources();
+    presentRelations();
+    presentChoice();
+}
+
+void PrisMTyp::presentSources() {
+    const QSignalBlocker quiet(frånLista_);
+    frånLista_->clear();
+    for (const SourceField& source : editor_.sources()) frånLista_->addItem(toQt(source.text));
+}
+
+void PrisMTyp::presentRelations() {
+    const QSignalBlocker quiet(relationer_);
+    relationer_->clear();
+    for (const EditedRelation& edited : editor_.relations()) {
+        auto* item = new QListWidgetItem(toQt(editor_.relationText(edited)), relationer_);
+        item->setData(kIdRole, QVariant::fromValue<qlonglong>(edited.identity()));
+    }
+}
+
+void PrisMTyp::presentChoice() {
+    const MaskEditor::Choice& chosen = editor_.chosen();
+    select(*frånLista_, chosen.source);
+    select(*tillLista_, chosen.target);
+    select(*relationer_, chosen.relation);
+    skapa_->setEnabled(chosen.source >= 0 && chosen.target >= 0);
+    tabort_->setEnabled(chosen.relation >= 0);
+    presentRules();
+    presentPositions();
+}
+
+void PrisMTyp::presentRules() {
+    fill(*typKod_, editor_.updateRules(), editor_.chosen().updateRule);
+    fill(*division_, editor_.divisions(), editor_.chosen().division);
+}
+
+void PrisMTyp::presentPositions() {
+    setTextQuietly(*frånPos_, editor_.FrånPos());
+    setTextQuietly(*längd_, editor_.Längd());
+}
+
+std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample,
+                                int maskNumber) {
+    MaskEditor editor(program.texts, program.boxes, program.state.dataFolder(), sample, program.misreadSample);
+    if (!editor.open(program.state.sql, maskNumber)) return std::nullopt;
+    PrisMTyp form(program, editor, parent);
+    VisaFormulär(program, form, true);
+    if (form.result() != QDialog::Accepted) return std::nullopt;
+    return editor.mask().number;
+}
+
+}  // namespace kolmera

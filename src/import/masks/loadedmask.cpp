@@ -1,0 +1,98 @@
+#include "import/masks/loadedmask.h"
+
+#include <algorithm>
+
+#include "platform/locale.h"
+
+namespace kolmera {
+namespace {
+
+/// The number that a text of at most four characters begins with; "1E9" must not become a list of that size.
+int wholeNumber(const std::string& text) {
+    constexpr double kMost = 9999;
+    return static_cast<int>(std::clamp(roundHalfEven(leadingNumber(text)), 0.0, kMost));
+}
+
+LoadedMask::Layout layoutOf(char FilTyp) {
+    switch (FilTyp) {
+        case 'F':
+            return LoadedMask::Layout::Lines;
+        case 'T':
+            return LoadedMask::Layout::Tabs;
+        default:
+            return LoadedMask::Layout::Fixed;
+    }
+}
+
+/// A mask that was never opened over a sample of its file does not know its number of columns.
+int tabColumns(int AntalKolumner, const std::vector<Relation>& relations) {
+    int columns = AntalKolumner;
+    if (columns > 0) return columns;
+    for (const Relation& relation : relations) columns = std::max(columns, relation.Källa);
+    return columns;
+}
+
+}  // namespace
+
+LoadedMask::LoadedMask(const Mask& mask, std::vector<Relation> allRelations)
+    : Namn(mask.Namn),
+      layout(layoutOf(mask.FilTyp)),
+      codePage(mask.Tecken == 'J' ? CodePage::Oem850 : CodePage::Windows1252),
+      SkapaNya(mask.SkapaNya == 'J'),
+      UppdatLev(mask.UppdatLev == 'J'),
+      AntalRader(wholeNumber(mask.AntalRader)),
+      Postlängd(wholeNumber(mask.Postlängd)),
+      relations(std::move(allRelations)) {
+    tooManyRelations = relations.size() > std::size_t{kMostRelations};
+    if (tooManyRelations) relations.resize(std::size_t{kMostRelations});
+    for (const Relation& relation : relations) note(relation);
+    switch (layout) {
+        case Layout::Lines:
+            entries = AntalRader;
+            break;
+        case Layout::Tabs:
+            entries = tabColumns(mask.AntalKolumner, relations);
+            break;
+        case Layout::Fixed:
+            entries = static_cast<int>(relations.size());
+            break;
+    }
+}
+
+void LoadedMask::note(const Relation& relation) {
+    const Source source{relation.Källa, relation.Division, relation.TypKod};
+    if (relation.Division == 'S') {
+        hasKey = true;
+        key = source;
+        keyTarget = relation.Mål;
+    }
+    if (relation.Division == 'R') discountCode = source;
+    hasAlternatives = hasAlternatives || headingOf(relation.Mål) != 0;
+    switch (relation.Mål) {
+        case target("Leverantör"):
+            supplier = source;
+            break;
+        case target("Inpris"):
+            prices[0] = source;
+            break;
+        case target("Rabatt"):
+            discount = source;
+            break;
+        case target("Prisändrdat"):
+            date = source;
+            break;
+        case target("Dokument"):
+            document = source;
+            break;
+        default:
+            break;
+    }
+    if (const int level = priceListOf(columnOf(relation.Mål)); level > 0)
+        prices.at(static_cast<std::size_t>(level)) = source;
+}
+
+bool LoadedMask::emptyRecords() const {
+    return (layout == Layout::Lines && AntalRader < 1) || (layout == Layout::Fixed && Postlängd < 1);
+}
+
+}  // namespace kolmera

@@ -1,0 +1,200 @@
+#include "import/masks/maskrun.h"
+
+#include <utility>
+
+#include "db/batchtransaction.h"
+#include "definitions/maskfile.h"
+#include "import/masks/loadedmask.h"
+#include "import/masks/masklook.h"
+#include "import/masks/recordimport.h"
+#include "import/masks/recordreader.h"
+#include "import/run/runmachinery.h"
+#include "lang/keys/mask.h"
+#include "lang/keys/prismain.h"
+#include "lang/keys/run.h"
+
+namespace kolmera {
+namespace {
+
+/// The steps of one mask run. A step that answers false has told why; the run ends there.
+class MaskRun {
+  public:
+    explicit MaskRun(RunMachinery& machinery)
+        : machinery_(machinery), job_(machinery.job()), sql_(machinery.sql()), texts_(machinery.texts()) {}
+
+    void run();
+
+  private:
+    [[nodiscard]] bool loadMask();
+    [[nodiscard]] bool checkMask();
+    [[nodiscard]] bool checkSupplier();
+    void openProducts();
+    void checkColumns();
+    [[nodiscard]] bool confirm();
+    [[nodiscard]] bool readsFile();
+    void enterRunMode();
+    void removeEmptyAlternatives();
+    void openTables();
+    [[nodiscard]] bool emptyTables();
+    void readRecords();
+
+    [[nodiscard]] bool supplierExists();
+
+    RunMachinery& machinery_;
+    const Job& job_;
+    SqlLayer& sql_;
+    LanguageTexts& texts_;
+    LoadedMask mask_;
+    MaskTables tables_;
+};
+
+void MaskRun::run() {
+    if (!loadMask() || !checkMask()) return;
+    if (!machinery_.openCompany() || !checkSupplier()) return;
+    openProducts();
+    checkColumns();
+    if (!confirm()) return;
+    if (!machinery_.prepare() || !machinery_.findPriceFile() || !readsFile()) return;
+    enterRunMode();
+    removeEmptyAlternatives();
+    if (!machinery_.openPriceFile()) return;
+    openTables();
+    if (emptyTables()) readRecords();
+    machinery_.summary().completed = true;
+}
+
+bool MaskRun::loadMask() {
+    bool found = false;
+    const bool read = machinery_.readDefinitions([&] {
+        auto stored = MaskFile(machinery_.context().state.dataFolder()).find(job_.mask);
+        if (!stored) return;
+        mask_ = LoadedMask(stored->mask, std::move(stored->relations));
+        found = true;
+    });
+    if (!read || found) return read;
+    machinery_.offerJobSettings(texts_.FormulärSträngMed1(text::prismain::kAskForOtherMask, job_.mask),
+                                texts_.FormulärSträng(text::prismain::kMaskMissingTitle));
+    return false;
+}
+
+bool MaskRun::checkMask() {
+    const std::string title = texts_.FormulärSträng(text::prismain::kMaskIncompleteTitle);
+    if (mask_.relations.empty()) {
+        machinery_.warn(texts_.FormulärSträngMed1(text::prismain::kNoRelations, job_.mask), title);
+        return false;
+    }
+    if (!mask_.hasKey) {
+        machinery_.warn(texts_.FormulärSträngMed1(text::prismain::kNoSearchKey, job_.mask), title);
+        return false;
+    }
+    if (mask_.emptyRecords()) {
+        const bool lines = mask_.layout == LoadedMask::Layout::Lines;
+        machinery_.warn(lines ? texts_.ModulTextMed(text::mask::kNoLines, job_.mask)
+                              : texts_.ModulTextMed(text::mask::kNoRecordLength, job_.mask),
+                        texts_.ModulText(text::run::kCannotRunTitle));
+        return false;
+    }
+    if (mask_.tooManyRelations) machinery_.warn(texts_.ModulTextMed(text::mask::kRelationsLeftOut, job_.mask), title);
+    return true;
+}
+
+bool MaskRun::checkSupplier() {
+    if (!mask_.UppdatLev) return true;
+    std::string reason;
+    if (job_.supplier.empty()) {
+        reason = texts_.FormulärSträng(text::prismain::kAskForSupplier);
+    } else if (!supplierExists()) {
+        reason = texts_.FormulärSträng(text::prismain::kAskForOtherSupplier);
+    } else {
+        return true;
+    }
+    machinery_.offerJobSettings(
+        texts_.FormulärSträngMed1(text::prismain::kUpdatesSupplierPrices, job_.mask) + "\r\n\r\n" + reason,
+        texts_.FormulärSträng(text::prismain::kSupplierMissingTitle));
+    return false;
+}
+
+bool MaskRun::supplierExists() {
+    const auto suppliers = sql_.SQLÖppnaTabell("Leverantör", "Nummer", options::kReadOnly, false);
+    const Value number = job_.supplier;
+    sql_.SQLSök(*suppliers, "=", Keys(&number, 1), machinery_.report());
+    return !suppliers->noMatch();
+}
+
+void MaskRun::openProducts() {
+    tables_.products = sql_.SQLÖppnaTabell("Produkt", ProductMatcher::index(mask_.keyTarget), 0, false);
+    tables_.settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+    tables_.settings2 = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
+}
+
+/// Relations to columns that this company does not have are passed over.
+void MaskRun::checkColumns() {
+    std::string missing;
+    for (const Relation& relation : mask_.relations) {
+        const int column = columnOf(relation.Mål);
+        if (column < static_cast<int>(tables_.products->fields().size())) continue;
+        missing += (missing.empty() ? "" : ", ") + std::to_string(relation.Mål);
+    }
+    if (!missing.empty()) {
+        machinery_.warn(texts_.ModulTextMed(text::mask::kColumnsMissing, missing),
+                        texts_.FormulärSträng(text::prismain::kMaskIncompleteTitle));
+    }
+}
+
+bool MaskRun::confirm() {
+    const std::string heading = machinery_.heading(*tables_.settings);
+    return machinery_.confirm(*tables_.products, *tables_.settings2, machinery_.MeddelandeUtför(heading));
+}
+
+bool MaskRun::readsFile() {
+    return machinery_.readsFile([this](const std::filesystem::path& file) {
+        const auto numbers = numberSources(mask_, tables_.products->fields());
+        return lookThroughMask(file, mask_, numbers, sql_.locale());
+    });
+}
+
+void MaskRun::enterRunMode() {
+    machinery_.Körläge(true);
+    machinery_.port().status(texts_.FormulärSträng(text::prismain::kPreparing));
+}
+
+void MaskRun::removeEmptyAlternatives() {
+    sql_.SQLKör("DELETE FROM Prodaltprodnr WHERE Alternativnr = ''", machinery_.report());
+}
+
+void MaskRun::openTables() {
+    tables_.alternatives = openAlternatives(sql_);
+    if (mask_.UppdatLev || machinery_.emptyTables()) {
+        tables_.priceList = openSupplierPrices(sql_);
+    }
+}
+
+bool MaskRun::emptyTables() {
+    if (!machinery_.emptyTables()) return true;
+    return machinery_.TömTabeller(*tables_.products, *tables_.priceList, *tables_.alternatives);
+}
+
+void MaskRun::readRecords() {
+    constexpr int kBatch = 25;
+    machinery_.port().status(texts_.FormulärSträng(text::prismain::kReading));
+    RecordImport import(mask_, job_.supplier, machinery_.context(), tables_, machinery_.summary());
+    RecordReader reader(machinery_.priceFile(), mask_);
+    BatchTransaction transaction(*sql_.FtgDB);
+    while (reader.next()) {
+        import.import(reader.entries());
+        if (reader.uneven()) machinery_.report().remark(Remark::UnevenRecord);
+        if (reader.count() % kBatch != 0) continue;
+        transaction.next();
+        machinery_.noteKept(reader.count());
+        if (!machinery_.progress(reader.count())) break;
+    }
+    transaction.end();
+}
+
+}  // namespace
+
+RunSummary LäsMedMask(ImportContext& context, std::string_view jobText) {
+    return carryOut(context, jobText, [](RunMachinery& machinery) { MaskRun(machinery).run(); });
+}
+
+}  // namespace kolmera

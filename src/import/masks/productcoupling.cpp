@@ -1,0 +1,53 @@
+#include "import/masks/productcoupling.h"
+
+#include "db/conversions.h"
+#include "db/productcolumns.h"
+#include "platform/attempt.h"
+
+namespace kolmera {
+ProductCoupling::ProductCoupling(bool hasPurchasePrice, SqlLayer& sql, PrisClsRoundInprisOUtpris& prices,
+                                 PassedOver& passedOver)
+    : hasPurchasePrice_(hasPurchasePrice),
+      sql_(sql),
+      prices_(prices),
+      passedOver_(passedOver),
+      currencies_(sql.SQLÖppnaTabell("Syvaluta", "Kod", options::kReadOnly, false)) {}
+
+void ProductCoupling::couple(Recordset& product) {
+    attempt(passedOver_, "Produkt", [&] {
+        if (coupled(product)) prices_.Priskoppling(product, netPurchasePrice(product));
+    });
+}
+
+bool ProductCoupling::coupled(Recordset& product) {
+    if (hasPurchasePrice_) {
+        for (int level = 1; level <= kPriceLists; ++level) {
+            if (TillDbl(product.value(påläggOrdinal(level)), sql_.locale()) != 0) return true;
+        }
+    }
+    return prices_.KopplaMotFinns();
+}
+
+double ProductCoupling::netPurchasePrice(Recordset& product) {
+    const auto number = [&](int column) { return TillDbl(product.value(column), sql_.locale()); };
+    lookUpCurrency(textOf(product.value(ordinal(kProdukt, "Valutakod"))));
+    double net = number(ordinal(kProdukt, "Inpris")) * rate_ / factor_;
+    net -= net * number(ordinal(kProdukt, "InprisProc")) / 100;
+    const double purchaseFactor = number(ordinal(kProdukt, "Inköpsfaktor"));
+    return purchaseFactor == 0 ? net : net / purchaseFactor;
+}
+
+void ProductCoupling::lookUpCurrency(std::string_view code) {
+    if (code == currency_) return;
+    currency_ = code;
+    sql_.SQLSök(*currencies_, "=", keys_.of(code), passedOver_);
+    if (currencies_->noMatch()) return;
+    attempt(passedOver_, "Syvaluta", [&] {
+        rate_ = TillDbl(currencies_->value("Levreskontra"), sql_.locale());
+        factor_ = TillLng(currencies_->value("Faktor"), sql_.locale());
+    });
+    if (rate_ == 0) rate_ = 1;
+    if (factor_ == 0) factor_ = 1;
+}
+
+}  // namespace kolmera

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "db/sqllayer.h"
+#include "import/rows/seekkeys.h"
+#include "pricing/prisclsroundinprisoutpris.h"
+
+namespace kolmera {
+
+/// Has the coupled out prices of a saved product recomputed from its net purchase price in home currency. The rate of
+/// the last currency is kept for the run, and serves for currencies that the company does not have.
+class ProductCoupling {
+  public:
+    /// `hasPurchasePrice`: the mask brings purchase prices; then a markup on the product couples it.
+    ProductCoupling(bool hasPurchasePrice, SqlLayer& sql, PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver);
+
+    /// Recomputes the current product when it is coupled.
+    void couple(Recordset& product);
+
+  private:
+    [[nodiscard]] bool coupled(Recordset& product);
+    [[nodiscard]] double netPurchasePrice(Recordset& product);
+    void lookUpCurrency(std::string_view code);
+
+    bool hasPurchasePrice_;
+    SqlLayer& sql_;
+    PrisClsRoundInprisOUtpris& prices_;
+    PassedOver& passedOver_;
+    std::unique_ptr<Recordset> currencies_;
+    SeekKeys keys_;
+    std::string currency_;
+    double rate_ = 1;
+    std::int32_t factor_ = 1;
+};
+
+}  // namespace kolmera

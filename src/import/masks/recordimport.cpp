@@ -1,0 +1,141 @@
+#include "import/masks/recordimport.h"
+
+#include "db/conversions.h"
+#include "platform/attempt.h"
+#include "pricing/changedate.h"
+
+namespace kolmera {
+namespace {
+
+using Outcome = ProductMatch::Outcome;
+
+ColumnSettings columnSettings(MaskTables& tables, Date Idag, const Locale& locale, PassedOver& passedOver) {
+    ColumnSettings settings;
+    settings.Idag = Idag;
+    settings.locale = locale;
+    for (std::size_t rate = 0; rate < settings.vatRates.size(); ++rate) {
+        const std::string column = std::to_string(rate + 1) + "OMomsproc";
+        attempt(passedOver, "Syinställningar." + column,
+                [&] { settings.vatRates[rate] = TillDbl(tables.settings->value(column), locale); });
+    }
+    attempt(passedOver, "Syinställningar2.PPrisDatumBM", [&] {
+        const std::int32_t mask = TillLng(tables.settings2->value("PPrisDatumBM"), locale);
+        if (mask != 0) settings.PPrisDatumBM = mask;
+    });
+    return settings;
+}
+
+}  // namespace
+
+RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier, ImportContext& context,
+                           MaskTables& tables, RunSummary& summary)
+    : mask_(mask),
+      sql_(context.state.sql),
+      summary_(summary),
+      report_(summary.report),
+      Idag_(context.Idag),
+      products_(tables.products),
+      Vägtinpris_(products_->ordinal("Vägtinpris")),
+      Prisändrdat_(products_->ordinal("Prisändrdat")),
+      Förändringsdatum_(products_->ordinal(kFörändringsdatum)),
+      settings_(columnSettings(tables, context.Idag, context.state.locale, report_)),
+      prices_(sql_, report_, Idag_, settings_.PPrisDatumBM),
+      columns_(mask, *products_, settings_, prices_, report_),
+      defaults_(*tables.settings, *tables.settings2, context.state.locale, report_),
+      matcher_(mask, jobSupplier, sql_, products_, report_),
+      coupling_(mask.hasPurchasePrice(), sql_, prices_, report_) {
+    prices_.Init();
+    if (mask.hasAlternatives) {
+        alternatives_.emplace(mask, storedAlternatives(sql_, std::move(tables.alternatives), report_), report_);
+    }
+    if (mask.UppdatLev) {
+        priceList_.emplace(mask, sql_, std::move(tables.priceList), prices_.InprisDec, Idag_, report_);
+    }
+    if (mask.document.present()) documents_.emplace(mask, sql_, Idag_, report_);
+}
+
+void RecordImport::import(const EntryList& entries) {
+    report_.at(++summary_.records);
+    report_.about(entries.text(mask_.key));
+    const ProductMatch found = match(entries);
+    if (found.outcome == Outcome::Skip) return report_.remark(found.skipped);
+    if (found.key.empty()) report_.remark(Remark::EmptyKey);
+    if (!write(found, entries)) return report_.remark(Remark::NotSaved);
+    ++summary_.used;
+}
+
+ProductMatch RecordImport::match(const EntryList& entries) {
+    ProductMatch found;
+    found.skipped = Remark::NotSaved;
+    attempt(report_, "Produkt", [&] { found = matcher_.match(entries); });
+    return found;
+}
+
+bool RecordImport::write(const ProductMatch& match, const EntryList& entries) {
+    return match.outcome == Outcome::PriceListOnly ? importPriceListOnly(match, entries)
+                                                   : importProduct(match, entries);
+}
+
+bool RecordImport::importProduct(const ProductMatch& match, const EntryList& entries) {
+    bool newProduct = match.outcome == Outcome::Add;
+    std::optional<double> discount;
+    if (!saveProduct(newProduct, entries, discount)) return false;
+    takeProductNumber();
+    summary_.productSaved(productNumber_, newProduct);
+    if (columns_.changesPrices()) coupling_.couple(*products_);
+    if (alternatives_) summary_.alternatives += alternatives_->write(productNumber_, entries);
+    if (priceList_) {
+        const auto articleNumber = [this] {
+            return std::string(textOf(products_->value(ordinal(kProdukt, "Levartikelnr"))));
+        };
+        if (priceList_->write(productNumber_, match.supplier, articleNumber, discount, entries)) ++summary_.priceList;
+    }
+    if (documents_ && documents_->write(productNumber_, entries)) ++summary_.documents;
+    return true;
+}
+
+bool RecordImport::importPriceListOnly(const ProductMatch& match, const EntryList& entries) {
+    const auto articleNumber = [&match] { return std::string(match.key); };
+    const bool written = priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries);
+    if (written) ++summary_.priceList;
+    return written;
+}
+
+/// `newProduct` becomes false when another run has added the product since it was searched for.
+bool RecordImport::saveProduct(bool& newProduct, const EntryList& entries, std::optional<double>& discount) {
+    Recordset& product = *products_;
+    if (!attempt(report_, "Produkt", [&] { newProduct ? product.addNew() : product.edit(); })) return false;
+    const WrittenColumns written = columns_.write(product, entries, newProduct);
+    discount = written.discount;
+    if (newProduct) completeNewProduct();
+    attempt(report_, "Produkt.Förändringsdatum", [&] { SättÄndringsdatum(product, Förändringsdatum_, Idag_); });
+    if (written.setPriceDate) attempt(report_, "Produkt.Prisändrdat", [&] { product.set(Prisändrdat_, Idag_); });
+    const bool added = newProduct;
+    const bool saved = attempt(report_, "Produkt", [&] {
+        try {
+            product.update();
+            if (newProduct) product.moveToModified();
+        } catch (const PlatformError& error) {
+            const bool duplicate = newProduct && error.number() == errors::kDuplicateKey && !error.endsRun();
+            if (!duplicate || matcher_.match(entries).outcome != Outcome::Edit) throw;
+            newProduct = false;
+        }
+    });
+    return added && !newProduct ? saveProduct(newProduct, entries, discount) : saved;
+}
+
+void RecordImport::completeNewProduct() {
+    Recordset& product = *products_;
+    defaults_.SättNyProduktStandard(product);
+    if (!mask_.hasPurchasePrice()) return;
+    attempt(report_, "Produkt.Vägtinpris", [&] {
+        if (TillDbl(product.value(Vägtinpris_), sql_.locale()) != 0) return;
+        product.set(Vägtinpris_, product.value(ordinal(kProdukt, "Inpris")));
+    });
+}
+
+void RecordImport::takeProductNumber() {
+    attempt(report_, "Produkt.Nummer", [&] { productNumber_ = textOf(products_->value(ordinal(kProdukt, "Nummer"))); });
+}
+
+}  // namespace kolmera

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QWidget>
+#include <functional>
+
+#include "import/run/runport.h"
+#include "ui/program.h"
+
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+namespace kolmera {
+
+/// The part of the main window that a run uses: the message line `Meddelande`, how far the price file is read, and the
+/// button `Avbryt`. It is the run's port: what the run asks, the window's dialogs answer. Hidden outside run mode.
+class RunPanel final : public QWidget, public RunPort {
+  public:
+    RunPanel(Program& program, QWidget* parent);
+
+    std::function<void()> onRunMode;          ///< run mode was entered or left
+    std::function<void()> onOpenJobSettings;  ///< the user wants to mend the job
+
+    /// What the Cancel button does.
+    void cancel() { cancel_ = true; }
+
+    Answer show(const Message& message) override;
+    void hourglass(bool on) override;
+    void letEventsRun() override;
+    void status(std::string_view text) override;
+    void runMode(bool on) override;
+    bool cancelled() override;
+    void clearCancel() override { cancel_ = false; }
+    ConfirmationAnswer confirm(const Confirmation& confirmation) override;
+    bool readsDoubtful(const DoubtfulFile& file) override;
+    void openJobSettings() override { onOpenJobSettings(); }
+    void tell(const Message& message) override;
+    void progress(std::uint64_t position, std::uint64_t size) override;
+
+  private:
+    void present();
+    template <typename Form>
+    ConfirmationAnswer answerOf(const Confirmation& confirmation);
+
+    Program& program_;
+    QLabel* meddelande_;
+    QProgressBar* bar_;
+    QPushButton* avbryt_;
+    std::string status_;
+    int permille_ = 0;
+    bool cancel_ = false;
+    QElapsedTimer sinceEvents_;
+};
+
+}  // namespace kolmera
