@@ -53,15 +53,15 @@ void printTable(const std::vector<TableRow>& rows, std::ostream& out) {
 
 }  // namespace
 
-int jobsCommand(const std::string& dataFolder, bool json, const Surroundings& surroundings) {
-    Session session(surroundings, dataFolder);
-    const auto folder = absoluteFolder(dataFolder);
+int jobsCommand(const JobsArguments& arguments, const Surroundings& surroundings) {
+    Session session(surroundings, arguments.dataFolder);
+    const auto folder = absoluteFolder(arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const auto rows = jobRows(session.texts, {.drives = session.state.drives,
                                               .dataFolder = folder,
                                               .programFolder = surroundings.programFolder,
                                               .locale = session.state.locale});
-    if (json) {
+    if (arguments.json) {
         auto list = nlohmann::json::array();
         for (const JobRow& row : rows) list.push_back(asJson(row));
         surroundings.out << list.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';

@@ -6,7 +6,12 @@
 
 namespace kolmera::cli {
 
+struct JobsArguments {
+    std::string dataFolder;
+    bool json = false;
+};
+
 /// `jobs --data DIR [--json]`: the job list as a table or as a JSON array.
-int jobsCommand(const std::string& dataFolder, bool json, const Surroundings& surroundings);
+int jobsCommand(const JobsArguments& arguments, const Surroundings& surroundings);
 
 }  // namespace kolmera::cli

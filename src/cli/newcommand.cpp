@@ -84,17 +84,18 @@ int makeFolder(Session& session, const fs::path& folder, const Surroundings& sur
 
 }  // namespace
 
-int newCommand(const std::string& folder, const std::string& companyName, const Surroundings& surroundings) {
+int newCommand(const NewArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings);
-    const fs::path target = absoluteFolder(folder);
+    const fs::path target = absoluteFolder(arguments.folder);
     return makeFolder(session, target, surroundings, text::terminal::kFolderCreated, [&](const fs::path& made) {
-        createCompany(made, kCompanyFile, companyName.empty() ? session.text(text::terminal::kMyCompany) : companyName);
+        createCompany(made, kCompanyFile,
+                      arguments.companyName.empty() ? session.text(text::terminal::kMyCompany) : arguments.companyName);
     });
 }
 
-int demoCommand(const std::string& folder, const Surroundings& surroundings) {
+int demoCommand(const NewArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings);
-    const fs::path target = absoluteFolder(folder);
+    const fs::path target = absoluteFolder(arguments.folder);
     return makeFolder(session, target, surroundings, text::terminal::kDemoCreated, [&](const fs::path& made) {
         createCompany(made, kCompanyFile, session.text(text::terminal::kDemoCompany));
         fillDemoCompany(surroundings.programFolder / "demo", made, made / kCompanyFile, session.state.locale);

@@ -30,8 +30,9 @@ int repaired(Session& session, CompanyRegister& companies, const std::string& co
 
 }  // namespace
 
-int repairCommand(const std::string& company, const std::string& dataFolder, const Surroundings& surroundings) {
-    Session session(surroundings, dataFolder);
+int repairCommand(const RepairArguments& arguments, const Surroundings& surroundings) {
+    const std::string& company = arguments.company;
+    Session session(surroundings, arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const auto fail = [&](const std::string& text, int code) {
         surroundings.err << session.text(text::terminal::kError) << ' ' << text << '\n';

@@ -6,7 +6,12 @@
 
 namespace kolmera::cli {
 
+struct RepairArguments {
+    std::string company;  ///< file
+    std::string dataFolder;
+};
+
 /// Repairs a damaged company file of a data folder. A company that is not damaged is left alone.
-int repairCommand(const std::string& company, const std::string& dataFolder, const Surroundings& surroundings);
+int repairCommand(const RepairArguments& arguments, const Surroundings& surroundings);
 
 }  // namespace kolmera::cli

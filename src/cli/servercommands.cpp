@@ -20,17 +20,17 @@
 
 namespace kolmera::cli {
 
-int serverSchemaCommand(const std::string& dialect, const std::string& companyName, const Surroundings& surroundings) {
+int serverSchemaCommand(const SchemaArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings);
-    const std::optional<ServerKind> kind = serverKind(dialect);
+    const std::optional<ServerKind> kind = serverKind(arguments.dialect);
     if (!kind) {
         surroundings.err << session.text(text::terminal::kError) << ' '
-                         << session.text(text::server::kUnknownKind, dialect) << '\n';
+                         << session.text(text::server::kUnknownKind, arguments.dialect) << '\n';
         return exitcode::kUsage;
     }
     surroundings.out << serverSchema(*kind, companySchema()) << '\n'
-                     << serverFirstRows(*kind,
-                                        companyName.empty() ? session.text(text::terminal::kMyCompany) : companyName);
+                     << serverFirstRows(*kind, arguments.companyName.empty() ? session.text(text::terminal::kMyCompany)
+                                                                             : arguments.companyName);
     return exitcode::kDone;
 }
 

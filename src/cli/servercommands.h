@@ -6,8 +6,13 @@
 
 namespace kolmera::cli {
 
+struct SchemaArguments {
+    std::string dialect;      ///< "sqlserver", "postgresql" or "mariadb"
+    std::string companyName;  ///< empty: a name in the user's language
+};
+
 /// `server-schema --dialect NAME [--company NAME]`: the script that makes an empty company on a database server.
-int serverSchemaCommand(const std::string& dialect, const std::string& companyName, const Surroundings& surroundings);
+int serverSchemaCommand(const SchemaArguments& arguments, const Surroundings& surroundings);
 
 struct ServerArguments {
     std::string name;  ///< as jobs name the company; "SQL;" is put before it when it is missing

@@ -26,15 +26,27 @@ std::int32_t products(const CliMachine& machine) {
 
 }  // namespace
 
-TEST(CommandLine, WrongUseEndsWithTwo) {
+TEST(CommandLine, WrongUseEndsWithTwoAndIsExplained) {
+    const struct {
+        std::vector<std::string> arguments;
+        const char* told;
+    } cases[] = {{{}, "saknas något på kommandoraden: KOMMANDO"},
+                 {{"rnu"}, "Kommandot rnu finns inte. Menade du run?"},
+                 {{"new"}, "saknas något på kommandoraden: DIR"},
+                 {{"run", "Job"}, "saknas något på kommandoraden: --data"},
+                 {{"jobs", "--data"}, "värde saknas efter --data"},
+                 {{"jobs", "-d", "x", "extra"}, "väntades inte på kommandoraden: extra"},
+                 {{"run", "Job", "-d", "x", "--strict", "--force"}, "--strict, --force kan inte användas tillsammans"},
+                 {{"run", "Job", "-d", "x", "--locale", "de"}, "--locale: de"}};
     CliMachine machine;
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{}, {"frobnicate"}, {"new"}, {"run", "Job"}, {"jobs"}, {"jobs", "--data"}}) {
-        SCOPED_TRACE(arguments.empty() ? "" : arguments[0]);
-        EXPECT_EQ(machine.run(arguments), cli::exitcode::kUsage);
-        EXPECT_NE(machine.err(), "");
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.told);
+        EXPECT_EQ(machine.run(c.arguments), cli::exitcode::kUsage);
+        EXPECT_TRUE(contains(machine.err(), c.told)) << machine.err();
     }
-    EXPECT_EQ(machine.run({"--help"}), cli::exitcode::kDone);
+    EXPECT_EQ(machine.run({"run", "--help"}), cli::exitcode::kDone);
+    EXPECT_TRUE(contains(machine.out(), "Användning: kolmera-cli run [VAL] JOB")) << machine.out();
+    EXPECT_FALSE(contains(machine.out(), "Options"));
 }
 
 TEST(CommandLine, NewMakesAFolderOnce) {

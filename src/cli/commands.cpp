@@ -1,0 +1,170 @@
+#include "cli/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "cli/copycommand.h"
+#include "cli/discountscommand.h"
+#include "cli/jobscommand.h"
+#include "cli/newcommand.h"
+#include "cli/repaircommand.h"
+#include "cli/runcommand.h"
+#include "cli/servercommands.h"
+#include "lang/keys/help.h"
+
+namespace kolmera::cli {
+namespace {
+
+/// One command and its options. What the options fill lives as long as the command does.
+class Command {
+  public:
+    Command(CLI::App& command, Session& session) : command_(command), session_(session) {
+        command.get_help_ptr()->group(session.text(text::help::kOptions));
+    }
+
+    Command& argument(const char* name, std::string& value, ModuleKey purpose) {
+        command_.add_option(name, value, session_.text(purpose))->required();
+        return *this;
+    }
+    CLI::Option* option(const char* name, std::string& value, ModuleKey purpose) {
+        return command_.add_option(name, value, session_.text(purpose));
+    }
+    CLI::Option* flag(const char* name, bool& value, ModuleKey purpose) {
+        return command_.add_flag(name, value, session_.text(purpose));
+    }
+    Command& data(std::string& folder) {
+        option("-d,--data", folder, text::help::kData)->envname("KOLMERA_DATA")->required();
+        return *this;
+    }
+
+  private:
+    CLI::App& command_;
+    Session& session_;
+};
+
+class Commands {
+  public:
+    Commands(CLI::App& app, Session& session, const Surroundings& surroundings, std::function<int()>& chosen)
+        : app_(app), session_(session), surroundings_(surroundings), chosen_(chosen) {
+        app_.require_subcommand(1);
+    }
+
+    /// A command whose options `describe` adds, filling an `Arguments`, and which `carryOut` carries out.
+    template <class Arguments, class Describe>
+    void add(const char* name, ModuleKey purpose, Describe&& describe,
+             int (*carryOut)(const Arguments&, const Surroundings&), CLI::App* above = nullptr) {
+        CLI::App* command = (above ? above : &app_)->add_subcommand(name, session_.text(purpose));
+        const auto arguments = std::make_shared<Arguments>();
+        Command described(*command, session_);
+        describe(described, *arguments);
+        command->callback([arguments, carryOut, &chosen = chosen_, &surroundings = surroundings_] {
+            chosen = [arguments, carryOut, &surroundings] { return carryOut(*arguments, surroundings); };
+        });
+    }
+    /// A command that only has commands of its own.
+    CLI::App* group(const char* name, ModuleKey purpose) {
+        CLI::App* command = app_.add_subcommand(name, session_.text(purpose));
+        command->require_subcommand(1);
+        command->get_help_ptr()->group(session_.text(text::help::kOptions));
+        return command;
+    }
+
+  private:
+    CLI::App& app_;
+    Session& session_;
+    const Surroundings& surroundings_;
+    std::function<int()>& chosen_;
+};
+
+void addFolders(Commands& commands) {
+    commands.add<NewArguments>(
+        "new", text::help::kNew,
+        [](Command& command, NewArguments& arguments) {
+            command.argument("DIR", arguments.folder, text::help::kNewFolder);
+            command.option("--company", arguments.companyName, text::help::kCompanyName);
+        },
+        newCommand);
+    commands.add<NewArguments>(
+        "demo", text::help::kDemo,
+        [](Command& command, NewArguments& arguments) {
+            command.argument("DIR", arguments.folder, text::help::kNewFolder);
+        },
+        demoCommand);
+}
+
+void addJobs(Commands& commands) {
+    commands.add<JobsArguments>(
+        "jobs", text::help::kJobs,
+        [](Command& command, JobsArguments& arguments) {
+            command.data(arguments.dataFolder).flag("--json", arguments.json, text::help::kJson);
+        },
+        jobsCommand);
+    commands.add<RunArguments>(
+        "run", text::help::kRun,
+        [](Command& command, RunArguments& arguments) {
+            command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
+            command.flag("--empty", arguments.emptyTables, text::help::kEmpty);
+            CLI::Option* strict = command.flag("--strict", arguments.strict, text::help::kStrict);
+            command.flag("--force", arguments.force, text::help::kForce)->excludes(strict);
+            command.option("--locale", arguments.locale, text::help::kLocale)->check(CLI::IsMember({"sv", "en"}));
+            command.option("--summary", arguments.summaryFile, text::help::kSummary);
+        },
+        runCommand);
+}
+
+void addCompanies(Commands& commands) {
+    commands.add<RepairArguments>(
+        "repair", text::help::kRepair,
+        [](Command& command, RepairArguments& arguments) {
+            command.argument("COMPANY", arguments.company, text::help::kCompanyFile).data(arguments.dataFolder);
+        },
+        repairCommand);
+    commands.add<SchemaArguments>(
+        "server-schema", text::help::kServerSchema,
+        [](Command& command, SchemaArguments& arguments) {
+            command.option("--dialect", arguments.dialect, text::help::kDialect)->required();
+            command.option("--company", arguments.companyName, text::help::kCompanyName);
+        },
+        serverSchemaCommand);
+    commands.add<ServerArguments>(
+        "add-server", text::help::kAddServer,
+        [](Command& command, ServerArguments& arguments) {
+            command.argument("NAME", arguments.name, text::help::kServerName).data(arguments.dataFolder);
+            command.option("--connect", arguments.connectString, text::help::kConnect);
+            command.option("--connect-file", arguments.connectFile, text::help::kConnectFile);
+            command.option("--description", arguments.description, text::help::kDescription);
+        },
+        addServerCommand);
+    commands.add<CopyArguments>(
+        "copy-company", text::help::kCopy,
+        [](Command& command, CopyArguments& arguments) {
+            command.argument("FROM", arguments.from, text::help::kCopyFrom)
+                .argument("TO", arguments.to, text::help::kCopyTo)
+                .data(arguments.dataFolder);
+        },
+        copyCompanyCommand);
+}
+
+void addDiscounts(Commands& commands) {
+    CLI::App* discounts = commands.group("discounts", text::help::kDiscounts);
+    const auto describe = [](Command& command, DiscountsArguments& arguments) {
+        command.argument("SUPPLIER", arguments.supplier, text::help::kSupplier)
+            .argument("FILE", arguments.file, text::help::kLetterFile)
+            .data(arguments.dataFolder)
+            .option("--company", arguments.company, text::help::kCompany);
+    };
+    commands.add<DiscountsArguments>("export", text::help::kExport, describe, exportDiscountsCommand, discounts);
+    commands.add<DiscountsArguments>("import", text::help::kImport, describe, importDiscountsCommand, discounts);
+}
+
+}  // namespace
+
+void describeCommands(CLI::App& app, Session& session, const Surroundings& surroundings, std::function<int()>& chosen) {
+    Commands commands(app, session, surroundings, chosen);
+    addFolders(commands);
+    addJobs(commands);
+    addCompanies(commands);
+    addDiscounts(commands);
+}
+
+}  // namespace kolmera::cli

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <functional>
+
+#include "cli/session.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kolmera::cli {
+
+/// Describes all commands with their options to the parser, in the language of the session. When a line has been
+/// parsed, `chosen` carries out the command that it names and returns its exit code.
+void describeCommands(CLI::App& app, Session& session, const Surroundings& surroundings, std::function<int()>& chosen);
+
+}  // namespace kolmera::cli
