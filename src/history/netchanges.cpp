@@ -1,0 +1,201 @@
+#include "history/netchanges.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "db/companyschema.h"
+
+namespace kolmera {
+namespace {
+
+constexpr int kAdded = static_cast<int>(ChangeKind::Added);
+constexpr int kChanged = static_cast<int>(ChangeKind::Changed);
+constexpr int kRemoved = static_cast<int>(ChangeKind::Removed);
+constexpr int kGone = kRemoved + 1;  ///< added and removed again
+const Value kNothing;
+
+/// What a row's next change makes of its change so far.
+int following(int kind, int next) {
+    const bool was = kind == kChanged || kind == kRemoved;
+    if (next == kRemoved) return was ? kRemoved : kGone;
+    return was ? kChanged : kAdded;
+}
+
+bool holdsNothing(const Value& value) {
+    if (const auto* number = std::get_if<double>(&value)) return *number == 0;
+    if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole == 0;
+    if (const auto* truth = std::get_if<bool>(&value)) return !*truth;
+    return isNull(value) || value == Value(std::string());
+}
+
+bool isFractional(FieldType type) {
+    return type == FieldType::Double || type == FieldType::Single || type == FieldType::Currency;
+}
+
+/// How much more `after` is than `before` in per cent, as a term of SQL.
+std::string percentTerm(std::string_view before, std::string_view after) {
+    return fmt::format(
+        "CASE WHEN ?5 = 0 OR typeof({0}) NOT IN ('real', 'integer') OR typeof({1}) NOT IN ('real', 'integer') "
+        "OR {0} = {1} THEN NULL "
+        "WHEN {0} = 0 THEN CASE WHEN {1} > 0 THEN 9e999 ELSE -9e999 END "
+        "ELSE ({1} - {0}) * 100.0 / abs({0}) END",
+        before, after);
+}
+
+std::string putCellText() {
+    return fmt::format(
+        "INSERT INTO cell(n, before, after, record, percent) VALUES (?1, ?2, ?3, ?4, {}) "
+        "ON CONFLICT(n) DO UPDATE SET after = excluded.after, record = excluded.record, percent = {}",
+        percentTerm("?2", "?3"), percentTerm("before", "excluded.after"));
+}
+
+}  // namespace
+
+NetChanges::NetChanges() : connection_("", {.create = true}), schema_(companySchema()) {
+    connection_.run("PRAGMA journal_mode=OFF");
+    connection_.run("PRAGMA synchronous=OFF");
+    connection_.run("PRAGMA cache_size=-32768");
+    connection_.run(
+        "CREATE TABLE row(n INTEGER PRIMARY KEY, tab INTEGER, id INTEGER, kind INTEGER, product TEXT, name TEXT)");
+    connection_.run("CREATE UNIQUE INDEX row_id ON row(tab, id)");
+    connection_.run("CREATE TABLE cell(n INTEGER PRIMARY KEY, before, after, record INTEGER, percent REAL)");
+    findRow_ = SqliteStatement(connection_, "SELECT n, kind FROM row WHERE tab = ?1 AND id = ?2");
+    addRow_ = SqliteStatement(connection_, "INSERT INTO row(n, tab, id, kind, product) VALUES (?1, ?2, ?3, ?4, '')");
+    setKind_ = SqliteStatement(connection_, "UPDATE row SET kind = ?2 WHERE n = ?1");
+    nameRow_ = SqliteStatement(connection_,
+                               "UPDATE row SET product = CASE WHEN ?2 = '' THEN product ELSE ?2 END, "
+                               "name = coalesce(?3, name) WHERE n = ?1");
+    putCell_ = SqliteStatement(connection_, putCellText());
+    emptyCells_ =
+        SqliteStatement(connection_, "UPDATE cell SET after = NULL, percent = NULL WHERE n BETWEEN ?1 AND ?2");
+    connection_.begin();
+}
+
+FieldType NetChanges::typeOf(int table, int column) const {
+    const std::vector<FieldDef>& fields = tables_[static_cast<std::size_t>(table)].definition.fields;
+    const auto place = static_cast<std::size_t>(column);
+    return place < fields.size() ? fields[place].type : FieldType::Text;
+}
+
+int NetChanges::tableNumber(const std::string& name) {
+    const auto known = std::ranges::find(tables_, name, &Table::name);
+    if (known != tables_.end()) return static_cast<int>(known - tables_.begin());
+    Table table{.name = name, .definition = {}, .changed = std::vector<bool>(std::size_t{1} << kColumnBits)};
+    if (const auto found = std::ranges::find(schema_, name, &TableDef::name); found != schema_.end()) {
+        table.definition = *found;
+        const int product = found->ordinal("Produktnr");
+        table.productColumn = product >= 0 ? product : found->ordinal("Nummer");
+        table.nameColumn = found->ordinal("Benämning");
+    }
+    tables_.push_back(std::move(table));
+    return static_cast<int>(tables_.size()) - 1;
+}
+
+void NetChanges::add(const RowChange& change) {
+    const int table = tableNumber(change.table);
+    const Row row = rowFor(change, table);
+    if (change.kind == ChangeKind::Removed && !row.isNew) {
+        emptyCells_.bind(1, cellNumber(row.number, 0));
+        emptyCells_.bind(2, cellNumber(row.number + 1, 0) - 1);
+        emptyCells_.run();
+    }
+    addCells(change, table, row);
+    nameRow(change, table, row);
+}
+
+NetChanges::Row NetChanges::rowFor(const RowChange& change, int table) {
+    const int kind = static_cast<int>(change.kind);
+    findRow_.bind(1, std::int64_t{table});
+    findRow_.bind(2, change.id);
+    const StatementUse use(findRow_);
+    if (!findRow_.step()) {
+        addRow_.bind(1, ++lastRow_);
+        addRow_.bind(2, std::int64_t{table});
+        addRow_.bind(3, change.id);
+        addRow_.bind(4, std::int64_t{kind});
+        addRow_.run();
+        return {lastRow_, kind, true};
+    }
+    again_ = true;
+    const std::int64_t number = findRow_.integer(0);
+    const int before = static_cast<int>(findRow_.integer(1));
+    const int now = following(before, kind);
+    if (now != before) {
+        setKind_.bind(1, number);
+        setKind_.bind(2, std::int64_t{now});
+        setKind_.run();
+    }
+    return {number, now, false};
+}
+
+void NetChanges::addCells(const RowChange& change, int table, const Row& row) {
+    for (const CellChange& cell : change.cells) {
+        if (cell.column < 0 || cell.column >= 1 << kColumnBits) continue;
+        // A later change of the row tells what stood there.
+        if (row.isNew && holdsNothing(cell.before) && holdsNothing(cell.after) && change.kind != ChangeKind::Changed) {
+            continue;
+        }
+        tables_[static_cast<std::size_t>(table)].changed[static_cast<std::size_t>(cell.column)] = true;
+        const bool withPercent = row.kind == kChanged && isFractional(typeOf(table, cell.column));
+        putCell_.bind(1, cellNumber(row.number, cell.column));
+        putCell_.bind(2, row.kind == kAdded ? kNothing : cell.before);
+        putCell_.bind(3, cell.after);
+        putCell_.bind(4, change.record);
+        putCell_.bind(5, std::int64_t{withPercent});
+        putCell_.run();
+    }
+}
+
+void NetChanges::nameRow(const RowChange& change, int table, const Row& row) {
+    const Table& about = tables_[static_cast<std::size_t>(table)];
+    std::string product = change.label;
+    Value name;
+    for (const CellChange& cell : change.cells) {
+        const Value& value = change.kind == ChangeKind::Removed ? cell.before : cell.after;
+        if (cell.column == about.productColumn && !textOf(value).empty()) product = textOf(value);
+        if (cell.column == about.nameColumn) name = value;
+    }
+    if (!row.isNew && isNull(name)) return;
+    const Value number(std::move(product));
+    nameRow_.bind(1, row.number);
+    nameRow_.bind(2, number);
+    nameRow_.bind(3, name);
+    nameRow_.run();
+}
+
+void NetChanges::finish() {
+    if (again_) {
+        connection_.run(
+            fmt::format("DELETE FROM cell WHERE before IS after OR n >> {} IN "
+                        "(SELECT n FROM row WHERE kind = {})",
+                        kColumnBits, kGone));
+        connection_.run(
+            fmt::format("DELETE FROM row WHERE kind = {0} OR kind = {1} AND NOT EXISTS (SELECT 1 FROM cell "
+                        "WHERE cell.n BETWEEN row.n << {2} AND (row.n + 1 << {2}) - 1)",
+                        kGone, kChanged, kColumnBits));
+    }
+    connection_.commit();
+}
+
+void NetChanges::nameProducts(const std::function<void(const std::function<void(const NamedProduct&)>& take)>& each) {
+    const int products = tableNumber("Produkt");
+    connection_.begin();
+    connection_.run("CREATE INDEX IF NOT EXISTS row_product ON row(product COLLATE NOCASE)");
+    SqliteStatement number(connection_, "UPDATE row SET product = ?3 WHERE tab = ?1 AND id = ?2 AND product = ''");
+    SqliteStatement name(
+        connection_, "UPDATE row SET name = ?2 WHERE product = ?1 COLLATE NOCASE AND product <> '' AND name IS NULL");
+    each([&](const NamedProduct& product) {
+        number.bind(1, std::int64_t{products});
+        number.bind(2, product.id);
+        number.bind(3, product.number);
+        number.run();
+        name.bind(1, product.number);
+        name.bind(2, product.name);
+        name.run();
+    });
+    connection_.commit();
+}
+
+}  // namespace kolmera
