@@ -34,9 +34,10 @@ std::string wholeSource() {
     return source;
 }
 
-std::size_t productColumns() {
+bool isColumn(const std::string& table, std::size_t number) {
     static const std::vector<TableDef> tables = companySchema();
-    return std::ranges::find(tables, "Produkt", &TableDef::name)->fields.size();
+    const auto found = std::ranges::find(tables, table, &TableDef::name);
+    return found != tables.end() && number < found->fields.size();
 }
 
 bool hasWord(const std::string& source, const std::string& word) {
@@ -49,12 +50,12 @@ bool hasWord(const std::string& source, const std::string& word) {
 /// Named texts are used where their name stands; captions and names of columns are found by what they belong to: a
 /// control by its whole name, a numbered one by its pattern, a label also by its box.
 bool isUsed(const std::string& key, const std::string& name, const std::string& source) {
-    static const std::regex column("RGA_Produkt_0*([0-9]+)"), form("SP_FRM_([^_]+)"),
+    static const std::regex column("RGA_([^_]+)_0*([0-9]+)"), form("SP_FRM_([^_]+)"),
         control("SP_FRM_([^_]+)_((Lbl_)?(.*?)(_?[0-9]+)?)(_TT)?");
     const auto quoted = [&](const std::string& word) { return source.find('"' + word + '"') != std::string::npos; };
     std::smatch match;
     if (!name.empty()) return hasWord(source, name);
-    if (std::regex_match(key, match, column)) return std::stoul(match[1]) < productColumns();
+    if (std::regex_match(key, match, column)) return isColumn(match[1], std::stoul(match[2]));
     if (std::regex_match(key, match, form)) return quoted(match[1]);
     if (!std::regex_match(key, match, control) || !quoted(match[1])) return false;
     const std::string label = match[3], stem = match[4];
