@@ -1,0 +1,32 @@
+# Completion of kolmera-cli for bash. Commands and options are those that --help tells; jobs are those of the data folder.
+_kolmera_cli() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= folder=${KOLMERA_DATA:-} i
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        case ${COMP_WORDS[i]} in
+            -d | --data) folder=${COMP_WORDS[i + 1]} ;;
+            -*) ;;
+            *) [ -n "$command" ] || command=${COMP_WORDS[i]} ;;
+        esac
+    done
+    local IFS=$'\n'
+    case $before in
+        -d | --data) COMPREPLY=($(compgen -d -- "$word")); compopt -o filenames; return ;;
+        --locale) COMPREPLY=($(compgen -W $'sv\nen' -- "$word")); return ;;
+        --summary | --connect-file | --save | --rejects | --output) COMPREPLY=($(compgen -f -- "$word")); compopt -o filenames; return ;;
+    esac
+    if [[ $word == -* ]]; then
+        COMPREPLY=($(compgen -W "$(kolmera-cli ${command:+"$command"} --help 2>/dev/null | grep -oE -- '--[a-z-]+' | sort -u)" -- "$word"))
+    elif [ -z "$command" ]; then
+        COMPREPLY=($(compgen -W "$(kolmera-cli --help 2>/dev/null | sed -nE 's/^  ([a-z][a-z-]*) .*/\1/p')" -- "$word"))
+    else
+        case $command in
+            run | preview | limits | explain)
+                local jobs=() job
+                while read -r job; do [[ $job == "${word//\\/}"* ]] && jobs+=("$(printf '%q' "$job")"); done < <(
+                    kolmera-cli jobs --json --data "${folder/#\~/$HOME}" 2>/dev/null | sed -nE 's/^ *"job": "(.*)",?$/\1/p')
+                COMPREPLY=("${jobs[@]}") ;;
+            *) COMPREPLY=($(compgen -f -- "$word")); compopt -o filenames ;;
+        esac
+    fi
+}
+complete -F _kolmera_cli kolmera-cli
