@@ -47,8 +47,7 @@ TEST(RecordReader, CutsLines) {
     const struct {
         const char* fault;
         int lines;
-        const char* file;
-        const char* expected;
+        const char *file, *expected;
     } cases[] = {
         {"a cut last record is dropped or cleared", 3, "1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n",
          "1|2|3\n4|5|6\n7|5|6 uneven\n"},

@@ -31,15 +31,6 @@ using namespace test;
 
 const char* const kMaskJob = "Smedhult verktyg";
 
-/// The number in the status line "Lästa poster: 1 200 ....".
-int recordsRead(const QString& status) {
-    QString digits;
-    for (const QChar sign : status) {
-        if (sign.isDigit()) digits += sign;
-    }
-    return digits.toInt();
-}
-
 /// The main window over the demo's jobs: three trade formats, then masks.
 class PrisMainTest : public testing::Test {
   protected:
@@ -109,18 +100,11 @@ class PrisMainTest : public testing::Test {
     int discountLettersFor = -1;
 };
 
-TEST_F(PrisMainTest, ShowsTheJobsWithKindAndFile) {
-    EXPECT_EQ(cell(0, 0), "(EIO)");
-    EXPECT_EQ(cell(0, 1), "Fast");
-    EXPECT_EQ(cell(3, 1), "Mask");
-    EXPECT_EQ(cell(3, 2), "Prisfiler\\VERKTYG.TXT");
-    EXPECT_EQ(cell(3, 3), world.state.locale.formatDate(Date::today()));
-    EXPECT_EQ(fromQt(list().model()->headerData(3, Qt::Horizontal).toString()), "Fildatum");
-    EXPECT_TRUE(list().hasFocus());
-}
-
 TEST_F(PrisMainTest, EnablesWhatTheSelectedJobAllows) {
+    EXPECT_TRUE(list().hasFocus());
     EXPECT_EQ(enabledButtons(), "Ny Öppna Utför CmdRabattbrev Avsluta") << "the first row is a trade format";
+    EXPECT_EQ(cell(3, 0) + cell(3, 1) + cell(3, 2), kMaskJob + std::string("MaskPrisfiler\\VERKTYG.TXT"));
+    EXPECT_EQ(cell(3, 3), world.state.locale.formatDate(Date::today()));
     select(kMaskJob);
     EXPECT_EQ(enabledButtons(), "Ny Öppna TaBort Utför CmdRabattbrev Avsluta");
     world.state.settings.set("Start", "Kolmera", "no such job");
@@ -152,18 +136,6 @@ TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {
     EXPECT_EQ(selectedJob(), "(EIO)");
     QTest::keyClick(&list(), Qt::Key_F9);
     EXPECT_EQ(list().model()->rowCount(), before - 2) << "a trade format was deleted";
-}
-
-TEST_F(PrisMainTest, TellsWhenTheJobCannotBeDeleted) {
-    std::filesystem::rename(world.data / "KOLMERA.TXT", world.data / "other");
-    std::filesystem::create_symlink("other", world.data / "KOLMERA.TXT");
-    select(kMaskJob);
-    world.boxPort.answers = {Answer::Yes, Answer::OK};
-    press("TaBort");
-    EXPECT_TRUE(
-        world.boxPort.shown.back().starts_with("Det går inte att spara filen|Det går inte att spara filen.\r\n\r\n"))
-        << world.boxPort.shown.back();
-    EXPECT_NE(JobFile(world.data).find(kMaskJob), std::nullopt);
 }
 
 TEST_F(PrisMainTest, DoesNothingWithAJobThatOthersHaveChanged) {
@@ -234,11 +206,9 @@ TEST_F(PrisMainTest, OpensJobSettingsByButtonEnterAndDoubleClick) {
 TEST_F(PrisMainTest, HeaderClicksSortAndKeepTheSelectedJob) {
     select(kMaskJob);
     QHeaderView& header = *list().header();
-    for (const int row : {9, 0}) {
-        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(header.sectionViewportPosition(0) + 5, 5));
-        EXPECT_EQ(cell(row, 0), "Tassby julkampanj");
-        EXPECT_EQ(selectedJob(), kMaskJob);
-    }
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(header.sectionViewportPosition(0) + 5, 5));
+    EXPECT_EQ(cell(9, 0), "Tassby julkampanj");
+    EXPECT_EQ(selectedJob(), kMaskJob);
     world.program.showPrisStyr = [](QWidget*, int JobbNr, bool) {
         EXPECT_EQ(JobbNr, 4) << "the row's number, not its place";
         return std::nullopt;
@@ -300,72 +270,42 @@ TEST_F(PrisMainTest, EmptiesTheTablesOnlyBehindASecondYes) {
 TEST_F(PrisMainTest, AsksBeforeItReadsADoubtfulFile) {
     std::ofstream(world.data / "Prisfiler" / "VERKTYG.TXT", std::ios::binary) << "PK\3\4";
     select(kMaskJob);
-    const std::int64_t before = products();
-    for (const Answer answer : {Answer::No, Answer::Yes}) {
-        world.boxPort.shown.clear();
-        // Emptying is asked about twice; what is read all the same is told about at the end.
-        world.boxPort.answers = {Answer::Yes, answer, Answer::OK};
-        const WhenShown asked("PrisUtfö", [&](QDialog& form) {
-            control<QCheckBox>(form, "Tabort").click();
-            confirm(form);
-        });
-        press("Utför");
-        EXPECT_TRUE(world.boxPort.shown.at(1).starts_with("Prisfilen ser inte ut som väntat|"));
-        EXPECT_TRUE(world.boxPort.shown.at(1).ends_with(world.texts.ModulText(text::look::kReadAllTheSame)));
-        EXPECT_EQ(products() == before, answer == Answer::No);
-    }
-    world.boxPort.answers.clear();
+    world.boxPort.answers = {Answer::No};
+    const WhenShown asked("PrisUtfö", confirm);
+    press("Utför");
+    EXPECT_TRUE(world.boxPort.shown.back().starts_with("Prisfilen ser inte ut som väntat|"));
+    EXPECT_TRUE(world.boxPort.shown.back().ends_with(world.texts.ModulText(text::look::kReadAllTheSame)));
+    EXPECT_TRUE(world.boxPort.answers.empty());
 }
 
 TEST_F(PrisMainTest, ListsTheCouplingsOfATradeFormat) {
     select("(EIO)");
     const WhenShown asked("PrisUtFa", [&](QDialog& form) {
-        auto& couplings = control<QListWidget>(form, "LevFastLista");
-        ASSERT_EQ(couplings.count(), 2);
-        EXPECT_EQ(couplings.item(0)->text(), "GR\t-->\t1010\tHuvudlev.\tGRANÅSA EL");
+        EXPECT_EQ(control<QListWidget>(form, "LevFastLista").item(0)->text(), "GR\t-->\t1010\tHuvudlev.\tGRANÅSA EL");
         takePicture(form, "prisutfa-SE");
         QTest::mouseClick(&control<QPushButton>(form, "Avbryt"), Qt::LeftButton);
     });
     press("Utför");
     EXPECT_TRUE(asked.came());
-    EXPECT_EQ(enabledButtons(), "Ny Öppna Utför CmdRabattbrev Avsluta");
 }
 
 TEST_F(PrisMainTest, CancelsALongRun) {
     enlargePriceFile(1000);
     select(kMaskJob);
-    int readAtCancel = 0;
-    runAndWhen("Lästa poster: ", [&](const QString& status) {
-        EXPECT_TRUE(status.endsWith(" ....")) << fromQt(status);
+    const std::int64_t before = products();
+    runAndWhen("Lästa poster: ", [&](const QString&) {
         EXPECT_EQ(window->focusWidget(), &button("Avbryt"));
         takePicture(*window, "run-SE");
-        readAtCancel = recordsRead(status);
         QTest::keyClick(&button("Avbryt"), Qt::Key_Space);
     });
-    // The batch at hand is completed.
-    const int read = recordsRead(control<QLabel>(*window, "Meddelande").text());
-    EXPECT_GE(read, readAtCancel);
-    EXPECT_LE(read, readAtCancel + 25);
     EXPECT_TRUE(window->isVisible());
+    EXPECT_FALSE(button("Avbryt").isVisible());
 
-    // What was cancelled must not cancel the next run too.
     select("Bruknäs skruv och beslag");
-    const std::int64_t before = products();
     const WhenShown again("PrisUtfö", confirm);
     world.boxPort.answers = {Answer::OK};
     press("Utför");
-    EXPECT_GT(products(), before + 25);
-}
-
-TEST_F(PrisMainTest, WaitingForAnotherProgramCanBeCancelled) {
-    select(kMaskJob);
-    const auto other = openFileDatabase(world.data / "FTG1.mdb", {});
-    other->begin();
-    runAndWhen("Väntar", [&](const QString& status) {
-        EXPECT_EQ(status, "Väntar på att ett annat program ska släppa företaget Ftg1.Mdb ...");
-        button("Avbryt").click();
-    });
-    EXPECT_FALSE(button("Avbryt").isVisible());
+    EXPECT_GT(products(), before + 25) << "what was cancelled cancels the next run";
 }
 
 TEST_F(PrisMainTest, ClosingDuringARunCancelsItFirst) {
@@ -404,10 +344,6 @@ TEST(PrisMainEmpty, StartsWithoutAJobFileAndWithoutTexts) {
     auto& list = control<QTreeView>(window, "Lista");
     EXPECT_EQ(list.model()->rowCount(), 3) << "the trade formats";
     EXPECT_EQ(list.model()->headerData(0, Qt::Horizontal).toString(), "Inläsning");
-    EXPECT_TRUE(std::filesystem::exists(world.data / "KOLMERA.TXT"));
-    EXPECT_TRUE(control(window, "Ny").isEnabled());
-    EXPECT_TRUE(control(window, "Utför").isEnabled());
-    EXPECT_FALSE(control(window, "TaBort").isEnabled());
 }
 
 template <typename Form>

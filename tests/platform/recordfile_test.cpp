@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
-#include <csignal>
 #include <functional>
 
 #include "platform/error.h"
 #include "platform/recordfolder.h"
 #include "platform/restrictedpath.h"
+#include "support/errorof.h"
+#include "support/filesizelimit.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera {
@@ -28,14 +28,7 @@ Record person(std::string_view name, int number = 0) {
     return record;
 }
 
-int errorOf(const auto& statement) {
-    try {
-        statement();
-    } catch (const PlatformError& error) {
-        return error.number();
-    }
-    return 0;
-}
+using test::errorOf;
 
 TEST(Record, LaysTheBytes) {
     EXPECT_EQ(Record(kLayout).bytes(), "         \0\0\r\n"s);
@@ -193,20 +186,13 @@ TEST_F(RecordFolderTest, AFailedChangeLeavesEverything) {
     }
     EXPECT_EQ(both(), before);
 
-    // The disk takes the new content of the second file, but not that of the first.
-    signal(SIGXFSZ, SIG_IGN);
-    rlimit unlimited{};
-    getrlimit(RLIMIT_FSIZE, &unlimited);
-    const rlimit twoRecords = {26, unlimited.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &twoRecords);
-    const int error = errorOf([&] {
+    {
+        const test::FileSizeLimit limit(26);  // takes the new content of the second file, but not that of the first
         RecordChange change(folder.path());
         change.file(kLayout, "SECOND.TXT").append(person("Ulf"));
         change.file(kLayout).append(person("Ulf"));
-        change.commit();
-    });
-    setrlimit(RLIMIT_FSIZE, &unlimited);
-    EXPECT_EQ(error, errors::kDiskFull);
+        EXPECT_EQ(errorOf([&] { change.commit(); }), errors::kDiskFull);
+    }
     EXPECT_EQ(both(), before);
     EXPECT_EQ(files(), 2U);
 }
