@@ -10,7 +10,9 @@
 #include "lang/keys/server.h"
 #include "lang/keys/shared.h"
 #include "platform/attempt.h"
+#include "platform/engine/privatedatabase.h"
 #include "platform/lettercase.h"
+#include "startup/companycopy.h"
 #include "startup/companyfile.h"
 #include "startup/passwordfile.h"
 #include "startup/repairtexts.h"
@@ -75,6 +77,37 @@ bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
         const PlatformError error = server ? state_.sql.serverError().value_or(noFile) : noFile;
         warnNotOpened(name, error);
         return !server && error.number() == errors::kDamaged && offerRepair(std::string(name)) && openRepaired(name);
+    }
+}
+
+/// A local file with the tables of the server company that is open, as that company has them.
+std::unique_ptr<Database> CompanyRegister::copyOfServer(const std::filesystem::path& copy,
+                                                        const std::function<bool()>& goOn) {
+    Database& server = *state_.sql.FtgDB;
+    const std::vector<std::string> present = server.tableNames();
+    std::vector<TableDef> tables;
+    for (const TableDef& table : companySchema()) {
+        const auto same = [&](const std::string& name) { return equalNoCase(name, table.name); };
+        if (std::ranges::any_of(present, same)) tables.push_back(server.table(table.name));
+    }
+    auto made = makePrivateDatabase(copy, tables, state_.locale);
+    return fetchTables(server, *made, goOn) ? std::move(made) : nullptr;
+}
+
+bool CompanyRegister::ÖppnaKopia(std::string_view name, const std::filesystem::path& copy,
+                                 const std::function<bool()>& goOn) {
+    try {
+        const bool server = openServer(name);
+        if (!server && SqlLayer::ÄrSQLDatabas(upperCase(name)) && state_.sql.serverError())
+            throw *state_.sql.serverError();
+        const auto file = state_.drives.resolve(name, state_.dataFolder());
+        auto copied = server ? copyOfServer(copy, goOn) : openPrivateCopy(file, openOptions(name), copy, goOn);
+        state_.sql.FtgDB = std::move(copied);
+        return state_.sql.FtgDB != nullptr;
+    } catch (const PlatformError& error) {
+        state_.sql.FtgDB.reset();
+        warnNotOpened(name, error);
+        return false;
     }
 }
 

@@ -104,14 +104,21 @@ class CompanyCopy {
   public:
     CompanyCopy(Database& source, Database& target, const std::function<bool()>& goOn)
         : source_(source), target_(target), goOn_(goOn), schema_(companySchema()) {}
+    CompanyCopy(Database& source, Database& target, const std::function<bool()>& goOn, std::vector<TableDef> tables)
+        : source_(source), target_(target), goOn_(goOn), schema_(std::move(tables)) {}
+
+    /// Whether all rows of all tables are in the target.
+    bool fetch() {
+        const bool whole = std::ranges::all_of(schema_, [&](const TableDef& table) { return copy(table); });
+        target_.settle();
+        return whole;
+    }
 
     CopyResult run() {
         const bool fresh = isNew();
         if (!fresh && !(holdsBeginnings() && goOn())) return ended();
         if (fresh) removeFirstRows();
-        const bool whole = std::ranges::all_of(schema_, [&](const TableDef& table) { return copy(table); });
-        target_.settle();
-        if (whole) verify();
+        if (fetch()) verify();
         return ended();
     }
 
@@ -262,6 +269,12 @@ class CompanyCopy {
 };
 
 }  // namespace
+
+bool fetchTables(Database& source, Database& target, const std::function<bool()>& goOn) {
+    std::vector<TableDef> tables;
+    for (const std::string& name : target.tableNames()) tables.push_back(target.table(name));
+    return CompanyCopy(source, target, goOn, std::move(tables)).fetch();
+}
 
 CopyResult copyCompany(Database& source, Database& target, const std::function<bool()>& goOn) {
     return CompanyCopy(source, target, goOn).run();

@@ -35,4 +35,8 @@ struct CopyResult {
 /// `goOn` is asked between batches; false ends the copy. Throws PlatformError; what is committed then stays.
 CopyResult copyCompany(Database& source, Database& target, const std::function<bool()>& goOn);
 
+/// Copies every row of the tables of `target`, which are empty, without comparing them afterwards. False when `goOn`
+/// has ended it.
+bool fetchTables(Database& source, Database& target, const std::function<bool()>& goOn);
+
 }  // namespace kolmera

@@ -51,6 +51,14 @@ FileDatabase::FileDatabase(const std::filesystem::path& file, const OpenOptions&
     session_.connection.prepareForWork();
 }
 
+FileDatabase::FileDatabase(const std::filesystem::path& file, const Locale& locale,
+                           const std::function<void(SqliteConnection&)>& fill)
+    : session_(file, {.create = true, .alone = true}, locale) {
+    fill(session_.connection);
+    names_ = readTableNames(session_.connection);
+    session_.connection.prepareForWork();
+}
+
 std::vector<std::string> FileDatabase::tableNames() {
     names_ = readTableNames(session_.connection);
     return names_;
@@ -245,11 +253,15 @@ std::uint64_t FileDatabase::stamp(std::string_view table) {
     return fileTable(table).version();
 }
 
-std::unique_ptr<Database> openFileDatabase(const std::filesystem::path& file, const OpenOptions& options) {
+void requireFile(const std::filesystem::path& file) {
     std::error_code none;
     if (!std::filesystem::exists(file, none)) {
         throw PlatformError(errors::kFileNotFound, "the file does not exist").about(file.string());
     }
+}
+
+std::unique_ptr<Database> openFileDatabase(const std::filesystem::path& file, const OpenOptions& options) {
+    requireFile(file);
     return std::make_unique<FileDatabase>(file, options);
 }
 

@@ -17,6 +17,12 @@ namespace kolmera {
 class FileDatabase final : public Database {
   public:
     FileDatabase(const std::filesystem::path& file, const OpenOptions& options);
+    /// A new file of this program alone, which `fill` fills.
+    FileDatabase(const std::filesystem::path& file, const Locale& locale,
+                 const std::function<void(SqliteConnection&)>& fill);
+
+    /// See `openPrivateCopy`.
+    std::unique_ptr<Database> privateCopy(const std::filesystem::path& copy, const std::function<bool()>& goOn);
 
     [[nodiscard]] const TableDef& table(std::string_view name) override { return fileTable(name).definition(); }
     [[nodiscard]] std::vector<std::string> tableNames() override;
@@ -55,5 +61,8 @@ class FileDatabase final : public Database {
     std::vector<std::unique_ptr<FileTable>> tables_;
     std::vector<std::pair<std::string, SqliteStatement>> actions_;  ///< by the text that was given, the last used last
 };
+
+/// Throws kFileNotFound where there is no such file.
+void requireFile(const std::filesystem::path& file);
 
 }  // namespace kolmera

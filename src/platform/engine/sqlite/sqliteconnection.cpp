@@ -1,5 +1,6 @@
 #include "platform/engine/sqlite/sqliteconnection.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
 
 #include <thread>
@@ -10,6 +11,7 @@
 #include "platform/engine/sqlite/sqlitestatement.h"
 #include "platform/engine/sqlitenames.h"
 #include "platform/error.h"
+#include "platform/privatefile.h"
 
 namespace kolmera {
 
@@ -126,6 +128,7 @@ void SqliteConnection::open(const std::filesystem::path& file) {
     // The last to close a file takes its log away, which who may only read cannot; a network drive has none.
     int flags = options_.readOnly && options_.onNetwork ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     if (options_.create) flags |= SQLITE_OPEN_CREATE;
+    if (options_.alone) Descriptor(file, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, PrivateFile::kForOwner);
     connect(file.string(), flags);
     if (!options_.readOnly) return;
     if (!hasLog(file) && !canRead()) connect(immutableUri(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
@@ -142,7 +145,8 @@ void SqliteConnection::connect(const std::string& name, int flags) {
     if (registerSwedishCollation(handle_) != SQLITE_OK) raise(sqlite3_errcode(handle_));
     // The log needs memory that all sessions share, which no network file system gives. Said before the first reading,
     // this makes SQLite do without.
-    if (options_.onNetwork) run("PRAGMA locking_mode=EXCLUSIVE");
+    if (options_.onNetwork || options_.alone) run("PRAGMA locking_mode=EXCLUSIVE");
+    if (options_.alone) run("PRAGMA journal_mode=MEMORY");
 }
 
 /// A file may come from anybody: nothing in it may reach beyond the file, nor change what SQLite keeps of it.
@@ -175,7 +179,9 @@ void SqliteConnection::close() noexcept {
 void SqliteConnection::prepareForWork() {
     run("PRAGMA cache_size=-65536");
     run("PRAGMA temp_store=MEMORY");
-    if (options_.onNetwork) {
+    if (options_.alone) {
+        workAlone();
+    } else if (options_.onNetwork) {
         shareOnNetwork();
     } else if (!options_.readOnly) {
         useWriteAheadLog();
@@ -207,6 +213,15 @@ void SqliteConnection::shareOnNetwork() {
     run("PRAGMA synchronous=FULL");
     run("PRAGMA locking_mode=NORMAL");
     number("PRAGMA schema_version");
+}
+
+/// A copy of a file with a log opens with a log, which needs the file's name: it is given up first.
+void SqliteConnection::workAlone() {
+    run("PRAGMA synchronous=OFF");
+    const std::filesystem::path name = sqlite3_db_filename(handle_, "main");
+    if (text("PRAGMA journal_mode=MEMORY") != "memory") throw PlatformError(errors::kLocked, "the copy has a log");
+    std::error_code stays;
+    std::filesystem::remove(name, stays);
 }
 
 void SqliteConnection::useWriteAheadLog() {

@@ -18,6 +18,7 @@ struct ConnectionOptions {
     bool create = false;
     bool readOnly = false;
     bool exclusive = false;
+    bool alone = false;               ///< a new file that nobody else ever sees: it loses its name before the work
     bool onNetwork = false;           ///< a rollback journal instead of the write-ahead log, which needs shared memory
     std::function<bool()> wait = {};  ///< see OpenOptions::wait
 };
@@ -70,6 +71,7 @@ class SqliteConnection {
     void trustNothing();
     bool canRead();
     void shareOnNetwork();
+    void workAlone();
     void useWriteAheadLog();
     void takeExclusively();
     std::string text(const std::string& statement);
