@@ -7,6 +7,7 @@
 #include "cli/discountscommand.h"
 #include "cli/jobscommand.h"
 #include "cli/newcommand.h"
+#include "cli/previewcommand.h"
 #include "cli/repaircommand.h"
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
@@ -92,6 +93,14 @@ void addFolders(Commands& commands) {
         demoCommand);
 }
 
+void describeJob(Command& command, JobArguments& arguments) {
+    command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
+    command.flag("--empty", arguments.emptyTables, text::help::kEmpty);
+    CLI::Option* strict = command.flag("--strict", arguments.strict, text::help::kStrict);
+    command.flag("--force", arguments.force, text::help::kForce)->excludes(strict);
+    command.option("--locale", arguments.locale, text::help::kLocale)->check(CLI::IsMember({"sv", "en"}));
+}
+
 void addJobs(Commands& commands) {
     commands.add<JobsArguments>(
         "jobs", text::help::kJobs,
@@ -102,14 +111,18 @@ void addJobs(Commands& commands) {
     commands.add<RunArguments>(
         "run", text::help::kRun,
         [](Command& command, RunArguments& arguments) {
-            command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
-            command.flag("--empty", arguments.emptyTables, text::help::kEmpty);
-            CLI::Option* strict = command.flag("--strict", arguments.strict, text::help::kStrict);
-            command.flag("--force", arguments.force, text::help::kForce)->excludes(strict);
-            command.option("--locale", arguments.locale, text::help::kLocale)->check(CLI::IsMember({"sv", "en"}));
+            describeJob(command, arguments);
             command.option("--summary", arguments.summaryFile, text::help::kSummary);
         },
         runCommand);
+    commands.add<PreviewArguments>(
+        "preview", text::help::kPreview,
+        [](Command& command, PreviewArguments& arguments) {
+            describeJob(command, arguments);
+            CLI::Option* prepare = command.flag("--prepare", arguments.prepare, text::help::kPrepare);
+            command.flag("--no-prepare", arguments.noPrepare, text::help::kNoPrepare)->excludes(prepare);
+        },
+        previewCommand);
 }
 
 void addCompanies(Commands& commands) {

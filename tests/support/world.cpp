@@ -176,7 +176,7 @@ void World::moveToServer() {
     state.sql.openServerDatabase = [this](const std::string&, const ServerOptions&) { return open(); };
 }
 
-RunSummary World::run() {
+void World::carryOut(const std::function<void(ImportContext&)>& work) {
     database_.reset();
     JobFile jobs(data());
     const auto existing = jobs.find(job.name);
@@ -185,14 +185,25 @@ RunSummary World::run() {
     MessageBoxes boxes(port, {});
     CompanyRegister companies(state, texts_, boxes);
     ImportContext context{state, texts_, boxes, companies, port, Idag, job.number};
-    RunSummary summary = Utför(context, job.name);
+    work(context);
+    EXPECT_FALSE(port.inRunMode);
+    EXPECT_FALSE(port.hourglassShown);
+    EXPECT_EQ(state.sql.FtgDB, nullptr) << "the run has left the company open";
+}
+
+Preview World::preview(const PreviewOptions& options) {
+    Preview preview;
+    carryOut([&](ImportContext& context) { preview = previewRun(context, job.name, options); });
+    return preview;
+}
+
+RunSummary World::run() {
+    RunSummary summary;
+    carryOut([&](ImportContext& context) { summary = Utför(context, job.name); });
     for (const RunReport::Failure& failure : summary.report.failures()) {
         const std::string statement = failure.statement + ": " + std::to_string(failure.error.number());
         port.passedOver.insert(port.passedOver.end(), static_cast<std::size_t>(failure.count), statement);
     }
-    EXPECT_FALSE(port.inRunMode);
-    EXPECT_FALSE(port.hourglassShown);
-    EXPECT_EQ(state.sql.FtgDB, nullptr) << "the run has left the company open";
     return summary;
 }
 

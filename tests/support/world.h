@@ -7,6 +7,7 @@
 
 #include "definitions/jobfile.h"
 #include "definitions/maskfile.h"
+#include "import/preview/preview.h"
 #include "import/run/importcontext.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
@@ -65,6 +66,7 @@ class World {
     Job job;
 
     RunSummary run();
+    Preview preview(const PreviewOptions& options = {});
 
     /// The rows of a table in the order in which they were made, one a line: values separated by blanks, numbers with
     /// a point, Null as "-".
@@ -87,6 +89,7 @@ class World {
 
   private:
     Database& database() const;
+    void carryOut(const std::function<void(ImportContext&)>& work);
 
     bool server_;
     mutable std::unique_ptr<Database> database_;  ///< open between runs, while a test states or reads rows

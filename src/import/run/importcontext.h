@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <optional>
+#include <string_view>
 
 #include "definitions/jobfile.h"
 #include "import/run/runport.h"
@@ -11,6 +13,13 @@
 #include "startup/startstate.h"
 
 namespace kolmera {
+
+/// What is different in a run that nothing comes of.
+struct PreviewMode {
+    /// Opens a private copy of the company as `state.sql.FtgDB`. A failure is shown and answers false.
+    std::function<bool(std::string_view company)> openCopy;
+    bool runsCommand = false;  ///< the preparation command is carried out; else the price file is taken as it is
+};
 
 /// What an import run needs of the program. Made where a run is started; the run machinery takes it whole, the
 /// routines below take what they use.
@@ -24,6 +33,9 @@ struct ImportContext {
     int JobbNr = 0;  ///< record number of the job in KOLMERA.TXT
     /// The job as the user saw it; a run does not start from another one that has got its number meanwhile.
     std::optional<Job> shown = std::nullopt;
+    const PreviewMode* preview = nullptr;  ///< set in a preview
+    /// Asked when all is known and nothing is changed yet; false ends the run. Unset, nothing speaks against it.
+    std::function<bool(bool emptyTables)> mayWrite = {};
 };
 
 }  // namespace kolmera

@@ -19,6 +19,7 @@
 #include "lang/keys/company.h"
 #include "lang/keys/look.h"
 #include "lang/keys/preparation.h"
+#include "lang/keys/preview.h"
 #include "lang/keys/prismain.h"
 #include "lang/keys/run.h"
 #include "platform/attempt.h"
@@ -82,7 +83,10 @@ bool RunMachinery::openCompany() {
         if (waited >= kNoticeable) port().status(texts().ModulText(text::run::kWaitingForServer));
         return !port().cancelled();
     };
-    return context_.companies.ÖppnaDatabas(job_.company);
+    if (!context_.preview) return context_.companies.ÖppnaDatabas(job_.company);
+    const bool open = context_.preview->openCopy(job_.company);
+    summary_.cancelled = !open && port().cancelled();
+    return open;
 }
 
 // Confirmation.
@@ -145,7 +149,8 @@ bool RunMachinery::confirm(Recordset& products, Recordset& settings2, std::strin
 
 bool RunMachinery::prepare() {
     port().hourglass(true);
-    return job_.command.empty() || FörberedFil(job_.command);
+    const bool runs = !job_.command.empty() && (!context_.preview || context_.preview->runsCommand);
+    return !runs || FörberedFil(job_.command);
 }
 
 bool RunMachinery::FörberedFil(const std::string& command) {
@@ -222,7 +227,15 @@ bool RunMachinery::readsFile(const std::function<FileFacts(const std::filesystem
     FileFacts facts;
     PassedOverSilently passedOver;  // a file that cannot be read is told of where it is opened
     attempt(passedOver, "readsFile", [&] { facts = look(priceFilePath_); });
-    if (facts.empty()) return true;
+    if (!facts.empty() && !readsDoubtfulFile(facts)) return false;
+    if (!context_.mayWrite) return true;
+    const bool may = context_.mayWrite(emptyTables_);
+    summary_.cancelled = !may && port().cancelled();
+    port().hourglass(may);
+    return may;
+}
+
+bool RunMachinery::readsDoubtfulFile(const FileFacts& facts) {
     port().hourglass(false);
     const std::string emptied = emptyTables_ ? job_.company : std::string();
     if (!port().readsDoubtful(doubtfulFile(texts(), facts, job_.priceFile, emptied, context_.state.locale)))
@@ -342,8 +355,9 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
     }
     const std::string found = fmt::format("{}", fmt::join(paragraphs, kLineBreaks));
     if (ended) {
-        std::string text = whatEndedTheRun(texts, job.company, *ended);
-        if (kept > 0)
+        std::string text = context.preview ? texts.ModulTextMed(text::preview::kStopped, errorText(texts, *ended))
+                                           : whatEndedTheRun(texts, job.company, *ended);
+        if (kept > 0 && !context.preview)
             text += std::string(kLineBreaks) + texts.ModulTextMed(text::run::kCertainlySaved, std::to_string(kept));
         if (!found.empty()) text += std::string(kLineBreaks) + found;
         context.boxes.MeddelandeVarning(text, texts.ModulText(text::run::kStoppedTitle));
@@ -381,7 +395,8 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
     run.reset();
     tellHowItWent(context, summary, job, kept, ended);
     const bool damaged = ended && ended->number() == errors::kDamaged;
-    if (damaged && !SqlLayer::ÄrSQLDatabas(upperCase(job.company))) context.companies.offerRepair(job.company);
+    if (damaged && !context.preview && !SqlLayer::ÄrSQLDatabas(upperCase(job.company)))
+        context.companies.offerRepair(job.company);
     if (jobSettings) context.port.openJobSettings();
     return summary;
 }

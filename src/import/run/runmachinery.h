@@ -67,7 +67,7 @@ class RunMachinery {
     [[nodiscard]] bool FörberedFil(const std::string& command);
     [[nodiscard]] bool findPriceFile();
     /// Looks at the file that `findPriceFile` has found, before anything is changed. When it is not what the run
-    /// expects, it is read all the same or the run stops, as the user decides.
+    /// expects, it is read all the same or the run stops, as the user decides. Then `ImportContext::mayWrite` is asked.
     [[nodiscard]] bool readsFile(const std::function<FileFacts(const std::filesystem::path&)>& look);
     /// Opens the file that `findPriceFile` has found.
     [[nodiscard]] bool openPriceFile();
@@ -103,6 +103,7 @@ class RunMachinery {
     [[nodiscard]] bool emptyTable(Recordset& table, std::string_view name, int every, const EmptyingTexts& told,
                                   std::int64_t& deleted);
     [[nodiscard]] std::string roundingWarning(Recordset& settings2);
+    [[nodiscard]] bool readsDoubtfulFile(const FileFacts& facts);
     [[nodiscard]] bool startInTurn(BatchFile& batch, const std::string& command);
     /// Waits until `done`. False when cancelled.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& done);
