@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,8 @@ class RecordReader {
     /// does not grow with the run.
     void forEachChange(const std::function<bool(const RowChange&)>& take) const;
     void forEachRemark(const std::function<bool(const RecordRemark&)>& take) const;
+    /// Where a record stands that changed rows; nothing when it is not known.
+    [[nodiscard]] std::optional<RecordPlace> place(std::int64_t record) const;
 
   private:
     struct Impl;

@@ -96,6 +96,7 @@ class FakeDatabase final : public Database {
     void insertRows(std::string_view table, std::span<const int>, std::span<const std::vector<Value>> rows) override {
         asked_.push_back("insert " + std::to_string(rows.size()) + " into " + std::string(table));
     }
+    void listen(ChangeListener*) override {}
     void begin() override {}
     void commit() override {}
     void commitJoined() override {}

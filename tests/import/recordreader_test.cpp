@@ -28,7 +28,7 @@ std::string read(const LoadedMask& mask, std::string_view file) {
     const TemporaryFolder folder;
     folder.write("pris.txt", file);
     PriceFile price(folder / "pris.txt");
-    RecordReader reader(price, mask);
+    MaskRecordReader reader(price, mask);
     std::string text;
     while (reader.next()) {
         for (int number = 1; number <= reader.entries().size(); ++number) {
@@ -43,7 +43,7 @@ std::string read(const LoadedMask& mask, std::string_view file) {
 
 const std::vector<std::pair<int, int>> kOne{{1, 1}}, kThree(3), kFive(5);
 
-TEST(RecordReader, CutsLines) {
+TEST(MaskRecordReader, CutsLines) {
     const struct {
         const char* fault;
         int lines;
@@ -65,7 +65,7 @@ TEST(RecordReader, CutsLines) {
     }
 }
 
-TEST(RecordReader, CutsTabs) {
+TEST(MaskRecordReader, CutsTabs) {
     const struct {
         const char* fault;
         int columns;
@@ -88,7 +88,7 @@ TEST(RecordReader, CutsTabs) {
     }
 }
 
-TEST(RecordReader, CutsFixedRecords) {
+TEST(MaskRecordReader, CutsFixedRecords) {
     const std::vector<std::pair<int, int>> pieces{{1, 4}, {5, 2}};
     const struct {
         const char* fault;
@@ -108,7 +108,7 @@ TEST(RecordReader, CutsFixedRecords) {
     EXPECT_EQ(read(maskOf('P', 6, {{0, 4}, {5, 0}}), "4711aa\n"), "|\n") << "no start or no length is a piece";
 }
 
-TEST(RecordReader, CountsBytesAndDecodesAfterwards) {
+TEST(MaskRecordReader, CountsBytesAndDecodesAfterwards) {
     EXPECT_EQ(read(maskOf('P', 4, {{1, 2}, {3, 2}}),
                    "\xE5\xE4"
                    "ab\n"),
@@ -118,7 +118,7 @@ TEST(RecordReader, CountsBytesAndDecodesAfterwards) {
     EXPECT_EQ(read(maskOf('T', 0, kThree, 3), "\xE5\t\xE4\t\xF6"), "å|ä|ö\n") << "a Windows file is not converted";
 }
 
-TEST(RecordReader, KeepsNulAndSubstituteAsCharacters) {
+TEST(MaskRecordReader, KeepsNulAndSubstituteAsCharacters) {
     using namespace std::string_view_literals;
     EXPECT_EQ(read(maskOf('F', 1, kOne),
                    "\0a\x1A"
@@ -127,7 +127,7 @@ TEST(RecordReader, KeepsNulAndSubstituteAsCharacters) {
               "b\nc\n");
 }
 
-TEST(RecordReader, TakesALineOfTenMegabytes) {
+TEST(MaskRecordReader, TakesALineOfTenMegabytes) {
     std::string line;
     line.resize(10'000'000, 'x');
     EXPECT_EQ(read(maskOf('T', 0, kThree, 3), "4711\t" + line + "\tslut\r\n"), "4711|" + line + "|slut\n");

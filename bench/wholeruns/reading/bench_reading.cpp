@@ -45,7 +45,7 @@ void maskFile(benchmark::State& state, const FormatName& format) {
     std::int64_t records = 0;
     for ([[maybe_unused]] auto run : state) {
         PriceFile file(folder.file());
-        RecordReader reader(file, mask);
+        MaskRecordReader reader(file, mask);
         while (reader.next()) benchmark::DoNotOptimize(reader.entries().text(mask.key));
         records += reader.count();
     }

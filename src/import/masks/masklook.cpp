@@ -109,7 +109,7 @@ class MaskLook {
                                           const Locale& locale) const {
         RecordsSeen seen;
         PriceFile file(path);
-        RecordReader reader(file, mask_);
+        MaskRecordReader reader(file, mask_);
         while (file.position() < kLookedAt && reader.next()) {
             const EntryList& entries = reader.entries();
             if (entries.text(mask_.key).empty()) ++seen.withoutKey;

@@ -178,7 +178,7 @@ void MaskRun::readRecords() {
     constexpr int kBatch = 25;
     machinery_.port().status(texts_.FormulärSträng(text::prismain::kReading));
     RecordImport import(mask_, job_.supplier, machinery_.context(), tables_, machinery_.summary());
-    RecordReader reader(machinery_.priceFile(), mask_);
+    MaskRecordReader reader(machinery_.priceFile(), mask_);
     BatchTransaction transaction(*sql_.FtgDB);
     while (reader.next()) {
         import.import(reader.entries());

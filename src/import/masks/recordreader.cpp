@@ -32,14 +32,14 @@ std::size_t cutFixed(std::string_view record, const LoadedMask& mask, EntryList&
     return needed;
 }
 
-bool RecordReader::next() {
+bool MaskRecordReader::next() {
     if (file_.atEnd()) return false;
     read();
     ++count_;
     return true;
 }
 
-void RecordReader::read() {
+void MaskRecordReader::read() {
     switch (mask_.layout) {
         case LoadedMask::Layout::Lines:
             uneven_ = cutLines(file_, mask_.AntalRader, entries_) < lastUsed_;
@@ -53,13 +53,13 @@ void RecordReader::read() {
     }
 }
 
-bool RecordReader::readTabs() {
+bool MaskRecordReader::readTabs() {
     const int texts = cutTabs(file_.line(), entries_);
     const bool lastIsRead = lastUsed_ == entries_.size();
     return texts < entries_.size() ? texts <= lastUsed_ : texts > entries_.size() && lastIsRead;
 }
 
-bool RecordReader::readFixed() {
+bool MaskRecordReader::readFixed() {
     const std::string_view record = file_.bytes(static_cast<std::size_t>(mask_.Postlängd));
     // The masks' pieces may reach behind the record; only the last record of a file is cut.
     const bool cut = record.size() < static_cast<std::size_t>(mask_.Postlängd);

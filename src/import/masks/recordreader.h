@@ -23,9 +23,9 @@ std::size_t cutFixed(std::string_view record, const LoadedMask& mask, EntryList&
 
 /// Reads a price file record by record through a mask. `next` until it answers false; after each, `entries` holds the
 /// record.
-class RecordReader {
+class MaskRecordReader {
   public:
-    RecordReader(PriceFile& file, const LoadedMask& mask)
+    MaskRecordReader(PriceFile& file, const LoadedMask& mask)
         : file_(file), mask_(mask), entries_(mask), lastUsed_(entries_.lastUsed()) {}
 
     /// Reads and counts a record; false at the end of the file.

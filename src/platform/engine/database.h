@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/engine/changelistener.h"
 #include "platform/engine/recordset.h"
 #include "platform/engine/schema.h"
 #include "platform/locale.h"
@@ -38,6 +39,10 @@ class Database {
     /// an error leaves those of the rows that came before it.
     virtual void insertRows(std::string_view table, std::span<const int> columns,
                             std::span<const std::vector<Value>> rows) = 0;
+
+    /// Tells a listener of every row that is written through this object from now on; nullptr ends it. The listener has
+    /// to stay until then, or until the database is closed. Not inside a transaction of the program.
+    virtual void listen(ChangeListener* listener) = 0;
 
     // Transactions. They do not nest; begin inside one is kInternal.
     virtual void begin() = 0;

@@ -46,6 +46,10 @@ class ServerDatabase final : public Database {
         serverTable(table).insertRows(columns, rows);
     }
 
+    void listen(ChangeListener* listener) override {
+        if (listener != nullptr) throw PlatformError(errors::kInternal, "a server's changes cannot be heard");
+    }
+
     void begin() override { session_.begin(); }
     void commit() override { session_.commit(); }
     /// A server's commit is not put off: other sessions would wait for the locks.

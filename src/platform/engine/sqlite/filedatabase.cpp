@@ -9,6 +9,7 @@
 #include "platform/engine/fieldvalue.h"
 #include "platform/engine/memoryrecordset.h"
 #include "platform/engine/selectstatement.h"
+#include "platform/engine/sqlite/heardwrite.h"
 #include "platform/engine/sqlite/keysetrecordset.h"
 #include "platform/engine/sqlite/openchecks.h"
 #include "platform/engine/sqlite/password.h"
@@ -191,6 +192,7 @@ SqliteStatement& FileDatabase::actionStatement(std::string_view text) {
 std::int64_t FileDatabase::execute(std::string_view statement, std::span<const Value> parameters,
                                    std::int32_t /*options*/) {
     flushAll();
+    HeardWrite write(session_, HeardWrite::Rows::AsStored);  // before the statement is compiled: see `listen`
     SqliteStatement& action = actionStatement(statement);
     if (static_cast<std::size_t>(action.parameters()) != parameters.size()) {
         throw PlatformError(errors::kInternal, "the statement takes " + std::to_string(action.parameters()) +
@@ -201,6 +203,7 @@ std::int64_t FileDatabase::execute(std::string_view statement, std::span<const V
     const int before = sqlite3_total_changes(session_.connection.handle());
     while (action.step()) {
     }
+    write.done();
     session_.connection.startEpoch();
     session_.transactions.afterPlainWrite();
     return sqlite3_total_changes(session_.connection.handle()) - before;
@@ -219,6 +222,7 @@ void FileDatabase::insertRows(std::string_view table, std::span<const int> colum
     SqliteStatement& statement = target.insertStatement(written);
     std::vector<Value> values(places.size());  // the statement reads texts where they lie, when it is run
     for (const std::vector<Value>& row : rows) {
+        HeardWrite write(session_, HeardWrite::Rows::AsStored);
         const StatementUse use(statement);
         for (std::size_t i = 0; i < places.size(); ++i) {
             values[i] = row[places[i]];
@@ -226,9 +230,22 @@ void FileDatabase::insertRows(std::string_view table, std::span<const int> colum
             statement.bind(static_cast<int>(i) + 1, values[i]);
         }
         statement.step();
+        write.done();
     }
     target.noteWrite();
     session_.transactions.afterPlainWrite();
+}
+
+/// Statements are compiled anew: without a listener SQLite empties a table without looking at its rows. The tables are
+/// opened now, because nothing can be read while a row is told.
+void FileDatabase::listen(ChangeListener* listener) {
+    flushAll();
+    settle();
+    actions_.clear();
+    if (listener != nullptr) {
+        for (const std::string& name : tableNames()) (void)fileTable(name);
+    }
+    session_.connection.listen(listener);
 }
 
 void FileDatabase::begin() { session_.transactions.begin(); }

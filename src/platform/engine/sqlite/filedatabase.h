@@ -30,6 +30,7 @@ class FileDatabase final : public Database {
     std::int64_t execute(std::string_view statement, std::span<const Value> parameters, std::int32_t options) override;
     void insertRows(std::string_view table, std::span<const int> columns,
                     std::span<const std::vector<Value>> rows) override;
+    void listen(ChangeListener* listener) override;
 
     void begin() override;
     bool beginWhole() override;

@@ -40,6 +40,7 @@ FileTable::FileTable(FileSession& session, TableDef definition)
         if (!index.unique) continue;
         for (const KeyColumn& column : indexes_.back().columns) uniqueColumns_.add(column.ordinal);
     }
+    session_.tables.push_back(this);
 }
 
 TableIndex FileTable::makeIndex(const IndexDef& index) const {

@@ -14,6 +14,7 @@
 
 namespace kolmera {
 
+class FileTable;
 class TableRow;
 
 /// What everything that works on one open file shares.
@@ -24,6 +25,7 @@ struct FileSession {
     SqliteConnection connection;
     Transactions transactions;
     Locale locale;
+    std::vector<FileTable*> tables = {};  ///< those that are open
 };
 
 /// One column of an index.

@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/engine/changelistener.h"
 #include "platform/engine/sqlite/collation.h"
 #include "platform/engine/sqlite/networklocks.h"
 #include "platform/engine/sqlite/sqlitestatement.h"
@@ -189,6 +190,18 @@ void SqliteConnection::prepareForWork() {
     if (options_.exclusive && !options_.readOnly) takeExclusively();
 }
 
+void SqliteConnection::prepareForRecord() {
+    run("PRAGMA cache_size=-2048");
+    run("PRAGMA temp_store=MEMORY");
+    if (options_.onNetwork) {
+        shareOnNetwork();
+    } else {
+        run("PRAGMA journal_mode=WAL");
+        run("PRAGMA wal_autocheckpoint=4000");
+    }
+    run("PRAGMA synchronous=NORMAL");
+}
+
 void SqliteConnection::prepareForMaking() {
     run("PRAGMA journal_mode=OFF");
     run("PRAGMA synchronous=OFF");
@@ -250,14 +263,17 @@ void SqliteConnection::begin() {
 }
 
 void SqliteConnection::commit() {
+    if (listener_ != nullptr) listener_->kept();
     run("COMMIT");
     transactionOpen_ = false;
+    if (listener_ != nullptr) listener_->stands();
 }
 
 void SqliteConnection::rollback() {
     transactionOpen_ = false;
     startEpoch();
     run("ROLLBACK");
+    if (listener_ != nullptr) listener_->undone();
 }
 
 void SqliteConnection::lookForOthers() {
@@ -276,6 +292,7 @@ void SqliteConnection::raise(int code) {
         transactionOpen_ = false;
         startEpoch();
         endsRun = true;
+        if (listener_ != nullptr) listener_->undone();
     }
     throw PlatformError(number, text, endsRun).about(namedThing(number, text));
 }

@@ -13,6 +13,8 @@ struct sqlite3;
 
 namespace kolmera {
 
+class ChangeListener;
+
 /// How a file is opened.
 struct ConnectionOptions {
     bool create = false;
@@ -38,6 +40,9 @@ class SqliteConnection {
 
     /// Chooses journal, synchronisation and cache. To be called when the file is known to be a company's.
     void prepareForWork();
+    /// Chooses them for a file that one program fills and others read: whole whatever happens, but the power going may
+    /// cost the last commits.
+    void prepareForRecord();
     /// For a new file that nobody sees before it is finished and synced: opens the transaction that makes it, without
     /// a journal, and marks it as a company file.
     void prepareForMaking();
@@ -51,6 +56,10 @@ class SqliteConnection {
     void commit();
     void rollback();
     [[nodiscard]] bool transactionOpen() const { return transactionOpen_; }
+
+    /// Who is told of what is written; the connection itself tells of commits and of rolling back.
+    void listen(ChangeListener* listener) { listener_ = listener; }
+    [[nodiscard]] ChangeListener* listener() const { return listener_; }
 
     /// Counts what changes rows behind the back of those who hold copies: other sessions' commits (as far as noticed),
     /// rolling back, and statements from above.
@@ -82,6 +91,7 @@ class SqliteConnection {
     ConnectionOptions options_;
     sqlite3* handle_ = nullptr;
     bool transactionOpen_ = false;
+    ChangeListener* listener_ = nullptr;
     std::uint64_t epoch_ = 0;
     std::int64_t dataVersion_ = 0;  ///< SQLite's number for what other sessions have committed
     SqliteStatement dataVersionQuery_;

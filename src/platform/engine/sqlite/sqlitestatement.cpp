@@ -7,39 +7,26 @@
 #include <utility>
 
 #include "platform/engine/sqlite/sqliteconnection.h"
+#include "platform/engine/sqlite/storedfield.h"
 #include "platform/error.h"
 
 namespace kolmera {
 
 namespace {
 
-void setText(Value& into, std::string_view text) {
-    if (auto* kept = std::get_if<std::string>(&into)) {
-        kept->assign(text);
-    } else {
-        into.emplace<std::string>(text);
-    }
-}
+/// A column of the row at hand.
+struct ResultColumn {
+    sqlite3_stmt* statement;
+    int column;
 
-/// A stored number as a value of a field type.
-void setNumber(sqlite3_stmt* statement, int column, int storage, FieldType type, Value& into) {
-    switch (type) {
-        case FieldType::Boolean:
-            into = sqlite3_column_int64(statement, column) != 0;
-            return;
-        case FieldType::Byte:
-        case FieldType::Integer:
-        case FieldType::Long:
-            if (storage == SQLITE_INTEGER) {
-                into = static_cast<std::int64_t>(sqlite3_column_int64(statement, column));
-            } else {
-                into = sqlite3_column_double(statement, column);
-            }
-            return;
-        default:
-            into = sqlite3_column_double(statement, column);
+    [[nodiscard]] int storage() const { return sqlite3_column_type(statement, column); }
+    [[nodiscard]] sqlite3_int64 integer() const { return sqlite3_column_int64(statement, column); }
+    [[nodiscard]] double number() const { return sqlite3_column_double(statement, column); }
+    [[nodiscard]] std::string_view text() const {
+        const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+        return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
     }
-}
+};
 
 }  // namespace
 
@@ -122,6 +109,11 @@ void SqliteStatement::bind(int parameter, const StoredValue& value) {
     if (code != SQLITE_OK) connection_->raise(code);
 }
 
+void SqliteStatement::bindBytes(int parameter, std::string_view bytes) {
+    const int code = sqlite3_bind_blob64(statement_, parameter, bytes.data(), bytes.size(), SQLITE_STATIC);
+    if (code != SQLITE_OK) connection_->raise(code);
+}
+
 bool SqliteStatement::step() {
     const int code = sqlite3_step(statement_);
     if (code == SQLITE_ROW) return true;
@@ -144,36 +136,15 @@ bool SqliteStatement::isNull(int column) const { return sqlite3_column_type(stat
 
 std::int64_t SqliteStatement::integer(int column) const { return sqlite3_column_int64(statement_, column); }
 
-std::string_view SqliteStatement::text(int column) const {
-    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+std::string_view SqliteStatement::text(int column) const { return ResultColumn{statement_, column}.text(); }
+
+std::string_view SqliteStatement::bytes(int column) const {
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, column));
     return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
 
 void SqliteStatement::read(int column, FieldType type, Value& into) const {
-    const int storage = sqlite3_column_type(statement_, column);
-    switch (storage) {
-        case SQLITE_NULL:
-            into = Null{};
-            return;
-        case SQLITE_INTEGER:
-        case SQLITE_FLOAT:
-            setNumber(statement_, column, storage, type, into);
-            return;
-        default:
-            readText(column, type, into);
-    }
-}
-
-void SqliteStatement::readText(int column, FieldType type, Value& into) const {
-    const std::string_view stored = text(column);
-    if (type == FieldType::Date) {
-        // A time of day that another tool may have appended does not count.
-        if (const auto date = Date::fromIso(stored.substr(0, 10))) {
-            into = *date;
-            return;
-        }
-    }
-    setText(into, stored);
+    readStored(ResultColumn{statement_, column}, type, into);
 }
 
 }  // namespace kolmera

@@ -33,6 +33,7 @@ class SqliteStatement {
     void bind(int parameter, std::int64_t value);
     void bind(int parameter, std::string_view text);
     void bind(int parameter, const StoredValue& value);
+    void bindBytes(int parameter, std::string_view bytes);
 
     /// Goes to the next row; false at the end. An error resets the statement and throws.
     bool step();
@@ -44,6 +45,7 @@ class SqliteStatement {
     [[nodiscard]] bool isNull(int column) const;
     [[nodiscard]] std::int64_t integer(int column) const;
     [[nodiscard]] std::string_view text(int column) const;  ///< valid until the next step or reset
+    [[nodiscard]] std::string_view bytes(int column) const;  ///< the same for what is no text
     /// Reads a column as a value of a field type. What is stored in another form comes as it is stored. A text keeps
     /// the memory that `into` already has.
     void read(int column, FieldType type, Value& into) const;
@@ -53,7 +55,6 @@ class SqliteStatement {
     using DateText = std::array<char, 10>;
 
     int bindDate(int parameter, Date date);
-    void readText(int column, FieldType type, Value& into) const;
 
     SqliteConnection* connection_ = nullptr;
     sqlite3_stmt* statement_ = nullptr;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/engine/fieldvalue.h"
+#include "platform/engine/sqlite/heardwrite.h"
 #include "platform/error.h"
 
 namespace kolmera {
@@ -139,15 +140,34 @@ bool TableRow::mayHoldBack() const {
 void TableRow::writeChanged() {
     if (table_.heldBack() != this || !mayHoldBack()) table_.flush();
     if (mayHoldBack()) {
-        heldBack_ |= changed_;
-        heldBackEpoch_ = table_.session().connection.epoch();
-        table_.holdBack(this);
+        writeLater();
     } else {
-        writeColumns(changed_, edited_);
+        writeAtOnce();
     }
-    keepChanges();
     noteWrite();
     table_.session().transactions.afterPlainWrite();
+}
+
+void TableRow::writeAtOnce() {
+    HeardWrite write(table_.session(), table_.hasRules() ? HeardWrite::Rows::AsStored : HeardWrite::Rows::ToldByCaller);
+    writeColumns(changed_, edited_);
+    if (write.heard() && !table_.hasRules()) tell(changed_, current_, edited_, listener()->place());
+    write.done();
+    keepChanges();
+}
+
+void TableRow::writeLater() {
+    keepChanges();
+    if (listener() != nullptr) {
+        if (heldBack_.empty()) heldBackPlace_ = listener()->place();
+        before_.resize(current_.size());
+        changed_.forEach([&](int column) {
+            if (!heldBack_.has(column)) std::swap(before_[at(column)], edited_[at(column)]);
+        });
+    }
+    heldBack_ |= changed_;
+    heldBackEpoch_ = table_.session().connection.epoch();
+    table_.holdBack(this);
 }
 
 void TableRow::keepChanges() {
@@ -170,16 +190,35 @@ void TableRow::writeColumns(const ColumnSet& columns, const std::vector<Value>& 
 /// What was held back in a transaction that was rolled back, by the program or by SQLite itself, is gone with it.
 void TableRow::writeHeldBack() {
     const ColumnSet columns = std::exchange(heldBack_, ColumnSet());
-    if (heldBackEpoch_ == table_.session().connection.epoch()) writeColumns(columns, current_);
+    if (heldBackEpoch_ != table_.session().connection.epoch()) return;
+    writeColumns(columns, current_);
+    if (listener() != nullptr) tell(columns, before_, current_, heldBackPlace_);
+}
+
+void TableRow::tell(const ColumnSet& columns, const std::vector<Value>& before, const std::vector<Value>& after,
+                    std::int64_t place) const {
+    std::vector<ChangedCell> cells;
+    columns.forEach([&](int column) {
+        if (before[at(column)] == after[at(column)]) return;
+        cells.push_back({.column = column, .before = &before[at(column)], .after = &after[at(column)]});
+    });
+    if (cells.empty()) return;
+    std::vector<const Value*> known(current_.size());
+    loaded_.forEach([&](int column) {
+        if (!columns.has(column)) known[at(column)] = &current_[at(column)];
+    });
+    listener()->changed({.table = table_.definition(), .id = id_, .cells = cells, .known = known, .place = place});
 }
 
 void TableRow::writeNew() {
     table_.flush();
+    HeardWrite write(table_.session(), HeardWrite::Rows::AsStored);
     SqliteStatement& statement = table_.insertStatement(changed_);
     const StatementUse use(statement);
     int parameter = 0;
     changed_.forEach([&](int column) { statement.bind(++parameter, edited_[at(column)]); });
     statement.step();
+    write.done();
     lastSaved_ = sqlite3_last_insert_rowid(table_.session().connection.handle());
     noteWrite();
     savedAtHand_ = true;
@@ -229,10 +268,12 @@ void TableRow::remove() {
     requireWritable();
     requirePresent();
     table_.flush();
+    HeardWrite write(table_.session(), HeardWrite::Rows::AsStored);
     SqliteStatement& statement = table_.deleteStatement();
     const StatementUse use(statement);
     statement.bind(1, id_);
     statement.step();
+    write.done();
     clear();
     noteWrite();
     table_.session().transactions.afterPlainWrite();

@@ -74,6 +74,11 @@ class TableRow {
     void noteWrite();
     [[nodiscard]] bool mayHoldBack() const;
     void writeColumns(const ColumnSet& columns, const std::vector<Value>& values);
+    void writeAtOnce();
+    void writeLater();
+    [[nodiscard]] ChangeListener* listener() const { return table_.session().connection.listener(); }
+    void tell(const ColumnSet& columns, const std::vector<Value>& before, const std::vector<Value>& after,
+              std::int64_t place) const;
 
     FileTable& table_;
     bool readOnly_;
@@ -95,6 +100,8 @@ class TableRow {
     ColumnSet changed_;  ///< columns whose value in `edited_` counts
     ColumnSet heldBack_;
     std::uint64_t heldBackEpoch_ = 0;  ///< of the transaction that holds back
+    std::vector<Value> before_;        ///< of the columns held back, when somebody listens
+    std::int64_t heldBackPlace_ = 0;   ///< the listener's, when the row was first edited
     std::int64_t lastSaved_ = 0;
     bool savedAtHand_ = false;        ///< `edited_` and the defaults are the row added last ...
     std::uint64_t savedVersion_ = 0;  ///< ... as long as the table has this version

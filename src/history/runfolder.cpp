@@ -1,0 +1,108 @@
+#include "history/runfolder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <system_error>
+
+#include "history/recordfile.h"
+#include "platform/error.h"
+
+namespace kolmera {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// "20261123-081500-0a1b"
+bool isId(std::string_view id) {
+    constexpr std::string_view kForm = "########-######-****";
+    return std::ranges::equal(id, kForm, [](char character, char form) {
+        const bool digit = character >= '0' && character <= '9';
+        if (form == '-') return character == '-';
+        return digit || (form == '*' && character >= 'a' && character <= 'z');
+    });
+}
+
+std::int64_t bytesOf(const fs::path& file) {
+    std::int64_t bytes = 0;
+    for (const char* beside : {"", "-wal"}) {
+        fs::path name = file;
+        name += beside;
+        std::error_code missing;
+        const std::uintmax_t size = fs::file_size(name, missing);
+        if (!missing) bytes += static_cast<std::int64_t>(size);
+    }
+    return bytes;
+}
+
+bool mayBeUnderWay(const fs::path& file) {
+    constexpr std::chrono::hours kDay(24);
+    std::error_code unknown;
+    for (const char* beside : {"", "-wal"}) {
+        fs::path name = file;
+        name += beside;
+        const fs::file_time_type written = fs::last_write_time(name, unknown);
+        if (unknown || fs::file_time_type::clock::now() - written > kDay) continue;
+        try {
+            return RecordReader(file).header().ended.empty();
+        } catch (const PlatformError&) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+RunFolder::RunFolder(const fs::path& dataFolder) : path_(dataFolder / "Körningar") {}
+
+std::vector<std::string> RunFolder::ids() const {
+    std::vector<std::string> ids;
+    std::error_code none;
+    for (const fs::directory_entry& entry : fs::directory_iterator(path_, none)) {
+        const bool record = entry.path().extension() == kRecordEnding && isId(entry.path().stem().string());
+        if (record && entry.is_regular_file(none) && !entry.is_symlink(none))
+            ids.push_back(entry.path().stem().string());
+    }
+    std::ranges::sort(ids, std::greater());
+    return ids;
+}
+
+std::vector<RunHeader> RunFolder::list(std::int64_t* unreadable) const {
+    std::vector<RunHeader> headers;
+    for (const std::string& id : ids()) {
+        try {
+            headers.push_back(RecordReader(file(id)).header());
+        } catch (const PlatformError&) {
+            if (unreadable != nullptr) ++*unreadable;
+        }
+    }
+    return headers;
+}
+
+fs::path RunFolder::file(std::string_view id) const {
+    const fs::path file = path_ / (std::string(id) + std::string(kRecordEnding));
+    std::error_code none;
+    if (isId(id) && fs::is_regular_file(fs::symlink_status(file, none))) return file;
+    throw PlatformError(errors::kFileNotFound, "there is no record of such a run").about(std::string(id));
+}
+
+void RunFolder::remove(std::string_view id) const { removeRecordFile(file(id)); }
+
+std::int64_t RunFolder::thin(const RecordLimits& limits) const {
+    std::int64_t removed = 0, bytes = 0, number = 0;
+    for (const std::string& id : ids()) {
+        const fs::path record = path_ / (id + std::string(kRecordEnding));
+        const std::int64_t size = bytesOf(record);
+        ++number;
+        bytes += size;
+        if (number == 1 || (number <= limits.number && bytes <= limits.bytes) || mayBeUnderWay(record)) continue;
+        removeRecordFile(record);
+        ++removed;
+        --number;
+        bytes -= size;
+    }
+    return removed;
+}
+
+}  // namespace kolmera

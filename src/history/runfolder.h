@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "history/recordreader.h"
+
+namespace kolmera {
+
+/// How many records are kept, and how large they may be together.
+struct RecordLimits {
+    std::int64_t number = 200;
+    std::int64_t bytes = std::int64_t{2} * 1024 * 1024 * 1024;
+};
+
+/// The records of the runs of one data folder: `Körningar` in it.
+class RunFolder {
+  public:
+    explicit RunFolder(const std::filesystem::path& dataFolder);
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    /// The heads of all records that can be read, the newest first. What is no record, or is damaged, is counted in
+    /// `unreadable`.
+    [[nodiscard]] std::vector<RunHeader> list(std::int64_t* unreadable = nullptr) const;
+    /// The file of a record; throws kFileNotFound for what names none.
+    [[nodiscard]] std::filesystem::path file(std::string_view id) const;
+    /// Throws PlatformError.
+    void remove(std::string_view id) const;
+    /// Removes the oldest records beyond the limits, and tells how many. The newest one stays, and so do those that are
+    /// under way: that have no end and have been written to within a day.
+    std::int64_t thin(const RecordLimits& limits) const;
+
+  private:
+    [[nodiscard]] std::vector<std::string> ids() const;
+
+    std::filesystem::path path_;
+};
+
+}  // namespace kolmera
