@@ -1,0 +1,74 @@
+#include "history/presentrows.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/engine/statementtext.h"
+#include "platform/error.h"
+
+namespace kolmera {
+namespace {
+
+std::string literal(const Value& value) {
+    const auto* whole = std::get_if<std::int64_t>(&value);
+    return whole != nullptr ? std::to_string(*whole) : textLiteral(textOf(value));
+}
+
+/// "(1, 7, 7, 7)": the last one again until there are kRowsAtOnce.
+std::string list(std::span<const Value> values) {
+    std::string text = "(";
+    for (std::size_t i = 0; i < kRowsAtOnce; ++i) {
+        if (i > 0) text += ", ";
+        text += literal(values[std::min(i, values.size() - 1)]);
+    }
+    return text += ")";
+}
+
+std::vector<Value> valuesOf(std::span<const std::int64_t> ids) { return {ids.begin(), ids.end()}; }
+
+std::string columnList(const TableDef& table, std::span<const int> columns) {
+    std::string text = table.fields[static_cast<std::size_t>(idColumn(table))].name;
+    for (const int column : columns) text += fmt::format(", [{}]", table.fields[static_cast<std::size_t>(column)].name);
+    return text;
+}
+
+}  // namespace
+
+int idColumn(const TableDef& table) {
+    const auto found = std::ranges::find(table.fields, true, &FieldDef::counter);
+    if (found == table.fields.end()) {
+        throw PlatformError(errors::kUnknownField, "the table has no IDs").about(table.name);
+    }
+    return static_cast<int>(found - table.fields.begin());
+}
+
+std::string rowsStatement(const TableDef& table, std::span<const std::int64_t> ids) {
+    return fmt::format("SELECT * FROM [{}] WHERE [{}] IN {}", table.name,
+                       table.fields[static_cast<std::size_t>(idColumn(table))].name, list(valuesOf(ids)));
+}
+
+PresentRows readRows(Database& database, const TableDef& table, std::span<const int> columns,
+                     std::span<const std::int64_t> ids) {
+    return readRowsWith(database, table, columns, idColumn(table), valuesOf(ids));
+}
+
+PresentRows readRowsWith(Database& database, const TableDef& table, std::span<const int> columns, int column,
+                         std::span<const Value> values) {
+    PresentRows rows;
+    for (; !values.empty(); values = values.subspan(std::min<std::size_t>(values.size(), kRowsAtOnce))) {
+        const auto records =
+            database.open(fmt::format("SELECT {} FROM [{}] WHERE [{}] IN {}", columnList(table, columns), table.name,
+                                      table.fields[static_cast<std::size_t>(column)].name,
+                                      list(values.first(std::min<std::size_t>(values.size(), kRowsAtOnce)))),
+                          RecordsetType::Snapshot, options::kReadOnly);
+        for (; !records->eof(); records->moveNext()) {
+            std::vector<Value>& row = rows[std::get<std::int64_t>(records->value(0))];
+            row.clear();
+            for (std::size_t i = 0; i < columns.size(); ++i) row.push_back(records->value(static_cast<int>(i) + 1));
+        }
+    }
+    return rows;
+}
+
+}  // namespace kolmera

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/engine/database.h"
+
+namespace kolmera {
+
+/// Rows as they are now: the values of some columns by ID.
+using PresentRows = std::map<std::int64_t, std::vector<Value>>;
+
+/// The column that holds the rows' IDs.
+int idColumn(const TableDef& table);
+
+/// "SELECT * FROM table WHERE ID IN (...)". At most kRowsAtOnce IDs, always as many values: one statement to a server.
+inline constexpr int kRowsAtOnce = 64;
+std::string rowsStatement(const TableDef& table, std::span<const std::int64_t> ids);
+
+/// The rows with these IDs, as far as they are there: the values of `columns` (ordinals), in that order.
+PresentRows readRows(Database& database, const TableDef& table, std::span<const int> columns,
+                     std::span<const std::int64_t> ids);
+
+/// The rows that have one of these values in a column, with the values of `columns`.
+PresentRows readRowsWith(Database& database, const TableDef& table, std::span<const int> columns, int column,
+                         std::span<const Value> values);
+
+}  // namespace kolmera

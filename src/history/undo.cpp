@@ -1,0 +1,342 @@
+#include "history/undo.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "db/batchtransaction.h"
+#include "history/keptrows.h"
+#include "history/presentrows.h"
+#include "history/undoplan.h"
+#include "platform/error.h"
+
+namespace kolmera {
+
+struct RunUndo::Impl {
+    Impl(Database& to, const NetRows::Source& changes, LastIds ids) : database(to), lastIds(std::move(ids)) {
+        changes([&](const RowChange& change) {
+            net.add(change);
+            return true;
+        });
+        counts.rows = net.count();
+    }
+
+    bool carryOut(const GoOn& goOn);
+
+    Database& database;
+    LastIds lastIds;
+    NetRows net;
+    KeptRows kept;
+    UndoCounts counts;
+
+  private:
+    enum class Result { Written, AsBefore, Kept, KeyTaken };
+    using WriteRows = void (Impl::*)(const TableDef& table, std::vector<NetRow>& rows);
+
+    bool forEachBatch(UndoStep step, WriteRows write);
+    bool next();
+    void keep(const TableDef& table, NetRow& row, Stays why, std::vector<KeptCell> cells, std::string by = {});
+    void settle(NetRow& row, std::int64_t& count);
+    void refuse(const TableDef& table, NetRow& row, const PlatformError& error);
+    template <typename Write>
+    void walk(const TableDef& table, std::vector<NetRow>& rows, Write&& write);
+
+    void removeRows(const TableDef& table, std::vector<NetRow>& rows);
+    void restoreRows(const TableDef& table, std::vector<NetRow>& rows);
+    void restoreRow(const TableDef& table, NetRow& row, Recordset& records);
+    static std::vector<KeptCell> takeChanged(NetRow& row, Recordset& records);
+    static void write(NetRow& row, Recordset& records, bool vacate);
+    void insertRows(const TableDef& table, std::vector<NetRow>& rows);
+    void insertOneByOne(const TableDef& table, std::vector<NetRow>& rows);
+
+    void exchange();
+    void exchangeAll(bool vacate);
+    void exchangeOneByOne();
+
+    std::optional<BatchTransaction> batch_;
+    const GoOn* goOn_ = nullptr;
+    std::int64_t done_ = 0, all_ = 0;
+};
+
+namespace {
+
+constexpr UndoStep kRestoring[] = {kRestore, kRestoreKey};
+
+std::vector<std::int64_t> idsOf(std::span<const NetRow> rows) {
+    std::vector<std::int64_t> ids;
+    for (const NetRow& row : rows) ids.push_back(row.id);
+    return ids;
+}
+
+/// The values of a row as it was before the run, for these columns.
+std::vector<Value> rowBefore(const NetRow& row, int id, std::size_t columns) {
+    std::vector<Value> values(columns);
+    values[static_cast<std::size_t>(id)] = row.id;
+    for (const CellChange& cell : row.cells) values[static_cast<std::size_t>(cell.column)] = cell.before;
+    return values;
+}
+
+std::vector<Value> valuesOf(Recordset& records, const TableDef& table) {
+    std::vector<Value> values;
+    for (int column = 0; column < static_cast<int>(table.fields.size()); ++column) {
+        values.push_back(records.value(column));
+    }
+    return values;
+}
+
+}  // namespace
+
+bool RunUndo::Impl::carryOut(const GoOn& goOn) {
+    goOn_ = &goOn;
+    all_ = counts.removed + counts.changedBack + counts.broughtBack;
+    done_ = counts.removed = counts.changedBack = counts.broughtBack = 0;
+    batch_.emplace(database);
+    const bool finished = forEachBatch(kRemove, &Impl::removeRows) && forEachBatch(kRestore, &Impl::restoreRows) &&
+                          forEachBatch(kRestoreKey, &Impl::restoreRows);
+    if (finished) exchange();
+    const bool all = finished && forEachBatch(kInsert, &Impl::insertRows);
+    batch_->end();
+    batch_.reset();
+    return all;
+}
+
+/// Rows of one step leave it as they are written, so that the first ones are always those that are left.
+bool RunUndo::Impl::forEachBatch(UndoStep step, WriteRows writeRows) {
+    for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
+        const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
+        for (;;) {
+            std::vector<NetRow> rows = net.next(place, {}, step, kRowsAtOnce);
+            if (rows.empty()) break;
+            if (!(*goOn_)(done_, all_)) return false;
+            (this->*writeRows)(table, rows);
+            for (NetRow& row : rows) {
+                if (row.mark == step) settle(row, counts.asBefore);  // it is gone, as it is to be
+                net.put(row);
+            }
+            done_ += static_cast<std::int64_t>(rows.size());
+            batch_->next();
+        }
+    }
+    return true;
+}
+
+void RunUndo::Impl::keep(const TableDef& table, NetRow& row, Stays why, std::vector<KeptCell> cells, std::string by) {
+    KeptRow stays = UndoPlan::keptRow(table, row, why);
+    stays.cells = std::move(cells);
+    stays.by = std::move(by);
+    kept.add(stays);
+    row.mark = kSettled;
+}
+
+void RunUndo::Impl::settle(NetRow& row, std::int64_t& count) {
+    row.mark = kSettled;
+    ++count;
+}
+
+void RunUndo::Impl::refuse(const TableDef& table, NetRow& row, const PlatformError& error) {
+    if (error.endsRun()) throw error;
+    std::vector<KeptCell> cells;
+    for (const CellChange& cell : row.cells) {
+        cells.push_back({cell.column, cell.before, cell.after, row.kind == ChangeKind::Removed ? Value() : cell.after});
+    }
+    const bool taken = error.number() == errors::kDuplicateKey;
+    keep(table, row, taken ? Stays::KeyTaken : Stays::Refused, std::move(cells), error.description());
+}
+
+/// Goes through those of the rows that are there.
+template <typename Write>
+void RunUndo::Impl::walk(const TableDef& table, std::vector<NetRow>& rows, Write&& write) {
+    const auto records = database.open(rowsStatement(table, idsOf(rows)), RecordsetType::Dynaset);
+    const int id = idColumn(table);
+    for (; !records->eof(); records->moveNext()) {
+        const auto row = std::ranges::find(rows, std::get<std::int64_t>(records->value(id)), &NetRow::id);
+        if (row != rows.end()) write(*row, *records);
+    }
+}
+
+void RunUndo::Impl::removeRows(const TableDef& table, std::vector<NetRow>& rows) {
+    walk(table, rows, [&](NetRow& row, Recordset& records) {
+        std::vector<KeptCell> changed =
+            UndoPlan::differences(table, row, UndoPlan::Side::After, valuesOf(records, table));
+        if (!changed.empty()) return keep(table, row, Stays::Changed, std::move(changed));
+        try {
+            records.remove();
+            settle(row, counts.removed);
+        } catch (const PlatformError& error) {
+            refuse(table, row, error);
+        }
+    });
+}
+
+/// Takes the cells out that are not to be written, because somebody has written them since the plan.
+std::vector<KeptCell> RunUndo::Impl::takeChanged(NetRow& row, Recordset& records) {
+    std::vector<KeptCell> changed;
+    std::erase_if(row.cells, [&](const CellChange& cell) {
+        const Value& now = records.value(cell.column);
+        if (now == cell.after) return false;
+        if (now != cell.before) changed.push_back({cell.column, cell.before, cell.after, now});
+        return true;
+    });
+    return changed;
+}
+
+void RunUndo::Impl::write(NetRow& row, Recordset& records, bool vacate) {
+    records.edit();
+    for (const CellChange& cell : row.cells) records.set(cell.column, vacate ? Value() : cell.before);
+    records.update();
+}
+
+void RunUndo::Impl::restoreRow(const TableDef& table, NetRow& row, Recordset& records) {
+    const int step = row.mark;
+    std::vector<KeptCell> changed = takeChanged(row, records);
+    if (!changed.empty()) keep(table, row, Stays::Changed, std::move(changed));
+    row.mark = step;
+    if (row.cells.empty()) {
+        row.mark = kSettled;
+        return;
+    }
+    try {
+        write(row, records, false);
+        settle(row, counts.changedBack);
+    } catch (const PlatformError& error) {
+        const bool waits = error.number() == errors::kDuplicateKey && !error.endsRun() && step == kRestoreKey;
+        if (waits) {
+            row.mark = kExchange;
+        } else {
+            refuse(table, row, error);
+        }
+    }
+}
+
+void RunUndo::Impl::restoreRows(const TableDef& table, std::vector<NetRow>& rows) {
+    std::vector<KeptRow> gone;
+    std::vector<bool> met(rows.size());
+    walk(table, rows, [&](NetRow& row, Recordset& records) {
+        met[static_cast<std::size_t>(&row - rows.data())] = true;
+        restoreRow(table, row, records);
+    });
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (met[i]) continue;
+        std::vector<KeptCell> cells;
+        for (const CellChange& cell : rows[i].cells) cells.push_back({cell.column, cell.before, cell.after, Null{}});
+        keep(table, rows[i], Stays::Removed, std::move(cells));
+    }
+}
+
+// Rows that get back numbers which others of them still have: first they give theirs up, then all get the old ones. In
+// one transaction, so that no row is ever seen, or left by a crash, without its number.
+
+void RunUndo::Impl::exchange() {
+    bool any = false;
+    for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
+        any = any || !net.next(place, {}, kExchange, 1).empty();
+    }
+    if (!any) return;
+    batch_->end();
+    batch_.reset();
+    database.begin();
+    try {
+        exchangeAll(true);
+        exchangeAll(false);
+        database.commit();
+    } catch (const PlatformError& error) {
+        if (database.inTransaction()) database.rollback();
+        if (error.endsRun()) throw;
+    }
+    batch_.emplace(database);
+    exchangeOneByOne();
+}
+
+void RunUndo::Impl::exchangeAll(bool vacate) {
+    for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
+        const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
+        std::optional<std::int64_t> behind;
+        for (;;) {
+            std::vector<NetRow> rows = net.next(place, behind, kExchange, kRowsAtOnce);
+            if (rows.empty()) break;
+            behind = rows.back().id;
+            walk(table, rows, [&](NetRow& row, Recordset& records) { write(row, records, vacate); });
+        }
+    }
+}
+
+/// After an exchange every row has its old values, and is counted; without it each one gets what it can.
+void RunUndo::Impl::exchangeOneByOne() {
+    for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
+        const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
+        std::optional<std::int64_t> behind;
+        for (;;) {
+            std::vector<NetRow> rows = net.next(place, behind, kExchange, kRowsAtOnce);
+            if (rows.empty()) break;
+            behind = rows.back().id;
+            walk(table, rows, [&](NetRow& row, Recordset& records) {
+                const auto isBack = [&](const CellChange& cell) { return records.value(cell.column) == cell.before; };
+                if (std::ranges::all_of(row.cells, isBack)) {
+                    settle(row, counts.changedBack);
+                } else {
+                    restoreRow(table, row, records);
+                }
+            });
+            for (NetRow& row : rows) {
+                if (row.mark == kExchange) keep(table, row, Stays::Removed, {});
+                net.put(row);
+            }
+            batch_->next();
+        }
+    }
+}
+
+void RunUndo::Impl::insertRows(const TableDef& table, std::vector<NetRow>& rows) {
+    std::vector<int> columns;
+    std::vector<std::vector<Value>> values;
+    for (std::size_t i = 0; i < table.fields.size(); ++i) columns.push_back(static_cast<int>(i));
+    for (const NetRow& row : rows) values.push_back(rowBefore(row, idColumn(table), columns.size()));
+    try {
+        database.insertRows(table.name, columns, values);
+        for (NetRow& row : rows) settle(row, counts.broughtBack);
+    } catch (const PlatformError& error) {
+        if (error.endsRun()) throw;
+        insertOneByOne(table, rows);
+    }
+}
+
+/// To find the row that is refused; some are there already.
+void RunUndo::Impl::insertOneByOne(const TableDef& table, std::vector<NetRow>& rows) {
+    std::vector<int> columns;
+    for (std::size_t i = 0; i < table.fields.size(); ++i) columns.push_back(static_cast<int>(i));
+    const PresentRows present = readRows(database, table, columns, idsOf(rows));
+    for (NetRow& row : rows) {
+        const std::vector<std::vector<Value>> values = {rowBefore(row, idColumn(table), columns.size())};
+        const auto there = present.find(row.id);
+        if (there != present.end() && there->second == values.front()) {
+            settle(row, counts.broughtBack);
+            continue;
+        }
+        try {
+            database.insertRows(table.name, columns, values);
+            settle(row, counts.broughtBack);
+        } catch (const PlatformError& error) {
+            refuse(table, row, error);
+        }
+    }
+}
+
+RunUndo::RunUndo(Database& database, const NetRows::Source& changes, LastIds lastIds)
+    : impl_(std::make_unique<Impl>(database, changes, std::move(lastIds))) {}
+
+RunUndo::~RunUndo() = default;
+
+bool RunUndo::plan(const GoOn& goOn) {
+    return UndoPlan(impl_->database, impl_->net, impl_->lastIds, impl_->kept, impl_->counts).run(goOn);
+}
+
+bool RunUndo::carryOut(const GoOn& goOn) { return impl_->carryOut(goOn); }
+
+UndoCounts RunUndo::counts() const {
+    UndoCounts counts = impl_->counts;
+    counts.kept = impl_->kept.count();
+    return counts;
+}
+
+void RunUndo::forEachKept(const std::function<bool(const KeptRow&)>& take) const { impl_->kept.forEach(take); }
+
+}  // namespace kolmera

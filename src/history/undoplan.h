@@ -1,0 +1,71 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "history/keptrows.h"
+#include "history/netrows.h"
+#include "history/presentrows.h"
+#include "history/undo.h"
+#include "platform/engine/database.h"
+
+namespace kolmera {
+
+/// What is to be done with a row of the run, as its mark in NetRows.
+enum UndoStep : int {
+    kUnseen = 0,
+    kRemove,      ///< an added row goes
+    kRestore,     ///< the cells get their old values; the others are not among them any more
+    kRestoreKey,  ///< the same, and one of them is unique in the table
+    kInsert,      ///< a removed row comes back
+    kSettled,     ///< nothing
+    kExchange,    ///< another row still has the number that this one gets back
+};
+
+/// Works out what taking back does with every row, from the rows as they are now. Only reads.
+class UndoPlan {
+  public:
+    UndoPlan(Database& database, NetRows& net, const LastIds& lastIds, KeptRows& kept, UndoCounts& counts)
+        : database_(database), net_(net), lastIds_(lastIds), kept_(kept), counts_(counts) {}
+
+    /// False when it was cancelled.
+    bool run(const RunUndo::GoOn& goOn);
+
+    /// A row that the run added or removed: whether all columns are as the run left it (`after`) or had found it.
+    enum class Side { Before, After };
+    static std::vector<KeptCell> differences(const TableDef& table, const NetRow& row, Side side,
+                                             const std::vector<Value>& now);
+    static KeptRow keptRow(const TableDef& table, const NetRow& row, Stays why);
+    static bool writesKey(const TableDef& table, const NetRow& row);
+
+  private:
+    /// Columns of another table by which its rows name rows of one that the run added to.
+    struct Naming {
+        const TableDef* table;
+        int column;
+        int byColumn;
+    };
+
+    bool look(int place);
+    void lookAt(const TableDef& table, NetRow& row, const std::vector<Value>* now, std::span<const int> columns);
+    void lookAtRebuilt(const TableDef& table, NetRow& row, const std::vector<Value>& now);
+    void lookAtCells(const TableDef& table, NetRow& row, const std::vector<Value>& now, std::span<const int> columns);
+    void keep(NetRow& row, KeptRow kept);
+    [[nodiscard]] std::vector<Naming> namingOf(const TableDef& table);
+    bool keepNamed(int place);
+    bool keepNamed(const TableDef& table, const Naming& naming, std::vector<NetRow>& rows);
+    [[nodiscard]] bool hasComeToName(const Naming& naming, std::int64_t id, const Value& value);
+    bool keepWithoutKey(int place);
+    bool keepWithoutKey(const TableDef& table, const IndexDef& index, std::vector<NetRow>& rows);
+
+    Database& database_;
+    NetRows& net_;
+    const LastIds& lastIds_;
+    KeptRows& kept_;
+    UndoCounts& counts_;
+    const RunUndo::GoOn* goOn_ = nullptr;
+    std::int64_t looked_ = 0;
+};
+
+}  // namespace kolmera
