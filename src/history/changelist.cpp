@@ -165,6 +165,8 @@ void ChangeList::mark(int mark, std::span<const std::int64_t> records) {
     connection.commit();
 }
 
+void ChangeList::unmark() { changes_.connection().run("DELETE FROM mark"); }
+
 std::string ChangeList::statementOf(const ChangeQuery& query) const {
     std::string where;
     const auto condition = [&](std::string_view term) {

@@ -65,6 +65,7 @@ class ChangeList {
 
     /// Marks records of the price file; a record can have several marks.
     void mark(int mark, std::span<const std::int64_t> records);
+    void unmark();  ///< takes all marks away
 
     void show(const ChangeQuery& query);
     [[nodiscard]] std::int64_t count() const { return static_cast<std::int64_t>(order_.size()); }

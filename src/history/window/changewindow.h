@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <string>
+
+#include "history/changereport.h"
+#include "history/changetable.h"
+#include "ui/filedialogs.h"
+#include "ui/program.h"
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPagedPaintDevice;
+class QPushButton;
+class QTableView;
+class QTimer;
+
+namespace kolmera {
+
+class ChangeListModel;
+class Histogram;
+class LockWait;
+
+/// What a run changed, or would change: figures and notices at a glance, and below them the list of changes, to be
+/// filtered, sorted, grouped, saved and printed.
+class ChangeWindow final : public QDialog {
+  public:
+    ChangeWindow(Program& program, ChangeReport& report, QWidget* parent);
+    ~ChangeWindow() override;
+
+    /// Of a preview: the user wants the job to be run.
+    [[nodiscard]] bool runs() const { return runs_; }
+
+    /// Asks for the file to save to; an empty answer is Cancel.
+    std::function<QString(const FileQuestion& question)> fileToWrite;
+    /// Shows the text of the price file around a record. Without it there is no such button.
+    std::function<void(QWidget* parent, std::int64_t record)> showRecord;
+
+    /// To be called when the functions above are set.
+    void load();
+
+  private:
+    void buildFigures();
+    void buildNotices();
+    void buildFilter();
+    void buildList();
+    void buildButtons();
+    void layOut();
+    void connectKeys();
+    void setSizes();
+
+    void filter();
+    void present();
+    [[nodiscard]] ChangeQuery wanted() const;
+    [[nodiscard]] int currentRow() const;
+    [[nodiscard]] std::int64_t currentRecord() const;
+    void sortByCurrentColumn();
+    void showInFile();
+    void copy();
+    void save();
+    void print();
+    void write(const QString& file);
+    void writePdf(const QString& file);
+    bool printOn(QPagedPaintDevice& device);
+    bool keepOn(LockWait& wait, std::int64_t rows);
+
+    Program& program_;
+    ChangeReport& report_;
+    ChangeTable table_;
+    ChangeListModel* model_;
+    bool runs_ = false;
+
+    QLabel* origin_;
+    QGridLayout* figures_;
+    QLabel* lblHistogram_;
+    Histogram* histogram_;
+    QLabel* lblNotices_;
+    QListWidget* notices_;
+    QLineEdit *filter_, *over_;
+    QComboBox *column_, *group_;
+    QCheckBox *onlyNew_, *onlyMarked_;
+    QLabel* count_;
+    QTableView* list_;
+    QPushButton *show_, *copy_, *save_, *print_, *run_, *close_;
+    QTimer* typing_;
+};
+
+}  // namespace kolmera
