@@ -1,6 +1,6 @@
 #include "history/keptrows.h"
 
-#include "history/valuecode.h"
+#include "history/blockbytes.h"
 
 namespace kolmera {
 
@@ -14,10 +14,10 @@ KeptRows::KeptRows() : file_({}, {.create = true}) {
 }
 
 void KeptRows::add(const KeptRow& row) {
-    std::string cells;
+    BlockWriter cells;
     for (const KeptCell& cell : row.cells) {
-        appendWhole(cells, cell.column);
-        for (const Value* value : {&cell.before, &cell.left, &cell.now}) appendValue(cells, *value);
+        cells.signedNumber(cell.column);
+        for (const Value* value : {&cell.before, &cell.left, &cell.now}) cells.value(*value);
     }
     const StatementUse use(add_);
     add_.bind(1, std::string_view(row.table));
@@ -27,7 +27,7 @@ void KeptRows::add(const KeptRow& row) {
     add_.bind(5, row.record);
     add_.bind(6, std::string_view(row.label));
     add_.bind(7, std::string_view(row.by));
-    add_.bind(8, std::string_view(cells));
+    add_.bindBytes(8, cells.bytes());
     add_.step();
 }
 
@@ -44,9 +44,9 @@ void KeptRows::forEach(const std::function<bool(const KeptRow&)>& take) {
                     .label = std::string(all.text(5)),
                     .by = std::string(all.text(6)),
                     .cells = {}};
-        for (ValueBytes bytes(all.text(7)); !bytes.atEnd();) {
+        for (BlockReader bytes(all.bytes(7)); !bytes.atEnd();) {
             KeptCell& cell = row.cells.emplace_back();
-            cell.column = static_cast<int>(bytes.whole());
+            cell.column = static_cast<int>(bytes.signedNumber());
             for (Value* value : {&cell.before, &cell.left, &cell.now}) *value = bytes.value();
         }
         if (!take(row)) return;

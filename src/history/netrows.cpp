@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "history/valuecode.h"
+#include "history/blockbytes.h"
 #include "platform/error.h"
 
 namespace kolmera {
@@ -19,21 +19,21 @@ std::int64_t keyOf(int table, std::int64_t id) {
 
 std::int64_t idOf(std::int64_t key) { return key % kIdsOfTable - kIdsOfTable / 2; }
 
-std::string bytesOf(const std::vector<CellChange>& cells) {
-    std::string bytes;
+BlockWriter bytesOf(const std::vector<CellChange>& cells) {
+    BlockWriter bytes;
     for (const CellChange& cell : cells) {
-        appendWhole(bytes, cell.column);
-        appendValue(bytes, cell.before);
-        appendValue(bytes, cell.after);
+        bytes.signedNumber(cell.column);
+        bytes.value(cell.before);
+        bytes.value(cell.after);
     }
     return bytes;
 }
 
-std::vector<CellChange> cellsOf(std::string_view text) {
+std::vector<CellChange> cellsOf(std::string_view block) {
     std::vector<CellChange> cells;
-    for (ValueBytes bytes(text); !bytes.atEnd();) {
+    for (BlockReader bytes(block); !bytes.atEnd();) {
         CellChange& cell = cells.emplace_back();
-        cell.column = static_cast<int>(bytes.whole());
+        cell.column = static_cast<int>(bytes.signedNumber());
         cell.before = bytes.value();
         cell.after = bytes.value();
     }
@@ -48,7 +48,7 @@ NetRow rowOf(const SqliteStatement& statement) {
             .id = idOf(key),
             .record = statement.integer(4),
             .label = std::string(statement.text(5)),
-            .cells = cellsOf(statement.text(6)),
+            .cells = cellsOf(statement.bytes(6)),
             .rebuilt = statement.integer(2) != 0,
             .mark = static_cast<int>(statement.integer(3))};
 }
@@ -133,7 +133,7 @@ std::vector<NetRow> NetRows::next(int table, std::optional<std::int64_t> behind,
 }
 
 void NetRows::put(const NetRow& row) {
-    const std::string cells = bytesOf(row.cells);
+    const BlockWriter cells = bytesOf(row.cells);
     const StatementUse use(put_);
     put_.bind(1, keyOf(row.table, row.id));
     put_.bind(2, static_cast<std::int64_t>(row.kind));
@@ -141,7 +141,7 @@ void NetRows::put(const NetRow& row) {
     put_.bind(4, std::int64_t{row.mark});
     put_.bind(5, row.record);
     put_.bind(6, std::string_view(row.label));
-    put_.bind(7, std::string_view(cells));
+    put_.bindBytes(7, cells.bytes());
     put_.step();
 }
 

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "db/companyschema.h"
+#include "db/conversions.h"
 #include "platform/engine/statementtext.h"
 #include "platform/error.h"
 
@@ -69,6 +71,16 @@ PresentRows readRowsWith(Database& database, const TableDef& table, std::span<co
         }
     }
     return rows;
+}
+
+LastIds readLastIds(Database& database) {
+    LastIds ids;
+    for (const TableDef& table : companySchema()) {
+        const auto records = database.open(fmt::format("SELECT MAX(ID) FROM [{}]", table.name), RecordsetType::Snapshot,
+                                           options::kReadOnly);
+        ids[table.name] = static_cast<std::int64_t>(TillDbl(records->value(0), Locale()));
+    }
+    return ids;
 }
 
 }  // namespace kolmera

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "history/recordreader.h"
 #include "platform/engine/database.h"
 
 namespace kolmera {
@@ -27,5 +28,8 @@ PresentRows readRows(Database& database, const TableDef& table, std::span<const 
 /// The rows that have one of these values in a column, with the values of `columns`.
 PresentRows readRowsWith(Database& database, const TableDef& table, std::span<const int> columns, int column,
                          std::span<const Value> values);
+
+/// The highest IDs of a company's tables.
+LastIds readLastIds(Database& database);
 
 }  // namespace kolmera

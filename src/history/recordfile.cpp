@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 #include <system_error>
 
@@ -46,6 +47,26 @@ void put(SqliteStatement& statement, std::string_view key, std::string_view text
     statement.step();
 }
 
+std::string textOf(const LastIds& ids) {
+    std::string text;
+    for (const auto& [table, id] : ids) text += fmt::format("{}\t{}\n", table, id);
+    return text;
+}
+
+LastIds lastIdsOf(std::string_view text) {
+    LastIds ids;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        const std::size_t tab = line.find('\t');
+        if (tab == std::string_view::npos) continue;
+        std::int64_t id = 0;
+        std::from_chars(line.data() + tab + 1, line.data() + line.size(), id);
+        ids[std::string(line.substr(0, tab))] = id;
+    }
+    return ids;
+}
+
 }  // namespace
 
 ConnectionOptions recordOptions(const std::filesystem::path& file, bool readOnly) {
@@ -66,6 +87,7 @@ void writeHeader(SqliteConnection& connection, const RunHeader& header) {
     SqliteStatement statement(connection, "INSERT OR REPLACE INTO header VALUES (?, ?)");
     for (const HeaderText& row : kTexts) put(statement, row.key, row.text(written));
     put(statement, "kind", fmt::format("{}", static_cast<int>(header.kind)));
+    put(statement, "lastIds", textOf(header.lastIds));
     put(statement, "priceFileSize", fmt::format("{}", header.priceFile.size));
     put(statement, "priceFileCopied", header.priceFile.copied ? "1" : "0");
 }
@@ -82,6 +104,7 @@ RunHeader readHeader(SqliteConnection& connection) {
         const auto text = std::ranges::find(kTexts, key, &HeaderText::key);
         if (text != std::end(kTexts)) text->text(header) = query.text(1);
         if (key == "kind") header.kind = static_cast<RunKind>(std::clamp<std::int64_t>(query.integer(1), 0, 2));
+        if (key == "lastIds") header.lastIds = lastIdsOf(query.text(1));
         if (key == "priceFileSize") header.priceFile.size = query.integer(1);
         if (key == "priceFileCopied") header.priceFile.copied = query.integer(1) != 0;
     }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,10 @@ struct RecordedFile {
     bool copied = false;    ///< the record holds a compressed copy
 };
 
+/// The highest ID of each table at a moment: rows with higher ones have come since. A table that is not there may have
+/// had any.
+using LastIds = std::map<std::string, std::int64_t>;
+
 /// What stands at the head of a run's record.
 struct RunHeader {
     std::string id;  ///< the record's file name without its ending; what users name a run by
@@ -35,6 +40,7 @@ struct RunHeader {
     std::string job;         ///< its name
     std::string definition;  ///< JSON: job, mask and coupling as they were
     std::string companyName, companyFile;
+    LastIds lastIds;  ///< of the company, before the run
     RecordedFile priceFile;
     std::string counts;  ///< JSON: the counts of the summary file
 };

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "history/netrows.h"
+#include "history/recordreader.h"
 #include "history/rowchange.h"
 #include "platform/engine/database.h"
 
@@ -48,10 +48,6 @@ struct UndoCounts {
     std::int64_t asBefore = 0;     ///< were as before the run already
     std::int64_t kept = 0;         ///< stay, in one column at least
 };
-
-/// The highest ID of each table before a run: rows with higher ones have come since. A table that is not there may have
-/// had any.
-using LastIds = std::map<std::string, std::int64_t>;
 
 /// Takes a run back: every row gets what it had before it.
 ///

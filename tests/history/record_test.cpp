@@ -76,6 +76,7 @@ TEST_F(Recording, TellsWhatStoodInTheEnd) {
     add(*database, "A", 1);
     RunHeader head;
     head.companyName = "Åke";
+    head.lastIds = {{"Levprislista", 0}, {"Produkt", 12}};
     RunRecord record(runs.path(), head);
     database->listen(&record);
     {
@@ -112,6 +113,7 @@ TEST_F(Recording, TellsWhatStoodInTheEnd) {
               "2:added 2 B (1:->B 2:->7 )\n"
               "2:removed 2 B (1:B>- 2:7>- )\n");
     EXPECT_EQ(reader.header().companyName, "Åke");
+    EXPECT_EQ(reader.header().lastIds, head.lastIds);
     EXPECT_EQ(reader.header().ended, "2026-11-23T08:15:00");
     ASSERT_TRUE(reader.place(1) && reader.place(2));
     EXPECT_EQ(reader.place(2)->length, 12);
