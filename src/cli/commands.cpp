@@ -5,12 +5,15 @@
 
 #include "cli/copycommand.h"
 #include "cli/discountscommand.h"
+#include "cli/historycommand.h"
 #include "cli/jobscommand.h"
 #include "cli/newcommand.h"
 #include "cli/previewcommand.h"
 #include "cli/repaircommand.h"
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
+#include "cli/showcommand.h"
+#include "cli/undocommand.h"
 #include "lang/keys/help.h"
 
 namespace kolmera::cli {
@@ -125,6 +128,32 @@ void addJobs(Commands& commands) {
         previewCommand);
 }
 
+void addHistory(Commands& commands) {
+    commands.add<HistoryArguments>(
+        "history", text::help::kHistory,
+        [](Command& command, HistoryArguments& arguments) {
+            command.data(arguments.dataFolder).flag("--json", arguments.json, text::help::kJson);
+            command.option("--company", arguments.company, text::help::kCompany);
+        },
+        historyCommand);
+    commands.add<ShowArguments>(
+        "show", text::help::kShow,
+        [](Command& command, ShowArguments& arguments) {
+            command.argument("RUN", arguments.run, text::help::kRunName).data(arguments.dataFolder);
+            command.flag("--json", arguments.output.json, text::help::kJson);
+            command.option("--save", arguments.output.file, text::help::kSaveChanges);
+        },
+        showCommand);
+    commands.add<UndoArguments>(
+        "undo", text::help::kUndo,
+        [](Command& command, UndoArguments& arguments) {
+            command.argument("RUN", arguments.run, text::help::kRunName).data(arguments.dataFolder);
+            command.flag("--dry-run", arguments.dryRun, text::help::kDryRun);
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        undoCommand);
+}
+
 void addCompanies(Commands& commands) {
     commands.add<RepairArguments>(
         "repair", text::help::kRepair,
@@ -176,6 +205,7 @@ void describeCommands(CLI::App& app, Session& session, const Surroundings& surro
     Commands commands(app, session, surroundings, chosen);
     addFolders(commands);
     addJobs(commands);
+    addHistory(commands);
     addCompanies(commands);
     addDiscounts(commands);
 }

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "cli/session.h"
+#include "history/recordreader.h"
+
+namespace kolmera::cli {
+
+/// What the command line says of showing the record of a run or of a preview.
+struct ChangeOutput {
+    bool json = false;
+    std::string file;  ///< where the changes are saved instead of printed: .xlsx, or text; empty: nowhere
+};
+
+/// The head of a record.
+nlohmann::ordered_json runJson(const RunHeader& run);
+
+/// Prints a record: what it is about, figures, what to look at, and every change; as text for people or as JSON. With a
+/// file the changes go there. False when it was cancelled. Throws PlatformError.
+bool printChanges(Session& session, const RecordReader& record, const ChangeOutput& output,
+                  const Surroundings& surroundings);
+
+}  // namespace kolmera::cli

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "cli/session.h"
+#include "history/recordreader.h"
+
+namespace kolmera::cli {
+
+/// The run that a command line names: "last", or its name, as far as no other run's begins so. Nothing, and told, when
+/// there is none or more than one.
+std::optional<RunHeader> chosenRun(Session& session, const std::vector<RunHeader>& runs, std::string_view name,
+                                   std::ostream& err);
+
+/// What kind of run it was, and how it ended, in the user's words.
+std::string kindText(Session& session, const RunHeader& run);
+std::string outcomeText(Session& session, const RunHeader& run);
+
+}  // namespace kolmera::cli

@@ -1,0 +1,19 @@
+#include "cli/showcommand.h"
+
+#include "cli/runchoice.h"
+#include "cli/session.h"
+#include "history/runfolder.h"
+
+namespace kolmera::cli {
+
+int showCommand(const ShowArguments& arguments, const Surroundings& surroundings) {
+    Session session(surroundings, arguments.dataFolder);
+    if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
+    const RunFolder folder(session.state.dataFolder());
+    const std::optional<RunHeader> run = chosenRun(session, folder.list(), arguments.run, surroundings.err);
+    if (!run) return exitcode::kStopped;
+    const bool whole = printChanges(session, RecordReader(folder.file(run->id)), arguments.output, surroundings);
+    return whole ? exitcode::kDone : exitcode::kCancelled;
+}
+
+}  // namespace kolmera::cli
