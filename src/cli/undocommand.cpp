@@ -127,7 +127,7 @@ int UndoCommand::takeBack(const RunHeader& run) {
         printKept(recorded);
     }
     if (recorded.recordFailure()) {
-        surroundings_.err << session_.text(text::history::kNoRecord,
+        surroundings_.err << session_.text(text::history::kUndoNotRecorded,
                                            errorText(session_.texts, *recorded.recordFailure()))
                           << '\n';
     }
