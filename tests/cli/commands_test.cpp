@@ -151,14 +151,6 @@ TEST(TerminalStream, WaitsForAReaderUntilCancelled) {
     EXPECT_FALSE(out.good());
 }
 
-TEST(CommandLine, EmptyDeletesTheProductsFirst) {
-    DemoMachine machine;
-    EXPECT_EQ(machine.runJob("Smedhult verktyg", {"--empty", "--summary", machine.file("s.json")}),
-              cli::exitcode::kPassedOver);
-    const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
-    EXPECT_EQ(products(machine), summary["new"].get<std::int32_t>());
-}
-
 TEST(CommandLine, DoubtfulFilesAreReadOnlyWhenAsked) {
     DemoMachine machine;
     const std::string file = machine.data() + "/Prisfiler/VERKTYG.TXT";
@@ -201,12 +193,10 @@ TEST(SummaryFile, SaysHowEveryRunEnded) {
     std::filesystem::remove(std::filesystem::path(machine.data()) / "Prisfiler" / "VERKTYG.TXT");
     std::ofstream(std::filesystem::path(machine.data()) / "Prisfiler" / "SKRUV.TXT", std::ios::trunc);
     const struct {
-        const char* fault;
-        const char* job;
+        const char *fault, *job;
         std::string data;
         int exitCode;
-        const char* outcome;
-        const char* message;
+        const char *outcome, *message;
     } cases[] = {
         {"an unknown job leaves yesterday's file", "Finns ej", machine.data(), 1, "stopped", "Finns ej"},
         {"an unknown folder leaves yesterday's file", "(EIO)", machine.file("none"), 1, "stopped", "none"},

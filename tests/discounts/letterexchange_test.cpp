@@ -52,9 +52,7 @@ TEST_F(LetterExchangeTest, ExtensionTellsASpreadsheet) {
 
 TEST_F(LetterExchangeTest, ReadsLinesOfText) {
     const struct {
-        const char* fault;
-        const char* line;
-        const char* row;
+        const char *fault, *line, *row;
     } cases[] = {
         {"missing pieces are 0", "A12\t25", "A12 25    \n"},
         {"an empty piece ends the line", "A\t\t5", "A  5   \n"},

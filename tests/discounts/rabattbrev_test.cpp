@@ -44,9 +44,7 @@ class RabattbrevTest : public testing::Test {
 TEST_F(RabattbrevTest, FindsTheLetterOfSupplierAndCode) {
     Rabattbrev letters(company.sql, company.passedOver);
     const struct {
-        const char* fault;
-        const char* supplier;
-        const char* code;
+        const char *fault, *supplier, *code;
         double expected;
     } cases[] = {
         {"first look-up", "7", "A1", 1 - 0.95 * 0.9},

@@ -10,30 +10,10 @@
 
 #include "platform/engine/database.h"
 #include "platform/error.h"
+#include "support/engineanswers.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera::test {
-
-/// A value as a test writes it: "Null", "true", "7", "2.5", "2026-11-22", "'text'".
-inline std::string show(const Value& value) {
-    if (const auto* yes = std::get_if<bool>(&value)) return *yes ? "true" : "false";
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) return std::to_string(*whole);
-    if (const auto* number = std::get_if<double>(&value)) return Locale(Locale::Kind::English).formatNumber(*number);
-    if (const auto* date = std::get_if<Date>(&value)) return date->iso();
-    if (isNull(value)) return "Null";
-    return std::string(1, '\'').append(textOf(value)).append(1, '\'');
-}
-
-/// The error number of what a statement throws, 0 when it throws nothing. -number when the error ends the run.
-template <typename Statement>
-int errorOf(Statement&& statement) {
-    try {
-        statement();
-        return 0;
-    } catch (const PlatformError& error) {
-        return error.endsRun() ? -error.number() : error.number();
-    }
-}
 
 /// A company file with one table that has a field of every type:
 ///   Artikel: ID, Nummer (unique), Namn (indexed), Lev (indexed with Namn), and a field named after each other type.
@@ -89,20 +69,6 @@ class EngineTest : public testing::Test {
     static bool seek(Recordset& recordset, const std::vector<Value>& keys, std::string_view comparison = "=") {
         recordset.seek(comparison, keys);
         return !recordset.noMatch();
-    }
-
-    /// What a statement selects: values separated by blanks, records by "; ".
-    static std::string select(Database& database, std::string_view statement) {
-        const auto records = database.open(statement, RecordsetType::Snapshot);
-        std::string text;
-        for (; !records->eof(); records->moveNext()) {
-            if (!text.empty()) text += "; ";
-            for (std::size_t i = 0; i < records->fields().size(); ++i) {
-                if (i > 0) text += ' ';
-                text += show(records->value(static_cast<int>(i)));
-            }
-        }
-        return text;
     }
 
     /// What another session sees.

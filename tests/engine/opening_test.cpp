@@ -37,8 +37,7 @@ TEST_F(Opening, AFileThatIsNoCompanysHasItsNumber) {
     raw("newer.mdb", "PRAGMA user_version = 2");
     raw("other.mdb", "PRAGMA application_id = 77; CREATE TABLE T (A)");
     const struct {
-        const char* fault;
-        const char* name;
+        const char *fault, *name;
         int number;
     } cases[] = {
         {"a missing file made", "missing.mdb", errors::kFileNotFound},
@@ -58,9 +57,7 @@ TEST_F(Opening, AFileThatIsNoCompanysHasItsNumber) {
 TEST_F(Opening, OnlyTheRightPasswordOpensAFileThatHasOne) {
     createFileDatabase(folder / "locked.mdb", {&artikel, 1}, "åäö 123");
     const struct {
-        const char* fault;
-        const char* name;
-        const char* password;
+        const char *fault, *name, *password;
         int number;
     } cases[] = {
         {"the right one refused", "locked.mdb", "åäö 123", 0},

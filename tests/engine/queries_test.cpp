@@ -20,9 +20,7 @@ class Queries : public EngineTest {
 TEST_F(Queries, StatementsAreUnderstoodAsTheProgramsWriteThem) {
     (void)database->execute("UPDATE Artikel SET Datum = #2026-03-01#, Webb = TRUE WHERE Nummer = 'A1'");
     const struct {
-        const char* fault;
-        const char* statement;
-        const char* expected;
+        const char *fault, *statement, *expected;
     } cases[] = {
         {"text between double quotes taken for a column", "SELECT ID FROM Artikel WHERE Nummer = \"A1\"", "3"},
         {"a text that names a column", "SELECT ID FROM Artikel WHERE Nummer = \"Namn\"", ""},
@@ -47,8 +45,7 @@ TEST_F(Queries, StatementsAreUnderstoodAsTheProgramsWriteThem) {
 
 TEST_F(Queries, WrongStatementsHaveTheirNumbers) {
     const struct {
-        const char* fault;
-        const char* statement;
+        const char *fault, *statement;
         int number;
     } cases[] = {
         {"an unknown table", "DELETE FROM Okänd", errors::kUnknownTable},
@@ -118,8 +115,7 @@ TEST_F(Queries, ADynasetSeesWhatOtherSessionsChange) {
 
 TEST_F(Queries, FindFirstTakesTheCriteriaThatTheProgramsBuild) {
     const struct {
-        const char* fault;
-        const char* criteria;
+        const char *fault, *criteria;
         const char* expected;  ///< number of the record, "" for none
     } cases[] = {
         {"an ID in brackets", "[ID] = 2", "A2"},

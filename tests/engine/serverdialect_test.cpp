@@ -67,9 +67,7 @@ TEST(ServerDialect, OthersDifferWhereTheyMust) {
 
 TEST(ServerDialect, EveryValueOfAStatementBecomesAParameter) {
     const struct {
-        const char* fault;
-        const char* statement;
-        const char* expected;
+        const char *fault, *statement, *expected;
     } cases[] = {
         {"texts in both quotes", "SELECT * FROM leverantör WHERE KOD = \"it's\" OR KOD = 'say \"a\"'",
          "SELECT * FROM `Leverantör` WHERE `Kod` = ? OR `Kod` = ? | it's | say \"a\""},

@@ -13,9 +13,7 @@ int sign(int number) { return number < 0 ? -1 : number > 0 ? 1 : 0; }
 
 TEST(SwedishOrder, TextsStandInTheOrderOfASwedishRegister) {
     const struct {
-        const char* fault;
-        const char* before;
-        const char* behind;
+        const char *fault, *before, *behind;
     } cases[] = {
         {"letters by code: Z before a", "apa", "Zebra"},
         {"ä before å, as their codes are", "ål", "älg"},
@@ -40,9 +38,7 @@ TEST(SwedishOrder, TextsStandInTheOrderOfASwedishRegister) {
 
 TEST(SwedishOrder, OnlyLetterCaseMakesTextsEqual) {
     const struct {
-        const char* fault;
-        const char* a;
-        const char* b;
+        const char *fault, *a, *b;
         bool equal;
     } cases[] = {
         {"Swedish case counts", "ÅÄÖ", "åäö", true},    {"case of an accented letter counts", "É", "é", true},

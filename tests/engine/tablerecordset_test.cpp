@@ -39,9 +39,7 @@ class TableRecordset : public EngineTest {
 TEST_F(TableRecordset, EveryIndexIsWalkedInItsOrderBothWays) {
     addArticles();
     const struct {
-        const char* fault;
-        const char* index;
-        const char* order;
+        const char *fault, *index, *order;
     } cases[] = {
         {"no index: not by ID", "", "4163257"},
         {"PrimaryKey not by ID", "PrimaryKey", "4163257"},
@@ -64,9 +62,7 @@ TEST_F(TableRecordset, ASeekFindsTheFirstRecordWhoseKeyCompares) {
     const Value b = std::string("b");
     const Value skruv = std::string("SKRUV");
     const struct {
-        const char* fault;
-        const char* index;
-        const char* comparison;
+        const char *fault, *index, *comparison;
         std::vector<Value> keys;
         const char* expected;  ///< number of the record, "" for none
     } cases[] = {

@@ -55,23 +55,5 @@ TEST(BadFiles, NulWithinTextsIsKeptOrItsColumnPassedOver) {
     EXPECT_EQ(world.port.passedOver.size(), world.onServer() ? 1U : 0U);
 }
 
-TEST(BadFiles, TextsThatLookLikeStatements) {
-    World world;
-    world.mask({.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Alternativ 1"}, {3, "0", 'R'}}});
-    world.add("Leverantör", {{"Nummer", "L1"}});
-    world.job.supplier = "L1";
-    const std::string nasty = "O'Neil \"x\" #1; --";
-    std::string file = nasty;
-    file += "\t" + nasty + "\t'\"#\r\n";
-    file += nasty + "\tnext\t'\"#\r\n";
-    world.priceFile(file);
-    const RunSummary summary = world.run();
-    EXPECT_EQ(summary.newProducts, 1);
-    EXPECT_EQ(summary.saved, 2);
-    EXPECT_EQ(world.rows("Produkt", "Nummer"), nasty + "\n");
-    EXPECT_EQ(world.rows("Prodaltprodnr", "Produktnr, Alternativnr"), nasty + " next\n");
-    EXPECT_TRUE(world.port.passedOver.empty());
-}
-
 }  // namespace
 }  // namespace kolmera::test

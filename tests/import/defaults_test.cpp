@@ -57,8 +57,7 @@ TEST_F(NewProductDefaultsTest, FillsWhatIsUnset) {
     const struct {
         const char* fault;
         TestCompany::Row imported;
-        const char* columns;
-        const char* expected;
+        const char *columns, *expected;
     } cases[] = {
         {"a kind of column left out",
          {},

@@ -10,8 +10,7 @@ const Locale kEnglish(Locale::Kind::English);
 
 TEST(ParseNumber, TakesTheWholeTextOrNothing) {
     const struct {
-        const char* fault;
-        const char* text;
+        const char *fault, *text;
         char division;
         Locale locale;
         double expected;
@@ -49,8 +48,7 @@ TEST(TolkaJaNej, LooksForThreeSigns) {
 
 TEST(TolkaDatum, ReadsShortAndLongDates) {
     const struct {
-        const char* fault;
-        const char* text;
+        const char *fault, *text;
         const char* expected;  // empty: none
     } cases[] = {
         {"four figures are not the first of a month", "9902", "2099-02-01"},
@@ -84,9 +82,7 @@ TEST(TolkaDatum, ReadsShortAndLongDates) {
 
 TEST(MemoText, TurnsLoneLineFeeds) {
     const struct {
-        const char* fault;
-        const char* text;
-        const char* expected;
+        const char *fault, *text, *expected;
     } cases[] = {
         {"quotes around a text of several lines", "\"rad 1\nrad 2\"", "rad 1\r\nrad 2"},
         {"quotes go although the line ends are right", "\"rad 1\r\nrad 2\"", "\"rad 1\r\nrad 2\""},

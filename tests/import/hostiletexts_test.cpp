@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/lettercase.h"
 #include "support/world.h"
 
 namespace kolmera::test {
@@ -9,53 +10,23 @@ namespace {
 
 using ::testing::IsEmpty;
 
-// Texts that mean something to a statement, a server, its driver or a pattern.
-constexpr const char* kHostile[] = {"O'Brien",
-                                    "12\" rör",
-                                    "5' 12\"",
-                                    "'; DROP TABLE X; --",
-                                    "\"; DELETE X; --",
-                                    "a\\",
-                                    "a\\'",
-                                    "\\'\"",
-                                    "#2024-01-01#",
-                                    "'#'",
-                                    "TRUE'FALSE",
-                                    "TRUE",
-                                    "1",  // what TRUE becomes in a statement
-                                    "?",
-                                    "?'?",
-                                    "$1",
-                                    ":a",
-                                    "@a",
-                                    "%",
-                                    "_",
-                                    "[ID]",
-                                    "`ID`",
-                                    "/* x",
-                                    "--",
-                                    "{d '1'}",
-                                    "{fn NOW()}",
-                                    "a;b",
-                                    "''",
-                                    "\"\"",
-                                    "'",
-                                    "\"",
-                                    "a\vb",
-                                    "é'ü",
-                                    "│┤'",
-                                    "ØÙÚÛ x"};
+// Texts that mean something to a statement, a server, its driver or a pattern; "1" is what TRUE becomes.
+const std::vector<std::string> kHostile = split(
+    R"(O'Brien|12" rör|5' 12"|'; DROP TABLE X; --|"; DELETE X; --|a\|a\'|\'"|#2024-01-01#|'#'|TRUE'FALSE|TRUE|1|?|?'?|$1)"
+    R"(|:a|@a|%|_|[ID]|`ID`|/* x|--|{d '1'}|{fn NOW()}|a;b|''|""|'|"|é'ü|│┤'|ØÙÚÛ x)"
+    "|a\vb",
+    "|");
 
 std::string priceLines() {
     std::string file;
-    for (const char* text : kHostile) file += fmt::format("{0}\t{0}\t{0}\r\n", text);
+    for (const std::string& text : kHostile) file += fmt::format("{0}\t{0}\t{0}\r\n", text);
     return file;
 }
 
 /// Products and alternative numbers, each text once.
 std::string eachOnce() {
     std::string rows;
-    for (const char* text : kHostile) rows += fmt::format("{0} {0}\n", text);
+    for (const std::string& text : kHostile) rows += fmt::format("{0} {0}\n", text);
     return rows;
 }
 
@@ -78,7 +49,7 @@ TEST(HostileTexts, ChangeAndDeleteOnlyTheirOwnAlternativeNumbers) {
     std::string before;
     std::string emptied;
     std::string texts;
-    for (const char* text : kHostile) {
+    for (const std::string& text : kHostile) {
         before += fmt::format("{}\tbefore\r\n", text);
         texts += fmt::format("{0}\t{0}\r\n", text);
         emptied += fmt::format("{}\t\r\n", text);
@@ -99,7 +70,7 @@ TEST(HostileTexts, FindProductsByEveryKindOfKey) {
         World world;
         int number = 0;
         std::string expected;
-        for (const char* text : kHostile) {
+        for (const std::string& text : kHostile) {
             const std::string product = fmt::format("P{}", ++number);
             world.add("Produkt",
                       {{"Nummer", product}, {"Söknamn", text}, {"Levartikelnr", text}, {"Leverantör", "L'1"}});

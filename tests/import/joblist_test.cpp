@@ -25,8 +25,7 @@ TEST(JobList, StatesOfThePriceFile) {
                       removable = world.text(text::prismain::kRemovable), cd = world.text(text::prismain::kCd);
     const std::string today = world.state.locale.formatDate(Date::today());
     const struct {
-        const char* fault;
-        const char* priceFile;
+        const char *fault, *priceFile;
         const std::string& state;
     } cases[] = {
         {"a file in the data folder not found", "pris.txt", today},

@@ -25,8 +25,7 @@ TEST(PriceList, DiscountsOfARow) {
     const struct {
         const char* fault;
         std::vector<Link> relations;
-        const char* file;
-        const char* expected;
+        const char *file, *expected;
     } cases[] = {
         {"the letter of the code is not applied step by step",
          {{2, "Inpris"}, {3, "0", 'R'}},
@@ -98,8 +97,7 @@ TEST(PriceList, LevelPricesAreTheFilesOwn) {
 
 TEST(PriceList, WhoseRowItIs) {
     const struct {
-        const char* fault;
-        const char* key;
+        const char *fault, *key;
         const char* file;      // key, supplier, article number
         const char* expected;  // rows behind the first
     } cases[] = {

@@ -10,8 +10,7 @@ const std::vector<Link> kLevel{{1, "Nummer", 'S'}, {2, "2Utpris"}};
 
 TEST(ProductCoupling, WhichProductsAreRecomputed) {
     const struct {
-        const char* fault;
-        const char* KopplaMot;
+        const char *fault, *KopplaMot;
         std::vector<Link> relations;
         double markup;
         const char* expected;  // 1Utpris, of 10 before

@@ -84,8 +84,7 @@ TEST(ProductMatching, ByArticleNumber) {
 /// since.
 TEST(ProductMatching, WhatTheRunHasWrittenIsFoundAgain) {
     const struct {
-        const char* fault;
-        const char* key;
+        const char *fault, *key;
         const char* file;  // key, supplier, weight
         const char* expected;
     } cases[] = {
@@ -115,9 +114,7 @@ TEST(ProductMatching, WhatTheRunHasWrittenIsFoundAgain) {
 
 TEST(ProductMatching, ByAlternativeNumber) {
     const struct {
-        const char* fault;
-        const char* cell;
-        const char* expected;
+        const char *fault, *cell, *expected;
     } cases[] = {{"an alternative number is not found", "m-1", "A 5\n"},
                  {"an unknown alternative makes a product", "M-9", "A 0\n"},
                  {"an empty cell finds what has no number", "", "A 0\n"},

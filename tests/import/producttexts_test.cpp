@@ -22,8 +22,7 @@ TEST(ProductTexts, ByRule) {
         const ProductTexts& kind;
         char rule;
         const char* stored;  // nullptr: no row
-        std::string cell;
-        std::string expected;
+        std::string cell, expected;
         int written;
     } cases[] = {
         {"U adds none", kAlternatives, 'U', nullptr, "N", "N\n", 1},

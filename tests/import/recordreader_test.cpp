@@ -69,8 +69,7 @@ TEST(MaskRecordReader, CutsTabs) {
     const struct {
         const char* fault;
         int columns;
-        const char* file;
-        const char* expected;
+        const char *file, *expected;
     } cases[] = {
         {"a short line clears entries, or its last text is not the last entry", 5, "1\t2\t3\t4\t5\r\na\tb\r\n",
          "1|2|3|4|5\na|2|3|4|b uneven\n"},
@@ -91,9 +90,7 @@ TEST(MaskRecordReader, CutsTabs) {
 TEST(MaskRecordReader, CutsFixedRecords) {
     const std::vector<std::pair<int, int>> pieces{{1, 4}, {5, 2}};
     const struct {
-        const char* fault;
-        const char* file;
-        const char* expected;
+        const char *fault, *file, *expected;
     } cases[] = {
         {"the separator is not dropped", "4711aa\n4712bb\n", "4711|aa\n4712|bb\n"},
         {"any character is a separator", "4711aaX4712bb", "4711|aa\n4712|bb\n"},

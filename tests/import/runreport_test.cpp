@@ -31,8 +31,7 @@ TEST(RunReport, TellsWhatMaskRecordsDidNotBring) {
     const struct {
         const char* fault;
         MaskSpec mask;
-        const char* file;
-        const char* expected;
+        const char *file, *expected;
     } cases[] = {
         {"a zero of the price list alone goes unseen",
          {.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Inpris", 'I', 'I'}}},

@@ -163,8 +163,7 @@ TEST(RunStops, NothingOfTheCompanyIsTouchedBeforeTheMaskIsKnown) {
 
 TEST(RunStops, CompaniesThatCannotBeOpened) {
     const struct {
-        const char* fault;
-        const char* number;
+        const char *fault, *number;
         void (*arrange)(const std::filesystem::path& company);
     } cases[] = {
         {"missing", "3024", [](const auto& file) { std::filesystem::remove(file); }},

@@ -111,10 +111,7 @@ TEST_F(BatchTest, RunsTheCommandInItsFolder) {
 
 TEST_F(BatchTest, CommandsOfTheBatchLanguage) {
     const struct {
-        const char* fault;
-        const char* command;
-        const char* present;
-        const char* absent;
+        const char *fault, *command, *present, *absent;
     } cases[] = {
         {"copy from a drive into the folder", R"(COPY A:\prices.TXT)", "Filer/Prices.txt", "Filer/prices.TXT"},
         {"copy to a new name", R"(copy /Y "a:\it's.txt" new.txt > NUL)", "Filer/new.txt", "Filer/NUL"},

@@ -7,8 +7,7 @@ namespace {
 
 TEST(Date, DayNumbersOfTheSuite) {
     const struct {
-        const char* fault;
-        const char* iso;
+        const char *fault, *iso;
         int day;
     } cases[] = {
         {"day zero moved", "1899-12-30", 0},
@@ -34,8 +33,7 @@ TEST(Date, EveryDayComesBackFromItsText) {
 
 TEST(Date, RefusesWhatIsNoDay) {
     const struct {
-        const char* fault;
-        const char* iso;
+        const char *fault, *iso;
     } cases[] = {
         {"29 February in a common year", "2023-02-29"},
         {"month 13", "2026-13-01"},

@@ -16,8 +16,7 @@ const Locale kEnglish(Locale::Kind::English);
 
 TEST(LocaleNumbers, ReadsWholeTextsOnly) {
     const struct {
-        const char* fault;
-        const char* text;
+        const char *fault, *text;
         std::optional<double> swedish, english;
     } cases[] = {
         {"decimal comma", "12,5", 12.5, std::nullopt},
@@ -95,8 +94,7 @@ TEST(LocaleNumbers, Writes) {
 
 TEST(LocaleNumbers, LeadingNumber) {
     const struct {
-        const char* fault;
-        const char* text;
+        const char *fault, *text;
         double expected;
     } cases[] = {
         {"a comma taken for the decimal point", "12,5 kr", 12},
@@ -134,8 +132,7 @@ TEST(Rounding, HalvesGoToTheEvenNeighbour) {
 
 TEST(LocaleDates, SpellingsOfUsers) {
     const struct {
-        const char* fault;
-        const char* text;
+        const char *fault, *text;
         const char *swedish, *english;  ///< "" for no date
     } cases[] = {
         {"ISO", "2026-11-22", "2026-11-22", "2026-11-22"},

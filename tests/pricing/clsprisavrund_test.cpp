@@ -104,10 +104,7 @@ std::map<int, double> changed(const ClsPrisAvrund& prices) {
 TEST(ClsPrisAvrund, RecomputesCoupledLists) {
     CoupledCompany company;
     const struct {
-        const char* fault;
-        const char* kopplaMot;
-        const char* valuta;
-        const char* momsMot;
+        const char *fault, *kopplaMot, *valuta, *momsMot;
         bool margins;
         std::map<int, float> markups;
         std::map<int, double> expected;
@@ -223,8 +220,7 @@ TEST(ClsPrisAvrund, CouplingFromAListOn) {
 
 TEST(ClsPrisAvrund, KnowsWhetherAListIsCoupled) {
     const struct {
-        const char* fault;
-        const char* setting;
+        const char *fault, *setting;
         bool expected;
     } cases[] = {
         {"nothing set", "", false},

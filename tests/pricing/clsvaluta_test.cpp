@@ -25,8 +25,7 @@ class ClsValutaTest : public testing::Test {
 TEST_F(ClsValutaTest, KursOchFaktor) {
     ClsValuta currency(company.sql, company.passedOver);
     const struct {
-        const char* fault;
-        const char* code;
+        const char *fault, *code;
         std::uint8_t ledger;
         double rate;
         int factor;

@@ -7,10 +7,7 @@ namespace {
 
 TEST(ListSetting, TakesTheFirstEntryOfAList) {
     const struct {
-        const char* fault;
-        const char* setting;
-        const char* first;
-        const char* ninth;
+        const char *fault, *setting, *first, *ninth;
     } cases[] = {
         {"last entry wins over the first", "1=EUR;1=USD", "EUR", "SEK"},
         {"empty text taken for the standard", "1=;9=USD", "", "USD"},

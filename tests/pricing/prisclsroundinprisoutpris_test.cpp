@@ -67,8 +67,7 @@ TEST_F(PriceFacade, RoundsByTheColumn) {
 
 TEST_F(PriceFacade, TwoDecimalsWhenTheSettingsCannotBeRead) {
     const struct {
-        const char* fault;
-        const char* statement;
+        const char *fault, *statement;
     } cases[] = {
         {"decimals that are none taken", "UPDATE Syinställningar2 SET PDecUtpris = 300"},
         {"one of the two kept", "UPDATE Syinställningar2 SET PDecUtpris = -1"},

@@ -99,9 +99,7 @@ TEST_F(CopyCompany, ALostConnectionIsMendedByTheNextCopy) {
 
 TEST_F(CopyCompany, OtherRowsOfTheTargetAreKept) {
     const struct {
-        const char* fault;
-        const char* table;
-        const char* column;
+        const char *fault, *table, *column;
     } cases[] = {{"a row that the source lacks", "Prodgrupp", "Benämning"},
                  {"settings of a company in use", "Syinställningar", "Företagsnamn"},
                  {"a row of the source with another value", "Leverantör", "Namn"}};

@@ -5,7 +5,6 @@
 #include <chrono>
 
 #include "db/serverregister.h"
-#include "lang/keys/company.h"
 #include "lang/keys/run.h"
 #include "lang/keys/shared.h"
 #include "support/companyrows.h"
@@ -39,19 +38,6 @@ struct FaultWorld : World {
         port.expectBeginning(texts().ModulTextMed(text::run::kDatabaseStopped, "").substr(0, 15),
                              texts().ModulText(text::run::kStoppedTitle));
     }
-};
-
-/// Another session that holds a row which the run writes.
-class RowHolder {
-  public:
-    RowHolder() : database_(TestServer::ofProcess().open()) {
-        database_->begin();
-        database_->execute("UPDATE Produkt SET Vikt = 1 WHERE Nummer = 'N40'");
-    }
-    void letGo() { database_->commit(); }
-
-  private:
-    std::unique_ptr<Database> database_;
 };
 
 std::string allRows() { return companyRows(*TestServer::ofProcess().open()); }
@@ -121,42 +107,6 @@ TEST(ServerThatRefusesEveryWrite, EndsTheRun) {
     EXPECT_FALSE(summary.completed);
     EXPECT_LT(summary.records, kBatch);
     EXPECT_THAT(world.port.passedOver, IsEmpty());
-}
-
-TEST(LockedRow, IsWaitedFor) {
-    const std::string undisturbed = rowsOfAnUndisturbedRun();
-    FaultWorld world;
-    RowHolder other;
-    int waits = 0;
-    const std::string waiting = world.texts().ModulTextMed(text::company::kWaiting, world.shownCompany());
-    world.port.onEvents = [&] {
-        if (!world.port.statuses.empty() && world.port.statuses.back() == waiting && ++waits == 3) other.letGo();
-    };
-    EXPECT_TRUE(world.run().completed);
-    EXPECT_EQ(waits, 3) << "the run did not wait";
-    EXPECT_THAT(world.port.passedOver, IsEmpty());
-    EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris, 1Utpris, Vikt"), HasSubstr("N40 40.5 50.62 1\n"))
-        << "what the other session wrote is gone";
-    TestServer::ofProcess().open()->execute("UPDATE Produkt SET Vikt = 0 WHERE Nummer = 'N40'");
-    EXPECT_EQ(firstDifference(allRows(), undisturbed), "");
-}
-
-TEST(LockedRow, CancelEndsTheWait) {
-    FaultWorld world;
-    const RowHolder other;
-    int waits = 0;
-    const std::string waiting = world.texts().ModulTextMed(text::company::kWaiting, world.shownCompany());
-    world.port.onEvents = [&] {
-        if (!world.port.statuses.empty() && world.port.statuses.back() == waiting && ++waits == 3)
-            world.port.pressCancel();
-    };
-    const RunSummary summary = world.run();
-    EXPECT_TRUE(summary.cancelled);
-    EXPECT_GE(waits, 3);
-    // The first batch is whole, and of the second what came before the row that is held.
-    const std::int64_t kept = std::ranges::count(world.rows("Prodaltprodnr", "Alternativnr"), '\n');
-    EXPECT_GE(kept, kBatch);
-    EXPECT_LT(kept, 40);
 }
 
 }  // namespace

@@ -28,8 +28,7 @@ class BothEngines : public ServerTest {
 
 TEST_F(BothEngines, ValuesOfEveryTypeComeBackAsTheyWere) {
     const struct {
-        const char* fault;
-        const char* column;
+        const char *fault, *column;
         Value value;
     } cases[] = {
         {"a double of 15 digits", "Inpris", 0.1 + 0.2},
@@ -121,7 +120,7 @@ TEST_F(BothEngines, NewRecordsHaveTheSameDefaults) {
                     records->moveToModified();
                 }
                 for (const FieldDef& field : records->fields()) {
-                    if (!field.counter) text += field.name + "=" + exactly(records->value(field.name)) + " ";
+                    if (!field.counter) text += field.name + "=" + show(records->value(field.name)) + " ";
                 }
             }
             text += select(in, fmt::format("SELECT * FROM {} WHERE ID > 4", table)) + "\n";
@@ -140,8 +139,7 @@ TEST_F(BothEngines, StatementsAreUnderstoodAsTheProgramsWriteThem) {
         (void)engine->execute("UPDATE Produkt SET Benämning = ? WHERE ID = ?", values);
     }
     const struct {
-        const char* fault;
-        const char* statement;
+        const char *fault, *statement;
     } cases[] = {
         {"a text that names a column", "SELECT ID FROM Produkt WHERE Nummer = \"Namn\""},
         {"an apostrophe between double quotes", "SELECT ID FROM Produkt WHERE Benämning = \"it's\""},
@@ -175,8 +173,7 @@ TEST_F(BothEngines, StatementsAreUnderstoodAsTheProgramsWriteThem) {
 
 TEST_F(BothEngines, WrongStatementsHaveTheirNumbers) {
     const struct {
-        const char* fault;
-        const char* statement;
+        const char *fault, *statement;
     } cases[] = {
         {"an unknown table", "DELETE FROM Okänd"},
         {"an unknown column", "DELETE FROM Produkt WHERE Okänd = 1"},
@@ -216,7 +213,7 @@ std::string walk(Recordset& records, const std::vector<std::string>& steps) {
         });
         text += step + ":" + std::to_string(error) + (records.bof() ? " bof" : "") + (records.eof() ? " eof" : "") +
                 (records.noMatch() ? " none " : " ");
-        (void)errorOf([&] { text += exactly(records.value("Nummer")); });
+        (void)errorOf([&] { text += show(records.value("Nummer")); });
         text += "\n";
     }
     return text + std::to_string(records.recordCount());
@@ -227,8 +224,7 @@ TEST_F(BothEngines, DynasetsAreWalkedAndWrittenAlike) {
         for (Database* engine : {file.get(), database.get()}) add(*engine, fmt::format("W{}", i));
     }
     const struct {
-        const char* fault;
-        const char* source;
+        const char *fault, *source;
         std::vector<std::string> steps;
     } cases[] = {
         {"moving beyond the ends", "Produkt", {"previous", "previous", "next", "last", "next", "next", "previous"}},

@@ -28,27 +28,13 @@ TEST_F(RoundTrips, ARecordCostsOneForEachStatement) {
                   EXPECT_EQ(records->recordCount(), 1);
                   EXPECT_FALSE(records->eof());
                   EXPECT_EQ(textOf(records->value("Nummer")), "B");
-                  EXPECT_EQ(exactly(records->value("Inpris")), "0");
+                  EXPECT_EQ(show(records->value("Inpris")), "0");
               }),
               1U)
         << "a seek";
     EXPECT_EQ(tripsOf([&] { edit(9.5); }), 1U) << "an update";
     EXPECT_EQ(tripsOf([&] { edit(9.5); }), 0U) << "nothing changed";
     EXPECT_EQ(tripsOf([&] { EXPECT_EQ(errorOf([&] { edit(std::string("bad")); }), errors::kWrongType); }), 0U);
-}
-
-TEST_F(RoundTrips, TheFirstRecordCostsLittleMore) {
-    for (const char* number : {"A", "B"}) add(*database, number);
-    const auto fresh =
-        openServerDatabase(TestServer::ofProcess().connectString(),
-                           {.locale = Locale(), .wait = {}, .tables = companySchema(), .roundTrips = &trips});
-    const auto readAll = [&](const std::string& number) {
-        const auto records = seek(*fresh, number);
-        for (const FieldDef& field : records->fields()) (void)records->value(field.name);
-    };
-    (void)fresh->table("Produkt");
-    EXPECT_EQ(tripsOf([&] { readAll("A"); }), 4U) << "two statements are prepared and run";
-    EXPECT_EQ(tripsOf([&] { readAll("B"); }), 2U) << "one is prepared and run, which reads what was asked for";
 }
 
 TEST_F(RoundTrips, ANewRecordCostsOneWithEverythingReadFromIt) {

@@ -59,10 +59,7 @@ TEST(SignIn, MissingUserFileIsCreatedEmpty) {
 
 TEST(SignIn, RecognisesTheSystemUser) {
     const struct {
-        const char* fault;
-        const char* recordName;
-        const char* login;
-        const char* fullName;
+        const char *fault, *recordName, *login, *fullName;
         bool recognised;
     } cases[] = {
         {"login at the beginning of the name", "annab Berg", "ANNAB", "", true},
@@ -98,9 +95,7 @@ TEST(SignIn, ChecksSignPasswordAndRight) {
     users[2].password = "abc";
     users[2].denied = true;
     const struct {
-        const char* fault;
-        const char* sign;
-        const char* password;
+        const char *fault, *sign, *password;
         SignInResult result;
     } cases[] = {
         {"typed in lower case", "ab", "abc", SignInResult::SignedIn},

@@ -43,10 +43,7 @@ TEST_F(LoggainTest, SignsInByKeyboardAlone) {
 
 TEST_F(LoggainTest, TellsWhatIsWrongAndGoesThere) {
     const struct {
-        const char* fault;
-        const char* sign;
-        const char* password;
-        const char* message;
+        const char *fault, *sign, *password, *message;
         QLineEdit& focus;
     } cases[] = {
         {"unknown sign", "xx", "abc", "Kolmera|Signaturen finns inte.", namn},

@@ -119,11 +119,7 @@ TEST(ReadingASheet, UnderstandsItsCells) {
 TEST(ReadingASheet, FindsItThroughTheRelations) {
     constexpr std::string_view kRows = "<row><c t=\"s\"><v>0</v></c></row><row><c s=\"1\"><v>100</v></c></row>";
     const struct {
-        const char* fault;
-        const char* part;
-        const char* from;
-        const char* to;
-        const char* expected;
+        const char *fault, *part, *from, *to, *expected;
     } cases[] = {
         {"absolute target", "xl/_rels/workbook.xml.rels", "\"worksheets/", "\"/xl/worksheets/", "1900-04-09\n"},
         {"target with ..", "xl/_rels/workbook.xml.rels", "\"worksheets/", "\"../xl/./worksheets/", "1900-04-09\n"},

@@ -117,8 +117,7 @@ TEST(WritingASheet, FitsTheFrameItFinds) {
                                   R"(xmlns:q="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
                                   R"(<x:sheets><x:sheet name="Blad" sheetId="7" q:id="s1"/></x:sheets></x:workbook>)";
     const struct {
-        const char* fault;
-        const char* part;
+        const char *fault, *part;
         const char* from;  ///< all of the part when empty
         const char* to;
     } cases[] = {
@@ -186,8 +185,7 @@ TEST(WritingASheet, RefusesWhatItCannotWrite) {
         return other.read("book");
     };
     const struct {
-        const char* fault;
-        const char* name;
+        const char *fault, *name;
         std::string bytes;  ///< empty: there is no such file
         int expected;
     } cases[] = {

@@ -20,8 +20,7 @@ TEST(CompanyList, FindsTheDatabaseThatIsMeant) {
     EXPECT_EQ(databases, "FTG1.MDB FTG2.MDB FTG3.MDB sql;Tre SQL;B ");
     EXPECT_EQ(shown, "\tFTG1.MDB|ftg1.mdb\tFTG2.MDB|Andra\tFTG3.MDB|sql;Tre\tAndra|SQL;B\tSQL;C|");
     const struct {
-        const char* fault;
-        const char* name;
+        const char *fault, *name;
         std::optional<std::string> database;
     } cases[] = {
         {"a company's name before another's database", "ftg1.MDB", "FTG1.MDB"},

@@ -51,8 +51,7 @@ TEST(LäsDorvikIni, ReadsItsThreeRecords) {
     };
     const struct {
         const char* fault;
-        std::string file;
-        std::string company;
+        std::string file, company;
         bool font;
         std::int16_t mode;
     } cases[] = {

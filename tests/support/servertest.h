@@ -13,18 +13,10 @@
 #include "platform/engine/database.h"
 #include "platform/engine/odbc/serverdatabase.h"
 #include "platform/error.h"
+#include "support/engineanswers.h"
 #include "support/testserver.h"
 
 namespace kolmera::test {
-
-/// A value so that no two different ones look the same: numbers with all their digits.
-std::string exactly(const Value& value);
-
-/// The number of what a statement throws, 0 when it throws nothing. -number when the error ends the run.
-int errorOf(const std::function<void()>& statement);
-
-/// What a statement selects: values separated by blanks, records by "; ".
-std::string select(Database& database, std::string_view statement);
 
 /// An empty company on the server that the tests were started for. Fails where there is none.
 class ServerTest : public testing::Test {

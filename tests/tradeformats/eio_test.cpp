@@ -67,9 +67,7 @@ TEST(Eio, DefaultMarkupCountsForTheFirstPrice) {
 
 TEST(Eio, TakesArticleNumbersAsTheTradePadsThem) {
     const struct {
-        const char* fault;
-        const char* field;
-        const char* expected;
+        const char *fault, *field, *expected;
     } cases[] = {
         {"padding zero kept", "01234567", "1234567"},
         {"more than one zero dropped", "00234567", "0234567"},

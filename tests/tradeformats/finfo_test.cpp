@@ -87,9 +87,7 @@ TEST(Finfo, ReadsTheGroupsOfTheJob) {
 
 TEST(Finfo, WritesPackagesThatAreNotOne) {
     const struct {
-        const char* fault;
-        const char* quantity;
-        const char* expected;
+        const char *fault, *quantity, *expected;
     } cases[] = {
         {"one written", "00001000000", "5 BNT BNT\n"},        {"millionths", "00012000000", "12 KRT KRT\n"},
         {"fractions of one", "00000500000", "0.5 KRT KRT\n"}, {"zero taken for one", "00000000000", "0 KRT KRT\n"},

@@ -76,8 +76,7 @@ QPushButton& boxButton(QMessageBox& box, const char* caption) {
 
 TEST(QtMessagePortTest, ButtonsAnswerInTheProgramsLanguage) {
     const struct {
-        const char* fault;
-        const char* language;
+        const char *fault, *language;
         Buttons buttons;
         const char* caption;
         Answer answer;

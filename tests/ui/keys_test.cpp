@@ -17,8 +17,7 @@ namespace {
 
 TEST(KeyRules, NumberFieldTakesDigitsOneSignAndOneMinus) {
     const struct {
-        const char* fault;
-        const char* field;
+        const char *fault, *field;
         int key;
         bool decimals, minus, accepted;
     } cases[] = {

@@ -19,8 +19,7 @@ TEST(SpinSteps, StepsAndStopsAtTheBounds) {
         const char* fault;
         std::int16_t type;
         float min, max, increment;
-        const char* mask;
-        const char* text;
+        const char *mask, *text;
         bool up;
         const char* stepped;
     } cases[] = {
