@@ -56,6 +56,7 @@ TEST_F(FieldValue, EveryTypeTakesWhatItCanHold) {
         {"Currency keeps all decimals", "Belopp", 1.00004, "1"},
         {"Currency rounds halves up", "Belopp", 0.00025, "2e-04"},
         {"Currency beyond its range", "Belopp", 1e15, "refused 3421"},
+        {"true is no number", "Antal", true, "1"},
         {"a number is no Boolean", "Webb", std::int64_t{-1}, "true"},
         {"a Boolean text taken", "Webb", std::string("Ja"), "refused 3421"},
         {"an ISO date not known", "Datum", std::string("2026-02-28"), "2026-02-28"},

@@ -30,6 +30,7 @@ TEST_F(Queries, StatementsAreUnderstoodAsTheProgramsWriteThem) {
         {"Swedish capitals in names", "select nummer from ARTIKEL where PÅLÄGG = 0 and MÅNADER = 0 order by NUMMER",
          "'a1'; 'A2'; 'B1'; 'Å1'"},
         {"a name that begins with a digit", "SELECT 1Pris FROM Artikel WHERE 1Pris = 0 AND ID = 1", "0"},
+        {"a name taken for a number with a power", "SELECT ID AS 1rade FROM Artikel WHERE ID = 2", "2"},
         {"a name in brackets", "SELECT [1pris] FROM [artikel] WHERE [ID] = 1", "0"},
         {"a date between #", "SELECT ID FROM Artikel WHERE Datum = #2026-03-01#", "3"},
         {"a date in the locale's spelling", "SELECT ID FROM Artikel WHERE Datum < #1 apr 2026#", "3"},

@@ -37,6 +37,10 @@ TEST(RunReport, TellsWhatMaskRecordsDidNotBring) {
          {.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Inpris", 'I', 'I'}}},
          "A\t12,50 kr\r\n",
          "not_numbers 1: [1 A Levprislista.Inpris '12,50 kr']\n"},
+        {"a zero in a row without a product goes unseen",
+         {.createNew = false, .supplierPrices = true, .relations = {{1, "Levartikelnr", 'S'}, {2, "Inpris"}}},
+         "Y\t1O\r\n",
+         "not_numbers 1: [1 Y Levprislista.Inpris '1O']\n"},
         {"one text in two tables counts twice",
          {.supplierPrices = true, .relations = {{1, "Nummer", 'S'}, {2, "Inpris"}, {3, "1Utpris"}}},
          "A\t1O\tx\r\n",
@@ -87,6 +91,7 @@ TEST(RunReport, TellsWhatMaskRecordsDidNotBring) {
         World world;
         world.add("Leverantör", {{"Nummer", "L1"}});
         world.add("Produkt", {{"Nummer", "OLD"}, {"Inpris", 7.0}});
+        world.add("Levprislista", {{"Produktnr", "GONE"}, {"Leverantör", "L1"}, {"Levartikelnr", "Y"}});
         world.job.supplier = "L1";
         world.mask(c.mask);
         world.priceFile(c.file);

@@ -41,7 +41,9 @@ TEST_F(BothEngines, ValuesOfEveryTypeComeBackAsTheyWere) {
         {"Currency of four decimals", "Webbpris", -19.9999},
         {"the largest Currency", "Webbpris", 922337203685477.0},
         {"a Currency with more decimals", "Webbpris", 1.00005},
-        {"a Long", "Batterityp", std::int64_t{255}},
+        {"the largest Byte", "Batterityp", std::int64_t{255}},
+        {"the largest Long", "Sortering", std::int64_t{2147483647}},
+        {"a Boolean into a number", "Leveranstid", true},
         {"a smallest Integer", "Leveranstid", std::int64_t{-32768}},
         {"a text becomes a number", "Leveranstid", std::string("12,5")},
         {"true", "Webshop", true},
@@ -68,6 +70,7 @@ TEST_F(BothEngines, ValuesOfEveryTypeComeBackAsTheyWere) {
              return text;
          }()},
         {"Null", "Inpris", Null{}},
+        {"a number behind Null", "Inpris", 2.5},
         // Refused: the same number, and the old value stays.
         {"61 letters", "Benämning", std::string(61, 'x')},
         {"a Byte of 256", "Batterityp", std::int64_t{256}},
@@ -262,6 +265,23 @@ TEST_F(BothEngines, DynasetsAreWalkedAndWrittenAlike) {
     }
     constexpr auto kAll = "SELECT Nummer, Leverantör FROM Produkt ORDER BY Nummer";
     EXPECT_EQ(select(*database, kAll), select(*file, kAll));
+}
+
+TEST_F(BothEngines, ARowThatIsGoneCannotBeWritten) {
+    const auto written = [](Database& in, bool reads) {
+        const auto records = seek(in, "A1");
+        records->edit();
+        records->set("Inpris", 5.0);
+        (void)in.execute("DELETE FROM Produkt WHERE Nummer = 'A1'");
+        if (reads) (void)errorOf([&] { (void)records->value("Vikt"); });
+        const int error = errorOf([&] { records->update(); });
+        add(in, "A1");
+        return error;
+    };
+    for (const bool reads : {false, true}) {
+        EXPECT_EQ(written(*file, reads), errors::kNoCurrentRecord);
+        EXPECT_EQ(written(*database, reads), errors::kNoCurrentRecord) << "saved into nothing";
+    }
 }
 
 TEST_F(BothEngines, ReadOnlyDynasetsAndStatementsRefuseWriting) {
