@@ -1,5 +1,6 @@
+#include "db/companyschema.h"
 #include "engine/enginetest.h"
-#include "platform/engine/statementtext.h"
+#include "support/statementcases.h"
 
 namespace kolmera::test {
 namespace {
@@ -18,58 +19,13 @@ class Queries : public EngineTest {
 };
 
 TEST_F(Queries, StatementsAreUnderstoodAsTheProgramsWriteThem) {
-    (void)database->execute("UPDATE Artikel SET Datum = #2026-03-01#, Webb = TRUE WHERE Nummer = 'A1'");
-    const struct {
-        const char *fault, *statement, *expected;
-    } cases[] = {
-        {"text between double quotes taken for a column", "SELECT ID FROM Artikel WHERE Nummer = \"A1\"", "3"},
-        {"a text that names a column", "SELECT ID FROM Artikel WHERE Nummer = \"Namn\"", ""},
-        {"an apostrophe between double quotes", "SELECT ID FROM Artikel WHERE Namn = \"a1's\"", "3"},
-        {"a double quote between apostrophes", "SELECT ID FROM Artikel WHERE Namn = 'x\"y'", ""},
-        {"a doubled apostrophe", "SELECT ID FROM Artikel WHERE Namn = 'a1''s'", "3"},
-        {"Swedish capitals in names", "select nummer from ARTIKEL where PÅLÄGG = 0 and MÅNADER = 0 order by NUMMER",
-         "'a1'; 'A2'; 'B1'; 'Å1'"},
-        {"a name that begins with a digit", "SELECT 1Pris FROM Artikel WHERE 1Pris = 0 AND ID = 1", "0"},
-        {"a name taken for a number with a power", "SELECT ID AS 1rade FROM Artikel WHERE ID = 2", "2"},
-        {"a name in brackets", "SELECT [1pris] FROM [artikel] WHERE [ID] = 1", "0"},
-        {"a date between #", "SELECT ID FROM Artikel WHERE Datum = #2026-03-01#", "3"},
-        {"a date in the locale's spelling", "SELECT ID FROM Artikel WHERE Datum < #1 apr 2026#", "3"},
-        {"TRUE and FALSE", "SELECT ID FROM Artikel WHERE Webb = TRUE", "3"},
-        {"numbers cut at the point", "SELECT 1.5e1, 2E2, .5, 7, 5e-1, 1.5E+1", "15 200 0.5 7 0.5 15"},
-        {"a leading blank", "  SELECT ID FROM Artikel WHERE ID = 2", "2"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        EXPECT_EQ(select(*database, c.statement), c.expected);
-    }
-}
-
-TEST_F(Queries, WrongStatementsHaveTheirNumbers) {
-    const struct {
-        const char *fault, *statement;
-        int number;
-    } cases[] = {
-        {"an unknown table", "DELETE FROM Okänd", errors::kUnknownTable},
-        {"an unknown column", "DELETE FROM Artikel WHERE Okänd = 1", errors::kUnknownField},
-        {"no date between #", "DELETE FROM Artikel WHERE Datum = #31 februari#", errors::kWrongType},
-        {"two statements at once", "DELETE FROM Artikel; DELETE FROM Artikel", errors::kInternal},
-        {"a transaction behind the engine's back", "BEGIN", errors::kInternal},
-        {"a statement that only reads", "SELECT ID FROM Artikel", errors::kInternal},
-        {"a parameter without value", "DELETE FROM Artikel WHERE ID = ?", errors::kInternal},
-        {"a duplicate key", "UPDATE Artikel SET Nummer = 'X'", errors::kDuplicateKey},
-        {"no statement at all", "", errors::kInternal},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        EXPECT_EQ(errorOf([&] { (void)database->execute(c.statement); }), c.number);
-    }
-    EXPECT_EQ(select(*database, "SELECT count(*) FROM Artikel"), "4");
-}
-
-TEST_F(Queries, ParametersKeepAnyText) {
-    const std::vector<Value> parameters = {std::string("\"'#"), std::int64_t{1}};
-    EXPECT_EQ(database->execute("UPDATE Artikel SET Namn = ? WHERE ID = ?", parameters), 1);
-    EXPECT_EQ(select(*database, "SELECT Namn FROM Artikel WHERE ID = 1"), "'\"'#'");
+    createFileDatabase(folder / "whole.mdb", companySchema());
+    const auto company = openFileDatabase(folder / "whole.mdb", OpenOptions());
+    addProducts(*company);
+    expectStatements(*company);
+    EXPECT_EQ(select(*company, "SELECT 1.5e1, 2E2, .5, 7, 5e-1, 1.5E+1"), "15 200 0.5 7 0.5 15");
+    EXPECT_EQ(select(*company, "SELECT ID AS 1rade FROM Produkt WHERE ID = 2"), "2")
+        << "taken for a number with a power";
 }
 
 TEST_F(Queries, ADynasetShowsAndWritesTheRowsOfItsStatement) {

@@ -124,12 +124,6 @@ TEST(MaskRecordReader, KeepsNulAndSubstituteAsCharacters) {
               "b\nc\n");
 }
 
-TEST(MaskRecordReader, TakesALineOfTenMegabytes) {
-    std::string line;
-    line.resize(10'000'000, 'x');
-    EXPECT_EQ(read(maskOf('T', 0, kThree, 3), "4711\t" + line + "\tslut\r\n"), "4711|" + line + "|slut\n");
-}
-
 TEST(LoadedMask, SizesThatCannotBe) {
     Mask mask;
     mask.AntalRader = "1E9";

@@ -76,12 +76,6 @@ TEST_F(PriceFileTest, KnowsNoBlocks) {
     }
 }
 
-TEST_F(PriceFileTest, TakesALineOfTenMegabytes) {
-    std::string longLine;
-    longLine.resize(10'000'000, 'x');
-    EXPECT_EQ(lines("a\r\n" + longLine + "\r\nb"), (std::vector<std::string>{"a", longLine, "b"}));
-}
-
 TEST_F(PriceFileTest, CutsWhatIsNoLine) {
     constexpr std::size_t kLongest = 16'777'216;
     const std::string cut(kLongest, 'x');

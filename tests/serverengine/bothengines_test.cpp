@@ -4,6 +4,7 @@
 #include <random>
 
 #include "support/servertest.h"
+#include "support/statementcases.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera::test {
@@ -17,9 +18,7 @@ class BothEngines : public ServerTest {
         const std::vector<TableDef> schema = companySchema();
         createFileDatabase(folder / "FTG1.mdb", schema);
         file = openFileDatabase(folder / "FTG1.mdb", {.locale = Locale(), .password = {}, .wait = {}});
-        for (Database* engine : {file.get(), database.get()}) {
-            for (const char* number : {"B1", "A2", "a1", "Å1"}) add(*engine, number, fmt::format("L{}", number));
-        }
+        for (Database* engine : {file.get(), database.get()}) addProducts(*engine);
     }
 
     TemporaryFolder folder;
@@ -133,68 +132,7 @@ TEST_F(BothEngines, NewRecordsHaveTheSameDefaults) {
     EXPECT_EQ(added(*database), added(*file));
 }
 
-TEST_F(BothEngines, StatementsAreUnderstoodAsTheProgramsWriteThem) {
-    for (Database* engine : {file.get(), database.get()}) {
-        (void)engine->execute(
-            "UPDATE Produkt SET Fridatum = #2026-03-01#, Webshop = TRUE, Inpris = -1.5, "
-            "Leveranstid = - 7, Benämning = \"it's\" WHERE Nummer = 'A1'");
-        const std::vector<Value> values = {std::string("\"'#;--?\\"), std::int64_t{2}};
-        (void)engine->execute("UPDATE Produkt SET Benämning = ? WHERE ID = ?", values);
-    }
-    const struct {
-        const char *fault, *statement;
-    } cases[] = {
-        {"a text that names a column", "SELECT ID FROM Produkt WHERE Nummer = \"Namn\""},
-        {"an apostrophe between double quotes", "SELECT ID FROM Produkt WHERE Benämning = \"it's\""},
-        {"a doubled apostrophe", "SELECT ID FROM Produkt WHERE Benämning = 'it''s'"},
-        {"a statement in a text", "SELECT ID FROM Produkt WHERE Nummer = ''' OR 1=1; DELETE FROM Produkt --'"},
-        {"a backslash before the closing quote", "SELECT ID FROM Produkt WHERE Nummer <> 'A1\\' ORDER BY ID"},
-        {"Swedish capitals in names", "select nummer from PRODUKT where FÖRÄNDRINGSDATUM IS NULL order by NUMMER"},
-        {"a name that begins with a digit", "SELECT 1Utpris FROM Produkt WHERE 1Utpris = 0 AND ID = 1"},
-        {"a name in brackets", "SELECT [1utpris] FROM [produkt] WHERE [ID] = 1"},
-        {"a date in the locale's spelling", "SELECT ID FROM Produkt WHERE Fridatum < #1 apr 2026#"},
-        {"a truth value", "SELECT Webshop FROM Produkt WHERE Webshop = TRUE"},
-        {"1 for a truth value", "SELECT ID FROM Produkt WHERE Webshop = 1 AND NOT Webshop = 0"},
-        {"a negative number", "SELECT ID FROM Produkt WHERE Inpris = -1.5 AND Leveranstid = -7"},
-        {"a fraction compared with whole numbers", "SELECT ID FROM Produkt WHERE Leveranstid < 0.5 ORDER BY ID"},
-        {"a number beyond the column's type", "SELECT ID FROM Produkt WHERE Leveranstid < 100000 ORDER BY ID DESC"},
-        {"a number taken from a column", "SELECT ID FROM Produkt WHERE ID - 1 = 2"},
-        {"Null last in the order", "SELECT ID, Fridatum FROM Produkt ORDER BY Fridatum, Nummer"},
-        {"Null first downwards", "SELECT ID, Fridatum FROM Produkt ORDER BY Fridatum DESC, Nummer"},
-        {"a list", "SELECT ID FROM Produkt WHERE Nummer IN ('A1', 'å1') ORDER BY ID"},
-        {"two tables",
-         "SELECT P.Nummer, L.Webshop FROM Produkt P, Produkt L WHERE P.ID = L.ID AND P.ID < 4 "
-         "ORDER BY P.Nummer"},
-        {"counting", "SELECT count(*) FROM Produkt WHERE Nummer > 'a1'"},
-        {"a column that is there twice", "SELECT Nummer, Nummer FROM Produkt WHERE ID = 1"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        EXPECT_EQ(select(*database, c.statement), select(*file, c.statement));
-    }
-}
-
-TEST_F(BothEngines, WrongStatementsHaveTheirNumbers) {
-    const struct {
-        const char *fault, *statement;
-    } cases[] = {
-        {"an unknown table", "DELETE FROM Okänd"},
-        {"an unknown column", "DELETE FROM Produkt WHERE Okänd = 1"},
-        {"no date between #", "DELETE FROM Produkt WHERE Fridatum = #31 februari#"},
-        {"two statements at once", "DELETE FROM Produkt; DELETE FROM Produkt"},
-        {"a transaction behind the engine's back", "BEGIN"},
-        {"a statement that only reads", "SELECT ID FROM Produkt"},
-        {"a parameter without value", "DELETE FROM Produkt WHERE ID = ?"},
-        {"a duplicate key", "UPDATE Produkt SET Nummer = 'X'"},
-        {"no statement at all", ""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        const auto error = [&](Database& in) { return errorOf([&] { (void)in.execute(c.statement); }); };
-        EXPECT_EQ(error(*database), error(*file));
-    }
-    EXPECT_EQ(select(*database, "SELECT count(*) FROM Produkt"), "4") << "a statement that failed did something";
-}
+TEST_F(BothEngines, StatementsAreUnderstoodAsTheProgramsWriteThem) { expectStatements(*database); }
 
 /// Position, count and what is read, step by step.
 std::string walk(Recordset& records, const std::vector<std::string>& steps) {
