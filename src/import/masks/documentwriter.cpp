@@ -11,26 +11,26 @@ constexpr std::size_t kLongestPath = 200;
 
 }  // namespace
 
-DocumentWriter::DocumentWriter(const LoadedMask& mask, SqlLayer& sql, Date Idag, PassedOver& passedOver)
-    : source_(mask.document), locale_(sql.locale()), Idag_(Idag), row_(sql, passedOver, "Proddokument", "Nummer") {}
-
-bool DocumentWriter::write(std::string_view productNumber, const EntryList& entries) {
-    const std::string_view path = firstCharacters(entries.text(source_), kLongestPath);
-    bool written = false;
-    row_.change([&] { written = store(productNumber, path); });
-    return written;
+DocumentWriter::DocumentWriter(const LoadedMask& mask, SqlLayer& sql, Date Idag, RunSummary& summary)
+    : source_(mask.document), locale_(sql.locale()), Idag_(Idag), row_(sql, summary.report, "Proddokument", "Nummer") {
+    row_.countIn(summary.documents);
 }
 
-bool DocumentWriter::store(std::string_view productNumber, std::string_view path) {
+void DocumentWriter::write(std::string_view productNumber, const EntryList& entries) {
+    const std::string_view path = firstCharacters(entries.text(source_), kLongestPath);
+    row_.change([&] { store(productNumber, path); });
+}
+
+void DocumentWriter::store(std::string_view productNumber, std::string_view path) {
     const bool always = source_.TypKod == 'U';
     const bool whenEmpty = source_.TypKod == 'S';
-    if (!always && !whenEmpty) return false;
+    if (!always && !whenEmpty) return;
     const bool exists = row_.find(productNumber, kFirstDocument);
     if (path.empty()) {
         if (exists && always) row_.rows().remove();
-        return false;
+        return;
     }
-    if (exists && whenEmpty && !TillText(row_.rows().value(Dokument_.ordinal), locale_).empty()) return false;
+    if (exists && whenEmpty && !TillText(row_.rows().value(Dokument_.ordinal), locale_).empty()) return;
     row_.begin(exists);
     if (!exists) {
         row_.write(Produktnr_, productNumber);
@@ -39,7 +39,6 @@ bool DocumentWriter::store(std::string_view productNumber, std::string_view path
     row_.write(Dokument_, path);
     row_.write(Förändringsdatum_, Idag_);
     row_.update();
-    return true;
 }
 
 }  // namespace kolmera

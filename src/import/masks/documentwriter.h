@@ -6,21 +6,22 @@
 #include "import/masks/entrylist.h"
 #include "import/masks/loadedmask.h"
 #include "import/rows/rowwriter.h"
+#include "import/run/runsummary.h"
 #include "platform/date.h"
 #include "pricing/changedate.h"
 
 namespace kolmera {
 
-/// Stores the document path of a record as the product's first document.
+/// Stores the document path of a record as the product's first document, and counts it.
 class DocumentWriter {
   public:
-    DocumentWriter(const LoadedMask& mask, SqlLayer& sql, Date Idag, PassedOver& passedOver);
+    DocumentWriter(const LoadedMask& mask, SqlLayer& sql, Date Idag, RunSummary& summary);
 
-    /// Returns whether a row was written. An empty path deletes the document under the update rule "U" only.
-    bool write(std::string_view productNumber, const EntryList& entries);
+    /// An empty path deletes the document under the update rule "U" only.
+    void write(std::string_view productNumber, const EntryList& entries);
 
   private:
-    bool store(std::string_view productNumber, std::string_view path);
+    void store(std::string_view productNumber, std::string_view path);
 
     Source source_;
     Locale locale_;

@@ -5,14 +5,16 @@
 namespace kolmera {
 
 PriceListWriter::PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::unique_ptr<Recordset> priceList,
-                                 std::uint8_t InprisDec, Date Idag, RunReport& report)
+                                 std::uint8_t InprisDec, Date Idag, RunSummary& summary)
     : mask_(mask),
       sql_(sql),
-      report_(report),
-      prices_(sql, report, std::move(priceList)),
-      letters_(sql, report),
+      report_(summary.report),
+      prices_(sql, report_, std::move(priceList)),
+      letters_(sql, report_),
       InprisDec_(InprisDec),
-      Idag_(Idag) {}
+      Idag_(Idag) {
+    prices_.row.countIn(summary.priceList);
+}
 
 bool PriceListWriter::write(std::string_view productNumber, std::string_view supplier,
                             const std::function<std::string()>& articleNumber, std::optional<double> discount,

@@ -12,18 +12,18 @@
 #include "import/masks/entrylist.h"
 #include "import/masks/loadedmask.h"
 #include "import/rows/supplierpricerows.h"
-#include "import/run/runreport.h"
+#include "import/run/runsummary.h"
 #include "platform/date.h"
 
 namespace kolmera {
 
-/// Writes the supplier's price list row of a record. The prices are the file's own: without VAT, and of them only
-/// the net purchase price is rounded.
+/// Writes the supplier's price list row of a record, and counts it. The prices are the file's own: without VAT, and of
+/// them only the net purchase price is rounded.
 class PriceListWriter {
   public:
     /// `priceList` is what `openSupplierPrices` opened.
     PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::unique_ptr<Recordset> priceList, std::uint8_t InprisDec,
-                    Date Idag, RunReport& report);
+                    Date Idag, RunSummary& summary);
 
     /// Writes the row of a product and supplier; false when it could not be saved. `articleNumber` is asked for when
     /// the row is new. `discount` is what the product's discount column got from the record.

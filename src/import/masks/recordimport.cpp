@@ -46,12 +46,12 @@ RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier,
       coupling_(mask.hasPurchasePrice(), sql_, prices_, report_) {
     prices_.Init();
     if (mask.hasAlternatives) {
-        alternatives_.emplace(mask, storedAlternatives(sql_, std::move(tables.alternatives), report_), report_);
+        alternatives_.emplace(mask, sql_, std::move(tables.alternatives), summary);
     }
     if (mask.UppdatLev) {
-        priceList_.emplace(mask, sql_, std::move(tables.priceList), prices_.InprisDec, Idag_, report_);
+        priceList_.emplace(mask, sql_, std::move(tables.priceList), prices_.InprisDec, Idag_, summary);
     }
-    if (mask.document.present()) documents_.emplace(mask, sql_, Idag_, report_);
+    if (mask.document.present()) documents_.emplace(mask, sql_, Idag_, summary);
 }
 
 void RecordImport::import(const EntryList& entries) {
@@ -83,22 +83,20 @@ bool RecordImport::importProduct(const ProductMatch& match, const EntryList& ent
     takeProductNumber();
     summary_.productSaved(productNumber_, newProduct);
     if (columns_.changesPrices()) coupling_.couple(*products_);
-    if (alternatives_) summary_.alternatives += alternatives_->write(productNumber_, entries);
+    if (alternatives_) alternatives_->write(productNumber_, entries);
     if (priceList_) {
         const auto articleNumber = [this] {
             return std::string(textOf(products_->value(ordinal(kProdukt, "Levartikelnr"))));
         };
-        if (priceList_->write(productNumber_, match.supplier, articleNumber, discount, entries)) ++summary_.priceList;
+        priceList_->write(productNumber_, match.supplier, articleNumber, discount, entries);
     }
-    if (documents_ && documents_->write(productNumber_, entries)) ++summary_.documents;
+    if (documents_) documents_->write(productNumber_, entries);
     return true;
 }
 
 bool RecordImport::importPriceListOnly(const ProductMatch& match, const EntryList& entries) {
     const auto articleNumber = [&match] { return std::string(match.key); };
-    const bool written = priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries);
-    if (written) ++summary_.priceList;
-    return written;
+    return priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries);
 }
 
 /// `newProduct` becomes false when another run has added the product since it was searched for.

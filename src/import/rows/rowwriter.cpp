@@ -26,6 +26,11 @@ void RowWriter::begin(bool exists) {
     }
 }
 
+void RowWriter::update() {
+    rows_->update();
+    count();
+}
+
 RowWriter::Row RowWriter::editOrAdd(Keys keys) {
     Row row = Row::Unreachable;
     searched_ = keys;
@@ -60,7 +65,7 @@ double RowWriter::number(const Column& column) {
 bool RowWriter::save() {
     return attempt(passedOver_, table_, [&] {
         try {
-            rows_->update();
+            update();
         } catch (const PlatformError& error) {
             const bool duplicate = added_ && error.number() == errors::kDuplicateKey && !error.endsRun();
             if (!duplicate || !find(searched_)) throw;
@@ -73,7 +78,7 @@ bool RowWriter::save() {
 void RowWriter::writeIntoExisting() {
     rows_->edit();
     for (const auto& [column, value] : written_) rows_->set(column, value);
-    rows_->update();
+    update();
 }
 
 }  // namespace kolmera

@@ -40,6 +40,9 @@ class RowWriter {
     [[nodiscard]] Column column(std::string_view name) const;
     [[nodiscard]] Column columnAt(int ordinal) const;
 
+    /// Every row that is stored from now on is counted there; `rows` outlives the writer.
+    void countIn(std::int64_t& rows) { counted_ = &rows; }
+
     /// Edits the row that has this key, or begins a new one. When neither succeeds the row is unreachable, and nothing
     /// is to be written.
     template <typename... Key>
@@ -68,7 +71,9 @@ class RowWriter {
         return find(keys_.of(key...));
     }
     void begin(bool exists);
-    void update() { rows_->update(); }
+    void update();
+    /// A row of the table was stored by other means than this writer's.
+    void storedElsewhere() { count(); }
 
     [[nodiscard]] Recordset& rows() { return *rows_; }
 
@@ -77,6 +82,9 @@ class RowWriter {
     bool find(Keys keys);
     void set(const Column& column, Value value);
     void writeIntoExisting();
+    void count() {
+        if (counted_) ++*counted_;
+    }
 
     SqlLayer& sql_;
     PassedOver& passedOver_;
@@ -86,6 +94,7 @@ class RowWriter {
     Keys searched_;                               ///< of the row at hand, in `keys_`
     bool added_ = false;                          ///< it is new, and `save` is to come
     std::vector<std::pair<int, Value>> written_;  ///< into a new row
+    std::int64_t* counted_ = nullptr;
 };
 
 }  // namespace kolmera

@@ -30,18 +30,9 @@ double ProductRows::netCost(double purchasePrice) {
 
 double ProductRows::markedUp(double netCost, int level) { return netCost * (1 + row.number(Pålägg(level)) / 100); }
 
-AlternativeRows::AlternativeRows(SqlLayer& sql, PassedOver& passedOver)
-    : row(sql, passedOver, "Prodaltprodnr", "Produktnr") {}
-
-bool AlternativeRows::put(std::string_view product, int heading, std::string_view alternative) {
-    const RowWriter::Row found = row.editOrAdd(product, std::int64_t{heading});
-    if (found == RowWriter::Row::Unreachable) return false;
-    if (found == RowWriter::Row::New) {
-        row.write(Nummer, std::int64_t{heading});
-        row.write(Produktnr, product);
-    }
-    row.write(Alternativnr, alternative);
-    return row.save();
+TradeTables::TradeTables(const Parts& parts) : parts_(parts) {
+    parts_.supplierPrices.row.countIn(parts_.summary.priceList);
+    if (parts_.alternatives) parts_.alternatives->row.countIn(parts_.summary.alternatives);
 }
 
 double TradeTables::roundedInpris(double price) const {
@@ -73,12 +64,10 @@ bool TradeTables::editOrAddSupplierPrice(std::string_view product, std::string_v
     return found != RowWriter::Row::Unreachable;
 }
 
-void TradeTables::saveSupplierPrice() {
-    if (parts_.supplierPrices.row.save()) ++parts_.summary.priceList;
-}
+void TradeTables::saveSupplierPrice() { parts_.supplierPrices.row.save(); }
 
 void TradeTables::putAlternative(std::string_view product, int heading, std::string_view alternative) {
-    if (parts_.alternatives && parts_.alternatives->put(product, heading, alternative)) ++parts_.summary.alternatives;
+    if (parts_.alternatives) parts_.alternatives->put(product, heading, alternative);
 }
 
 }  // namespace kolmera

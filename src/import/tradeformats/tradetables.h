@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "discounts/rabattbrev.h"
+#include "import/rows/alternativerows.h"
 #include "import/rows/defaults.h"
 #include "import/rows/rowwriter.h"
 #include "import/rows/supplierpricerows.h"
@@ -52,20 +53,6 @@ class ProductRows {
     std::array<Column, kPriceLists> Utpris_, Pålägg_;
 };
 
-/// "Prodaltprodnr": one alternative number per product and heading.
-class AlternativeRows {
-  public:
-    AlternativeRows(SqlLayer& sql, PassedOver& passedOver);
-
-    RowWriter row;
-    const Column Produktnr = row.column("Produktnr");
-    const Column Nummer = row.column("Nummer");
-    const Column Alternativnr = row.column("Alternativnr");
-
-    /// Whether the alternative was saved.
-    bool put(std::string_view product, int heading, std::string_view alternative);
-};
-
 /// What the records of a trade-format file are written to.
 class TradeTables {
   public:
@@ -80,7 +67,7 @@ class TradeTables {
         RunSummary& summary;
         Date Idag;
     };
-    explicit TradeTables(const Parts& parts) : parts_(parts) {}
+    explicit TradeTables(const Parts& parts);
 
     [[nodiscard]] ProductRows& products() { return parts_.products; }
     [[nodiscard]] SupplierPriceRows& supplierPrices() { return parts_.supplierPrices; }
