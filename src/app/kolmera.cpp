@@ -1,6 +1,8 @@
 #include <QApplication>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <new>
 
 #include "definitions/window/prisstyr.h"
 #include "discounts/window/prisrab.h"
@@ -8,6 +10,7 @@
 #include "import/window/jobicons.h"
 #include "import/window/prismain.h"
 #include "lang/errortext.h"
+#include "lang/keys/fault.h"
 #include "lang/keys/loggain.h"
 #include "lang/keys/terminal.h"
 #include "platform/systemuser.h"
@@ -30,6 +33,10 @@ class KolmeraApplication final : public QApplication {
     bool notify(QObject* receiver, QEvent* event) override {
         try {
             return QApplication::notify(receiver, event);
+        } catch (const std::bad_alloc&) {
+            if (program == nullptr) throw;
+            program->boxes.MeddelandeVarning(program->texts.ModulText(text::fault::kOutOfMemory));
+            return true;
         } catch (const std::exception& fault) {
             if (program == nullptr) throw;
             program->boxes.MeddelandeVarning(
@@ -95,7 +102,12 @@ int run(KolmeraApplication& application) {
 
 int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Kolmera"));
-    kolmera::KolmeraApplication application(argc, argv);
-    QApplication::setWindowIcon(kolmera::maskJobIcon(QApplication::palette()));
-    return kolmera::run(application);
+    try {
+        kolmera::KolmeraApplication application(argc, argv);
+        QApplication::setWindowIcon(kolmera::maskJobIcon(QApplication::palette()));
+        return kolmera::run(application);
+    } catch (const std::bad_alloc&) {
+        std::fputs("kolmera: Minnet räcker inte. There is not enough memory.\n", stderr);
+        return 1;
+    }
 }

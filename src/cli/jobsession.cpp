@@ -12,7 +12,6 @@
 #include "import/run/filelook.h"
 #include "import/run/runmessage.h"
 #include "lang/keys/remark.h"
-#include "lang/keys/repair.h"
 #include "lang/keys/run.h"
 #include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
@@ -119,7 +118,6 @@ void JobSession::carryOut(const Job& job, const std::function<RunSummary(ImportC
                           .JobbNr = job.number,
                           .shown = job};
     result.summary = work(context);
-    if (!companies.damagedCompany().empty()) say(session.text(text::repair::kDamaged, companies.damagedCompany()));
     result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     result.exitCode = exitCode(result.summary);
 }

@@ -1,7 +1,5 @@
 #include "cli/newcommand.h"
 
-#include <cerrno>
-#include <cstdlib>
 #include <ostream>
 
 #include "cli/democompany.h"
@@ -9,8 +7,8 @@
 #include "definitions/datafolder.h"
 #include "lang/errortext.h"
 #include "lang/keys/terminal.h"
-#include "platform/descriptor.h"
 #include "platform/error.h"
+#include "platform/privatefolder.h"
 #include "startup/newcompany.h"
 
 namespace kolmera::cli {
@@ -29,22 +27,13 @@ bool mayBeFilled(const fs::path& folder) {
 class FolderInTheMaking {
   public:
     explicit FolderInTheMaking(const fs::path& wanted)
-        : wanted_(wanted.has_filename() ? wanted : wanted.parent_path()), exists_(fs::exists(wanted)) {
-        const fs::path place = exists_ ? wanted_ : wanted_.parent_path();
-        fs::create_directories(place);
-        std::string name = (place / ".kolmera-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throwSystemError(errno);
-        private_ = name;
+        : wanted_(wanted.has_filename() ? wanted : wanted.parent_path()),
+          exists_(fs::exists(wanted)),
+          private_(madePlace(exists_ ? wanted_ : wanted_.parent_path()), ".kolmera") {
         fs::create_directory(folder());  // with the rights that the user gives to new folders
     }
-    FolderInTheMaking(const FolderInTheMaking&) = delete;
-    FolderInTheMaking& operator=(const FolderInTheMaking&) = delete;
-    ~FolderInTheMaking() {
-        std::error_code ignored;
-        fs::remove_all(private_, ignored);
-    }
 
-    [[nodiscard]] fs::path folder() const { return private_ / "folder"; }
+    [[nodiscard]] fs::path folder() const { return private_.path() / "folder"; }
     void finish() {
         if (!exists_) return fs::rename(folder(), wanted_);
         const std::vector<fs::path> entries(fs::directory_iterator(folder()), {});
@@ -52,9 +41,14 @@ class FolderInTheMaking {
     }
 
   private:
+    static fs::path madePlace(const fs::path& place) {
+        fs::create_directories(place);
+        return place;
+    }
+
     fs::path wanted_;
-    fs::path private_;
     bool exists_;
+    PrivateFolder private_;
 };
 
 // Makes the folder and lets `fill` write into it; the message tells how it went.

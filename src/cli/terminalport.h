@@ -23,6 +23,7 @@ class TerminalPort final : public RunPort, public PassedOver {
     TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful = {});
 
     Answer show(const Message& message) override;
+    [[nodiscard]] bool answers() const override { return false; }
     void letEventsRun() override {}
     void note(std::string_view /*what*/, const PlatformError& /*error*/) override { ++passedOver_; }
     void status(std::string_view text) override;
@@ -34,9 +35,9 @@ class TerminalPort final : public RunPort, public PassedOver {
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
     bool readsDoubtful(const DoubtfulFile& file) override;
     void openJobSettings() override {}
-    /// The summary says which records were left out.
+    /// The summary says which records were left out, and the last line how it went, as the title does.
     void tell(const Message& message) override {
-        if (message.icon != Icon::Information) show(message);
+        if (message.icon != Icon::Information) print(message.text);
     }
     [[nodiscard]] std::size_t examplesTold() const override { return 20; }
     void progress(std::uint64_t position, std::uint64_t size) override;

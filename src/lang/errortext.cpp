@@ -40,15 +40,25 @@ constexpr Sentence kByNumber[] = {
 };
 
 constexpr Sentence kBySystemError[] = {
-    {EACCES, text::fault::kNoPermission},      {EPERM, text::fault::kNoPermission},
-    {EROFS, text::fault::kWriteProtected},     {EISDIR, text::fault::kFolderNotFile},
-    {ENOTDIR, text::fault::kFileNotFolder},    {EEXIST, text::fault::kExists},
-    {EIO, text::fault::kUnreadableDisk},       {ELOOP, text::fault::kLinkCircle},
-    {ENAMETOOLONG, text::fault::kNameTooLong}, {EMFILE, text::fault::kTooManyFiles},
-    {ENFILE, text::fault::kTooManyFiles},      {EBUSY, text::fault::kFileInUse},
-    {ETXTBSY, text::fault::kFileInUse},        {ENOMEM, text::fault::kOutOfMemory},
-    {EFBIG, text::fault::kFileTooLarge},       {EDQUOT, text::fault::kQuota},
-    {ENOSPC, text::fault::kDiskFull},          {ENOENT, text::fault::kFileNotFound},
+    {EACCES, text::fault::kNoPermission},
+    {EPERM, text::fault::kNoPermission},
+    {EROFS, text::fault::kWriteProtected},
+    {EISDIR, text::fault::kFolderNotFile},
+    {ENOTDIR, text::fault::kFileNotFolder},
+    {EEXIST, text::fault::kExists},
+    {EIO, text::fault::kUnreadableDisk},
+    {ELOOP, text::fault::kLinkCircle},
+    {ENAMETOOLONG, text::fault::kNameTooLong},
+    {EMFILE, text::fault::kTooManyFiles},
+    {ENFILE, text::fault::kTooManyFiles},
+    {EBUSY, text::fault::kFileInUse},
+    {ETXTBSY, text::fault::kFileInUse},
+    {ENOMEM, text::fault::kOutOfMemory},
+    {EFBIG, text::fault::kFileTooLarge},
+    {EDQUOT, text::fault::kQuota},
+    {ENOSPC, text::fault::kDiskFull},
+    {ENOENT, text::fault::kFileNotFound},
+    {EILSEQ, text::fault::kUnsavableCharacters},
 };
 
 template <std::size_t Count>

@@ -4,6 +4,7 @@
 
 #include "lang/languagetexts.h"
 #include "platform/error.h"
+#include "platform/privatefolder.h"
 #include "platform/tsv.h"
 
 namespace kolmera {
@@ -47,12 +48,11 @@ void buildLanguageDatabase(const std::filesystem::path& tsv, const std::filesyst
         !std::equal(kColumns.begin(), kColumns.end(), table.columns.begin())) {
         throw PlatformError(errors::kInternal, tsv.string() + ": the first columns are not key, SE and EN.");
     }
-    std::filesystem::path unfinished = target;
-    unfinished += ".new";
-    std::error_code error;
-    std::filesystem::remove(unfinished, error);
+    const PrivateFolder folder(std::filesystem::absolute(target).parent_path(), ".kolmera");
+    const std::filesystem::path unfinished = folder.path() / "texts";
     createFileDatabase(unfinished, std::array{langTable()});
     addTexts(unfinished, table);
+    std::error_code error;
     std::filesystem::rename(unfinished, target, error);
     if (error) throw PlatformError(errors::kFileNotFound, target.string() + ": " + error.message());
 }

@@ -28,6 +28,8 @@ class MessagePort {
   public:
     virtual ~MessagePort() = default;
     virtual Answer show(const Message& message) = 0;
+    /// Somebody is there who answers questions.
+    [[nodiscard]] virtual bool answers() const { return true; }
     /// The hourglass or the normal mouse pointer.
     virtual void hourglass(bool /*on*/) {}
     /// Lets waiting window events run once.

@@ -19,15 +19,17 @@ namespace {
 bool isOwnFolder(const struct stat& seen) { return S_ISDIR(seen.st_mode) && seen.st_uid == geteuid(); }
 
 /// The folder opened and locked; not open where somebody works in it, or it is no folder of ours.
-Descriptor locked(const fs::path& folder) {
+Descriptor locked(const fs::path& folder, int* refusal = nullptr) {
     const int opened = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (opened < 0) return {};
     Descriptor descriptor(opened);
     struct stat held {};
     struct stat named {};
-    const bool ours = fstat(opened, &held) == 0 && isOwnFolder(held) && flock(opened, LOCK_EX | LOCK_NB) == 0;
+    const bool ours = fstat(opened, &held) == 0 && isOwnFolder(held);
+    const bool isLocked = ours && flock(opened, LOCK_EX | LOCK_NB) == 0;
+    if (ours && !isLocked && refusal != nullptr) *refusal = errno;
     // Who swept it meanwhile has removed the name.
-    const bool there = ours && lstat(folder.c_str(), &named) == 0 && named.st_ino == held.st_ino;
+    const bool there = isLocked && lstat(folder.c_str(), &named) == 0 && named.st_ino == held.st_ino;
     return there ? std::move(descriptor) : Descriptor();
 }
 
@@ -48,7 +50,9 @@ PrivateFolder::PrivateFolder(const fs::path& in, std::string_view prefix) {
         std::string name = (in / prefix).string().append("-XXXXXX");
         if (mkdtemp(name.data()) == nullptr) throwSystemError(errno);
         path_ = name;
-        lock_ = locked(path_);
+        int refusal = 0;
+        lock_ = locked(path_, &refusal);
+        if (refusal != 0 && refusal != EWOULDBLOCK) return;  // some network disks lock no folders
     }
     if (!lock_.isOpen()) throw PlatformError(errors::kLocked, "the folder cannot be locked").about(path_.string());
 }

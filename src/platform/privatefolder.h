@@ -8,7 +8,7 @@
 
 namespace kolmera {
 
-/// A new folder of this program alone, for what lasts no longer than its work: nobody else may look into it, and it is
+/// A new folder of this program alone, for what is made out of sight or lasts no longer than its work: nobody else may look into it, and it is
 /// removed with all that is in it. A program that is killed leaves its folder behind, without the lock that says that
 /// somebody works in it: `sweep` removes such folders.
 class PrivateFolder {
@@ -26,7 +26,7 @@ class PrivateFolder {
 
   private:
     std::filesystem::path path_;
-    Descriptor lock_;  ///< the folder itself, locked
+    Descriptor lock_;  ///< the folder itself, locked; not open where folders cannot be locked, nor swept
 };
 
 }  // namespace kolmera

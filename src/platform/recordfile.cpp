@@ -1,6 +1,7 @@
 #include "platform/recordfile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <limits>
 
@@ -58,6 +59,7 @@ void Record::setText(RecordField field, std::string_view utf8) {
     const std::string text = composed(utf8);
     if (const std::string lacking = lackingCharacters(text, CodePage::Windows1252); !lacking.empty()) {
         throw PlatformError(errors::kWrongType, "Windows-1252 lacks these characters")
+            .ofSystem(EILSEQ)
             .about(std::string(field.name) + ": " + lacking);
     }
     if (characterCount(text) > static_cast<std::size_t>(field.width)) {

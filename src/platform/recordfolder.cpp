@@ -69,7 +69,7 @@ Descriptor openForChange(const fs::path& file) {
 }  // namespace
 
 Records readRecords(const fs::path& file, const RecordLayout& layout) {
-    naming(layout.file, [&] { completeInterrupted(file.parent_path()); });
+    completeInterrupted(file.parent_path());
     return readNow(file, layout);
 }
 

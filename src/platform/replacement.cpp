@@ -45,12 +45,16 @@ Step stepOf(const std::string& line) {
     const std::size_t blank = line.find(' ');
     Step step{line.substr(0, blank), blank == std::string::npos ? std::string() : line.substr(blank + 1)};
     if (!isNewName(step.temporary) || step.name.empty() || step.name.find('/') != std::string::npos) {
-        throw PlatformError(errors::kDamaged, "not a line of a journal").about(kJournal);
+        throw PlatformError(errors::kDamaged, "not a line of a journal");
     }
     return step;
 }
 
 std::vector<Step> journal(const fs::path& folder) {
+    std::error_code missing;
+    if (fs::is_symlink(fs::symlink_status(folder / kJournal, missing))) {
+        throw PlatformError(errors::kInvalidPath, "a symbolic link is no journal");
+    }
     const Descriptor file(folder / kJournal, O_RDONLY | O_NOFOLLOW);
     std::string content(file.size(), '\0');
     content.resize(file.readAt(0, content.data(), content.size()));
@@ -60,6 +64,18 @@ std::vector<Step> journal(const fs::path& folder) {
     steps.reserve(lines.size());
     for (const std::string& line : lines) steps.push_back(stepOf(line));
     return steps;
+}
+
+/// Carries out what the journal says.
+void carryOut(const fs::path& folder) {
+    for (const Step& step : journal(folder)) {
+        // One that is gone is in its place already.
+        if (isFile(folder / step.temporary)) moveFile(folder / step.temporary, folder / step.name);
+    }
+    syncFolder(folder);
+    std::error_code error;
+    if (fs::remove(folder / kJournal, error); error) throwSystemError(error.value());
+    syncFolder(folder);
 }
 
 void removeLeftFiles(const fs::path& folder) {
@@ -123,15 +139,10 @@ bool Replacement::isPending(const fs::path& folder) {
 }
 
 void Replacement::complete(const fs::path& folder) {
-    if (isPending(folder)) {
-        for (const Step& step : journal(folder)) {
-            // One that is gone is in its place already.
-            if (isFile(folder / step.temporary)) moveFile(folder / step.temporary, folder / step.name);
-        }
-        syncFolder(folder);
-        std::error_code error;
-        if (fs::remove(folder / kJournal, error); error) throwSystemError(error.value());
-        syncFolder(folder);
+    try {
+        if (isPending(folder)) carryOut(folder);
+    } catch (const PlatformError& error) {
+        throw error.about(kJournal);
     }
     removeLeftFiles(folder);
 }

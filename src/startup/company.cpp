@@ -7,6 +7,7 @@
 #include "db/conversions.h"
 #include "lang/errortext.h"
 #include "lang/keys/company.h"
+#include "lang/keys/repair.h"
 #include "lang/keys/server.h"
 #include "lang/keys/shared.h"
 #include "platform/attempt.h"
@@ -75,8 +76,10 @@ bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
         // What the server said tells more than that there is no file of its name.
         const bool server = SqlLayer::ÄrSQLDatabas(upperCase(name));
         const PlatformError error = server ? state_.sql.serverError().value_or(noFile) : noFile;
-        warnNotOpened(name, error);
-        return !server && error.number() == errors::kDamaged && offerRepair(std::string(name)) && openRepaired(name);
+        const bool damaged = !server && error.number() == errors::kDamaged;
+        // Who cannot be asked is told once, of the repair.
+        if (!damaged || boxes_.port().answers()) warnNotOpened(name, error);
+        return damaged && offerRepair(std::string(name)) && openRepaired(name);
     }
 }
 
@@ -176,9 +179,7 @@ std::string CompanyRegister::companyName(const std::string& file) {
 }
 
 RepairReport CompanyRegister::repair(const std::string& file) {
-    RepairReport report = repairFileDatabase(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
-    damaged_.clear();
-    return report;
+    return repairFileDatabase(state_.drives.resolve(file, state_.dataFolder()), openOptions(file));
 }
 
 bool CompanyRegister::isSound(const std::string& file) {
@@ -186,8 +187,12 @@ bool CompanyRegister::isSound(const std::string& file) {
 }
 
 bool CompanyRegister::offerRepair(const std::string& file) {
-    damaged_ = file;
     boxes_.port().hourglass(false);
+    if (!boxes_.port().answers()) {
+        boxes_.MeddelandeVarning(texts_.ModulTextMed(text::repair::kDamaged, file),
+                                 texts_.ResText(text::shared::kCannotOpenCompany));
+        return false;
+    }
     const std::string question = texts_.ResText(text::shared::kCannotOpenCompany) + " " + file + "." +
                                  texts_.ModulTextMed(text::company::kAskToRepair, file);
     if (boxes_.MeddelandeJaNej(question) != Answer::Yes) return false;

@@ -32,10 +32,8 @@ class CompanyRegister {
     /// to give up. Set by runs.
     std::function<bool(std::chrono::milliseconds waited)> waitForAnswer;
     /// Asks whether a damaged company shall be repaired, and repairs it. Nobody may have it open here. Returns whether
-    /// it has been repaired.
+    /// it has been repaired. Where nobody answers, it says how to repair it.
     bool offerRepair(const std::string& file);
-    /// The company that was found damaged last and has not been repaired.
-    [[nodiscard]] const std::string& damagedCompany() const { return damaged_; }
     /// Repairs a company file. Throws PlatformError.
     RepairReport repair(const std::string& file);
     /// Whether a company file is what it should be in all its parts. Throws PlatformError.
@@ -63,7 +61,6 @@ class CompanyRegister {
     StartState& state_;
     LanguageTexts& texts_;
     MessageBoxes& boxes_;
-    std::string damaged_;
 };
 
 }  // namespace kolmera

@@ -274,6 +274,8 @@ TEST(CommandLine, RepairSavesWhatCanBeRead) {
     std::fstream(machine.company(), std::ios::binary | std::ios::in | std::ios::out) << std::string(8 * 4096, '\0');
     EXPECT_EQ(machine.runJob("(EIO)"), 1);
     EXPECT_NE(machine.err().find("repair"), std::string::npos) << machine.err();
+    EXPECT_EQ(machine.err().find('?'), std::string::npos) << "a question that nobody can answer: " << machine.err();
+    EXPECT_EQ(machine.err().find("skada"), machine.err().rfind("skada")) << "told twice: " << machine.err();
     EXPECT_EQ(machine.run(repair), 3);
     EXPECT_NE(machine.out().find("Produkt: 62\n"), std::string::npos) << machine.out();
     EXPECT_EQ(machine.run(repair), 0);

@@ -32,6 +32,7 @@ TEST(AddServer, RefusesWhatItsRecordCannotHold) {
     DemoFolder machine;
     EXPECT_EQ(machine.addServer("A", "DSN=" + std::string(97, 'x')), 1) << "a cut connect string";
     EXPECT_EQ(machine.addServer("Łódź", "DSN=l"), 1) << "another name";
+    EXPECT_TRUE(machine.err().find("Tecken som inte kan sparas: Namn: Łź.") != std::string::npos) << machine.err();
     EXPECT_EQ(machine.addServer("SQL;", "DSN=l"), 1) << "no name";
     EXPECT_EQ(machine.addServer("A", " "), cli::exitcode::kUsage) << "an empty connect string";
     EXPECT_TRUE(registeredServers(machine.data()).empty());

@@ -218,6 +218,14 @@ TEST_F(RecordFolderTest, RefusesAJournalThatLeadsElsewhere) {
         folder.write("KOLMERA.JNL", line);
         EXPECT_EQ(errorOf([&] { names(); }), errors::kDamaged);
     }
+    std::filesystem::remove(folder.path() / "KOLMERA.JNL");
+    std::filesystem::create_symlink("PEOPLE.TXT", folder.path() / "KOLMERA.JNL");
+    try {
+        names();
+        ADD_FAILURE() << "a link was followed";
+    } catch (const PlatformError& error) {
+        EXPECT_EQ(error.subject(), "KOLMERA.JNL") << "another file was blamed";
+    }
 }
 
 }  // namespace

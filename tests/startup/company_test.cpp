@@ -126,14 +126,12 @@ TEST_F(CompanyRegisterTest, ADamagedCompanyIsRepairedWhenItIsOpened) {
     damage("FTG1.mdb");
     port.answers = {Answer::OK, Answer::No};
     EXPECT_FALSE(companies.ÖppnaDatabas("FTG1.mdb"));
-    EXPECT_EQ(companies.damagedCompany(), "FTG1.mdb");
     std::filesystem::remove(world.data / "DVDefLog.bin");
     port.answers = {Answer::OK, Answer::Yes, Answer::OK, Answer::OK};
     EXPECT_FALSE(companies.ÖppnaDatabas("FTG1.mdb")) << "opened without its password";
     EXPECT_TRUE(port.shown.back().starts_with("Kan inte öppna FTG1.mdb.\r\n\r\n3031\r\n")) << port.shown.back();
     PasswordFile(world.data).save("FTG1.mdb", "hemligt");
     EXPECT_TRUE(companies.ÖppnaDatabas("FTG1.mdb"));
-    EXPECT_EQ(companies.damagedCompany(), "");
 }
 
 TEST_F(CompanyRegisterTest, WhatCannotBeRepairedIsLeftOut) {

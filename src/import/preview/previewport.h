@@ -15,6 +15,7 @@ class PreviewPort final : public RunPort {
     PreviewPort(RunPort& outer, const PreviewOptions& options) : outer_(outer), options_(options) {}
 
     Answer show(const Message& message) override { return outer_.show(message); }
+    [[nodiscard]] bool answers() const override { return outer_.answers(); }
     void hourglass(bool on) override { outer_.hourglass(on); }
     void letEventsRun() override { outer_.letEventsRun(); }
     void status(std::string_view text) override { outer_.status(text); }

@@ -9,6 +9,7 @@
 #include "platform/descriptor.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
+#include "platform/privatefolder.h"
 #include "platform/spreadsheet/filekind.h"
 #include "platform/spreadsheet/newworkbook.h"
 #include "platform/spreadsheet/package.h"
@@ -40,27 +41,20 @@ fs::path withoutLinks(fs::path file) {
     return fs::absolute(file);
 }
 
-/// A folder beside the workbook, on the same disk, in which the new one is made. It goes with this object.
+/// Beside the workbook, on the same disk: the new one is made there.
 class WorkFolder {
   public:
-    explicit WorkFolder(const fs::path& beside) {
-        std::string name = (beside.parent_path() / ".kolmera-XXXXXX").string();
-        if (!mkdtemp(name.data())) isReadOnly(errno) ? refuseToWrite() : throwSystemError(errno);
-        path_ = name;
+    explicit WorkFolder(const fs::path& beside) try : folder_(beside.parent_path(), ".kolmera") {
+    } catch (const PlatformError& error) {
+        if (isReadOnly(error.systemError())) refuseToWrite();
+        throw;
     }
-    ~WorkFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    WorkFolder(const WorkFolder&) = delete;
-    WorkFolder& operator=(const WorkFolder&) = delete;
 
-    [[nodiscard]] fs::path workbook() const { return path_ / "workbook"; }
-    [[nodiscard]] fs::path sheet() const { return path_ / "sheet"; }
-    [[nodiscard]] const fs::path& path() const { return path_; }
+    [[nodiscard]] fs::path workbook() const { return folder_.path() / "workbook"; }
+    [[nodiscard]] fs::path sheet() const { return folder_.path() / "sheet"; }
 
   private:
-    fs::path path_;
+    PrivateFolder folder_;
 };
 
 /// Refuses a name that spreadsheet programs would not open as what we write.

@@ -1,13 +1,11 @@
-#include <fcntl.h>
-
 #include <system_error>
 
-#include "platform/descriptor.h"
 #include "platform/engine/database.h"
 #include "platform/engine/sqlite/companylayout.h"
 #include "platform/engine/sqlite/password.h"
 #include "platform/engine/sqlite/sqliteconnection.h"
 #include "platform/error.h"
+#include "platform/privatefile.h"
 
 namespace kolmera {
 
@@ -30,11 +28,9 @@ void createFileDatabase(const std::filesystem::path& file, std::span<const Table
     if (std::filesystem::exists(file, none)) {
         throw PlatformError(errors::kInternal, "the file exists already: " + file.string());
     }
-    std::filesystem::path unfinished = file;
-    unfinished += ".new";
-    std::filesystem::remove(unfinished, none);
-    makeFile(unfinished, tables, password);
-    moveOver(Descriptor(unfinished, O_RDWR | O_CLOEXEC), unfinished, file);
+    PrivateFile unfinished(file, ".new", PrivateFile::kForAll);
+    makeFile(unfinished.path(), tables, password);
+    unfinished.moveTo(file);
 }
 
 }  // namespace kolmera
