@@ -5,6 +5,7 @@
 
 #include "cli/copycommand.h"
 #include "cli/discountscommand.h"
+#include "cli/explaincommand.h"
 #include "cli/historycommand.h"
 #include "cli/jobscommand.h"
 #include "cli/newcommand.h"
@@ -104,6 +105,11 @@ void describeJob(Command& command, JobArguments& arguments) {
     command.option("--locale", arguments.locale, text::help::kLocale)->check(CLI::IsMember({"sv", "en"}));
 }
 
+void describePreparation(Command& command, PreviewArguments& arguments) {
+    CLI::Option* prepare = command.flag("--prepare", arguments.prepare, text::help::kPrepare);
+    command.flag("--no-prepare", arguments.noPrepare, text::help::kNoPrepare)->excludes(prepare);
+}
+
 void addJobs(Commands& commands) {
     commands.add<JobsArguments>(
         "jobs", text::help::kJobs,
@@ -122,10 +128,17 @@ void addJobs(Commands& commands) {
         "preview", text::help::kPreview,
         [](Command& command, PreviewArguments& arguments) {
             describeJob(command, arguments);
-            CLI::Option* prepare = command.flag("--prepare", arguments.prepare, text::help::kPrepare);
-            command.flag("--no-prepare", arguments.noPrepare, text::help::kNoPrepare)->excludes(prepare);
+            describePreparation(command, arguments);
         },
         previewCommand);
+    commands.add<ExplainArguments>(
+        "explain", text::help::kExplain,
+        [](Command& command, ExplainArguments& arguments) {
+            describeJob(command, arguments);
+            command.argument("PRODUCT", arguments.product, text::help::kProduct);
+            describePreparation(command, arguments);
+        },
+        explainCommand);
 }
 
 void addHistory(Commands& commands) {

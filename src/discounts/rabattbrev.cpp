@@ -1,5 +1,7 @@
 #include "discounts/rabattbrev.h"
 
+#include <fmt/format.h>
+
 #include <array>
 
 #include "db/conversions.h"
@@ -27,7 +29,8 @@ double remaining(const Discounts& discounts) {
 
 double TotalRabatt(std::span<const float, kDiscountSteps> discounts) { return 100 - remaining(discounts) * 100; }
 
-Rabattbrev::Rabattbrev(SqlLayer& sql, PassedOver& passedOver) : sql_(sql), passedOver_(passedOver) {
+Rabattbrev::Rabattbrev(SqlLayer& sql, PassedOver& passedOver, PriceTrace* trace)
+    : sql_(sql), passedOver_(passedOver), trace_(trace) {
     attempt(passedOver_, kTable,
             [this] { letters_ = sql_.SQLÖppnaTabell(kTable, "Leverantör", options::kReadOnly, true); });
 }
@@ -38,7 +41,9 @@ double Rabattbrev::BeräknaRabattbrev(std::string_view supplier, std::string_vie
     if (stamp != stamp_ || remembered_.size() >= kMostRemembered) remembered_.clear();
     stamp_ = stamp;
     key_.assign(supplier).append(1, '\0').append(discountCode);
-    if (const auto known = remembered_.find(key_); known != remembered_.end()) return known->second;
+    // Who listens hears every step each time.
+    const auto known = trace_ ? remembered_.end() : remembered_.find(key_);
+    if (known != remembered_.end()) return known->second;
     double fraction = 0;
     const bool read = attempt(passedOver_, kTable, [&] { fraction = readFraction(supplier, discountCode); });
     if (read && key_.size() <= kLongestRemembered) remembered_.emplace(key_, fraction);
@@ -52,7 +57,19 @@ double Rabattbrev::readFraction(std::string_view supplier, std::string_view disc
     for (std::size_t step = 0; step < kColumns.size(); ++step) {
         discounts[step] = TillDbl(letters_->value(kColumns[step]), sql_.locale());
     }
+    if (trace_) tell(supplier, discountCode, discounts);
     return 1 - remaining(discounts);
+}
+
+/// What is left of 100 behind each step.
+void Rabattbrev::tell(std::string_view supplier, std::string_view code, std::span<const double> discounts) {
+    trace_->column(fmt::format("{} {} {}", kTable, supplier, code));
+    for (std::size_t step = 0; step < discounts.size(); ++step) {
+        if (discounts[step] == 0) continue;
+        trace_->step({.step = PriceStep::Deduction,
+                      .value = remaining(discounts.first(step + 1)) * 100,
+                      .operand = discounts[step]});
+    }
 }
 
 }  // namespace kolmera

@@ -9,6 +9,7 @@
 
 #include "db/sqllayer.h"
 #include "platform/attempt.h"
+#include "pricing/pricetrace.h"
 
 namespace kolmera {
 
@@ -26,17 +27,19 @@ inline bool isBeyondPrice(double percent) { return percent > 100 || percent < -1
 class Rabattbrev {
   public:
     /// Opens "LevrabattBrev"; when that fails there are no discounts.
-    Rabattbrev(SqlLayer& sql, PassedOver& passedOver);
+    Rabattbrev(SqlLayer& sql, PassedOver& passedOver, PriceTrace* trace = nullptr);
 
     /// The combined discount of a supplier's discount code as a fraction (0.25 is 25 %), 0 when there is no such
     /// letter.
     double BeräknaRabattbrev(std::string_view supplier, std::string_view discountCode);
 
   private:
+    void tell(std::string_view supplier, std::string_view code, std::span<const double> discounts);
     double readFraction(std::string_view supplier, std::string_view discountCode);
 
     SqlLayer& sql_;
     PassedOver& passedOver_;
+    PriceTrace* trace_;
     std::unique_ptr<Recordset> letters_;
     std::unordered_map<std::string, double> remembered_;  ///< by supplier, NUL, code: read while stamped `stamp_`
     std::uint64_t stamp_ = 0;

@@ -8,9 +8,9 @@
 
 namespace kolmera {
 
-/// A new folder of this program alone, for what is made out of sight or lasts no longer than its work: nobody else may look into it, and it is
-/// removed with all that is in it. A program that is killed leaves its folder behind, without the lock that says that
-/// somebody works in it: `sweep` removes such folders.
+/// A new folder of this program alone, for what is made out of sight or lasts no longer than its work: nobody else may
+/// look into it, and it is removed with all that is in it. A program that is killed leaves its folder behind, without
+/// the lock that says that somebody works in it: `sweep` removes such folders.
 class PrivateFolder {
   public:
     /// Makes PREFIX-XXXXXX in a folder. Throws PlatformError.

@@ -45,6 +45,27 @@ std::optional<int> listOf(std::string_view code) {
     return code[0] - '0';
 }
 
+/// The column of a price list, as it is called in messages.
+std::string columnOf(int index) { return fmt::format("Produkt.{}Utpris", index); }
+
+/// Rounds as the range says, or to decimals when there is none.
+double roundedBy(int range, double price, std::uint8_t decimals) {
+    switch (range) {
+        case 1:
+            return roundDecimals(price, 1);
+        case 2:
+            return AvrundaHalvor(price);
+        case 3:
+            return roundHalfEven(price);
+        case 4:
+            return roundHalfEven(price / 10) * 10;
+        case 5:
+            return roundHalfEven(price / 100) * 100;
+        default:
+            return roundDecimals(price, decimals);
+    }
+}
+
 }  // namespace
 
 ClsPrisAvrund::ClsPrisAvrund(SqlLayer& sql, PassedOver& passedOver)
@@ -102,20 +123,21 @@ int ClsPrisAvrund::rangeOf(double price) const {
 
 double ClsPrisAvrund::UtförAvrundning(double DblPris, std::uint8_t StdDecimaler, int IntPLIdx) const {
     const bool byRange = !isPriceList(IntPLIdx) || !list(IntPLIdx).noAvrund;
-    switch (byRange ? rangeOf(DblPris) : 0) {
-        case 1:
-            return roundDecimals(DblPris, 1);
-        case 2:
-            return AvrundaHalvor(DblPris);
-        case 3:
-            return roundHalfEven(DblPris);
-        case 4:
-            return roundHalfEven(DblPris / 10) * 10;
-        case 5:
-            return roundHalfEven(DblPris / 100) * 100;
-        default:
-            return roundDecimals(DblPris, StdDecimaler);
+    const int range = byRange ? rangeOf(DblPris) : 0;
+    const double rounded = roundedBy(range, DblPris, StdDecimaler);
+    if (trace) tellRounding(range, StdDecimaler, rounded);
+    return rounded;
+}
+
+void ClsPrisAvrund::tellRounding(int range, std::uint8_t decimals, double rounded) const {
+    if (range == 0) {
+        return trace->step({.step = PriceStep::Decimals, .value = rounded, .operand = static_cast<double>(decimals)});
     }
+    trace->step({.step = PriceStep::Range,
+                 .value = rounded,
+                 .operand = static_cast<double>(range),
+                 .text = StrTom(range),
+                 .source = StrFrom(range)});
 }
 
 // Coupling.
@@ -171,10 +193,12 @@ bool ClsPrisAvrund::canBeRecomputed(int index) const {
 bool ClsPrisAvrund::recompute(int index) {
     const double base = baseOf(index);
     if (base == 0) return false;
+    if (trace) startFrom(*trace, columnOf(index), baseColumn(index), base);
     double price = newPrice(index, base);
     if (foreign(index)) {
         const ClsValuta& currency = lookUpCurrency(index);
         price = price / currency.Kurs * currency.Faktor;
+        if (trace) tellCurrency(index, price);
     }
     list(index).utpris = UtförAvrundning(price, ByteDecimaler, index);
     return true;
@@ -190,6 +214,22 @@ double ClsPrisAvrund::baseOf(int index) {
     return isPriceList(other) ? homePrice(other) : 0;
 }
 
+/// The column that `baseOf` takes.
+std::string ClsPrisAvrund::baseColumn(int index) const {
+    const std::string& code = kopplaMot_.of(index);
+    if (code == kWeightedInPrice) return "Produkt.Vägtinpris";
+    if (const auto other = listOf(code)) return columnOf(*other);
+    return code == kListPlusVat ? columnOf(MomsMotPL(index)) : std::string(PriceTrace::kNetCost);
+}
+
+void ClsPrisAvrund::tellCurrency(int index, double price) const {
+    trace->step({.step = PriceStep::Rate,
+                 .value = price,
+                 .operand = Valuta->Kurs,
+                 .second = static_cast<double>(Valuta->Faktor),
+                 .text = valutaKod_.of(index)});
+}
+
 double ClsPrisAvrund::homePrice(int index) {
     const double price = list(index).utpris;
     if (!foreign(index)) return price;
@@ -200,12 +240,16 @@ double ClsPrisAvrund::homePrice(int index) {
 double ClsPrisAvrund::newPrice(int index, double base) {
     if (kopplaMot_.of(index) == kListPlusVat) {
         const auto rate = vatRates_.of(IntProdMomskod);
-        return rate ? base * *rate / 100 + base : base;
+        const double price = rate ? base * *rate / 100 + base : base;
+        if (trace) trace->step({.step = PriceStep::Vat, .value = price, .operand = rate.value_or(0)});
+        return price;
     }
-    const float pålägg = list(index).pålägg;
-    if (!CheckFaktorTG(pålägg, false)) return base;
-    if (BoolPUtprisFaktorTG) return PrisFrånTG(base, pålägg);
-    return static_cast<double>(pålägg) * base / 100 + base;
+    const double pålägg = list(index).pålägg;
+    if (!CheckFaktorTG(list(index).pålägg, false)) return base;
+    const double price = BoolPUtprisFaktorTG ? PrisFrånTG(base, pålägg) : pålägg * base / 100 + base;
+    const PriceStep step = BoolPUtprisFaktorTG ? PriceStep::Margin : PriceStep::Markup;
+    if (trace) trace->step({.step = step, .value = price, .operand = pålägg});
+    return price;
 }
 
 ClsValuta& ClsPrisAvrund::lookUpCurrency(int index) {

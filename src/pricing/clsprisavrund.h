@@ -11,6 +11,7 @@
 #include "platform/attempt.h"
 #include "pricing/clsvaluta.h"
 #include "pricing/listsetting.h"
+#include "pricing/pricetrace.h"
 #include "pricing/vatrates.h"
 
 namespace kolmera {
@@ -35,6 +36,7 @@ class ClsPrisAvrund {
     double DblVägtIP = 0;               ///< weighted in price
     std::uint8_t ByteDecimaler = 0;     ///< decimals of recomputed prices outside the ranges, at most 15
     std::int16_t IntProdMomskod = 0;    ///< VAT code of the product
+    PriceTrace* trace = nullptr;        ///< hears how out prices are computed
 
     /// Loads the settings from the current record of "Syinställningar2"; a column that cannot be read leaves its
     /// member as it was.
@@ -101,10 +103,13 @@ class ClsPrisAvrund {
 
     [[nodiscard]] double numeric(std::string_view text) const;
     [[nodiscard]] int rangeOf(double price) const;
+    void tellRounding(int range, std::uint8_t decimals, double rounded) const;
+    [[nodiscard]] std::string baseColumn(int index) const;
     [[nodiscard]] bool canBeRecomputed(int index) const;
     [[nodiscard]] double baseOf(int index);
     [[nodiscard]] double homePrice(int index);
     [[nodiscard]] double newPrice(int index, double base);
+    void tellCurrency(int index, double price) const;
     [[nodiscard]] bool foreign(int index) const { return valutaKod_.of(index) != kHomeCurrency; }
     ClsValuta& lookUpCurrency(int index);
     bool recompute(int index);

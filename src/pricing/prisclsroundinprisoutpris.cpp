@@ -4,6 +4,7 @@
 #include "platform/error.h"
 #include "pricing/changedate.h"
 #include "pricing/clsprisavrund.h"
+#include "pricing/pricetrace.h"
 #include "pricing/rounding.h"
 
 namespace kolmera {
@@ -29,17 +30,19 @@ std::uint8_t decimals(Recordset& settings, std::string_view column, const Locale
 }  // namespace
 
 PrisClsRoundInprisOUtpris::PrisClsRoundInprisOUtpris(SqlLayer& sql, PassedOver& passedOver, Date Idag,
-                                                     std::int32_t PPrisDatumBM)
+                                                     std::int32_t PPrisDatumBM, PriceTrace* trace)
     : sql_(sql),
       passedOver_(passedOver),
       Idag_(Idag),
       PPrisDatumBM_(PPrisDatumBM),
+      trace_(trace),
       avrund_(std::make_unique<ClsPrisAvrund>(sql, passedOver)) {}
 
 PrisClsRoundInprisOUtpris::~PrisClsRoundInprisOUtpris() = default;
 
 void PrisClsRoundInprisOUtpris::Init() {
     avrund_ = std::make_unique<ClsPrisAvrund>(sql_, passedOver_);
+    avrund_->trace = trace_;
     InprisDec = UtprisDec = kStandardDecimals;
     attempt(passedOver_, "Syinställningar2", [this] {
         const auto settings = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
@@ -54,7 +57,12 @@ void PrisClsRoundInprisOUtpris::Init() {
 
 double PrisClsRoundInprisOUtpris::Avrunda(int PositionIPost, double DblBelopp) const {
     if (PositionIPost == kInpris || PositionIPost == kVägtinpris) {
-        return roundDecimals(DblBelopp, InprisDec);
+        const double rounded = roundDecimals(DblBelopp, InprisDec);
+        if (trace_) {
+            const auto decimals = static_cast<double>(InprisDec);
+            trace_->step({.step = PriceStep::Decimals, .value = rounded, .operand = decimals});
+        }
+        return rounded;
     }
     const int list = priceListOf(PositionIPost);
     return list == 0 ? DblBelopp : avrund_->UtförAvrundning(DblBelopp, UtprisDec, list);
@@ -95,6 +103,7 @@ void PrisClsRoundInprisOUtpris::saveCoupledPrices(Recordset& ProdTabell, const P
                 pricesChanged = true;
             }
             ProdTabell.set(position, price);
+            if (trace_) trace_->written(kUtpris[static_cast<std::size_t>(list - 1)], price);
         });
     }
     if (pricesChanged) {

@@ -11,6 +11,7 @@
 namespace kolmera {
 
 class ClsPrisAvrund;
+class PriceTrace;
 
 /// The price-date mask PPrisDatumBM when the setting is 0: price lists 1 to 9 date the product, the in price does not.
 inline constexpr std::int32_t kStandardPrisDatumBM = 2044;
@@ -24,7 +25,7 @@ class PrisClsRoundInprisOUtpris {
   public:
     /// `Idag` dates changed prices; `PPrisDatumBM` is the run's price-date mask (0 already replaced by the standard).
     PrisClsRoundInprisOUtpris(SqlLayer& sql, PassedOver& passedOver, Date Idag,
-                              std::int32_t PPrisDatumBM = kStandardPrisDatumBM);
+                              std::int32_t PPrisDatumBM = kStandardPrisDatumBM, PriceTrace* trace = nullptr);
     ~PrisClsRoundInprisOUtpris();
     PrisClsRoundInprisOUtpris(const PrisClsRoundInprisOUtpris&) = delete;
     PrisClsRoundInprisOUtpris& operator=(const PrisClsRoundInprisOUtpris&) = delete;
@@ -59,6 +60,7 @@ class PrisClsRoundInprisOUtpris {
     PassedOver& passedOver_;
     Date Idag_;
     std::int32_t PPrisDatumBM_;
+    PriceTrace* trace_;
     std::unique_ptr<ClsPrisAvrund> avrund_;
     std::unique_ptr<ProductColumns> columns_;  ///< resolved at the first coupling of the run
 };

@@ -18,8 +18,8 @@ bool changesPrice(int ordinal) { return ordinal == kInpris || ordinal == kRabatt
 }  // namespace
 
 ColumnWriter::ColumnWriter(const LoadedMask& mask, const Recordset& product, const ColumnSettings& settings,
-                           const PrisClsRoundInprisOUtpris& prices, RunReport& report)
-    : prices_(prices), report_(report), Idag_(settings.Idag), locale_(settings.locale) {
+                           const PrisClsRoundInprisOUtpris& prices, RunReport& report, PriceTrace* trace)
+    : prices_(prices), report_(report), trace_(trace), Idag_(settings.Idag), locale_(settings.locale) {
     const auto& fields = product.fields();
     for (const Relation& relation : mask.relations) {
         const auto ordinal = static_cast<std::size_t>(columnOf(relation.Mål));
@@ -104,13 +104,20 @@ void ColumnWriter::writeNumber(const Column& column, Recordset& product, std::st
     const std::optional<double> number = readNumber(entry, column.source.Division, locale_);
     double value = number.value_or(0);
     value += value * column.vatRate / 100;
+    PriceTrace* trace = column.price || column.discount ? trace_ : nullptr;
+    if (trace) tellNumber(column, entry, number, value);
     // Compares with the price before the write.
     if (datesPrice(column, product, value, newProduct)) written.setPriceDate = true;
     if (column.discount) written.discount = value;
     if (column.action == Action::NoWrite) return;
     attempt(report_, column.name, [&] {
-        if (column.action == Action::WriteIfUnset && !unset(column.kind, product.value(column.ordinal))) return;
-        product.set(column.ordinal, prices_.Avrunda(column.ordinal, value));
+        if (column.action == Action::WriteIfUnset && !unset(column.kind, product.value(column.ordinal))) {
+            if (trace) trace->step({.step = PriceStep::Kept, .value = TillDbl(product.value(column.ordinal), locale_)});
+            return;
+        }
+        const double rounded = prices_.Avrunda(column.ordinal, value);
+        product.set(column.ordinal, rounded);
+        if (trace) trace->written(column.name, rounded);
         if (number) return;
         if (!entry.empty()) {
             report_.zero(Remark::NotNumber, column.source.entry, column.name, entry);
@@ -118,6 +125,14 @@ void ColumnWriter::writeNumber(const Column& column, Recordset& product, std::st
             report_.zero(Remark::MissingPrice, column.source.entry, column.name, entry);
         }
     });
+}
+
+void ColumnWriter::tellNumber(const Column& column, std::string_view entry, std::optional<double> number,
+                              double value) {
+    const int decimals = impliedDecimals(column.source.Division);
+    tellFileNumber(*trace_, column.name, std::to_string(column.source.entry), entry, number.value_or(0), decimals,
+                   number.has_value());
+    if (column.vatRate != 0) trace_->step({.step = PriceStep::Vat, .value = value, .operand = column.vatRate});
 }
 
 bool ColumnWriter::datesPrice(const Column& column, Recordset& product, double value, bool newProduct) {

@@ -12,6 +12,7 @@
 #include "import/run/runreport.h"
 #include "platform/date.h"
 #include "platform/engine/recordset.h"
+#include "pricing/pricetrace.h"
 #include "pricing/prisclsroundinprisoutpris.h"
 
 namespace kolmera {
@@ -35,7 +36,7 @@ struct WrittenColumns {
 class ColumnWriter {
   public:
     ColumnWriter(const LoadedMask& mask, const Recordset& product, const ColumnSettings& settings,
-                 const PrisClsRoundInprisOUtpris& prices, RunReport& report);
+                 const PrisClsRoundInprisOUtpris& prices, RunReport& report, PriceTrace* trace = nullptr);
 
     /// A value that a column refuses leaves that column as it was.
     WrittenColumns write(Recordset& product, const EntryList& entries, bool newProduct);
@@ -67,12 +68,14 @@ class ColumnWriter {
     Dating datingOf(int ordinal, bool fileHasDate, std::int32_t PPrisDatumBM) const;
     void writeNumber(const Column& column, Recordset& product, std::string_view entry, bool newProduct,
                      WrittenColumns& written);
+    void tellNumber(const Column& column, std::string_view entry, std::optional<double> number, double value);
     [[nodiscard]] bool datesPrice(const Column& column, Recordset& product, double value, bool newProduct);
     [[nodiscard]] Value converted(const Column& column, std::string_view entry) const;
     [[nodiscard]] bool unset(Kind kind, const Value& value) const;
 
     const PrisClsRoundInprisOUtpris& prices_;
     RunReport& report_;
+    PriceTrace* trace_;
     Date Idag_;
     Locale locale_;
     std::vector<Column> columns_;

@@ -5,15 +5,17 @@
 namespace kolmera {
 
 PriceListWriter::PriceListWriter(const LoadedMask& mask, SqlLayer& sql, std::unique_ptr<Recordset> priceList,
-                                 std::uint8_t InprisDec, Date Idag, RunSummary& summary)
+                                 std::uint8_t InprisDec, Date Idag, RunSummary& summary, PriceTrace* trace)
     : mask_(mask),
       sql_(sql),
       report_(summary.report),
+      trace_(trace),
       prices_(sql, report_, std::move(priceList)),
-      letters_(sql, report_),
+      letters_(sql, report_, trace),
       InprisDec_(InprisDec),
       Idag_(Idag) {
     prices_.row.countIn(summary.priceList);
+    prices_.row.tellTo(trace);
 }
 
 bool PriceListWriter::write(std::string_view productNumber, std::string_view supplier,
@@ -39,8 +41,19 @@ void PriceListWriter::writePurchasePrice(std::string_view supplier, std::optiona
     const double gross = number(prices_.Inpris, mask_.prices[0], entries);
     const double net = mask_.discountCode.present() ? netByLetter(gross, supplier, entries.text(mask_.discountCode))
                                                     : netByDiscount(gross, discount, entries);
-    prices_.row.write(prices_.Inpris, roundDecimals(net, InprisDec_));
+    const double rounded = roundDecimals(net, InprisDec_);
+    if (trace_) {
+        const auto decimals = static_cast<double>(InprisDec_);
+        trace_->step({.step = PriceStep::Decimals, .value = rounded, .operand = decimals});
+    }
+    prices_.row.write(prices_.Inpris, rounded);
     prices_.row.write(prices_.InprisFöreRabatt, gross);
+}
+
+void PriceListWriter::tellDiscount(double gross, double percent, double net) {
+    if (!trace_) return;
+    startFrom(*trace_, prices_.Inpris.statement, prices_.InprisFöreRabatt.statement, gross);
+    trace_->step({.step = PriceStep::Deduction, .value = net, .operand = percent});
 }
 
 /// Without a discount code: by the record's discount, or by the one that the row has.
@@ -52,14 +65,19 @@ double PriceListWriter::netByDiscount(double gross, std::optional<double> discou
         if (!discount) discount = own;
     }
     if (discount) prices_.row.write(prices_.Rabatt, *discount);
-    return gross - gross * prices_.row.number(prices_.Rabatt) / 100;
+    const double percent = prices_.row.number(prices_.Rabatt);
+    const double net = gross - gross * percent / 100;
+    tellDiscount(gross, percent, net);
+    return net;
 }
 
 double PriceListWriter::netByLetter(double gross, std::string_view supplier, std::string_view code) {
     const double fraction = letters_.BeräknaRabattbrev(supplier, code);
     prices_.row.write(prices_.Rabatt, roundDecimals(fraction * 100, 2));
     prices_.row.write(prices_.RabattKod, code);
-    return gross - gross * fraction;
+    const double net = gross - gross * fraction;
+    tellDiscount(gross, fraction * 100, net);
+    return net;
 }
 
 Date PriceListWriter::dateOf(const EntryList& entries) const {
@@ -70,6 +88,11 @@ Date PriceListWriter::dateOf(const EntryList& entries) const {
 double PriceListWriter::number(const Column& column, const Source& source, const EntryList& entries) {
     const std::string_view text = entries.text(source);
     const std::optional<double> number = readNumber(text, source.Division, sql_.locale());
+    if (trace_) {
+        const Column& told = column.ordinal == prices_.Inpris.ordinal ? prices_.InprisFöreRabatt : column;
+        tellFileNumber(*trace_, told.statement, std::to_string(source.entry), text, number.value_or(0),
+                       impliedDecimals(source.Division), number.has_value());
+    }
     if (number) return *number;
     if (!text.empty()) {
         report_.zero(Remark::NotNumber, source.entry, column.statement, text);

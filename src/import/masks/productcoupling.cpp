@@ -6,11 +6,12 @@
 
 namespace kolmera {
 ProductCoupling::ProductCoupling(bool hasPurchasePrice, SqlLayer& sql, PrisClsRoundInprisOUtpris& prices,
-                                 PassedOver& passedOver)
+                                 PassedOver& passedOver, PriceTrace* trace)
     : hasPurchasePrice_(hasPurchasePrice),
       sql_(sql),
       prices_(prices),
       passedOver_(passedOver),
+      trace_(trace),
       currencies_(sql.SQLÖppnaTabell("Syvaluta", "Kod", options::kReadOnly, false)) {}
 
 void ProductCoupling::couple(Recordset& product) {
@@ -31,10 +32,23 @@ bool ProductCoupling::coupled(Recordset& product) {
 double ProductCoupling::netPurchasePrice(Recordset& product) {
     const auto number = [&](int column) { return TillDbl(product.value(column), sql_.locale()); };
     lookUpCurrency(textOf(product.value(ordinal(kProdukt, "Valutakod"))));
-    double net = number(ordinal(kProdukt, "Inpris")) * rate_ / factor_;
-    net -= net * number(ordinal(kProdukt, "InprisProc")) / 100;
+    const double purchasePrice = number(ordinal(kProdukt, "Inpris"));
+    const double inHomeCurrency = purchasePrice * rate_ / factor_;
+    const double percent = number(ordinal(kProdukt, "InprisProc"));
+    const double net = inHomeCurrency - inHomeCurrency * percent / 100;
     const double purchaseFactor = number(ordinal(kProdukt, "Inköpsfaktor"));
-    return purchaseFactor == 0 ? net : net / purchaseFactor;
+    const double result = purchaseFactor == 0 ? net : net / purchaseFactor;
+    if (trace_) {
+        startFrom(*trace_, PriceTrace::kNetCost, "Produkt.Inpris", purchasePrice);
+        trace_->step({.step = PriceStep::Rate,
+                      .value = inHomeCurrency,
+                      .operand = rate_,
+                      .second = static_cast<double>(factor_),
+                      .text = currency_});
+        trace_->step({.step = PriceStep::Deduction, .value = net, .operand = percent});
+        if (purchaseFactor != 0) trace_->step({.step = PriceStep::Factor, .value = result, .operand = purchaseFactor});
+    }
+    return result;
 }
 
 void ProductCoupling::lookUpCurrency(std::string_view code) {

@@ -6,6 +6,7 @@
 
 #include "db/sqllayer.h"
 #include "import/rows/seekkeys.h"
+#include "pricing/pricetrace.h"
 #include "pricing/prisclsroundinprisoutpris.h"
 
 namespace kolmera {
@@ -15,7 +16,8 @@ namespace kolmera {
 class ProductCoupling {
   public:
     /// `hasPurchasePrice`: the mask brings purchase prices; then a markup on the product couples it.
-    ProductCoupling(bool hasPurchasePrice, SqlLayer& sql, PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver);
+    ProductCoupling(bool hasPurchasePrice, SqlLayer& sql, PrisClsRoundInprisOUtpris& prices, PassedOver& passedOver,
+                    PriceTrace* trace = nullptr);
 
     /// Recomputes the current product when it is coupled.
     void couple(Recordset& product);
@@ -29,6 +31,7 @@ class ProductCoupling {
     SqlLayer& sql_;
     PrisClsRoundInprisOUtpris& prices_;
     PassedOver& passedOver_;
+    PriceTrace* trace_;
     std::unique_ptr<Recordset> currencies_;
     SeekKeys keys_;
     std::string currency_;

@@ -33,29 +33,31 @@ RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier,
       sql_(context.state.sql),
       summary_(summary),
       report_(summary.report),
+      trace_(context.trace),
       Idag_(context.Idag),
       products_(tables.products),
       Vägtinpris_(products_->ordinal("Vägtinpris")),
       Prisändrdat_(products_->ordinal("Prisändrdat")),
       Förändringsdatum_(products_->ordinal(kFörändringsdatum)),
       settings_(columnSettings(tables, context.Idag, context.state.locale, report_)),
-      prices_(sql_, report_, Idag_, settings_.PPrisDatumBM),
-      columns_(mask, *products_, settings_, prices_, report_),
+      prices_(sql_, report_, Idag_, settings_.PPrisDatumBM, context.trace),
+      columns_(mask, *products_, settings_, prices_, report_, context.trace),
       defaults_(*tables.settings, *tables.settings2, context.state.locale, report_),
       matcher_(mask, jobSupplier, sql_, products_, report_),
-      coupling_(mask.hasPurchasePrice(), sql_, prices_, report_) {
+      coupling_(mask.hasPurchasePrice(), sql_, prices_, report_, context.trace) {
     prices_.Init();
     if (mask.hasAlternatives) {
         alternatives_.emplace(mask, sql_, std::move(tables.alternatives), summary);
     }
     if (mask.UppdatLev) {
-        priceList_.emplace(mask, sql_, std::move(tables.priceList), prices_.InprisDec, Idag_, summary);
+        priceList_.emplace(mask, sql_, std::move(tables.priceList), prices_.InprisDec, Idag_, summary, context.trace);
     }
     if (mask.document.present()) documents_.emplace(mask, sql_, Idag_, summary);
 }
 
 void RecordImport::import(const EntryList& entries) {
     report_.at(++summary_.records);
+    if (trace_) trace_->record(summary_.records);
     report_.about(entries.text(mask_.key));
     const ProductMatch found = match(entries);
     if (found.outcome == Outcome::Skip) return report_.remark(found.skipped);
@@ -81,6 +83,7 @@ bool RecordImport::importProduct(const ProductMatch& match, const EntryList& ent
     std::optional<double> discount;
     if (!saveProduct(newProduct, entries, discount)) return false;
     takeProductNumber();
+    if (trace_) trace_->product(productNumber_);
     summary_.productSaved(productNumber_, newProduct);
     if (columns_.changesPrices()) coupling_.couple(*products_);
     if (alternatives_) alternatives_->write(productNumber_, entries);
@@ -96,6 +99,7 @@ bool RecordImport::importProduct(const ProductMatch& match, const EntryList& ent
 
 bool RecordImport::importPriceListOnly(const ProductMatch& match, const EntryList& entries) {
     const auto articleNumber = [&match] { return std::string(match.key); };
+    if (trace_) trace_->product(match.productNumber);
     return priceList_->write(match.productNumber, match.supplier, articleNumber, std::nullopt, entries);
 }
 

@@ -49,6 +49,7 @@ class RecordImport {
     SqlLayer& sql_;
     RunSummary& summary_;
     RunReport& report_;
+    PriceTrace* trace_;
     Date Idag_;
     std::unique_ptr<Recordset>& products_;
     int Vägtinpris_, Prisändrdat_, Förändringsdatum_;

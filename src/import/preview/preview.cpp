@@ -97,6 +97,7 @@ Preview previewRun(ImportContext& context, std::string_view jobText, const Previ
                       .JobbNr = context.JobbNr,
                       .shown = context.shown,
                       .preview = &mode,
+                      .trace = context.trace,
                       .mayWrite = {}};
     result.summary = Utför(own, jobText);
     result.told = port.told();

@@ -17,6 +17,8 @@ namespace kolmera {
 std::optional<double> readNumber(std::string_view text, char division, const Locale& locale);
 /// The same, 0 for a text that is no number.
 double parseNumber(std::string_view text, char division, const Locale& locale);
+/// How many decimals a division implies, 0 to 3.
+constexpr int impliedDecimals(char division) { return division >= '1' && division <= '3' ? division - '0' : 0; }
 
 /// True when the text contains "J", "1" or "Y" (upper case).
 bool TolkaJaNej(std::string_view text);

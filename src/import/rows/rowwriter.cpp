@@ -44,8 +44,8 @@ RowWriter::Row RowWriter::editOrAdd(Keys keys) {
     return row;
 }
 
-void RowWriter::set(const Column& column, Value value) {
-    attempt(passedOver_, column.statement, [&] {
+bool RowWriter::set(const Column& column, Value value) {
+    return attempt(passedOver_, column.statement, [&] {
         if (!added_) return rows_->set(column.ordinal, std::move(value));
         rows_->set(column.ordinal, value);
         written_.emplace_back(column.ordinal, std::move(value));

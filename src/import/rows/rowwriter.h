@@ -12,6 +12,7 @@
 #include "import/rows/seekkeys.h"
 #include "platform/attempt.h"
 #include "platform/engine/recordset.h"
+#include "pricing/pricetrace.h"
 
 namespace kolmera {
 
@@ -42,6 +43,8 @@ class RowWriter {
 
     /// Every row that is stored from now on is counted there; `rows` outlives the writer.
     void countIn(std::int64_t& rows) { counted_ = &rows; }
+    /// Hears of every price that is written from now on; null for nobody.
+    void tellTo(PriceTrace* trace) { trace_ = trace; }
 
     /// Edits the row that has this key, or begins a new one. When neither succeeds the row is unreachable, and nothing
     /// is to be written.
@@ -50,7 +53,9 @@ class RowWriter {
         return editOrAdd(keys_.of(key...));
     }
     void write(const Column& column, std::string_view text) { set(column, std::string(text)); }
-    void write(const Column& column, double number) { set(column, number); }
+    void write(const Column& column, double number) {
+        if (set(column, number) && trace_) trace_->written(column.statement, number);
+    }
     void write(const Column& column, std::int64_t number) { set(column, number); }
     /// A date column refuses the empty text that stands for an unreadable date: the old date stays.
     void write(const Column& column, const std::optional<Date>& date);
@@ -80,7 +85,7 @@ class RowWriter {
   private:
     Row editOrAdd(Keys keys);
     bool find(Keys keys);
-    void set(const Column& column, Value value);
+    bool set(const Column& column, Value value);
     void writeIntoExisting();
     void count() {
         if (counted_) ++*counted_;
@@ -95,6 +100,7 @@ class RowWriter {
     bool added_ = false;                          ///< it is new, and `save` is to come
     std::vector<std::pair<int, Value>> written_;  ///< into a new row
     std::int64_t* counted_ = nullptr;
+    PriceTrace* trace_ = nullptr;
 };
 
 }  // namespace kolmera

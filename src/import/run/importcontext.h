@@ -14,6 +14,8 @@
 
 namespace kolmera {
 
+class PriceTrace;
+
 /// What is different in a run that nothing comes of.
 struct PreviewMode {
     /// Opens a private copy of the company as `state.sql.FtgDB`. A failure is shown and answers false.
@@ -34,6 +36,7 @@ struct ImportContext {
     /// The job as the user saw it; a run does not start from another one that has got its number meanwhile.
     std::optional<Job> shown = std::nullopt;
     const PreviewMode* preview = nullptr;  ///< set in a preview
+    PriceTrace* trace = nullptr;           ///< hears how prices are computed
     /// Asked when all is known and nothing is changed yet; false ends the run. Unset, nothing speaks against it.
     std::function<bool(bool emptyTables)> mayWrite = {};
 };

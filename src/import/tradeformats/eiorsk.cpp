@@ -36,12 +36,21 @@ LineUse EioRsk::takePrice(std::string_view line) {
     if (article_.number.empty()) return parts_.passOver(Remark::NoKey);
     const Columns& columns = priceLine_.price;
     const Digits price = cutDigits(line, columns, 100);
+    tellPrice(line, price);
     // A damaged price must not put 0 over a good one; a missing one is 0.
     if (price.unreadable()) return parts_.passOver(Remark::DamagedPrice, columns.name, text(line, columns));
     if (!writeProduct(*supplier, price.number)) return parts_.passOver(Remark::NotSaved);
     if (price.number == 0) parts_.report.remark(Remark::MissingPrice, columns.name, text(line, columns));
     writeSupplierPrice(*supplier, price.number, text(line, priceLine_.discountCode));
     return LineUse::Written;
+}
+
+void EioRsk::tellPrice(std::string_view line, const Digits& price) const {
+    PriceTrace* trace = parts_.tables.trace();
+    if (!trace) return;
+    const Columns& columns = priceLine_.price;
+    trace->product(article_.number);
+    tellFileNumber(*trace, columns.name, columns.name, text(line, columns), price.number, 2, price.whole());
 }
 
 bool EioRsk::writeProduct(const CoupledSupplier& supplier, double price) {
@@ -55,6 +64,8 @@ bool EioRsk::writeProduct(const CoupledSupplier& supplier, double price) {
         products.row.write(products.Leverantör, supplier.number);
         products.row.write(products.Levartikelnr, article_.number);
         products.row.write(products.Prisändrdat, priceDate_);
+        if (PriceTrace* trace = tables().trace())
+            startFrom(*trace, products.Inpris.statement, priceLine_.price.name, price);
         products.row.write(products.Inpris, tables().roundedInpris(price));
         writePriceLevels(products, price);
     }
@@ -69,7 +80,10 @@ void EioRsk::writeSupplierPrice(const CoupledSupplier& supplier, double price, s
     prices.row.write(prices.Rabatt, roundDecimals(discount * 100, 2));
     prices.row.write(prices.Datum, priceDate_);
     prices.row.write(prices.RabattKod, discountCode);
-    prices.row.write(prices.Inpris, tables().roundedInpris(price - price * discount));
+    PriceTrace* trace = tables().trace();
+    if (trace) startFrom(*trace, prices.Inpris.statement, priceLine_.price.name, price);
+    prices.row.write(prices.Inpris, tables().roundedInpris(tables().discounted(price, discount)));
+    if (trace) startFrom(*trace, prices.InprisFöreRabatt.statement, priceLine_.price.name, price);
     prices.row.write(prices.InprisFöreRabatt, price);
     tables().saveSupplierPrice();
 }

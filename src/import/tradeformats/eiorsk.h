@@ -49,6 +49,7 @@ class EioRsk : public TradeFormat {
 
   private:
     LineUse takePrice(std::string_view line);
+    void tellPrice(std::string_view line, const Digits& price) const;
     [[nodiscard]] bool writeProduct(const CoupledSupplier& supplier, double price);
     void writeSupplierPrice(const CoupledSupplier& supplier, double price, std::string_view discountCode);
 

@@ -15,6 +15,10 @@ constexpr Columns kInpris = columns(kFinfo, "inpris"), kUtpris = columns(kFinfo,
 
 std::string cutText(std::string_view line, Columns columns) { return toUtf8(cut(line, columns), CodePage::Oem850); }
 
+void tellPrice(PriceTrace& trace, std::string_view line, Columns columns, const Digits& price) {
+    tellFileNumber(trace, columns.name, columns.name, cutText(line, columns), price.number, 2, price.whole());
+}
+
 }  // namespace
 
 LineUse Finfo::takeLine(std::string_view line) {
@@ -33,6 +37,11 @@ LineUse Finfo::takeLine(std::string_view line) {
     // A damaged price must not put 0 over a good one; a missing one is 0.
     if (purchasePrice.unreadable()) return parts_.passOver(Remark::DamagedPrice, kInpris.name, cutText(line, kInpris));
     const Digits salesPrice = cutDigits(line, kUtpris, kHundredths);
+    if (PriceTrace* trace = parts_.tables.trace()) {
+        trace->product(number);
+        tellPrice(*trace, line, kInpris, purchasePrice);
+        tellPrice(*trace, line, kUtpris, salesPrice);
+    }
 
     const Article article{
         .line = line,
@@ -71,6 +80,8 @@ bool Finfo::writeProduct(const Article& article) {
     row.write(products.Leverantör, article.supplier.number);
     row.write(products.Levartikelnr, cutText(article.line, columns(kFinfo, "levartikelnr")));
     row.write(products.Prisändrdat, article.priceDate);
+    if (PriceTrace* trace = parts_.tables.trace())
+        startFrom(*trace, products.Inpris.statement, kInpris.name, article.purchasePrice);
     row.write(products.Inpris, parts_.tables.roundedInpris(article.purchasePrice));
     row.write(products.Utpris(1), parts_.tables.roundedUtpris(levelOnePrice(article, found), 1));
     row.write(products.Försäljning, std::string_view());
@@ -92,8 +103,12 @@ void Finfo::writePackage(ProductRows& products, std::string_view line) {
 }
 
 double Finfo::levelOnePrice(const Article& article, RowWriter::Row row) {
-    if (article.salesPrice != 0 || row == RowWriter::Row::New) return article.salesPrice;
     ProductRows& products = parts_.tables.products();
+    if (article.salesPrice != 0 || row == RowWriter::Row::New) {
+        if (PriceTrace* trace = parts_.tables.trace())
+            startFrom(*trace, products.Utpris(1).statement, kUtpris.name, article.salesPrice);
+        return article.salesPrice;
+    }
     return products.markedUp(products.netCost(article.purchasePrice), 1);
 }
 
@@ -105,8 +120,14 @@ void Finfo::writeSupplierPrice(const Article& article) {
     if (!tables.editOrAddSupplierPrice(article.number, article.supplier.number)) return;
     prices.row.write(prices.Datum, article.priceDate);
     prices.row.write(prices.RabattKod, std::string_view());
-    prices.row.write(prices.Inpris, tables.roundedInpris(article.purchasePrice - article.purchasePrice * discount));
+    const auto start = [&](const Column& column, std::string_view source, double value) {
+        if (PriceTrace* trace = tables.trace()) startFrom(*trace, column.statement, source, value);
+    };
+    start(prices.Inpris, kInpris.name, article.purchasePrice);
+    prices.row.write(prices.Inpris, tables.roundedInpris(tables.discounted(article.purchasePrice, discount)));
+    start(prices.InprisFöreRabatt, kInpris.name, article.purchasePrice);
     prices.row.write(prices.InprisFöreRabatt, tables.roundedInpris(article.purchasePrice));
+    start(prices.Utpris(1), kUtpris.name, article.salesPrice);
     prices.row.write(prices.Utpris(1), tables.roundedUtpris(article.salesPrice, 1));
     tables.saveSupplierPrice();
 }

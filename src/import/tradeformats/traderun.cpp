@@ -88,6 +88,7 @@ void readLines(RunMachinery& run, TradeFormat& format) {
     while (!file.atEnd()) {
         const std::int64_t before = rowsWritten(summary);
         summary.report.at(++summary.records);
+        if (PriceTrace* trace = run.context().trace) trace->record(summary.records);
         if (format.takeLine(file.line()) == LineUse::Written) {
             if (rowsWritten(summary) > before) {
                 ++summary.used;
@@ -111,7 +112,8 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
     run.Körläge(true);
     run.port().clearCancel();
     SupplierPriceRows supplierPrices(sql, run.report(), openSupplierPrices(sql));
-    Rabattbrev discountLetters(sql, run.report());
+    PriceTrace* trace = run.context().trace;
+    Rabattbrev discountLetters(sql, run.report(), trace);
     std::optional<AlternativeRows> alternatives;
     if (job.writesAlternatives) alternatives.emplace(sql, run.report());
 
@@ -120,7 +122,7 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
 
     run.port().status(run.texts().FormulärSträng(text::prismain::kReading));
     const Date Idag = run.context().Idag;
-    PrisClsRoundInprisOUtpris prices(sql, run.report(), Idag);
+    PrisClsRoundInprisOUtpris prices(sql, run.report(), Idag, kStandardPrisDatumBM, trace);
     prices.Init();
     NewProductDefaults defaults(*company.settings, *company.settings2, sql.locale(), run.report());
     TradeTables tables({.products = products,
@@ -130,7 +132,8 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
                         .discountLetters = discountLetters,
                         .prices = prices,
                         .summary = run.summary(),
-                        .Idag = Idag});
+                        .Idag = Idag,
+                        .trace = trace});
     SupplierLookup lookup(std::move(suppliers), job.page);
     const auto format = job.format({.tables = tables,
                                     .report = run.report(),
@@ -181,6 +184,12 @@ RunSummary LäsEioRsk(ImportContext& context, std::string_view jobText) {
 
 RunSummary LäsFinfo(ImportContext& context, std::string_view jobText) {
     return carryOutJob(context, jobText, kFinfoJob);
+}
+
+std::span<const TradeRoutine> tradeRoutines() {
+    static constexpr TradeRoutine kRoutines[] = {
+        {kEio.name, LäsEioRsk}, {kRsk.name, LäsEioRsk}, {kFinfoJob.name, LäsFinfo}};
+    return kRoutines;
 }
 
 }  // namespace kolmera

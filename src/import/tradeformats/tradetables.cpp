@@ -25,14 +25,37 @@ ProductRows::ProductRows(SqlLayer& sql, PassedOver& passedOver)
       Pålägg_(levelColumns(row, påläggOrdinal, kLevels)) {}
 
 double ProductRows::netCost(double purchasePrice) {
-    return purchasePrice - purchasePrice * row.number(InprisProc) / 100;
+    const double percent = row.number(InprisProc);
+    const double net = purchasePrice - purchasePrice * percent / 100;
+    if (trace) {
+        startFrom(*trace, PriceTrace::kNetCost, Inpris.statement, purchasePrice);
+        trace->step({.step = PriceStep::Deduction, .value = net, .operand = percent});
+    }
+    return net;
 }
 
-double ProductRows::markedUp(double netCost, int level) { return netCost * (1 + row.number(Pålägg(level)) / 100); }
+double ProductRows::markedUp(double netCost, int level) {
+    const double percent = row.number(Pålägg(level));
+    const double price = netCost * (1 + percent / 100);
+    if (trace) {
+        startFrom(*trace, Utpris(level).statement, PriceTrace::kNetCost, netCost);
+        trace->step({.step = PriceStep::Markup, .value = price, .operand = percent});
+    }
+    return price;
+}
 
 TradeTables::TradeTables(const Parts& parts) : parts_(parts) {
     parts_.supplierPrices.row.countIn(parts_.summary.priceList);
     if (parts_.alternatives) parts_.alternatives->row.countIn(parts_.summary.alternatives);
+    parts_.products.trace = parts_.trace;
+    parts_.products.row.tellTo(parts_.trace);
+    parts_.supplierPrices.row.tellTo(parts_.trace);
+}
+
+double TradeTables::discounted(double price, double discount) const {
+    const double net = price - price * discount;
+    if (parts_.trace) parts_.trace->step({.step = PriceStep::Deduction, .value = net, .operand = discount * 100});
+    return net;
 }
 
 double TradeTables::roundedInpris(double price) const {

@@ -49,6 +49,8 @@ class ProductRows {
     /// The unrounded sales price of a level: the net cost with the product's markup in per cent.
     [[nodiscard]] double markedUp(double netCost, int level);
 
+    PriceTrace* trace = nullptr;  ///< hears how prices are computed
+
   private:
     std::array<Column, kPriceLists> Utpris_, Pålägg_;
 };
@@ -66,6 +68,7 @@ class TradeTables {
         PrisClsRoundInprisOUtpris& prices;
         RunSummary& summary;
         Date Idag;
+        PriceTrace* trace = nullptr;  ///< hears how prices are computed
     };
     explicit TradeTables(const Parts& parts);
 
@@ -74,6 +77,9 @@ class TradeTables {
     [[nodiscard]] double discount(std::string_view supplier, std::string_view code) {
         return parts_.discountLetters.BeräknaRabattbrev(supplier, code);
     }
+    [[nodiscard]] PriceTrace* trace() const { return parts_.trace; }
+    /// A price less a discount, which is a fraction.
+    [[nodiscard]] double discounted(double price, double discount) const;
     /// Rounded to the decimals of purchase prices.
     [[nodiscard]] double roundedInpris(double price) const;
     /// Rounded by the rules of a price level, 1 to 9.
