@@ -6,9 +6,7 @@ cd "$(dirname "$0")/.."
 source packaging/root.sh
 make_root bare "$@"
 
-mkdir "$root/kolmera"
-git ls-files -co --exclude-standard -z | while IFS= read -r -d '' file; do [ ! -e "$file" ] || printf '%s\0' "$file"; done |
-    tar -cf - --null -T - | tar -xf - -C "$root/kolmera"
+copy_sources
 echo "Running ./run in it ..."
 started=$SECONDS
 in_root /kolmera/run >"$log" 2>&1 </dev/null || {

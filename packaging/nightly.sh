@@ -3,7 +3,7 @@
 set -uo pipefail
 cd "$(dirname "$0")/.."
 failed=()
-for kind in "" --long --tidy --clang --sanitize --bare --package; do
+for kind in "" --long --tidy --clang --sanitize --bare "--bare --no-window" --package; do
     echo "=== ./test $kind"
     ./test $kind || failed+=("./test $kind")
 done

@@ -30,6 +30,13 @@ remove_root() {
     rm -rf --one-file-system "$root"
 }
 
+# Copies the sources as they are now to /kolmera in the root.
+copy_sources() {
+    mkdir "$root/kolmera"
+    git ls-files -co --exclude-standard -z | while IFS= read -r -d '' file; do [ ! -e "$file" ] || printf '%s\0' "$file"; done |
+        tar -cf - --null -T - | tar -xf - -C "$root/kolmera"
+}
+
 # in_root COMMAND ...: in the root, with an environment of its own.
 in_root() {
     chroot "$root" env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive \

@@ -24,7 +24,7 @@ case "${1:-}" in
 esac
 [ -n "$files" ] || { echo "No source file to look at."; exit 0; }
 
-install_packages build window tests clang tidy
+install_packages build window "core tests" tests clang tidy
 # Nothing needs building: all sources that are not written by hand are made by configuring.
 cmake --preset tidy -Wno-dev >/dev/null
 echo "clang-tidy over $(wc -l <<<"$files") files"
