@@ -82,7 +82,8 @@ Json figuresJson(const ChangeFigures& figures, const ChangeReport& report) {
 Json noticesJson(const ChangeReport& report) {
     Json notices = Json::array();
     for (const Notice& notice : report.notices()) {
-        notices.push_back({{"warning", notice.warning}, {"text", notice.text}, {"records", notice.records}});
+        notices.push_back(
+            {{"warning", notice.warning}, {"name", notice.name}, {"text", notice.text}, {"records", notice.records}});
     }
     return notices;
 }
@@ -99,8 +100,9 @@ class Output {
                    .forEachRemark = [&record](const auto& take) { record.forEachRemark(take); }},
                   session.texts, session.state.locale, [&session](auto name) { return remarkText(session, name); }) {}
 
-    bool run() {
+    bool run(const RunHeader* previous) {
         if (!report_.read(goOn_)) return false;
+        report_.warn(previous);
         report_.list().show({});
         if (output_.json) {
             printJson();
@@ -130,7 +132,7 @@ void Output::printHead() {
     std::ostream& out = surroundings_.out;
     out << report_.header().id << ' ' << report_.title() << '\n' << report_.origin() << "\n\n";
     for (const Notice& notice : report_.notices()) {
-        out << report_.lineOf(notice);
+        out << (notice.warning ? "! " : "") << report_.lineOf(notice);
         for (std::size_t i = 0; i < std::min(notice.records.size(), kRecordsShown); ++i) {
             out << (i == 0 ? " (" : ", ") << notice.records[i];
         }
@@ -221,9 +223,9 @@ Json runJson(const RunHeader& run) {
             {"counts", counts.is_object() ? counts : Json::object()}};
 }
 
-bool printChanges(Session& session, const RecordReader& record, const ChangeOutput& output,
+bool printChanges(Session& session, const RecordReader& record, const RunHeader* previous, const ChangeOutput& output,
                   const Surroundings& surroundings) {
-    return Output(session, record, output, surroundings).run();
+    return Output(session, record, output, surroundings).run(previous);
 }
 
 }  // namespace kolmera::cli

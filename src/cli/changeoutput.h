@@ -17,9 +17,11 @@ struct ChangeOutput {
 /// The head of a record.
 nlohmann::ordered_json runJson(const RunHeader& run);
 
-/// Prints a record: what it is about, figures, what to look at, and every change; as text for people or as JSON. With a
-/// file the changes go there. False when it was cancelled. Throws PlatformError.
-bool printChanges(Session& session, const RecordReader& record, const ChangeOutput& output,
+/// Prints a record: what it is about, warnings and other things to look at, figures, and every change; as text for
+/// people or as JSON. With a file the changes go there. `previous` is the run before of the same job, as far as there
+/// is one
+/// (`previousRun`). False when it was cancelled. Throws PlatformError.
+bool printChanges(Session& session, const RecordReader& record, const RunHeader* previous, const ChangeOutput& output,
                   const Surroundings& surroundings);
 
 }  // namespace kolmera::cli

@@ -34,7 +34,7 @@ std::vector<std::string> asRow(Session& session, const RunHeader& run) {
     const bool undo = run.kind == RunKind::Undo;
     return {run.id,
             started,
-            undo ? kindText(session, run) + ' ' + run.of : run.job,
+            undo ? session.text(text::history::kUndo) + ' ' + run.of : run.job,
             run.companyName.empty() ? run.companyFile : run.companyName,
             countText(run, "records"),
             countText(run, "new"),

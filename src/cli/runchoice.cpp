@@ -9,8 +9,6 @@
 namespace kolmera::cli {
 namespace {
 
-constexpr ModuleKey kKinds[] = {text::history::kImport, text::history::kPreview, text::history::kUndo};
-
 constexpr struct {
     std::string_view outcome;
     ModuleKey text;
@@ -37,10 +35,6 @@ std::optional<RunHeader> chosenRun(Session& session, const std::vector<RunHeader
     err << session.text(text::history::kAmbiguous, name) << '\n';
     for (const RunHeader* run : found) err << "  " << run->id << ' ' << run->job << '\n';
     return std::nullopt;
-}
-
-std::string kindText(Session& session, const RunHeader& run) {
-    return session.text(kKinds[static_cast<std::size_t>(run.kind)]);
 }
 
 std::string outcomeText(Session& session, const RunHeader& run) {

@@ -14,8 +14,7 @@ namespace kolmera::cli {
 std::optional<RunHeader> chosenRun(Session& session, const std::vector<RunHeader>& runs, std::string_view name,
                                    std::ostream& err);
 
-/// What kind of run it was, and how it ended, in the user's words.
-std::string kindText(Session& session, const RunHeader& run);
+/// How it ended, in the user's words.
 std::string outcomeText(Session& session, const RunHeader& run);
 
 }  // namespace kolmera::cli

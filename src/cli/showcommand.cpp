@@ -3,6 +3,7 @@
 #include "cli/runchoice.h"
 #include "cli/session.h"
 #include "history/runfolder.h"
+#include "history/warnings.h"
 
 namespace kolmera::cli {
 
@@ -10,9 +11,11 @@ int showCommand(const ShowArguments& arguments, const Surroundings& surroundings
     Session session(surroundings, arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const RunFolder folder(session.state.dataFolder());
-    const std::optional<RunHeader> run = chosenRun(session, folder.list(), arguments.run, surroundings.err);
+    const std::vector<RunHeader> runs = folder.list();
+    const std::optional<RunHeader> run = chosenRun(session, runs, arguments.run, surroundings.err);
     if (!run) return exitcode::kStopped;
-    const bool whole = printChanges(session, RecordReader(folder.file(run->id)), arguments.output, surroundings);
+    const bool whole = printChanges(session, RecordReader(folder.file(run->id)), previousRun(runs, *run),
+                                    arguments.output, surroundings);
     return whole ? exitcode::kDone : exitcode::kCancelled;
 }
 

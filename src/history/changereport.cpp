@@ -9,7 +9,10 @@
 
 #include "history/captions.h"
 #include "history/changetable.h"
+#include "history/warnings.h"
 #include "lang/keys/changes.h"
+#include "lang/keys/run.h"
+#include "lang/keys/warning.h"
 
 namespace kolmera {
 namespace {
@@ -45,10 +48,30 @@ void ChangeReport::readNotices() {
         return true;
     });
     for (auto& [kind, notice] : notices) {
+        notice.name = kind;
         notice.text = remarkText_(kind);
         list_->mark(static_cast<int>(notices_.size()), notice.records);
         notices_.push_back(std::move(notice));
     }
+}
+
+void ChangeReport::warn(const RunHeader* previous) {
+    constexpr ModuleKey kTexts[] = {
+        text::warning::kSameFile,       text::warning::kOlderFile,    text::warning::kFewerRecords,
+        text::run::kReadAsOneLineTitle, text::changes::kToZero,       text::warning::kJumps,
+        text::warning::kMedianChange,   text::warning::kNewSuppliers, text::warning::kTwice,
+        text::warning::kNeverNumber,    text::warning::kHeading,      text::warning::kCharacters,
+        text::warning::kMostUnmatched};
+    static_assert(std::size(kTexts) == std::size(kWarningNames));
+    std::vector<Notice> warnings;
+    for (RunWarning& found : runWarnings(source_.header, changes_, figures_, source_.forEachRemark, previous)) {
+        const auto row = static_cast<std::size_t>(found.warning);
+        warnings.push_back({.warning = true,
+                            .name = std::string(kWarningNames[row]),
+                            .text = texts_.ModulTextMed(kTexts[row], found.detail),
+                            .records = std::move(found.records)});
+    }
+    warn(std::move(warnings));
 }
 
 void ChangeReport::warn(std::vector<Notice> warnings) {

@@ -23,6 +23,7 @@ struct RecordSource {
 /// Something to look at first: a warning, or what the run passed over or took as another value than the file has.
 struct Notice {
     bool warning = false;
+    std::string name;  ///< in JSON
     std::string text;
     std::vector<std::int64_t> records;  ///< of the price file
 };
@@ -45,6 +46,8 @@ class ChangeReport {
     void nameProducts(const std::function<void(const std::function<void(const NamedProduct&)>& take)>& each) {
         changes_.nameProducts(each);
     }
+    /// Looks what there is to warn of; see `runWarnings`.
+    void warn(const RunHeader* previous);
     /// Puts warnings before the notices that the record itself gives.
     void warn(std::vector<Notice> warnings);
 

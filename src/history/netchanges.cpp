@@ -47,7 +47,9 @@ std::string percentTerm(std::string_view before, std::string_view after) {
 std::string putCellText() {
     return fmt::format(
         "INSERT INTO cell(n, before, after, record, percent) VALUES (?1, ?2, ?3, ?4, {}) "
-        "ON CONFLICT(n) DO UPDATE SET after = excluded.after, record = excluded.record, percent = {}",
+        "ON CONFLICT(n) DO UPDATE SET after = excluded.after, record = excluded.record, percent = {}, "
+        "again = CASE WHEN record > 0 AND excluded.record > 0 AND record <> excluded.record "
+        "AND after IS NOT excluded.after THEN record ELSE again END",
         percentTerm("?2", "?3"), percentTerm("before", "excluded.after"));
 }
 
@@ -60,7 +62,8 @@ NetChanges::NetChanges() : connection_("", {.create = true}), schema_(companySch
     connection_.run(
         "CREATE TABLE row(n INTEGER PRIMARY KEY, tab INTEGER, id INTEGER, kind INTEGER, product TEXT, name TEXT)");
     connection_.run("CREATE UNIQUE INDEX row_id ON row(tab, id)");
-    connection_.run("CREATE TABLE cell(n INTEGER PRIMARY KEY, before, after, record INTEGER, percent REAL)");
+    connection_.run(
+        "CREATE TABLE cell(n INTEGER PRIMARY KEY, before, after, record INTEGER, percent REAL, again INTEGER)");
     findRow_ = SqliteStatement(connection_, "SELECT n, kind FROM row WHERE tab = ?1 AND id = ?2");
     addRow_ = SqliteStatement(connection_, "INSERT INTO row(n, tab, id, kind, product) VALUES (?1, ?2, ?3, ?4, '')");
     setKind_ = SqliteStatement(connection_, "UPDATE row SET kind = ?2 WHERE n = ?1");

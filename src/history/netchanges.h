@@ -25,8 +25,9 @@ struct NamedProduct {
 ///
 /// The changes lie in a database of SQLite's own, which no name leads to and which goes with the object:
 ///     row(n, tab, id, kind, product, name)          n counts from 1; tab is a place in `tables()`
-///     cell(n, before, after, record, percent)       n is cellNumber(row, column)
-/// `percent` is there for changed prices, quantities and other fractional numbers; infinite where 0 stood before.
+///     cell(n, before, after, record, percent, again)     n is cellNumber(row, column)
+/// `again` is an earlier record that wrote another value. `percent` is there for changed prices, quantities and other
+/// fractional numbers; infinite where 0 stood before.
 class NetChanges {
   public:
     static constexpr int kColumnBits = 11;
