@@ -72,6 +72,7 @@ TEST(CompanySchema, MalformedDescriptionsAreRefused) {
         {"place left out", head + "A\t0\tID\tCOUNTER\nA\t2\tB\tLONG\n", indexHead},
         {"table torn apart", good + "B\t0\tID\tCOUNTER\nA\t1\tC\tLONG\n", indexHead},
         {"size no number", head + "A\t0\tB\tTEXT(x)\n", indexHead},
+        {"size with a letter behind", head + "A\t0\tB\tTEXT(2x)\n", indexHead},
         {"column missing in the file", "table\tcolumn\ttype\nA\tID\tCOUNTER\n", indexHead},
         {"index on an unknown column", good, indexHead + "A\tNummer\t+ID;+Nummer\t1\n"},
     };

@@ -76,6 +76,7 @@ class MaskEditorTest : public testing::Test {
 
 TEST_F(MaskEditorTest, OffersColumnsAndHeadingsByTheirCodes) {
     world.add("Prodaltrubrik", {{"Nummer", std::int64_t{3}}, {"Rubrik", "EAN"}});
+    world.add("Prodaltrubrik", {{"Nummer", std::int64_t{100}}, {"Rubrik", "not to be told about"}});
     open("x\r\n");
     const auto textOf = [&](int code) {
         const int row = rowOf(code);

@@ -220,6 +220,11 @@ TEST_F(TableRecordset, ARecordIsSeenAsItIsNow) {
     database->commit();
     EXPECT_EQ(select(*database, "SELECT [1Pris] FROM Artikel WHERE Nummer = '3'"), "9")
         << "the same, when the change came before the transaction";
+    one->edit();
+    EXPECT_EQ(database->execute("UPDATE Artikel SET [1Pris] = 13"), 7);
+    one->set("1Pris", 9.0);
+    one->update();
+    EXPECT_EQ(show(one->value("1Pris")), "9") << "the same, when it came while the record was edited";
     one->addNew();
     one->set("Nummer", std::string("8"));
     one->update();

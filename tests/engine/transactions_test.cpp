@@ -54,6 +54,7 @@ TEST_F(TransactionsOfAFile, WhatIsJoinedIsCommittedBeforeTheProgramWaits) {
              database->commit();
          }},
         {"a plain write leaves it", [&] { add(*database, "plain"); }},
+        {"a statement leaves it", [&] { (void)database->execute("UPDATE Artikel SET [1Pris] = 1"); }},
         {"closing leaves it", [&] { database.reset(); }},
     };
     int expected = 0;

@@ -124,7 +124,9 @@ TEST(Preparation, ThatFailedOrRenewedNothingIsTold) {
                  {"a missing program goes unnoticed", "no-such-program", 127, false},
                  {"an old file goes unnoticed", "true", 0, false},
                  {"a file with the times of its archive counts as old",
-                  "cp -p ../../data/pris.txt x; mv x ../../data/pris.txt", 0, true}};
+                  "cp -p ../../data/pris.txt x; mv x ../../data/pris.txt", 0, true},
+                 {"a file that was written over with its old time counts as old",
+                  "cp -p ../../data/pris.txt x; cat x > ../../data/pris.txt; touch -r x ../../data/pris.txt", 0, true}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
         World world;
@@ -302,7 +304,10 @@ TEST(DoubtfulFile, ThatIsNotReadChangesNothing) {
 TEST(DoubtfulFile, OfWhichNothingIsUsedIsTold) {
     FullWorld world;
     world.rawPriceFile("");
+    bool waiting = false;
+    world.port.onEvents = [&] { waiting = world.port.hourglassShown; };
     const RunSummary summary = world.run();
+    EXPECT_TRUE(waiting) << "no hourglass behind the question";
     EXPECT_TRUE(summary.nothingUsed());
     EXPECT_EQ(summary.deleted.products, 60);
     ASSERT_EQ(world.port.told.size(), 1U);

@@ -150,6 +150,7 @@ TEST(LocaleDates, SpellingsOfUsers) {
         {"English names", "Oct 22, 2026", "2026-10-22", "2026-10-22"},
         {"May in two languages", "1 maj 2026", "2026-05-01", "2026-05-01"},
         {"a time stamp", "2026-11-22T10:30:00Z", "2026-11-22", "2026-11-22"},
+        {"a time stamp without a time", "2026-11-22T", "2026-11-22", "2026-11-22"},
         {"an English time", "11/22/2026 12:00:00 AM", "2026-11-22", "2026-11-22"},
         {"29 February of a common year", "2023-02-29", "", ""},
         {"digits without separators", "20230230", "", ""},
