@@ -31,6 +31,21 @@ void pauseFor(std::chrono::milliseconds time, const std::function<void()>& letEv
     }
 }
 
+/// The table that an action statement changes, as it is called when it fails; the statement's first word when it names
+/// none.
+std::string_view changedTable(std::string_view statement) {
+    const auto nextWord = [&statement] {
+        statement.remove_prefix(std::min(statement.find_first_not_of(' '), statement.size()));
+        const std::string_view word = statement.substr(0, statement.find(' '));
+        statement.remove_prefix(word.size());
+        return word;
+    };
+    const std::string_view first = nextWord();
+    if (equalNoCase(first, "UPDATE")) return nextWord();
+    const std::string_view second = nextWord();
+    return equalNoCase(second, "FROM") || equalNoCase(second, "INTO") ? nextWord() : first;
+}
+
 /// Behind the quoted text that begins at a place; the next place when the quote is never closed.
 std::size_t behindQuoted(std::string_view text, std::size_t place) {
     const std::size_t end = text.find(text[place], place + 1);
@@ -316,7 +331,7 @@ std::string SqlLayer::SQLLiteral(const Value& value, FieldType type) const {
 bool SqlLayer::SQLKör(std::string_view statement, PassedOver& passedOver) { return SQLKör(statement, {}, passedOver); }
 
 bool SqlLayer::SQLKör(std::string_view statement, std::span<const Value> parameters, PassedOver& passedOver) {
-    return attempt(passedOver, "SQLKör", [&] {
+    return attempt(passedOver, changedTable(statement), [&] {
         if (ÄrSQLFöretag) {
             const BoundStatement bound = serverStatement(statement, parameters);
             database().execute(bound.text, bound.parameters, options::kPassThrough);

@@ -244,7 +244,8 @@ TEST_F(SqlLayerTest, GivenParametersKeepTheirPlaces) {
     Heard heard;
     fake->executeError = errors::kLocked;
     EXPECT_FALSE(sql.SQLKör("DELETE FROM Produkt", heard));
-    EXPECT_EQ(heard.lines, std::vector<std::string>{"SQLKör 3260"});
+    EXPECT_FALSE(sql.SQLKör("UPDATE Prodaltprodnr SET a = 1", heard));
+    EXPECT_EQ(heard.lines, (std::vector<std::string>{"Produkt 3260", "Prodaltprodnr 3260"}));
 }
 
 std::string registerRecord(const std::string& name, const std::string& description, const std::string& connect) {
