@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "cli/comparecommand.h"
 #include "cli/copycommand.h"
 #include "cli/discountscommand.h"
 #include "cli/explaincommand.h"
@@ -157,6 +158,15 @@ void addHistory(Commands& commands) {
             command.option("--save", arguments.output.file, text::help::kSaveChanges);
         },
         showCommand);
+    commands.add<CompareArguments>(
+        "compare", text::help::kCompare,
+        [](Command& command, CompareArguments& arguments) {
+            command.argument("RUN", arguments.run, text::help::kRunName).data(arguments.dataFolder);
+            command.option("--with", arguments.with, text::help::kCompareWith);
+            command.flag("--json", arguments.output.json, text::help::kJson);
+            command.option("--save", arguments.output.file, text::help::kSaveChanges);
+        },
+        compareCommand);
     commands.add<UndoArguments>(
         "undo", text::help::kUndo,
         [](Command& command, UndoArguments& arguments) {

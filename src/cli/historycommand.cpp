@@ -11,6 +11,7 @@
 #include "cli/session.h"
 #include "cli/texttable.h"
 #include "history/runfolder.h"
+#include "lang/keys/changes.h"
 #include "lang/keys/history.h"
 #include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
@@ -34,7 +35,7 @@ std::vector<std::string> asRow(Session& session, const RunHeader& run) {
     const bool undo = run.kind == RunKind::Undo;
     return {run.id,
             started,
-            undo ? session.text(text::history::kUndo) + ' ' + run.of : run.job,
+            undo ? session.text(text::changes::kUndoTitle, run.of) : run.job,
             run.companyName.empty() ? run.companyFile : run.companyName,
             countText(run, "records"),
             countText(run, "new"),
@@ -64,8 +65,8 @@ int historyCommand(const HistoryArguments& arguments, const Surroundings& surrou
     } else {
         TextTable table({session.text(text::history::kRunHeading), session.text(text::history::kTimeHeading),
                          session.text(text::terminal::kImportHeading), session.text(text::terminal::kCompanyHeading),
-                         session.text(text::history::kRecordsHeading), session.text(text::history::kNewHeading),
-                         session.text(text::history::kChangedHeading), session.text(text::history::kOutcomeHeading)});
+                         session.text(text::changes::kRecords), session.text(text::changes::kNewProducts),
+                         session.text(text::terminal::kChangedProducts), session.text(text::history::kOutcomeHeading)});
         for (const RunHeader& run : runs) table.add(asRow(session, run));
         table.print(surroundings.out);
     }

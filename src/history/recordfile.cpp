@@ -79,6 +79,7 @@ void makeRecordTables(SqliteConnection& connection) {
     connection.run("CREATE TABLE header (key TEXT PRIMARY KEY, value TEXT) WITHOUT ROWID");
     connection.run("CREATE TABLE block (number INTEGER PRIMARY KEY, first INTEGER, last INTEGER, data BLOB)");
     connection.run("CREATE TABLE remark (number INTEGER PRIMARY KEY, data BLOB)");
+    connection.run("CREATE TABLE keys (number INTEGER PRIMARY KEY, data BLOB)");
     connection.run("CREATE TABLE copy (number INTEGER PRIMARY KEY, data BLOB)");
 }
 

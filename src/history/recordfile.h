@@ -12,6 +12,7 @@ namespace kolmera {
 //     run was going to commit. What stands behind it has been rolled back, or was never committed.
 //   block (number, first, last, data): changes, see changeblock.h; first and last record of the price file in it.
 //   remark (number, data): remarks.
+//   keys (number, data): search keys or product numbers of the records read, each a text.
 //   copy (number, data): the price file, compressed, in pieces.
 
 inline constexpr std::string_view kRecordEnding = ".kmr";

@@ -58,6 +58,16 @@ void RecordReader::forEachRemark(const std::function<bool(const RecordRemark&)>&
                         [&](std::string_view block) { return readRemarks(block, take); });
 }
 
+void RecordReader::forEachKey(const std::function<bool(std::string_view)>& take) const {
+    impl_->forEachBlock("SELECT number, data FROM keys WHERE number > ? ORDER BY number LIMIT 1",
+                        [&](std::string_view block) {
+                            for (BlockReader keys(block); !keys.atEnd();) {
+                                if (!take(keys.text())) return false;
+                            }
+                            return true;
+                        });
+}
+
 std::optional<RecordPlace> RecordReader::place(std::int64_t record) const {
     SqliteStatement query(impl_->connection, "SELECT data FROM block WHERE ? BETWEEN first AND last ORDER BY number");
     query.bind(1, record);

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "history/rowchange.h"
@@ -71,6 +72,8 @@ class RecordReader {
     /// does not grow with the run.
     void forEachChange(const std::function<bool(const RowChange&)>& take) const;
     void forEachRemark(const std::function<bool(const RecordRemark&)>& take) const;
+    /// The search keys or product numbers of the records that were read, in their order; the same one may come again.
+    void forEachKey(const std::function<bool(std::string_view key)>& take) const;
     /// Where a record stands that changed rows; nothing when it is not known.
     [[nodiscard]] std::optional<RecordPlace> place(std::int64_t record) const;
 

@@ -53,7 +53,7 @@ struct RunRecord::File {
     }
 
     SqliteConnection connection;
-    SqliteStatement addBlock, addRemarks, keep;
+    SqliteStatement addBlock, addRemarks, addKeys, keep;
 };
 
 RunRecord::RunRecord(const fs::path& folder, RunHeader header) : header_(std::move(header)) {
@@ -70,6 +70,7 @@ RunRecord::RunRecord(const fs::path& folder, RunHeader header) : header_(std::mo
         open_->addBlock =
             SqliteStatement(connection, "INSERT INTO block (number, data, first, last) VALUES (?, ?, ?, ?)");
         open_->addRemarks = SqliteStatement(connection, "INSERT INTO remark (number, data) VALUES (?, ?)");
+        open_->addKeys = SqliteStatement(connection, "INSERT INTO keys (number, data) VALUES (?, ?)");
         open_->keep = SqliteStatement(connection, "UPDATE header SET value = ? WHERE key = 'kept'");
     } catch (const PlatformError& error) {
         fail(error);
@@ -138,9 +139,19 @@ void RunRecord::remark(const RecordRemark& remark) {
     if (remarks_.size() >= kBlock) write([&] { flushRemarks(); });
 }
 
+void RunRecord::key(std::string_view key) {
+    if (!open_ || key.empty() || key == lastKey_) return;
+    lastKey_.assign(key);
+    keys_.text(key);
+    if (keys_.size() >= kBlock) write([&] { flushKeys(); });
+}
+
 void RunRecord::close() {
     if (!open_) return;
-    write([&] { flushRemarks(); });
+    write([&] {
+        flushRemarks();
+        flushKeys();
+    });
     open_.reset();
 }
 
@@ -224,6 +235,12 @@ void RunRecord::flushRemarks() {
     if (remarks_.empty()) return;
     open_->append(open_->addRemarks, ++remarkBlocks_, remarks_.bytes());
     remarks_.clear();
+}
+
+void RunRecord::flushKeys() {
+    if (keys_.empty()) return;
+    open_->append(open_->addKeys, ++keyBlocks_, keys_.bytes());
+    keys_.clear();
 }
 
 }  // namespace kolmera

@@ -39,6 +39,8 @@ class RunRecord final : public ChangeListener {
     /// The record of the price file that the run is at.
     void at(const RecordPlace& place) { at_ = place; }
     void remark(const RecordRemark& remark);
+    /// The search key or product number of the record that the run is at.
+    void key(std::string_view key);
     /// Writes what is left and closes the file; the last call.
     void close();
 
@@ -65,6 +67,7 @@ class RunRecord final : public ChangeListener {
     void heard(ChangeKind kind, const ChangedRow& row);
     void flushChanges();
     void flushRemarks();
+    void flushKeys();
     void transaction(const std::function<void()>& statements);
     void write(const std::function<void()>& statements) noexcept;
     void fail(const PlatformError& error) noexcept;
@@ -76,12 +79,13 @@ class RunRecord final : public ChangeListener {
 
     RecordPlace at_;
     std::int64_t placed_ = 0;  ///< the record whose place was written last
-    BlockWriter changes_, remarks_;
+    BlockWriter changes_, remarks_, keys_;
     std::int64_t first_ = 0, last_ = 0;  ///< records whose places are in `changes_`
     std::int64_t written_ = 0;           ///< number of the last block
     std::int64_t kept_ = 0;              ///< the header's
     std::int64_t standing_ = 0;          ///< block that the company is known to hold
-    std::int64_t remarkBlocks_ = 0;
+    std::int64_t remarkBlocks_ = 0, keyBlocks_ = 0;
+    std::string lastKey_;
     std::optional<Mark> mark_;
     std::int64_t flushedRemarks_ = 0;  ///< when, in milliseconds
 };

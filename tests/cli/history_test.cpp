@@ -29,7 +29,7 @@ class History : public testing::Test {
         before = companyRowsWithIds(*database);
     }
 
-    void record(const std::vector<std::string>& statements) {
+    void record(const std::vector<std::string>& statements, const std::vector<std::string>& keys = {}) {
         const auto database = machine.open();
         RunHeader head;
         head.job = "Grossisten";
@@ -39,6 +39,7 @@ class History : public testing::Test {
         RunRecord run(runs().path(), head);
         database->listen(&run);
         for (const std::string& statement : statements) database->execute(statement);
+        for (const std::string& key : keys) run.key(key);
         database->listen(nullptr);
         run.change([](RunHeader& header) { header.ended = "2026-11-23T08:15:00", header.outcome = "completed"; });
         run.close();
@@ -99,6 +100,25 @@ TEST_F(History, NamesThatFitNoOrManyRuns) {
     EXPECT_THAT(machine.err(), HasSubstr("Grossisten"));
     EXPECT_EQ(command({"undo", "../../etc"}), 1);
     EXPECT_EQ(command({"undo", ""}), 1);
+}
+
+TEST_F(History, ArticlesThatCameAndWentAreTold) {
+    record({}, {"4711", "4712", "4713"});
+    EXPECT_EQ(command({"compare", "last"}), 1) << "there is no run before";
+    const std::string first = runs().list()[0].id;
+    record({}, {"4713", "4711", "4711", "4714"});
+    std::string second;
+    for (const RunHeader& run : runs().list()) {
+        if (run.id != first) second = run.id;
+    }
+    EXPECT_EQ(command({"compare", second, "--with", first, "--json", "--save", machine.file("new.txt")}), 0)
+        << machine.err();
+    const Json told = Json::parse(machine.out());
+    EXPECT_EQ(told.at("new"), Json::array({"4714"}));
+    EXPECT_EQ(told.at("gone"), Json::array({"4712"}));
+    EXPECT_EQ(std::filesystem::file_size(machine.file("new.txt")),
+              std::string("Ny\t4714\r\ninte längre i filen\t4712\r\n").size());
+    EXPECT_EQ(command({"compare", first, "--with", first}), 0);
 }
 
 TEST_F(History, SavedChangesHoldNoFormulas) {
