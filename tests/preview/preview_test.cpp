@@ -34,7 +34,7 @@ std::map<std::string, std::string> contentOf(const fs::path& folder) {
 }
 
 /// Previews work in a folder of their own.
-class PreviewTest : public testing::Test {
+class PreviewOfAFile : public testing::Test {
   protected:
     static void SetUpTestSuite() {
         static const TemporaryFolder folder;
@@ -48,7 +48,7 @@ class PreviewTest : public testing::Test {
 
 std::string withoutLastLines(const std::string& text) { return text.substr(0, text.find("\nSekunder")); }
 
-TEST_F(PreviewTest, SaysWhatTheRunWillDoAndLeavesEveryFileAsItWas) {
+TEST_F(PreviewOfAFile, SaysWhatTheRunWillDoAndLeavesEveryFileAsItWas) {
     DemoMachine machine;
     for (const Job& job : JobFile(machine.data()).all()) {
         SCOPED_TRACE(job.name);
@@ -72,7 +72,7 @@ struct CommandCase {
     bool runs, told;
 };
 
-TEST_F(PreviewTest, RunsTheCommandOnlyWhenTold) {
+TEST_F(PreviewOfAFile, RunsTheCommandOnlyWhenTold) {
     const CommandCase cases[] = {{"the command ran unasked", {}, false, true},
                                  {"told again what the user has chosen", {"--no-prepare"}, false, false},
                                  {"the command did not run", {"--prepare"}, true, false}};
@@ -94,7 +94,7 @@ TEST_F(PreviewTest, RunsTheCommandOnlyWhenTold) {
 }
 
 /// What stops a run stops its preview before it has changed anything, and says the same.
-TEST_F(PreviewTest, StopsWhereARunStops) {
+TEST_F(PreviewOfAFile, StopsWhereARunStops) {
     World world;
     world.mask({.relations = {{1, "Nummer", 'S'}, {2, "Inpris"}}});
     const std::string title = world.text(text::prismain::kCannotFindPriceFile);
@@ -107,7 +107,7 @@ TEST_F(PreviewTest, StopsWhereARunStops) {
     EXPECT_FALSE(world.preview().summary.completed);
 }
 
-TEST_F(PreviewTest, SeesWhatOthersHaveCommittedButNotKept) {
+TEST_F(PreviewOfAFile, SeesWhatOthersHaveCommittedButNotKept) {
     World world;
     world.mask({.relations = {{1, "Nummer", 'S'}, {2, "Inpris"}}});
     world.priceFile("A\t1\r\nB\t2\r\n");
@@ -123,7 +123,7 @@ TEST_F(PreviewTest, SeesWhatOthersHaveCommittedButNotKept) {
     EXPECT_EQ(world.rows("Produkt", "Nummer, Inpris"), "A 0\n");
 }
 
-TEST_F(PreviewTest, LooksForRoomAndSweepsWhatAKilledProgramLeft) {
+TEST_F(PreviewOfAFile, LooksForRoomAndSweepsWhatAKilledProgramLeft) {
     const TemporaryFolder full, free;
     const std::vector<WorkPlace> places = {{full.path(), 10}, {"/nowhere", 1000}, {free.path(), 1000}};
     EXPECT_EQ(makeWorkFolder(places, 2000), nullptr);

@@ -10,6 +10,7 @@ set(file_only_tests
     TwoRuns.*                                    # a test process has one company on a server
     RunStops.NothingOfTheCompanyIsTouchedBeforeTheMaskIsKnown  # looks for the file
     RunStops.CompaniesThatCannotBeOpened         # files that are damaged, no database, locked by a password
+    PreviewOfAFile.*                             # a company file, and the folder that it lies in
     UndoOfAFile.*                                # a process that is killed with its session
 )
 list(JOIN file_only_tests ":" file_only_tests)
@@ -36,7 +37,7 @@ foreach(server postgresql mariadb)
   add_test(NAME ${server}.stop COMMAND ${script} stop ${server} ${folder})
   set_tests_properties(${server}.start PROPERTIES FIXTURES_SETUP ${server} TIMEOUT 120)
   set_tests_properties(${server}.stop PROPERTIES FIXTURES_CLEANUP ${server} TIMEOUT 60)
-  foreach(name import tradeformats undo)
+  foreach(name import tradeformats undo preview)
     add_server_tests(${server} ${name} "-${file_only_tests}")
   endforeach()
   foreach(name ${server_folders})

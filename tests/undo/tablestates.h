@@ -19,9 +19,11 @@ inline CompanyState stateOf(Database& database) {
     for (const TableDef& table : companySchema()) {
         TableState& rows = state[table.name];
         const auto records = database.open("SELECT * FROM " + table.name, RecordsetType::Snapshot, options::kReadOnly);
+        std::vector<int> ordinals;
+        for (const FieldDef& field : table.fields) ordinals.push_back(records->ordinal(field.name));
         for (; !records->eof(); records->moveNext()) {
-            std::vector<Value>& row = rows[std::get<std::int64_t>(records->value("ID"))];
-            for (const FieldDef& field : table.fields) row.push_back(records->value(field.name));
+            std::vector<Value>& row = rows[std::get<std::int64_t>(records->value(ordinals.front()))];
+            for (const int ordinal : ordinals) row.push_back(records->value(ordinal));
         }
     }
     return state;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "definitions/jobfile.h"
+#include "history/runrecord.h"
 #include "import/dispatcher.h"
 #include "import/preview/previewport.h"
 #include "import/preview/workplace.h"
@@ -82,11 +83,19 @@ Preview previewRun(ImportContext& context, std::string_view jobText, const Previ
 
     const OwnConnection ownConnection(state.sql);
     CompanyRegister companies(state, context.texts, boxes);
+    std::unique_ptr<RunRecord> record;
     PreviewMode mode;
     mode.runsCommand = options.runsCommand;
     mode.openCopy = [&](std::string_view company) {
         port.status(context.texts.ModulText(text::preview::kCopying));
-        return companies.ÖppnaKopia(company, result.folder->path() / "company", [&port] { return !port.cancelled(); });
+        const fs::path copy = result.folder->path() / "company";
+        if (!companies.ÖppnaKopia(company, copy, [&port] { return !port.cancelled(); })) return false;
+        RunHeader header;
+        header.kind = RunKind::Preview;
+        header.job = jobText;
+        record = std::make_unique<RunRecord>(result.folder->path(), std::move(header));
+        state.sql.FtgDB->listen(record.get());
+        return true;
     };
     ImportContext own{.state = state,
                       .texts = context.texts,
@@ -100,6 +109,10 @@ Preview previewRun(ImportContext& context, std::string_view jobText, const Previ
                       .trace = context.trace,
                       .mayWrite = {}};
     result.summary = Utför(own, jobText);
+    if (record) {
+        record->close();
+        result.record = std::make_unique<RecordReader>(record->file());
+    }
     result.told = port.told();
     if (!options.runsCommand && !options.withinRun) result.commandLeftOut = job.command;
     return result;

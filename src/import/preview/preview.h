@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "history/recordreader.h"
 #include "import/run/importcontext.h"
 #include "import/run/runsummary.h"
 #include "platform/privatefolder.h"
@@ -23,7 +24,8 @@ struct Preview {
     RunSummary summary;
     std::vector<std::string> told;          ///< what the run would tell at its end
     std::string commandLeftOut;             ///< the preparation command, where the job has one that was not carried out
-    std::unique_ptr<PrivateFolder> folder;  ///< holds what the preview leaves, as long as it is looked at
+    std::unique_ptr<PrivateFolder> folder;  ///< holds the record
+    std::unique_ptr<RecordReader> record;   ///< of the changes; none where the run did not reach its company
 };
 
 /// Carries out the current job to its end on a private copy of its company: the same code as `Utför`, but nothing of it
