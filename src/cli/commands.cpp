@@ -9,6 +9,7 @@
 #include "cli/explaincommand.h"
 #include "cli/historycommand.h"
 #include "cli/jobscommand.h"
+#include "cli/limitscommand.h"
 #include "cli/newcommand.h"
 #include "cli/previewcommand.h"
 #include "cli/repaircommand.h"
@@ -34,6 +35,9 @@ class Command {
     }
     CLI::Option* option(const char* name, std::string& value, ModuleKey purpose) {
         return command_.add_option(name, value, session_.text(purpose));
+    }
+    CLI::Option* list(const char* name, std::vector<std::string>& values, ModuleKey purpose) {
+        return command_.add_option(name, values, session_.text(purpose));
     }
     CLI::Option* flag(const char* name, bool& value, ModuleKey purpose) {
         return command_.add_flag(name, value, session_.text(purpose));
@@ -140,6 +144,14 @@ void addJobs(Commands& commands) {
             describePreparation(command, arguments);
         },
         explainCommand);
+    commands.add<LimitsArguments>(
+        "limits", text::help::kLimits,
+        [](Command& command, LimitsArguments& arguments) {
+            command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
+            command.list("--set", arguments.set, text::help::kSetLimit);
+            command.flag("--clear", arguments.clear, text::help::kClearLimits);
+        },
+        limitsCommand);
 }
 
 void addHistory(Commands& commands) {

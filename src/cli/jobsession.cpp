@@ -11,6 +11,7 @@
 #include "cli/nearnames.h"
 #include "import/run/filelook.h"
 #include "import/run/runmessage.h"
+#include "lang/keys/limits.h"
 #include "lang/keys/remark.h"
 #include "lang/keys/run.h"
 #include "lang/keys/terminal.h"
@@ -21,6 +22,7 @@ namespace {
 
 int exitCode(const RunSummary& summary) {
     if (summary.cancelled) return exitcode::kCancelled;
+    if (summary.beyondLimits) return exitcode::kBeyondLimits;
     if (!summary.completed) return exitcode::kStopped;
     return summary.hasFaults() ? exitcode::kPassedOver : exitcode::kDone;
 }
@@ -33,6 +35,8 @@ std::string outcome(Session& session, int code) {
             return session.text(text::terminal::kDoneWithRemarks);
         case exitcode::kCancelled:
             return session.text(text::run::kCancelled);
+        case exitcode::kBeyondLimits:
+            return session.text(text::limits::kForce);
         default:
             return session.text(text::terminal::kStopped);
     }

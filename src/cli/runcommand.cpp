@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "import/dispatcher.h"
+#include "import/preview/limitedrun.h"
 #include "lang/errortext.h"
 #include "lang/keys/terminal.h"
 
@@ -78,7 +78,7 @@ void TerminalRun::sayNotWritten(const PlatformError& error) {
 void TerminalRun::carryOut() {
     const auto job = job_.findJob();
     if (!job) return;
-    job_.carryOut(*job, [&](ImportContext& context) { return Utför(context, job->name); });
+    job_.carryOut(*job, [&](ImportContext& context) { return runWithinLimits(context, job->name); });
     if (job_.result.summary.completed) job_.printSummary();
     job_.tellOutcome();
 }

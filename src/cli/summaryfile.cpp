@@ -32,6 +32,8 @@ const char* outcomeOf(int exitCode) {
             return "done_with_remarks";
         case exitcode::kCancelled:
             return "cancelled";
+        case exitcode::kBeyondLimits:
+            return "beyond_limits";
         default:
             return "stopped";
     }

@@ -34,6 +34,10 @@ class TerminalPort final : public RunPort, public PassedOver {
     [[nodiscard]] bool cancelEndsPreparation() const override { return true; }
     ConfirmationAnswer confirm(const Confirmation& confirmation) override;
     bool readsDoubtful(const DoubtfulFile& file) override;
+    bool goesBeyondLimits(const LimitsBroken& broken) override {
+        print(broken.text);
+        return doubtful_ == Doubtful::All;
+    }
     void openJobSettings() override {}
     /// The summary says which records were left out, and the last line how it went, as the title does.
     void tell(const Message& message) override {

@@ -8,6 +8,7 @@
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
 #include "definitions/savemessages.h"
+#include "lang/errortext.h"
 #include "lang/keys/definitions.h"
 #include "lang/keys/prisstyr.h"
 #include "platform/attempt.h"
@@ -42,8 +43,29 @@ void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
     }
     const int row = placeOfDatabase(companies_, job.company.empty() ? state_.StandardFöretag : job.company);
     if (row >= 0) chooseCompany(row);
+    readLimits();
     begun_ = job;
     begunMask_ = chosenMaskName();
+}
+
+void JobEditor::readLimits() {
+    try {
+        if (shown_) limits = JobOptionsFile(state_.dataFolder()).limits(shown_->name);
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(texts_.ModulTextMed(text::limits::kUnreadable, kJobOptionsFile) + "\r\n\r\n" +
+                                 errorText(texts_, error));
+    }
+    begunLimits_ = limits;
+}
+
+/// The job is saved by then; limits that cannot be are told of.
+void JobEditor::saveLimits() {
+    if (limits == begunLimits_) return;
+    try {
+        JobOptionsFile(state_.dataFolder()).setLimits(job.name, limits);
+    } catch (const PlatformError& error) {
+        tell(error, text::definitions::kImportChangedNothingSaved, job.name);
+    }
 }
 
 std::string JobEditor::caption() const {
@@ -264,7 +286,9 @@ JobEditor::Outcome JobEditor::save() {
         }
     }
     try {
-        return {.JobbNr = JobFile(state_.dataFolder()).save(job, shown_)};
+        const int number = JobFile(state_.dataFolder()).save(job, shown_);
+        saveLimits();
+        return {.JobbNr = number};
     } catch (const PlatformError& error) {
         tell(error, text::definitions::kImportChangedNothingSaved,
              error.number() == errors::kDuplicateKey ? job.name : begun_.name);
@@ -272,6 +296,6 @@ JobEditor::Outcome JobEditor::save() {
     }
 }
 
-bool JobEditor::changed() const { return job != begun_ || chosenMaskName() != begunMask_; }
+bool JobEditor::changed() const { return job != begun_ || limits != begunLimits_ || chosenMaskName() != begunMask_; }
 
 }  // namespace kolmera

@@ -7,6 +7,7 @@
 
 #include "definitions/couplingeditor.h"
 #include "definitions/jobfile.h"
+#include "definitions/joboptions.h"
 #include "definitions/maskfile.h"
 #include "definitions/supplierlist.h"
 #include "startup/companylist.h"
@@ -33,7 +34,8 @@ class JobEditor {
 
     [[nodiscard]] bool isTradeFormat() const { return tradeFormat_; }
     [[nodiscard]] bool isFinfo() const { return tradeFormat_ && job.name == "(FINFO)"; }
-    Job job;  ///< the settings as typed; mask, company and supplier follow the choices below
+    Job job;        ///< the settings as typed; mask, company and supplier follow the choices below
+    Limits limits;  ///< what a run may change without asking; `save` writes them too
 
     /// The window's caption for a job that exists, empty for a new one.
     [[nodiscard]] std::string caption() const;
@@ -86,6 +88,8 @@ class JobEditor {
 
   private:
     void readCompany();
+    void readLimits();
+    void saveLimits();
     void readHeadings();
     void readMasks();
     [[nodiscard]] std::filesystem::path priceFile() const;
@@ -107,6 +111,7 @@ class JobEditor {
     bool tradeFormat_ = false;
     std::optional<Job> shown_;  ///< as it is stored; none for a new one
     Job begun_;                 ///< as the window first showed it
+    Limits begunLimits_;
     std::string begunMask_;
     std::vector<Company> companies_;
     int companyRow_ = -1;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "definitions/definitionfile.h"
+#include "definitions/joboptions.h"
 #include "platform/attempt.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
@@ -179,6 +180,13 @@ int JobFile::save(const Job& job, const std::optional<Job>& shown) {
     if (shown) expectUnchanged(jobOf(shown->number, file.read(shown->number)), *shown, kLayout);
     if (!shown || shown->name != job.name) refuseTakenName(file, job);
     const int number = put(file, job);
+    const std::string name = file.read(number).text(field(kJob, "Namn"));
+    if (shown && shown->name != name) {
+        const bool stays = std::ranges::count(jobsOf(file), shown->name, &Job::name) > 0;
+        renameJobOptions(change.text(kJobOptionsFile), shown->name, name, stays);
+    } else if (!shown) {
+        removeJobOptions(change.text(kJobOptionsFile), name);  // of a job that another program has removed
+    }
     change.commit();
     return number;
 }
@@ -191,6 +199,7 @@ void JobFile::remove(const std::vector<Job>& shown) {
     std::erase_if(stored, [&](const Job& job) { return job.name != shown.front().name; });
     expectUnchanged(stored, shown, kLayout);
     file.keepOnly([&](int, Record& record) { return record.text(field(kJob, "Namn")) != shown.front().name; });
+    removeJobOptions(change.text(kJobOptionsFile), shown.front().name);
     change.commit();
 }
 

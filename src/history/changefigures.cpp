@@ -152,6 +152,28 @@ bool isPrice(std::string_view table, int column) {
     return table == kSupplierPrices && column >= kFirstPriceOfList && column <= kLastPriceOfList;
 }
 
+std::int64_t rowsBeyond(NetChanges& changes, std::string_view table, double percent) {
+    SqliteStatement cells(changes.connection(),
+                          "SELECT cell.n, percent, row.tab FROM cell JOIN row ON row.n = cell.n >> " +
+                              std::to_string(NetChanges::kColumnBits) + " WHERE abs(percent) > ?1 ORDER BY cell.n");
+    cells.bind(1, Value(percent));
+    std::int64_t rows = 0;
+    std::int64_t counted = 0;  // rows count from 1
+    while (cells.step()) {
+        const std::int64_t cell = cells.integer(0);
+        const std::int64_t row = NetChanges::rowOf(cell);
+        const std::string& name = changes.tables()[static_cast<std::size_t>(cells.integer(2))].name;
+        Value changed;
+        cells.read(1, FieldType::Double, changed);
+        const bool counts =
+            name == table && isPrice(name, NetChanges::columnOf(cell)) && std::isfinite(number(changed));
+        if (!counts || row == counted) continue;
+        counted = row;
+        ++rows;
+    }
+    return rows;
+}
+
 const PriceFigures* ChangeFigures::headline() const {
     constexpr std::int64_t kFew = 10;
     const auto changed = [](const PriceFigures& price) { return price.raised + price.lowered; };

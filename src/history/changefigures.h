@@ -62,6 +62,9 @@ struct ChangeFigures {
     [[nodiscard]] const PriceFigures* headline() const;
 };
 
+/// Rows of a table of which a price changed by more than so many per cent, up or down. Prices that were 0 do not count.
+std::int64_t rowsBeyond(NetChanges& changes, std::string_view table, double percent);
+
 /// `counts` as in the head of the record.
 ChangeFigures changeFigures(NetChanges& changes, const std::string& counts);
 

@@ -73,6 +73,16 @@ Records readRecords(const fs::path& file, const RecordLayout& layout) {
     return readNow(file, layout);
 }
 
+std::string readWholeText(const fs::path& folder, std::string_view name) {
+    return naming(name, [&]() -> std::string {
+        completeInterrupted(folder);
+        const fs::path file = findWithoutCase(folder, std::string(name));
+        std::error_code error;
+        if (fs::symlink_status(file, error).type() == fs::file_type::not_found) return {};
+        return contentOf(Descriptor(file, O_RDONLY));
+    });
+}
+
 RecordSnapshot::RecordSnapshot(fs::path folder) : folder_(std::move(folder)) {
     do {
         lock_.reset();
@@ -100,6 +110,19 @@ Records& RecordChange::file(const RecordLayout& layout, std::string_view name) {
     });
 }
 
+std::string& RecordChange::text(std::string_view name) {
+    const fs::path path = findWithoutCase(folder_, std::string(name));
+    for (Text& text : texts_) {
+        if (text.path == path) return text.content;
+    }
+    return naming(name, [&]() -> std::string& {
+        Descriptor old = openForChange(path);
+        std::string content = old.isOpen() ? contentOf(old) : std::string();
+        std::string before = content;
+        return texts_.emplace_back(Text{path, std::move(old), std::move(content), std::move(before)}).content;
+    });
+}
+
 void RecordChange::commit() {
     constexpr unsigned kOwnerOnly = 0600, kEverybody = 0666;
     Replacement replacement(folder_);
@@ -107,6 +130,10 @@ void RecordChange::commit() {
         if (file.records.bytes() == file.before) continue;
         const unsigned mode = file.layout.ownerOnly ? kOwnerOnly : kEverybody;
         replacement.add(file.path.filename().string(), file.records.bytes(), file.old, mode);
+    }
+    for (const Text& text : texts_) {
+        if (text.content != text.before)
+            replacement.add(text.path.filename().string(), text.content, text.old, kEverybody);
     }
     replacement.commit();
 }

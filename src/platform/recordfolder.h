@@ -3,6 +3,7 @@
 #include <deque>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/folderlock.h"
@@ -16,6 +17,9 @@ namespace kolmera {
 /// The records of one file. A missing one is made empty; where the folder cannot be written it only reads as empty. A
 /// folder that does not exist is an error.
 Records readRecords(const std::filesystem::path& file, const RecordLayout& layout);
+
+/// The content of a file that has no records; empty for a missing one, which is not made.
+std::string readWholeText(const std::filesystem::path& folder, std::string_view name);
 
 /// Several files as they are at one moment: nobody changes them while this object lives.
 class RecordSnapshot {
@@ -41,6 +45,8 @@ class RecordChange {
     /// The records of a file as they are now, empty for a missing one; to be changed in place. `name` is the file's
     /// where several have one layout.
     Records& file(const RecordLayout& layout, std::string_view name = {});
+    /// The same with a file that has no records.
+    std::string& text(std::string_view name);
     /// The last call. Without it nothing has changed.
     void commit();
 
@@ -52,9 +58,15 @@ class RecordChange {
         Records records;
         std::string before;
     };
+    struct Text {
+        std::filesystem::path path;
+        Descriptor old;
+        std::string content, before;
+    };
     std::filesystem::path folder_;
     FolderLock lock_;
     std::deque<File> files_;
+    std::deque<Text> texts_;
 };
 
 }  // namespace kolmera

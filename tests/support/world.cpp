@@ -12,6 +12,7 @@
 #include "definitions/datafolder.h"
 #include "definitions/targetcodes.h"
 #include "import/dispatcher.h"
+#include "import/preview/limitedrun.h"
 #include "platform/encodings.h"
 #include "startup/newcompany.h"
 #include "support/testserver.h"
@@ -200,11 +201,22 @@ Preview World::preview(const PreviewOptions& options) {
 RunSummary World::run() {
     RunSummary summary;
     carryOut([&](ImportContext& context) { summary = Utför(context, job.name); });
+    notePassedOver(summary);
+    return summary;
+}
+
+RunSummary World::runWithinLimits() {
+    RunSummary summary;
+    carryOut([&](ImportContext& context) { summary = kolmera::runWithinLimits(context, job.name); });
+    notePassedOver(summary);
+    return summary;
+}
+
+void World::notePassedOver(const RunSummary& summary) {
     for (const RunReport::Failure& failure : summary.report.failures()) {
         const std::string statement = failure.statement + ": " + std::to_string(failure.error.number());
         port.passedOver.insert(port.passedOver.end(), static_cast<std::size_t>(failure.count), statement);
     }
-    return summary;
 }
 
 std::string World::rows(std::string_view table, std::string_view columns) const {

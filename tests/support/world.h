@@ -66,6 +66,7 @@ class World {
     Job job;
 
     RunSummary run();
+    RunSummary runWithinLimits();
     Preview preview(const PreviewOptions& options = {});
 
     /// The rows of a table in the order in which they were made, one a line: values separated by blanks, numbers with
@@ -89,6 +90,7 @@ class World {
 
   private:
     Database& database() const;
+    void notePassedOver(const RunSummary& summary);
     void carryOut(const std::function<void(ImportContext&)>& work);
 
     bool server_;

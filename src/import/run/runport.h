@@ -34,6 +34,11 @@ struct DoubtfulFile {
     bool otherNumbers = false;  ///< its numbers are written as in the other locale
 };
 
+/// Limits of the job that a run would break, in the user's words.
+struct LimitsBroken {
+    std::string title, text, question;
+};
+
 /// What a run asks of its surroundings: the main window, the terminal, or a test's script.
 class RunPort : public MessagePort {
   public:
@@ -47,6 +52,15 @@ class RunPort : public MessagePort {
     virtual ConfirmationAnswer confirm(const Confirmation& confirmation) = 0;
     /// Whether such a file is read all the same. Nothing has been changed yet.
     virtual bool readsDoubtful(const DoubtfulFile& file) = 0;
+    /// Whether the run goes on beyond the limits of its job. Nothing has been changed yet.
+    virtual bool goesBeyondLimits(const LimitsBroken& broken) {
+        Message message;
+        message.text = broken.text + "\r\n\r\n" + broken.question;
+        message.title = broken.title;
+        message.buttons = Buttons::YesNo;
+        message.secondIsDefault = true;
+        return show(message) == Answer::Yes;
+    }
     virtual void openJobSettings() = 0;  ///< the user asked to mend the job
     /// What the run found in its price file; told once, at the end, when not all of it was used as it stands. An
     /// information when records were left out, and that is all.

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "definitions/savemessages.h"
-#include "import/dispatcher.h"
+#include "import/preview/limitedrun.h"
 #include "import/window/jobicons.h"
 #include "import/window/joblistmodel.h"
 #include "import/window/runpanel.h"
@@ -261,7 +261,7 @@ void PrisMain::utför() {
     running_ = true;
     present();
     runPanel_->clearCancel();
-    Utför(context, jobs_.jobName());
+    runWithinLimits(context, jobs_.jobName());
     running_ = false;
     if (runPanel_->isVisible()) runPanel_->runMode(false);
     present();

@@ -1,0 +1,109 @@
+#include "definitions/joboptions.h"
+
+#include <nlohmann/json.hpp>
+
+#include "platform/error.h"
+#include "platform/recordfolder.h"
+
+namespace kolmera {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kJobs = "jobs";
+constexpr const char* kLimitsMember = "limits";
+
+[[noreturn]] void refuse() {
+    throw PlatformError(errors::kDamaged, "not the options of jobs").about(std::string(kJobOptionsFile));
+}
+
+/// The file; an object whose member "jobs", where it has one, is an object of objects. Nothing where it is not.
+std::optional<Json> parsed(const std::string& content) {
+    if (content.empty()) return Json::object();
+    Json file = Json::parse(content, nullptr, false);
+    if (!file.is_object()) return std::nullopt;
+    const Json jobs = file.value(kJobs, Json::object());
+    if (!jobs.is_object()) return std::nullopt;
+    for (const Json& job : jobs) {
+        if (!job.is_object()) return std::nullopt;
+    }
+    return file;
+}
+
+std::string textOf(const Json& file) { return file.dump(2) + '\n'; }
+
+Json& child(Json& object, std::string_view name) {
+    Json& member = object[std::string(name)];
+    if (!member.is_object()) member = Json::object();
+    return member;
+}
+
+void removeEmpty(Json& object, std::string_view name) {
+    const auto member = object.find(std::string(name));
+    if (member != object.end() && member->empty()) object.erase(member);
+}
+
+Limits limitsOf(const Json& job) {
+    Limits limits;
+    const Json stored = job.value(kLimitsMember, Json::object());
+    if (!stored.is_object()) refuse();
+    for (const LimitKind& kind : kLimits) {
+        const auto value = stored.find(std::string(kind.name));
+        if (value == stored.end()) continue;
+        if (!value->is_number() || value->get<double>() < 0) refuse();
+        limits.*kind.value = value->get<double>();
+    }
+    return limits;
+}
+
+}  // namespace
+
+Limits JobOptionsFile::limits(std::string_view job) const {
+    const std::optional<Json> file = parsed(readWholeText(folder_, kJobOptionsFile));
+    if (!file) refuse();
+    const Json jobs = file->value(kJobs, Json::object());
+    const auto found = jobs.find(std::string(job));
+    return found == jobs.end() ? Limits{} : limitsOf(*found);
+}
+
+void JobOptionsFile::setLimits(std::string_view job, const Limits& limits) {
+    RecordChange change(folder_);
+    std::string& content = change.text(kJobOptionsFile);
+    std::optional<Json> file = parsed(content);
+    if (!file) refuse();
+    Json& jobs = child(*file, kJobs);
+    Json& options = child(jobs, job);
+    Json& stored = child(options, kLimitsMember);
+    for (const LimitKind& kind : kLimits) {
+        const std::optional<double>& value = limits.*kind.value;
+        if (value) {
+            stored[std::string(kind.name)] = *value;
+        } else {
+            stored.erase(std::string(kind.name));
+        }
+    }
+    removeEmpty(options, kLimitsMember);
+    removeEmpty(jobs, job);
+    content = textOf(*file);
+    change.commit();
+}
+
+void renameJobOptions(std::string& content, std::string_view from, std::string_view to, bool copies) {
+    std::optional<Json> file = content.empty() ? std::nullopt : parsed(content);
+    if (!file || !file->contains(kJobs)) return;
+    Json& jobs = (*file)[kJobs];
+    const auto options = jobs.find(std::string(from));
+    if (options == jobs.end()) return;
+    Json moved = *options;
+    if (!copies) jobs.erase(options);
+    jobs[std::string(to)] = std::move(moved);
+    content = textOf(*file);
+}
+
+void removeJobOptions(std::string& content, std::string_view job) {
+    std::optional<Json> file = content.empty() ? std::nullopt : parsed(content);
+    if (!file || !file->contains(kJobs) || (*file)[kJobs].erase(std::string(job)) == 0) return;
+    content = textOf(*file);
+}
+
+}  // namespace kolmera

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "lang/keys/limits.h"
+
+namespace kolmera {
+
+/// What a run of a job may change without asking. A limit that is not set limits nothing.
+struct Limits {
+    std::optional<double> changePercent = {};   ///< a price change beyond it is a large one; without it 10
+    std::optional<double> changeShare = {};     ///< largest share of products with a large price change, in per cent
+    std::optional<double> largestChange = {};   ///< of one price, in per cent
+    std::optional<double> zeroPrices = {};      ///< most prices that become 0
+    std::optional<double> unmatchedShare = {};  ///< largest share of records that found no product, in per cent
+    std::optional<double> fewestRecords = {};
+
+    static constexpr double kLargeChange = 10;
+
+    /// Whether there is anything to look into.
+    [[nodiscard]] bool any() const {
+        return changeShare || largestChange || zeroPrices || unmatchedShare || fewestRecords;
+    }
+    bool operator==(const Limits&) const = default;
+};
+
+struct LimitKind {
+    std::string_view name;  ///< in the file and on the command line
+    std::optional<double> Limits::*value;
+    ModuleKey text;
+};
+
+/// One row a limit.
+inline constexpr LimitKind kLimits[] = {
+    {"change-percent", &Limits::changePercent, text::limits::kChangePercent},
+    {"change-share", &Limits::changeShare, text::limits::kChangeShare},
+    {"largest-change", &Limits::largestChange, text::limits::kLargestChange},
+    {"zero-prices", &Limits::zeroPrices, text::limits::kZeroPrices},
+    {"unmatched-share", &Limits::unmatchedShare, text::limits::kUnmatchedShare},
+    {"fewest-records", &Limits::fewestRecords, text::limits::kFewestRecords},
+};
+
+/// What is kept of a job beside its fixed record: KOLMERA.JSON of the data folder, by the job's name. Members that this
+/// version does not know stay. Throws PlatformError: kDamaged for a file that cannot be understood.
+class JobOptionsFile {
+  public:
+    explicit JobOptionsFile(std::filesystem::path dataFolder) : folder_(std::move(dataFolder)) {}
+
+    /// None where there is no file, or nothing in it about the job.
+    [[nodiscard]] Limits limits(std::string_view job) const;
+    void setLimits(std::string_view job, const Limits& limits);
+
+  private:
+    std::filesystem::path folder_;
+};
+
+// The file within a change of KOLMERA.TXT. `content` is its text, empty for a missing file; one that cannot be
+// understood stays as it is.
+inline constexpr std::string_view kJobOptionsFile = "KOLMERA.JSON";
+/// `copies` where another job keeps the old name.
+void renameJobOptions(std::string& content, std::string_view from, std::string_view to, bool copies);
+void removeJobOptions(std::string& content, std::string_view job);
+
+}  // namespace kolmera
