@@ -107,8 +107,12 @@ int UndoCommand::run() {
     if (!run) return exitcode::kStopped;
     if (run->kind == RunKind::Preview) return stop(text::history::kPreviewChangedNothing, run->id);
     company_ = run->companyFile;
-    if (!companies_.ÖppnaDatabas(company_)) return goOn() ? exitcode::kStopped : exitcode::kCancelled;
-    return takeBack(*run);
+    try {
+        if (companies_.ÖppnaDatabas(company_)) return takeBack(*run);
+    } catch (const PlatformError&) {
+        if (goOn()) throw;
+    }
+    return goOn() ? exitcode::kStopped : exitcode::kCancelled;
 }
 
 int UndoCommand::takeBack(const RunHeader& run) {

@@ -29,9 +29,13 @@ std::string list(std::span<const Value> values) {
 
 std::vector<Value> valuesOf(std::span<const std::int64_t> ids) { return {ids.begin(), ids.end()}; }
 
+bool hasIds(const TableDef& table) { return std::ranges::count(table.fields, true, &FieldDef::counter) > 0; }
+
 std::string columnList(const TableDef& table, std::span<const int> columns) {
-    std::string text = table.fields[static_cast<std::size_t>(idColumn(table))].name;
-    for (const int column : columns) text += fmt::format(", [{}]", table.fields[static_cast<std::size_t>(column)].name);
+    std::string text = hasIds(table) ? table.fields[static_cast<std::size_t>(idColumn(table))].name : std::string();
+    for (const int column : columns) {
+        text += fmt::format("{}[{}]", text.empty() ? "" : ", ", table.fields[static_cast<std::size_t>(column)].name);
+    }
     return text;
 }
 
@@ -58,6 +62,7 @@ PresentRows readRows(Database& database, const TableDef& table, std::span<const 
 PresentRows readRowsWith(Database& database, const TableDef& table, std::span<const int> columns, int column,
                          std::span<const Value> values) {
     PresentRows rows;
+    const bool withIds = hasIds(table);
     for (; !values.empty(); values = values.subspan(std::min<std::size_t>(values.size(), kRowsAtOnce))) {
         const auto records =
             database.open(fmt::format("SELECT {} FROM [{}] WHERE [{}] IN {}", columnList(table, columns), table.name,
@@ -65,9 +70,12 @@ PresentRows readRowsWith(Database& database, const TableDef& table, std::span<co
                                       list(values.first(std::min<std::size_t>(values.size(), kRowsAtOnce)))),
                           RecordsetType::Snapshot, options::kReadOnly);
         for (; !records->eof(); records->moveNext()) {
-            std::vector<Value>& row = rows[std::get<std::int64_t>(records->value(0))];
+            const std::int64_t counted = -static_cast<std::int64_t>(rows.size()) - 1;
+            std::vector<Value>& row = rows[withIds ? std::get<std::int64_t>(records->value(0)) : counted];
             row.clear();
-            for (std::size_t i = 0; i < columns.size(); ++i) row.push_back(records->value(static_cast<int>(i) + 1));
+            for (std::size_t i = 0; i < columns.size(); ++i) {
+                row.push_back(records->value(static_cast<int>(i) + (withIds ? 1 : 0)));
+            }
         }
     }
     return rows;

@@ -25,7 +25,8 @@ std::string rowsStatement(const TableDef& table, std::span<const std::int64_t> i
 PresentRows readRows(Database& database, const TableDef& table, std::span<const int> columns,
                      std::span<const std::int64_t> ids);
 
-/// The rows that have one of these values in a column, with the values of `columns`.
+/// The rows that have one of these values in a column, with the values of `columns`. Those of a table without IDs are
+/// counted from -1 down.
 PresentRows readRowsWith(Database& database, const TableDef& table, std::span<const int> columns, int column,
                          std::span<const Value> values);
 

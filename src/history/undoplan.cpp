@@ -73,7 +73,10 @@ std::vector<Value> keyBack(const NetRow& row, std::span<const int> columns, cons
     return key;
 }
 
-std::string placeOf(const TableDef& table, std::int64_t id) { return fmt::format("{}, ID {}", table.name, id); }
+std::string placeOf(const TableDef& table, std::int64_t id) {
+    const bool hasId = std::ranges::count(table.fields, true, &FieldDef::counter) > 0;
+    return hasId ? fmt::format("{}, ID {}", table.name, id) : table.name;
+}
 
 /// The tables of a run in the order in which rows can be removed: those that name others first.
 std::vector<int> inOrder(const NetRows& net) {

@@ -329,6 +329,22 @@ TEST(Undo, IsFinishedByTheNextOne) {
     }
 }
 
+TEST(UndoOfAFile, AProductThatAnotherProgramsTableNamesStays) {
+    World world;
+    const auto database = world.open();
+    database->execute("CREATE TABLE Orderrad (Produktnr TEXT, Antal REAL)");
+    const CompanyState before = stateOf(*database);
+    for (const char* number : {"A", "B"}) {
+        database->execute(fmt::format("INSERT INTO Produkt (Nummer) VALUES ('{}')", number));
+    }
+    const CompanyState after = stateOf(*database);
+    database->execute("INSERT INTO Orderrad VALUES ('B', 1)");
+    const std::vector<KeptRow> kept = undo(*database, before, after);
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept[0].by, "Orderrad");
+    EXPECT_EQ(world.rows("Produkt", "Nummer"), "B\n");
+}
+
 TEST(UndoOfAFile, IsFinishedAfterAKill) {
     Random random(8);
     RandomWorld world(random, 2, 100);
