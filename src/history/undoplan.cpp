@@ -9,6 +9,7 @@
 #include "db/companyschema.h"
 #include "history/references.h"
 #include "platform/engine/fieldvalue.h"
+#include "platform/error.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -239,6 +240,14 @@ std::vector<UndoPlan::Naming> UndoPlan::namingOf(const TableDef& table) {
         const int named = table.ordinal(reference.byColumn);
         if (column >= 0 && named >= 0) naming.push_back({&by, column, named});
     };
+    // A table with columns of types that the suite has not cannot be read by it, nor be one of its companies' own.
+    const auto takeForeign = [&](const Reference& reference, const std::string& name) {
+        try {
+            take(reference, database_.table(name));
+        } catch (const PlatformError& error) {
+            if (error.endsRun()) throw;
+        }
+    };
     for (const std::string& name : database_.tableNames()) {
         const bool known = std::ranges::any_of(own, [&](const TableDef& one) { return equalNoCase(one.name, name); });
         for (const Reference& reference : kReferences) {
@@ -246,7 +255,7 @@ std::vector<UndoPlan::Naming> UndoPlan::namingOf(const TableDef& table) {
             if (names) take(reference, database_.table(name));
         }
         for (const Reference& reference : kForeignReferences) {
-            if (!known && equalNoCase(reference.named, table.name)) take(reference, database_.table(name));
+            if (!known && equalNoCase(reference.named, table.name)) takeForeign(reference, name);
         }
     }
     return naming;

@@ -332,7 +332,7 @@ TEST(Undo, IsFinishedByTheNextOne) {
 TEST(UndoOfAFile, AProductThatAnotherProgramsTableNamesStays) {
     World world;
     const auto database = world.open();
-    database->execute("CREATE TABLE Orderrad (Produktnr TEXT, Antal REAL)");
+    database->execute("CREATE TABLE Orderrad (Produktnr TEXT(20), Antal DOUBLE)");
     const CompanyState before = stateOf(*database);
     for (const char* number : {"A", "B"}) {
         database->execute(fmt::format("INSERT INTO Produkt (Nummer) VALUES ('{}')", number));
