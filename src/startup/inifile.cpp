@@ -17,11 +17,6 @@ std::string iniValue(const std::filesystem::path& file, int number) {
     return readRecords(file, kLayout).read(number).text(field(kIniPost, "Värde"));
 }
 
-void writeIniValue(const std::filesystem::path& file, int number, const std::string& key, const std::string& value) {
-    const IniLine line[] = {{key, value}};
-    writeIniValues(file, number, line);
-}
-
 void writeIniValues(const std::filesystem::path& file, int first, std::span<const IniLine> lines) {
     RecordChange change(file.parent_path());
     Records& records = change.file(kLayout, file.filename().string());
