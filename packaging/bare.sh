@@ -15,8 +15,8 @@ in_root /kolmera/run >"$log" 2>&1 </dev/null || {
     exit 1
 }
 
-# Each job ran and shows products that it changed or made.
-jobs=$(tail -n +2 data/demo/jobs.tsv | cut -f 1)
+# Each job ran and shows products that it changed or made, but for those that their limits stop.
+jobs=$(tail -n +2 data/demo/jobs.tsv | cut -f 1 | grep -vxF -f <(tail -n +2 data/demo/limits.tsv | cut -f 1))
 while IFS= read -r job; do
     awk -v heading="== $job" '/^== / { on = $0 == heading } on && /purchase price|new at/ { found = 1 } END { exit !found }' "$log" ||
         { echo "FAILED: the job $job changed nothing on a bare $suite; $log" >&2; exit 1; }

@@ -6,6 +6,7 @@
 
 #include "definitions/couplingfile.h"
 #include "definitions/jobfile.h"
+#include "definitions/joboptions.h"
 #include "definitions/maskfile.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
@@ -156,6 +157,19 @@ void addJobs(const fs::path& source, const fs::path& dataFolder) {
     }
 }
 
+void addLimits(const fs::path& source, const fs::path& dataFolder) {
+    JobOptionsFile options(dataFolder);
+    const Tsv table = Tsv::read(source / "limits.tsv");
+    for (const auto& row : table.rows) {
+        const Cells cells(table, row);
+        Limits limits;
+        for (const LimitKind& kind : kLimits) {
+            if (!cells.text(kind.name).empty()) limits.*kind.value = cells.number(kind.name);
+        }
+        options.setLimits(cells.text("job"), limits);
+    }
+}
+
 void addCouplings(const fs::path& source, const fs::path& dataFolder) {
     CouplingFile couplings(dataFolder);
     const Tsv table = Tsv::read(source / "couplings.tsv");
@@ -178,6 +192,7 @@ void fillDemoCompany(const fs::path& source, const fs::path& dataFolder, const f
     fillTables(source, companyFile, locale);
     addMasks(source, dataFolder);
     addJobs(source, dataFolder);
+    addLimits(source, dataFolder);
     addCouplings(source, dataFolder);
     fs::copy(source / "prisfiler", dataFolder / "Prisfiler", fs::copy_options::recursive);
 }

@@ -54,6 +54,24 @@ TEST(Demo, JobsDoWhatTheirFilesSay) {
     }
 }
 
+TEST(Demo, AListWithSlippedDecimalsIsStoppedByItsLimits) {
+    DemoMachine machine;
+    machine.runJob("Bruknäs skruv och beslag");
+    const auto prices = [&] {
+        const auto database = machine.open();
+        const auto products = database->open("SELECT Inpris FROM Produkt ORDER BY ID", RecordsetType::Snapshot);
+        double sum = 0;
+        for (; !products->eof(); products->moveNext()) sum += std::get<double>(products->value(0));
+        return sum;
+    };
+    const double before = prices();
+    EXPECT_EQ(machine.runJob("Bruknäs höstlista"), 4) << machine.err();
+    EXPECT_NE(machine.err().find("25,9 (gränsen är 10)"), std::string::npos) << machine.err();
+    EXPECT_EQ(prices(), before);
+    EXPECT_EQ(machine.runJob("Bruknäs höstlista", {"--force"}), 0) << machine.err();
+    EXPECT_GT(prices(), 1.5 * before);
+}
+
 // Worked out by hand from the settings of the demo company.
 TEST(Demo, PricesAreRight) {
     DemoMachine machine;
