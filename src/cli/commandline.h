@@ -23,9 +23,9 @@ struct Surroundings {
 /// Exit codes of the program.
 namespace exitcode {
 inline constexpr int kDone = 0;
-inline constexpr int kStopped = 1;     ///< stopped by a message
-inline constexpr int kUsage = 2;       ///< the command line is wrong
-inline constexpr int kPassedOver = 3;  ///< done, but statements were passed over
+inline constexpr int kStopped = 1;       ///< stopped by a message
+inline constexpr int kUsage = 2;         ///< the command line is wrong
+inline constexpr int kPassedOver = 3;    ///< done, but statements were passed over
 inline constexpr int kBeyondLimits = 4;  ///< nothing was written: the limits of the job would have been broken
 inline constexpr int kCancelled = 130;
 }  // namespace exitcode

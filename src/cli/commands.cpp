@@ -134,6 +134,8 @@ void addJobs(Commands& commands) {
         [](Command& command, PreviewArguments& arguments) {
             describeJob(command, arguments);
             describePreparation(command, arguments);
+            command.flag("--json", arguments.output.json, text::help::kJson);
+            command.option("--save", arguments.output.file, text::help::kSaveChanges);
         },
         previewCommand);
     commands.add<ExplainArguments>(

@@ -2,36 +2,56 @@
 
 #include <ostream>
 
+#include "history/runfolder.h"
+#include "history/warnings.h"
 #include "import/preview/preview.h"
 #include "lang/keys/preview.h"
 #include "platform/lettercase.h"
 
 namespace kolmera::cli {
 
+namespace {
+
+/// Prints or saves the changes; false when that was cancelled.
+bool printChanges(Session& session, const RecordReader& record, const ChangeOutput& output,
+                  const Surroundings& surroundings) {
+    const std::vector<RunHeader> runs = RunFolder(session.state.dataFolder()).list();
+    return cli::printChanges(session, record, previousRun(runs, record.header()), output, surroundings);
+}
+
+void tellAbout(const Preview& preview, const PreviewArguments& arguments, Session& session, std::ostream& err) {
+    for (const std::string& text : preview.told) err << replaceAll(text, "\r\n", "\n") << '\n';
+    if (!preview.commandLeftOut.empty() && !arguments.noPrepare)
+        err << session.text(text::preview::kCommandNotRun, preview.commandLeftOut) << '\n';
+}
+
+}  // namespace
+
 int previewCommand(const PreviewArguments& arguments, const Surroundings& machine) {
     const Surroundings surroundings = inLocale(machine, arguments.locale);
-    JobSession session(arguments, surroundings);
-    const auto job = session.findJob();
-    if (!job) return session.result.exitCode;
+    JobSession command(arguments, surroundings);
+    Session& session = command.session;
+    const auto job = command.findJob();
+    if (!job) return exitcode::kStopped;
     Preview preview;
-    session.carryOut(*job, [&](ImportContext& context) {
+    command.carryOut(*job, [&](ImportContext& context) {
         preview =
             previewRun(context, job->name, {.emptyTables = arguments.emptyTables, .runsCommand = arguments.prepare});
         return preview.summary;
     });
-    for (const std::string& text : preview.told) surroundings.err << replaceAll(text, "\r\n", "\n") << '\n';
-    if (!preview.commandLeftOut.empty() && !arguments.noPrepare)
-        surroundings.err << session.session.text(text::preview::kCommandNotRun, preview.commandLeftOut) << '\n';
-    const RunResult& result = session.result;
-    if (!result.summary.completed || result.summary.cancelled) {
-        session.tellOutcome();
-        return result.exitCode;
+    tellAbout(preview, arguments, session, surroundings.err);
+    const int code = command.result.exitCode;
+    if (!preview.summary.completed || preview.summary.cancelled || !preview.record) {
+        command.tellOutcome();
+        return code == exitcode::kDone ? exitcode::kStopped : code;
     }
-    session.printSummary();
-    const bool asItStands = result.exitCode == exitcode::kDone;
-    (asItStands ? surroundings.out : surroundings.err)
-        << session.session.text(asItStands ? text::preview::kNothingChanged : text::preview::kWithRemarks) << '\n';
-    return result.exitCode;
+    if (!arguments.output.json) command.printSummary();
+    const bool wanted = arguments.output.json || !arguments.output.file.empty();
+    if (wanted && !printChanges(session, *preview.record, arguments.output, surroundings)) return exitcode::kCancelled;
+    const bool asItStands = code == exitcode::kDone;
+    std::ostream& stream = asItStands && !arguments.output.json ? surroundings.out : surroundings.err;
+    stream << session.text(asItStands ? text::preview::kNothingChanged : text::preview::kWithRemarks) << '\n';
+    return code;
 }
 
 }  // namespace kolmera::cli

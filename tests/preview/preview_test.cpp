@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <nlohmann/json.hpp>
 
 #include "cli/climachine.h"
 #include "definitions/jobfile.h"
@@ -91,6 +92,17 @@ TEST_F(PreviewOfAFile, RunsTheCommandOnlyWhenTold) {
         EXPECT_EQ(fs::exists(machine.file("ran")), c.runs);
         EXPECT_EQ(machine.err().find("--prepare") != std::string::npos, c.told) << machine.err();
     }
+}
+
+TEST_F(PreviewOfAFile, GivesItsChangesAsJsonAndAsAFile) {
+    DemoMachine machine;
+    EXPECT_EQ(machine.run({"preview", "(EIO)", "--json", "--data", machine.data()}), 3);
+    const auto shown = nlohmann::json::parse(machine.out());  // nothing else may be said there
+    EXPECT_GT(shown["changes"].size(), 200U);
+    EXPECT_EQ(machine.run({"preview", "(EIO)", "--save", machine.file("changes.tsv"), "--data", machine.data()}), 3);
+    EXPECT_NE(readWholeFile(machine.file("changes.tsv")).find("0400203"), std::string::npos);
+    EXPECT_EQ(machine.run({"preview", "Ingen", "--json", "--data", machine.data()}), 1);
+    EXPECT_EQ(machine.out(), "");
 }
 
 /// What stops a run stops its preview before it has changed anything, and says the same.
