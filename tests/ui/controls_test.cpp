@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -10,6 +12,7 @@
 
 #include "lang/keys/shared.h"
 #include "support/qt/formworld.h"
+#include "ui/filedialogs.h"
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"
 #include "ui/qttext.h"
@@ -142,6 +145,25 @@ TEST(QtMessagePortTest, HelpLeavesTheBoxOpen) {
         QTest::mouseClick(&boxButton(box, "&Ja"), Qt::LeftButton);
     });
     EXPECT_EQ(answer, Answer::Yes);
+}
+
+TEST(FileDialogs, SaveUnderTheEndingOfTheirKind) {
+    const TemporaryFolder folder;
+    folder.write("there.xlsx", "");
+    FileQuestion question;
+    question.filters = "Text (*.txt);;Blad (*.xlsx)";
+    question.filter = 1;
+    question.path = toQt((folder / "brev.xlsx").string());
+    const WhenShown shown("Fildialog", [](QDialog& dialog) {
+        EXPECT_EQ(dynamic_cast<QFileDialog&>(dialog).selectedNameFilter(), "Blad (*.xlsx)");
+        auto& name = control<QLineEdit>(dialog, "fileNameEdit");
+        EXPECT_EQ(name.text(), "brev.xlsx");
+        name.setText("there");
+        control<QDialogButtonBox>(dialog, "buttonBox").button(QDialogButtonBox::Save)->click();
+    });
+    const QString file = askForFileToSave(nullptr, question, [](const QString&) { return true; });
+    EXPECT_EQ(file, toQt((folder / "there.xlsx").string())) << "asked though the sheet is added";
+    EXPECT_TRUE(shown.came());
 }
 
 TEST(WindowSystemTextsTest, FileDialogSpeaksSwedish) {
