@@ -87,6 +87,9 @@ TEST(CommandLine, RunStopsWithAMessage) {
         EXPECT_EQ(machine.run(c.arguments), cli::exitcode::kStopped);
         EXPECT_TRUE(contains(machine.err(), c.message)) << machine.err();
     }
+    std::ofstream(machine.file("settings.ini")) << "[Start]\nLang=EN\n";
+    (void)machine.run(cases[0].arguments);
+    EXPECT_TRUE(machine.err().starts_with("Error: ")) << "not in the user's language: " << machine.err();
 }
 
 TEST(CommandLine, CancelKeepsWhatWasRead) {

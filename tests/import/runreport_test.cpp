@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "import/run/runmessage.h"
 #include "support/world.h"
 
 namespace kolmera::test {
@@ -111,6 +112,9 @@ TEST(RunReport, KeepsCountsNotTheFile) {
     EXPECT_EQ(report.tally(Remark::NoProduct).examples.size(), 20U);
     EXPECT_EQ(report.uncoupledCodes().size(), 100U);
     EXPECT_EQ(report.skipped(), 2000);
+    report.remark(Remark::EmptyKey);
+    LanguageTexts texts;
+    EXPECT_EQ(skipReasons(texts, report).size(), 2U) << "a remark that skips nothing is a reason";
     EXPECT_EQ(report.failed(), 1000);
     ASSERT_EQ(report.failures().size(), 101U);
     EXPECT_EQ(report.failures().back().count, 900);

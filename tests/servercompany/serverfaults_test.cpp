@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "db/serverregister.h"
+#include "discounts/letterexchange.h"
 #include "lang/keys/run.h"
 #include "lang/keys/shared.h"
 #include "support/companyrows.h"
@@ -107,6 +108,23 @@ TEST(ServerThatRefusesEveryWrite, EndsTheRun) {
     EXPECT_FALSE(summary.completed);
     EXPECT_LT(summary.records, kBatch);
     EXPECT_THAT(world.port.passedOver, IsEmpty());
+}
+
+TEST(LetterOnAServer, CancelPutsTheOldOneBack) {
+    World world;
+    world.add("LevrabattBrev", {{"Leverantör", "7"}, {"Rabattgrupp", "A1"}, {"1Rabatt", 12.5}});
+    std::string lines;
+    for (int line = 0; line < 2 * kRecords; ++line) lines += fmt::format("N{}\t5\r\n", line);
+    world.priceFile(lines);
+    SqlLayer sql{Locale()};
+    sql.FtgDB = world.open();
+    sql.ÄrSQLFöretag = true;
+    PassedOverSilently passedOver;
+    LetterExchange letter(sql, "7", passedOver);
+    int asked = 0;
+    letter.cancelled = [&] { return ++asked == 2; };
+    EXPECT_TRUE(letter.replaceFrom(world.data() / "pris.txt").restored);
+    EXPECT_EQ(world.rows("LevrabattBrev", "Leverantör, Rabattgrupp, 1Rabatt"), "7 A1 12.5\n");
 }
 
 }  // namespace
