@@ -28,7 +28,11 @@ class StartTest : public testing::Test {
         process.waitForFinished();
     }
 
-    void nameDataFolder(const fs::path& named) { writeIniValue(program / "DVKlient.ini", 2, "", named.string()); }
+    void nameDataFolder(const fs::path& named) {
+        const std::string value = named.string();
+        const IniLine line{"", value};
+        writeIniValues(program / "DVKlient.ini", 2, {&line, 1});
+    }
     /// Starts the program and waits until its main window has read (and so made) the job list of that folder.
     bool startsOn(const fs::path& dataFolder) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

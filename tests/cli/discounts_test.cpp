@@ -89,7 +89,8 @@ TEST_F(DiscountsCommand, AsksForACompanyWhenThereAreSeveral) {
     createCompany(machine.data(), "FTG2.mdb", "Andra");
     const std::string file = machine.file("x.txt");
     EXPECT_EQ(discounts({"export", "1010", file}), cli::exitcode::kDone) << "the suite's current company";
-    writeIniValue(std::filesystem::path(machine.data()) / "DORVIK.INI", 2, "", "");
+    const IniLine none{};
+    writeIniValues(std::filesystem::path(machine.data()) / "DORVIK.INI", 2, {&none, 1});
     EXPECT_EQ(discounts({"export", "1010", file}), cli::exitcode::kStopped);
     EXPECT_TRUE(told("FTG1.MDB, FTG2.MDB")) << machine.err();
     EXPECT_EQ(discounts({"export", "1010", file, "--company", "andra"}), cli::exitcode::kStopped);
