@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <ctime>
+#include <utility>
 
 #include "history/presentrows.h"
 
@@ -43,7 +44,9 @@ void RecordedUndo::startRecord() {
         database_.listen(record_.get());
     } catch (const PlatformError& error) {
         failure_ = error;
-        id_.clear();
+        if (record_) record_->close();
+        record_.reset();
+        if (!id_.empty()) folder_.remove(std::exchange(id_, {}));
     }
 }
 
