@@ -78,7 +78,11 @@ void TerminalRun::sayNotWritten(const PlatformError& error) {
 void TerminalRun::carryOut() {
     const auto job = job_.findJob();
     if (!job) return;
-    job_.carryOut(*job, [&](ImportContext& context) { return runWithinLimits(context, job->name); });
+    job_.carryOut(*job, [&](ImportContext& context) {
+        RecordKeeping record = keptInDataFolder(context.state);
+        context.record = &record;
+        return runWithinLimits(context, job->name);
+    });
     if (job_.result.summary.completed) job_.printSummary();
     job_.tellOutcome();
 }

@@ -10,6 +10,7 @@
 
 #include "cli/commandline.h"
 #include "cli/terminalstream.h"
+#include "import/run/runcounts.h"
 #include "lang/errortext.h"
 #include "platform/printable.h"
 #include "platform/privatefile.h"
@@ -78,36 +79,20 @@ Json failuresJson(LanguageTexts& texts, const RunReport& report) {
 Json summaryJson(LanguageTexts& texts, const std::string& job, const RunResult& result) {
     const RunSummary& summary = result.summary;
     const RunReport& report = summary.report;
-    return {{"job", job},
-            {"outcome", outcomeOf(result.exitCode)},
-            {"exit_code", result.exitCode},
-            {"messages", result.messages},
-            {"records", summary.records},
-            {"used", summary.used},
-            {"new", summary.newProducts},
-            {"changed", summary.changed},
-            {"saved", summary.saved},
-            {"skipped", summary.skipped},
-            {"pricelist", summary.priceList},
-            {"alternatives", summary.alternatives},
-            {"documents", summary.documents},
-            {"deleted_products", summary.deleted.products},
-            {"deleted_pricelist", summary.deleted.priceList},
-            {"deleted_alternatives", summary.deleted.alternatives},
-            {"groups", summary.groups},
-            {"group_lines_skipped", summary.groupLinesSkipped},
-            {"passed_over", report.failed()},
-            {"not_numbers", report.count(Remark::NotNumber)},
-            {"missing_prices", report.count(Remark::MissingPrice)},
-            {"read_as_one_line", summary.readAsOneLine},
-            {"number_form", result.numberForm},
-            {"preparation_status", summary.preparation.exitStatus},
-            {"file_not_renewed", summary.preparation.fileNotRenewed},
-            {"cancelled", summary.cancelled},
-            {"seconds", result.seconds},
-            {"remarks", remarksJson(report)},
-            {"uncoupled_codes", report.uncoupledCodes()},
-            {"failed_statements", failuresJson(texts, report)}};
+    Json json = {{"job", job},
+                 {"outcome", outcomeOf(result.exitCode)},
+                 {"exit_code", result.exitCode},
+                 {"messages", result.messages}};
+    json.update(countsJson(summary));
+    json.update({{"number_form", result.numberForm},
+                 {"preparation_status", summary.preparation.exitStatus},
+                 {"file_not_renewed", summary.preparation.fileNotRenewed},
+                 {"cancelled", summary.cancelled},
+                 {"seconds", result.seconds},
+                 {"remarks", remarksJson(report)},
+                 {"uncoupled_codes", report.uncoupledCodes()},
+                 {"failed_statements", failuresJson(texts, report)}});
+    return json;
 }
 
 SummaryFile::SummaryFile(const fs::path& file, const std::string& job, const std::atomic<bool>& cancel)

@@ -20,6 +20,7 @@ struct RecordLimits {
 class RunFolder {
   public:
     explicit RunFolder(const std::filesystem::path& dataFolder);
+    static RunFolder at(const std::filesystem::path& path) { return RunFolder(path, Exactly{}); }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
     /// The heads of all records that can be read, the newest first. What is no record, or is damaged, is counted in
@@ -34,6 +35,9 @@ class RunFolder {
     std::int64_t thin(const RecordLimits& limits) const;
 
   private:
+    struct Exactly {};
+    RunFolder(std::filesystem::path path, Exactly /*unused*/) : path_(std::move(path)) {}
+
     [[nodiscard]] std::vector<std::string> ids() const;
 
     std::filesystem::path path_;

@@ -41,6 +41,8 @@ class RunRecord final : public ChangeListener {
     void remark(const RecordRemark& remark);
     /// The search key or product number of the record that the run is at.
     void key(std::string_view key);
+    /// There is to be no record after all.
+    void giveUp(const PlatformError& error) { fail(error); }
     /// Writes what is left and closes the file; the last call.
     void close();
 

@@ -41,6 +41,7 @@ bool PriceFile::fill() {
     if (end_ == buffer_.size()) buffer_.resize(buffer_.size() * 2);
     waitForBytes();
     const std::size_t got = descriptor_.read(buffer_.data() + end_, buffer_.size() - end_);
+    if (reader_ && got > 0) reader_({buffer_.data() + end_, got});
     fileRead_ += got;
     end_ += got;
     if (got > 0) return true;

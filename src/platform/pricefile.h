@@ -31,6 +31,10 @@ class PriceFile {
     PriceFile(const PriceFile&) = delete;
     PriceFile& operator=(const PriceFile&) = delete;
 
+    /// Hands over all bytes of the file as they are read, from the first on. Before the first reading.
+    void tell(std::function<void(std::string_view)> reader) { reader_ = std::move(reader); }
+    [[nodiscard]] bool wholeRead() const { return lastBlock_; }  ///< to its last byte
+
     [[nodiscard]] bool atEnd();
     /// The next line without its end; valid until the next call (of `atEnd` too). At the end of the file an empty line.
     /// Of a line of more than 16 MB only these are given: a file without CR is one line, and may be of any size.
@@ -48,6 +52,7 @@ class PriceFile {
 
     Descriptor descriptor_;
     std::function<bool()> cancelled_;
+    std::function<void(std::string_view)> reader_;
     std::uint64_t size_ = 0;
     std::uint64_t fileRead_ = 0;
     std::vector<char> buffer_;

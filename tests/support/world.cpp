@@ -186,6 +186,7 @@ void World::carryOut(const std::function<void(ImportContext&)>& work) {
     MessageBoxes boxes(port, {});
     CompanyRegister companies(state, texts_, boxes);
     ImportContext context{state, texts_, boxes, companies, port, Idag, job.number};
+    context.record = keeping ? &*keeping : nullptr;
     work(context);
     EXPECT_FALSE(port.inRunMode);
     EXPECT_FALSE(port.hourglassShown);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -64,6 +65,8 @@ class World {
     /// is tested is what runs ask of a server.
     void moveToServer();
     Job job;
+
+    std::optional<RecordKeeping> keeping;  ///< set: the runs keep their records
 
     RunSummary run();
     RunSummary runWithinLimits();

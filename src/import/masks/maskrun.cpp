@@ -68,6 +68,7 @@ bool MaskRun::loadMask() {
     const bool read = machinery_.readDefinitions([&] {
         auto stored = MaskFile(machinery_.context().state.dataFolder()).find(job_.mask);
         if (!stored) return;
+        machinery_.goesBy(*stored);
         mask_ = LoadedMask(stored->mask, std::move(stored->relations));
         found = true;
     });
@@ -181,6 +182,7 @@ void MaskRun::readRecords() {
     MaskRecordReader reader(machinery_.priceFile(), mask_);
     BatchTransaction transaction(*sql_.FtgDB);
     while (reader.next()) {
+        machinery_.at({.record = reader.count(), .offset = reader.offset(), .length = reader.length()});
         import.import(reader.entries());
         if (reader.uneven()) machinery_.report().remark(Remark::UnevenRecord);
         if (reader.count() % kBatch != 0) continue;

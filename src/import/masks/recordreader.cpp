@@ -34,6 +34,7 @@ std::size_t cutFixed(std::string_view record, const LoadedMask& mask, EntryList&
 
 bool MaskRecordReader::next() {
     if (file_.atEnd()) return false;
+    offset_ = static_cast<std::int64_t>(file_.position());
     read();
     ++count_;
     return true;

@@ -32,6 +32,9 @@ class MaskRecordReader {
     [[nodiscard]] bool next();
     [[nodiscard]] const EntryList& entries() const { return entries_; }
     [[nodiscard]] std::int64_t count() const { return count_; }
+    /// Where the record stands in the file, and its bytes.
+    [[nodiscard]] std::int64_t offset() const { return offset_; }
+    [[nodiscard]] std::int64_t length() const { return static_cast<std::int64_t>(file_.position()) - offset_; }
     /// The record has not the lines, columns or bytes that the mask reads: some entry is not what stands in its place.
     [[nodiscard]] bool uneven() const { return uneven_; }
 
@@ -45,6 +48,7 @@ class MaskRecordReader {
     EntryList entries_;
     int lastUsed_;
     std::int64_t count_ = 0;
+    std::int64_t offset_ = 0;
     bool uneven_ = false;
 };
 

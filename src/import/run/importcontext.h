@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "definitions/jobfile.h"
+#include "import/run/recordkeeping.h"
 #include "import/run/runport.h"
 #include "lang/languagetexts.h"
 #include "platform/date.h"
@@ -39,6 +40,7 @@ struct ImportContext {
     PriceTrace* trace = nullptr;           ///< hears how prices are computed
     /// Asked when all is known and nothing is changed yet; false ends the run. Unset, nothing speaks against it.
     std::function<bool(bool emptyTables)> mayWrite = {};
+    RecordKeeping* record = nullptr;  ///< set where the run keeps a record
 };
 
 }  // namespace kolmera

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <thread>
 #include <utility>
 
@@ -17,6 +18,7 @@
 #include "import/run/runmessage.h"
 #include "lang/errortext.h"
 #include "lang/keys/company.h"
+#include "lang/keys/history.h"
 #include "lang/keys/look.h"
 #include "lang/keys/preparation.h"
 #include "lang/keys/preview.h"
@@ -95,6 +97,7 @@ std::string RunMachinery::heading(Recordset& settings) {
     std::string name;
     attempt(report(), "Syinställningar.FöretagsNamn",
             [&] { name = TillText(settings.value("FöretagsNamn"), context_.state.locale); });
+    companyName_ = name;
     return name + " (" + job_.company + ")";
 }
 
@@ -215,6 +218,7 @@ std::unique_ptr<PriceFile> RunMachinery::open(const std::filesystem::path& file)
 bool RunMachinery::openPriceFile() {
     try {
         priceFile_ = open(priceFilePath_);
+        if (record_) priceFile_->tell([record = record_](std::string_view bytes) { record->read(bytes); });
         return true;
     } catch (const PlatformError& error) {
         const std::string title = texts().FormulärSträng(text::prismain::kCannotOpenPriceFile);
@@ -228,11 +232,35 @@ bool RunMachinery::readsFile(const std::function<FileFacts(const std::filesystem
     PassedOverSilently passedOver;  // a file that cannot be read is told of where it is opened
     attempt(passedOver, "readsFile", [&] { facts = look(priceFilePath_); });
     if (!facts.empty() && !readsDoubtfulFile(facts)) return false;
-    if (!context_.mayWrite) return true;
+    if (context_.mayWrite && !mayWrite()) return false;
+    if (context_.record != nullptr) beginRecord();
+    return true;
+}
+
+bool RunMachinery::mayWrite() {
     const bool may = context_.mayWrite(emptyTables_);
     summary_.cancelled = !may && port().cancelled();
     port().hourglass(may);
     return may;
+}
+
+void RunMachinery::beginRecord() {
+    definition_.job = job_;
+    RunHeader header;
+    header.job = job_.name;
+    header.definition = definitionText(definition_);
+    header.companyName = companyName_;
+    header.companyFile = job_.company;
+    header.priceFile.path = priceFilePath_.string();
+    header.priceFile.modified = timeText(priceFilePath_);
+    record_ = std::make_shared<RecordedRun>(*context_.record, texts());
+    if (!record_->begin(std::move(header))) return;
+    try {
+        sql().FtgDB->listen(record_->listener());
+        report().tellTo(record_.get());
+    } catch (const PlatformError& error) {
+        record_->giveUp(error);
+    }
 }
 
 bool RunMachinery::readsDoubtfulFile(const FileFacts& facts) {
@@ -344,6 +372,15 @@ std::string titleOf(LanguageTexts& texts, const RunSummary& summary, bool doubte
     return isPlain(summary) ? texts.ModulText(text::run::kDoneTitle) : texts.ModulText(text::run::kReadThisTitle);
 }
 
+/// What went wrong with the run's record, which does not concern the run.
+void addAboutRecord(std::vector<std::string>& paragraphs, LanguageTexts& texts, const RecordKeeping* record) {
+    if (record == nullptr) return;
+    if (record->failure)
+        paragraphs.push_back(texts.ModulTextMed(text::history::kNoRecord, errorText(texts, *record->failure)));
+    if (record->notThinned)
+        paragraphs.push_back(texts.ModulTextMed(text::history::kNotThinned, errorText(texts, *record->notThinned)));
+}
+
 void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job, std::int64_t kept,
                    const std::optional<PlatformError>& ended) {
     LanguageTexts& texts = context.texts;
@@ -353,6 +390,7 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
     if (std::string said = runMessage(texts, summary, job.priceFile, context.port.examplesTold()); !said.empty()) {
         paragraphs.push_back(std::move(said));
     }
+    addAboutRecord(paragraphs, texts, context.record);
     const std::string found = fmt::format("{}", fmt::join(paragraphs, kLineBreaks));
     if (ended) {
         std::string text = context.preview ? texts.ModulTextMed(text::preview::kStopped, errorText(texts, *ended))
@@ -368,6 +406,15 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
         if (!doubted && isPlain(summary)) message.icon = Icon::Information;
         context.port.tell(message);
     }
+}
+
+}  // namespace
+
+namespace {
+
+void endRecord(RecordedRun& record, const RunSummary& summary, bool fileRead) {
+    const char* const reached = summary.completed ? "completed" : "stopped";
+    record.end(summary.cancelled ? "cancelled" : reached, countsJson(summary).dump(), fileRead);
 }
 
 }  // namespace
@@ -389,10 +436,14 @@ RunSummary carryOut(ImportContext& context, std::string_view jobText, const std:
     }
     RunSummary summary = std::move(run->summary());
     summary.skipped = summary.report.skipped();
+    summary.report.tellTo(nullptr);
     const Job job = run->job();
     const std::int64_t kept = run->kept();
     const bool jobSettings = run->wantsJobSettings();
+    const std::shared_ptr<RecordedRun> record = run->record();
+    const bool fileRead = run->fileRead();
     run.reset();
+    if (record) endRecord(*record, summary, fileRead);
     tellHowItWent(context, summary, job, kept, ended);
     const bool damaged = ended && ended->number() == errors::kDamaged;
     if (damaged && !context.preview && !SqlLayer::ÄrSQLDatabas(upperCase(job.company)))

@@ -11,6 +11,8 @@
 #include "definitions/jobfile.h"
 #include "import/run/filefact.h"
 #include "import/run/importcontext.h"
+#include "import/run/recordedrun.h"
+#include "import/run/runcounts.h"
 #include "platform/batchprocess.h"
 #include "platform/pricefile.h"
 
@@ -44,6 +46,9 @@ class RunMachinery {
     /// Runs a statement that reads a file of definitions.
     [[nodiscard]] bool readDefinitions(const std::function<void()>& statement);
     [[nodiscard]] const Job& job() const { return job_; }
+    /// What the run goes by beside its job, for its record.
+    void goesBy(WholeMask mask) { definition_.mask = std::move(mask); }
+    void goesBy(std::vector<Coupling> couplings) { definition_.couplings = std::move(couplings); }
     [[nodiscard]] bool openCompany();
 
     // Confirmation.
@@ -67,7 +72,8 @@ class RunMachinery {
     [[nodiscard]] bool FörberedFil(const std::string& command);
     [[nodiscard]] bool findPriceFile();
     /// Looks at the file that `findPriceFile` has found, before anything is changed. When it is not what the run
-    /// expects, it is read all the same or the run stops, as the user decides. Then `ImportContext::mayWrite` is asked.
+    /// expects, it is read all the same or the run stops, as the user decides. Then `ImportContext::mayWrite` is asked,
+    /// and the run's record begins.
     [[nodiscard]] bool readsFile(const std::function<FileFacts(const std::filesystem::path&)>& look);
     /// Opens the file that `findPriceFile` has found.
     [[nodiscard]] bool openPriceFile();
@@ -85,6 +91,10 @@ class RunMachinery {
     /// `progress` for a step with its own label and no price file position.
     [[nodiscard]] bool progress(std::string_view label, std::int64_t count);
 
+    /// The record (line) of the price file that is imported now.
+    void at(const RecordPlace& place) {
+        if (record_) record_->at(place);
+    }
     /// A batch has been committed that ends with this record (line).
     void noteKept(std::int64_t record) { kept_ = record; }
     [[nodiscard]] std::int64_t kept() const { return kept_; }
@@ -94,6 +104,11 @@ class RunMachinery {
     /// Yes/No question; on Yes `carryOut` opens the job's settings when the run has closed down.
     void offerJobSettings(const std::string& text, const std::string& title);
     [[nodiscard]] bool wantsJobSettings() const { return wantsJobSettings_; }
+
+    /// The record, where one is kept; it stays when the run is gone.
+    [[nodiscard]] std::shared_ptr<RecordedRun> record() const { return record_; }
+    /// All of the price file has been read.
+    [[nodiscard]] bool fileRead() const { return priceFile_ && priceFile_->wholeRead(); }
 
   private:
     struct EmptyingTexts {
@@ -109,9 +124,15 @@ class RunMachinery {
     [[nodiscard]] bool waitUntil(const std::function<bool()>& done);
     [[nodiscard]] std::filesystem::path wantedPriceFile() const;
 
+    [[nodiscard]] bool mayWrite();
+    void beginRecord();
+
     ImportContext& context_;
+    std::shared_ptr<RecordedRun> record_;  // outlives the company, which it listens to
     std::string jobText_;
     Job job_;
+    RunDefinition definition_;
+    std::string companyName_;
     RunSummary summary_;
     std::filesystem::path priceFilePath_;
     std::unique_ptr<PriceFile> priceFile_;

@@ -23,7 +23,11 @@ static_assert(inOrder());
 }  // namespace
 
 void RunReport::remark(Remark remark, std::string_view column, std::string_view text) {
-    Tally& tally = tallies_[static_cast<std::size_t>(remark)];
+    const auto row = static_cast<std::size_t>(remark);
+    if (listener_ != nullptr)
+        listener_->remark(
+            {.kind = kRemarks[row].name, .record = record_, .product = product_, .column = column, .text = text});
+    Tally& tally = tallies_[row];
     if (++tally.count > static_cast<std::int64_t>(kMostExamples)) return;
     tally.examples.push_back({.record = record_,
                               .product = printable(product_, kTextCharacters),
@@ -52,6 +56,9 @@ void RunReport::uncoupled(std::string_view code) {
 
 void RunReport::note(std::string_view what, const PlatformError& error) {
     ++failedStatements_;
+    if (listener_ != nullptr)
+        listener_->failed(
+            {.kind = kFailedStatement, .record = record_, .product = product_, .column = what, .text = {}}, error);
     ++failureLike(what, error).count;
 }
 

@@ -52,6 +52,24 @@ inline constexpr RemarkKind kRemarks[] = {
     {Remark::OtherLine, "other_lines", text::remark::kOtherLines, true, true},
 };
 
+/// Something that a report is told, as it is told.
+struct Remarked {
+    std::string_view kind;  ///< a name of kRemarks, or kFailedStatement
+    std::int64_t record = 0;
+    std::string_view product, column, text;  ///< whole, as they stand in the file
+};
+
+/// The kind of a statement that the database refused; its name is in `column`.
+inline constexpr std::string_view kFailedStatement = "failed_statements";
+
+/// Hears all that a report is told, of which the report keeps only the first.
+class RemarkListener {
+  public:
+    virtual ~RemarkListener() = default;
+    virtual void remark(const Remarked& remarked) = 0;
+    virtual void failed(const Remarked& remarked, const PlatformError& error) = 0;
+};
+
 /// Hears from the steps of an import what happened to the record at hand, counts it, and keeps the first of each kind
 /// as examples. Call `at` for each record, `about` as soon as its product is known; the rest only when there is
 /// something to tell. Texts of the file are kept short and printable.
@@ -76,6 +94,8 @@ class RunReport final : public PassedOver {
         std::int64_t count = 0;
     };
 
+    /// The listener has to stay until another one, or nullptr, takes its place.
+    void tellTo(RemarkListener* listener) { listener_ = listener; }
     void at(std::int64_t record) {
         record_ = record;
         product_.clear();
@@ -105,6 +125,7 @@ class RunReport final : public PassedOver {
   private:
     Failure& failureLike(std::string_view what, const PlatformError& error);
 
+    RemarkListener* listener_ = nullptr;
     std::int64_t record_ = 0;
     std::string product_;
     std::array<Tally, std::size(kRemarks)> tallies_;

@@ -89,7 +89,12 @@ void readLines(RunMachinery& run, TradeFormat& format) {
         const std::int64_t before = rowsWritten(summary);
         summary.report.at(++summary.records);
         if (PriceTrace* trace = run.context().trace) trace->record(summary.records);
-        if (format.takeLine(file.line()) == LineUse::Written) {
+        const auto offset = static_cast<std::int64_t>(file.position());
+        const std::string_view line = file.line();
+        run.at({.record = summary.records,
+                .offset = offset,
+                .length = static_cast<std::int64_t>(file.position()) - offset});
+        if (format.takeLine(line) == LineUse::Written) {
             if (rowsWritten(summary) > before) {
                 ++summary.used;
             } else {
@@ -160,6 +165,7 @@ void runTradeFormat(RunMachinery& run, const TradeJob& job) {
     std::vector<Coupling> couplings;
     if (!run.readDefinitions([&] { couplings = CouplingFile(run.context().state.dataFolder()).ofJob(job.name); }))
         return;
+    run.goesBy(couplings);
     auto suppliers = coupledSuppliers(couplings, run.sql(), run.report());
     if (suppliers.empty()) return warnNoCoupling(run, heading);
 

@@ -258,6 +258,8 @@ void PrisMain::utför() {
                           .Idag = Idag_,
                           .JobbNr = jobs_.JobbNr(),
                           .shown = jobs_.row(jobs_.selected()).job};
+    RecordKeeping record = keptInDataFolder(program_.state);
+    context.record = &record;
     running_ = true;
     present();
     runPanel_->clearCancel();

@@ -1,0 +1,77 @@
+#include "import/run/runcounts.h"
+
+#include <nlohmann/json.hpp>
+
+namespace kolmera {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json jobJson(const Job& job) {
+    return {{"number", job.number},   {"name", job.name},         {"priceFile", job.priceFile},
+            {"mask", job.mask},       {"company", job.company},   {"supplier", job.supplier},
+            {"command", job.command}, {"kind", job.kind},         {"fromGroup", job.fromGroup},
+            {"toGroup", job.toGroup}, {"heading1", job.heading1}, {"heading2", job.heading2}};
+}
+
+Json maskJson(const WholeMask& whole) {
+    const Mask& mask = whole.mask;
+    Json relations = Json::array();
+    for (const Relation& relation : whole.relations) {
+        relations.push_back({{"Källa", relation.Källa},
+                             {"Mål", relation.Mål},
+                             {"FrånPos", relation.FrånPos},
+                             {"Längd", relation.Längd},
+                             {"TypKod", std::string(1, relation.TypKod)},
+                             {"Division", std::string(1, relation.Division)}});
+    }
+    return {{"number", mask.number},
+            {"Namn", mask.Namn},
+            {"FilTyp", std::string(1, mask.FilTyp)},
+            {"Tecken", std::string(1, mask.Tecken)},
+            {"SkapaNya", std::string(1, mask.SkapaNya)},
+            {"UppdatLev", std::string(1, mask.UppdatLev)},
+            {"AntalRader", mask.AntalRader},
+            {"Postlängd", mask.Postlängd},
+            {"AntalKolumner", mask.AntalKolumner},
+            {"relations", std::move(relations)}};
+}
+
+}  // namespace
+
+Json countsJson(const RunSummary& summary) {
+    const RunReport& report = summary.report;
+    return {{"records", summary.records},
+            {"used", summary.used},
+            {"new", summary.newProducts},
+            {"changed", summary.changed},
+            {"saved", summary.saved},
+            {"skipped", summary.skipped},
+            {"pricelist", summary.priceList},
+            {"alternatives", summary.alternatives},
+            {"documents", summary.documents},
+            {"deleted_products", summary.deleted.products},
+            {"deleted_pricelist", summary.deleted.priceList},
+            {"deleted_alternatives", summary.deleted.alternatives},
+            {"groups", summary.groups},
+            {"group_lines_skipped", summary.groupLinesSkipped},
+            {"passed_over", report.failed()},
+            {"not_numbers", report.count(Remark::NotNumber)},
+            {"missing_prices", report.count(Remark::MissingPrice)},
+            {"read_as_one_line", summary.readAsOneLine}};
+}
+
+std::string definitionText(const RunDefinition& definition) {
+    Json json = {{"job", jobJson(definition.job)}};
+    if (definition.mask) json["mask"] = maskJson(*definition.mask);
+    for (const Coupling& coupling : definition.couplings) {
+        json["couplings"].push_back({{"job", coupling.job},
+                                     {"code", coupling.code},
+                                     {"supplier", coupling.supplier},
+                                     {"mainSupplier", coupling.mainSupplier}});
+    }
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace kolmera
