@@ -2,6 +2,7 @@
 
 #include "history/changeblock.h"
 #include "history/recordfile.h"
+#include "platform/compression.h"
 #include "platform/engine/sqlite/sqlitestatement.h"
 #include "platform/error.h"
 
@@ -64,6 +65,15 @@ void RecordReader::forEachKey(const std::function<bool(std::string_view)>& take)
                             for (BlockReader keys(block); !keys.atEnd();) {
                                 if (!take(keys.text())) return false;
                             }
+                            return true;
+                        });
+}
+
+void RecordReader::forEachCopied(const std::function<void(std::string_view)>& take) const {
+    Decompressor decompressor;
+    impl_->forEachBlock("SELECT number, data FROM copy WHERE number > ? ORDER BY number LIMIT 1",
+                        [&](std::string_view block) {
+                            decompressor.add(block, take);
                             return true;
                         });
 }

@@ -74,6 +74,8 @@ class RecordReader {
     void forEachRemark(const std::function<bool(const RecordRemark&)>& take) const;
     /// The search keys or product numbers of the records that were read, in their order; the same one may come again.
     void forEachKey(const std::function<bool(std::string_view key)>& take) const;
+    /// The copy of the price file, as far as it was read, where `header().priceFile.copied` says that there is one.
+    void forEachCopied(const std::function<void(std::string_view)>& take) const;
     /// Where a record stands that changed rows; nothing when it is not known.
     [[nodiscard]] std::optional<RecordPlace> place(std::int64_t record) const;
 

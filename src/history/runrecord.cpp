@@ -146,6 +146,13 @@ void RunRecord::key(std::string_view key) {
     if (keys_.size() >= kBlock) write([&] { flushKeys(); });
 }
 
+void RunRecord::copy(std::string_view bytes) {
+    write([&] {
+        SqliteStatement add(open_->connection, "INSERT INTO copy (number, data) VALUES (?, ?)");
+        open_->append(add, ++copyBlocks_, bytes);
+    });
+}
+
 void RunRecord::close() {
     if (!open_) return;
     write([&] {

@@ -41,6 +41,8 @@ class RunRecord final : public ChangeListener {
     void remark(const RecordRemark& remark);
     /// The search key or product number of the record that the run is at.
     void key(std::string_view key);
+    /// The next bytes of a compressed copy of the price file.
+    void copy(std::string_view bytes);
     /// There is to be no record after all.
     void giveUp(const PlatformError& error) { fail(error); }
     /// Writes what is left and closes the file; the last call.
@@ -86,7 +88,7 @@ class RunRecord final : public ChangeListener {
     std::int64_t written_ = 0;           ///< number of the last block
     std::int64_t kept_ = 0;              ///< the header's
     std::int64_t standing_ = 0;          ///< block that the company is known to hold
-    std::int64_t remarkBlocks_ = 0, keyBlocks_ = 0;
+    std::int64_t remarkBlocks_ = 0, keyBlocks_ = 0, copyBlocks_ = 0;
     std::string lastKey_;
     std::optional<Mark> mark_;
     std::int64_t flushedRemarks_ = 0;  ///< when, in milliseconds

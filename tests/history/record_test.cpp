@@ -9,6 +9,7 @@
 #include "history/runrecord.h"
 #include "platform/engine/database.h"
 #include "support/errorof.h"
+#include "support/filesizelimit.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera::test {
@@ -177,6 +178,27 @@ TEST_F(Recording, AKilledRunLeavesAllThatItsCompanyHolds) {
     const auto database = openFileDatabase(company, {});
     EXPECT_EQ(database->open("Produkt", RecordsetType::Table)->recordCount(), recorded);
     EXPECT_GT(recorded, 0);
+}
+
+TEST_F(Recording, AFullDiskEndsTheRecordAlone) {
+    const auto database = openFileDatabase(company, {});
+    add(*database, "A", 1);
+    RunRecord record(runs.path(), {});
+    database->listen(&record);
+    database->begin();
+    {
+        const FileSizeLimit limit(600'000);
+        for (char letter = 'a'; letter < 'z'; ++letter)
+            (void)database->execute("UPDATE Produkt SET Text = ?", std::vector<Value>{std::string(30'000, letter)});
+    }
+    database->commit();
+    record.close();
+    ASSERT_TRUE(record.failure());
+    EXPECT_TRUE(fs::is_empty(runs.path()));
+    EXPECT_EQ(openFileDatabase(company, {})
+                  ->open("SELECT * FROM Produkt WHERE Text LIKE 'y%'", RecordsetType::Snapshot)
+                  ->eof(),
+              false);
 }
 
 TEST_F(Recording, ARecordThatCannotBeWrittenEndsAndTheRunDoesNot) {

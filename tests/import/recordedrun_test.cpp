@@ -92,13 +92,17 @@ TEST(RecordedRun, TellsWhatTheRunWasAndPassedOver) {
     const std::string file = "A\tPenna\t1O,50\tX\r\nB\tBok\t2,00\tY\r\n\tIngen\t3\tZ\r\n";
     world.priceFile(file);
     for (int i = 0; i < 40; ++i) world.priceFile(file);
+    world.keeping->copiesPriceFile = true;
     (void)world.run();
     const RecordReader reader = world.reader();
+    std::string copied;
+    reader.forEachCopied([&](std::string_view bytes) { copied += bytes; });
+    EXPECT_EQ(copied, file);
     const RunHeader& header = reader.header();
     EXPECT_EQ(header.job, "Test");
     EXPECT_EQ(header.outcome, "completed");
     EXPECT_FALSE(header.ended.empty());
-    EXPECT_NE(header.definition.find("\"Inpris\""), 0U);
+    EXPECT_NE(header.definition.find("\"relations\":[{"), std::string::npos);
     EXPECT_NE(header.counts.find("\"records\":3"), std::string::npos) << header.counts;
     Sha256 sha;
     sha.add(file);

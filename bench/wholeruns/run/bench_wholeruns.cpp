@@ -1,4 +1,5 @@
-// Whole runs of kolmera-cli beside hand-written loaders on bare SQLite, on the same data, in turns.
+// Whole runs of kolmera-cli beside hand-written loaders on bare SQLite, or beside themselves without a record, on the
+// same data, in turns.
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -30,6 +31,7 @@ struct Options {
     fs::path work;
     fs::path programs;  ///< the folder of the built programs
     bool keep = false;
+    bool unrecorded = false;  ///< the other of a pair is the same run without a record
 };
 
 struct Case {
@@ -62,20 +64,26 @@ class CaseRunner {
         expectSuccess("bench_data", runProcess(command));
     }
 
-    ProcessCost job() {
-        const fs::path folder = freshCopy("job");
+    ProcessCost job() { return jobIn(freshCopy("job")); }
+
+    /// What the run is compared with.
+    ProcessCost floor() {
+        const fs::path folder = freshCopy("floor");
+        if (options_.unrecorded) {
+            std::ofstream(folder / "Körningar") << "no folder: no record can be made\n";
+            return jobIn(folder);
+        }
+        const ProcessCost cost = runProcess({program("bench_floor"), std::string(case_.format.name), folder.string()});
+        expectSuccess("bench_floor", cost);
+        return cost;
+    }
+
+    ProcessCost jobIn(const fs::path& folder) {
         const fs::path summary = options_.work / "summary.json";
         const ProcessCost cost = runProcess({program("kolmera-cli"), "run", std::string(case_.format.job), "--data",
                                              folder.string(), "--summary", summary.string()});
         expectSuccess("kolmera-cli", cost);
         summary_ = nlohmann::json::parse(std::ifstream(summary));
-        return cost;
-    }
-
-    ProcessCost floor() {
-        const fs::path folder = freshCopy("floor");
-        const ProcessCost cost = runProcess({program("bench_floor"), std::string(case_.format.name), folder.string()});
-        expectSuccess("bench_floor", cost);
         return cost;
     }
 
@@ -212,6 +220,7 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"ordered", "shuffled"}));
     app.add_option("--pairs", options.pairs, "measured pairs of a case")->check(CLI::Range(1, 1000));
     app.add_option("--work", options.work, "folder for the data, on the disk that is measured");
+    app.add_flag("--unrecorded", options.unrecorded, "compare with the same run without a record, not with a loader");
     app.add_flag("--keep", options.keep, "leave the last case's data in the folder");
     CLI11_PARSE(app, argc, argv);
     try {

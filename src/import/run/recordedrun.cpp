@@ -43,7 +43,9 @@ bool RecordedRun::begin(RunHeader header) {
     header.user = keeping_.user;
     header.host = hostName();
     header.version = KOLMERA_VERSION;
+    header.priceFile.copied = keeping_.copiesPriceFile;
     try {
+        if (keeping_.copiesPriceFile) copy_ = std::make_unique<Compressor>();
         record_ = std::make_unique<RunRecord>(keeping_.folder, std::move(header));
     } catch (const PlatformError& error) {
         keeping_.failure = error;
@@ -58,6 +60,7 @@ void RecordedRun::giveUp(const PlatformError& error) {
 void RecordedRun::read(std::string_view bytes) {
     if (!record_) return;
     digest_.add(bytes);
+    if (copy_) copy_->add(bytes, [this](std::string_view compressed) { record_->copy(compressed); });
     bytesRead_ += static_cast<std::int64_t>(bytes.size());
 }
 
@@ -80,6 +83,7 @@ void RecordedRun::add(const Remarked& remarked, std::string_view kind, const std
 
 void RecordedRun::end(const std::string& outcome, const std::string& counts, bool whole) {
     if (record_) {
+        if (copy_) copy_->finish([this](std::string_view compressed) { record_->copy(compressed); });
         record_->change([&](RunHeader& header) {
             header.ended = timeText();
             header.outcome = outcome;

@@ -9,6 +9,7 @@
 #include "import/run/recordkeeping.h"
 #include "import/run/runreport.h"
 #include "lang/languagetexts.h"
+#include "platform/compression.h"
 #include "platform/sha256.h"
 
 namespace kolmera {
@@ -31,6 +32,9 @@ class RecordedRun final : public RemarkListener {
     }
     /// Bytes of the price file, in their order.
     void read(std::string_view bytes);
+    void about(std::string_view product) override {
+        if (record_ && place_.record > 0) record_->key(product);  // other files have no articles
+    }
     void remark(const Remarked& remarked) override;
     void failed(const Remarked& remarked, const PlatformError& error) override;
     /// How the run went, as the header has it; `whole` when all of the price file was read. Thins the older records.
@@ -43,6 +47,7 @@ class RecordedRun final : public RemarkListener {
     LanguageTexts& texts_;
     std::unique_ptr<RunRecord> record_;
     Sha256 digest_;
+    std::unique_ptr<Compressor> copy_;  ///< where the price file is copied
     std::int64_t bytesRead_ = 0;
     RecordPlace place_;
 };

@@ -12,6 +12,7 @@
 #include "db/batchtransaction.h"
 #include "db/conversions.h"
 #include "definitions/pricefilepath.h"
+#include "history/presentrows.h"
 #include "import/run/filedoubt.h"
 #include "import/run/filelook.h"
 #include "import/run/preparation.h"
@@ -254,6 +255,8 @@ void RunMachinery::beginRecord() {
     header.priceFile.path = priceFilePath_.string();
     header.priceFile.modified = timeText(priceFilePath_);
     record_ = std::make_shared<RecordedRun>(*context_.record, texts());
+    PassedOverSilently passedOver;  // taking back is more careful without them
+    attempt(passedOver, "readLastIds", [&] { header.lastIds = readLastIds(*sql().FtgDB); });
     if (!record_->begin(std::move(header))) return;
     try {
         sql().FtgDB->listen(record_->listener());

@@ -66,6 +66,8 @@ inline constexpr std::string_view kFailedStatement = "failed_statements";
 class RemarkListener {
   public:
     virtual ~RemarkListener() = default;
+    /// The record at hand has this search key or product number.
+    virtual void about(std::string_view product) = 0;
     virtual void remark(const Remarked& remarked) = 0;
     virtual void failed(const Remarked& remarked, const PlatformError& error) = 0;
 };
@@ -100,7 +102,10 @@ class RunReport final : public PassedOver {
         record_ = record;
         product_.clear();
     }
-    void about(std::string_view product) { product_.assign(product); }
+    void about(std::string_view product) {
+        product_.assign(product);
+        if (listener_ != nullptr) listener_->about(product);
+    }
 
     void remark(Remark remark, std::string_view column = {}, std::string_view text = {});
     /// A value of the price file that is written as 0. `source` is its place in the record, from 1: a value that goes

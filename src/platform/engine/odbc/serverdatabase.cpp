@@ -46,9 +46,7 @@ class ServerDatabase final : public Database {
         serverTable(table).insertRows(columns, rows);
     }
 
-    void listen(ChangeListener* listener) override {
-        if (listener != nullptr) throw PlatformError(errors::kInternal, "a server's changes cannot be heard");
-    }
+    void listen(ChangeListener* listener) override { session_.listen(listener); }
 
     void begin() override { session_.begin(); }
     void commit() override { session_.commit(); }
@@ -73,6 +71,9 @@ class ServerDatabase final : public Database {
                                          RecordsetType type, bool readOnly);
     void takeKnownType(StatementResult& result, std::size_t column, const Tables& tables) const;
     std::unique_ptr<Recordset> openStatement(std::string_view source, std::string_view text, RecordsetType type);
+
+    ServerSession::Hearing hearingOf(std::string_view statement, std::span<const Value> parameters,
+                                     ServerStatement& action, std::vector<FieldType>& types);
 
     ServerSession session_;
     std::vector<std::string> names_;
@@ -194,11 +195,42 @@ std::int64_t ServerDatabase::execute(std::string_view statement, std::span<const
         throw PlatformError(errors::kInternal, "not an action statement: " + std::string(statement));
     }
     const Tables tables = mentioned(statement);
-    const ServerStatement action = translated(statement, parameters, tables);
+    ServerStatement action = translated(statement, parameters, tables);
+    ServerSession::Hearing hearing;
+    std::vector<FieldType> types;  // of what comes back
+    const bool heard = session_.listener() != nullptr && isTranslated(statement);
+    if (heard) hearing = hearingOf(statement, parameters, action, types);
     if (!isTranslated(statement)) session_.startEpoch();
-    const StatementResult result = isTranslated(statement) ? session_.write(action) : session_.writeOnce(action);
+    const StatementResult result =
+        isTranslated(statement) ? session_.write(action, types, hearing) : session_.writeOnce(action);
     for (ServerTable* table : tables) table->noteWrite();
-    return result.touched;
+    return result.touched > 0 ? result.touched : static_cast<std::int64_t>(result.rows.size());
+}
+
+/// How an action statement on one table is heard: what it removes or changes is read by its own condition, what it adds
+/// comes back with its answer.
+ServerSession::Hearing ServerDatabase::hearingOf(std::string_view statement, std::span<const Value> parameters,
+                                                 ServerStatement& action, std::vector<FieldType>& types) {
+    const ActionParts parts = actionParts(statement);
+    ServerTable* const table = findTable(parts.table);
+    const bool inserts = parts.kind == ActionParts::Kind::Insert;
+    const bool answers = session_.dialect().newId == Dialect::NewId::Returning;
+    if (table == nullptr || !table->hasKey() || (inserts && !answers)) {
+        throw PlatformError(errors::kInternal, "what it changes cannot be heard: " + std::string(statement));
+    }
+    const std::int64_t place = session_.listener()->place();
+    if (inserts) {
+        types = table->types(table->all());
+        action.text += " RETURNING " + joined(table->quoted(table->all()), ", ");
+        return std::make_shared<HeardInsert>(*table, place);
+    }
+    ServerStatement where = serverSelectRest(
+                                session_.dialect(), parts.rest, session_.locale(),
+                                [&](std::string_view name) { return exactName({table}, name); },
+                                parameters.subspan(std::min(parts.parametersBefore, parameters.size())))
+                                .where;
+    if (parts.kind == ActionParts::Kind::Delete) return std::make_shared<HeardRemoval>(*table, place, std::move(where));
+    return std::make_shared<HeardChanges>(*table, place, std::move(where));
 }
 
 }  // namespace

@@ -109,7 +109,10 @@ void ServerRow::update() {
 }
 
 void ServerRow::writeChanged() {
-    if (!table_.update(id_, changed_, edited_)) {
+    ServerSession::Hearing hearing;
+    if (ChangeListener* const listener = table_.session().listener())
+        hearing = std::make_shared<HeardUpdate>(table_, listener->place(), id_, changed_, loaded_, current_, edited_);
+    if (!table_.update(id_, changed_, edited_, hearing)) {
         present_ = false;
         throw PlatformError(errors::kNoCurrentRecord, "the record has been deleted");
     }

@@ -68,32 +68,94 @@ StatementResult ServerSession::read(const ServerStatement& statement, std::span<
     return runStatement(statement, types);
 }
 
-StatementResult ServerSession::write(const ServerStatement& statement, std::span<const FieldType> types) {
-    StatementResult result = runStatement(statement, types);
-    keep({statement});
+class ServerSession::Own {
+  public:
+    explicit Own(ServerSession& session) : session_(session), own_(session.listener_ != nullptr && !session.open_) {
+        if (own_) session_.begin();
+    }
+    Own(const Own&) = delete;
+    Own& operator=(const Own&) = delete;
+    ~Own() {
+        if (!own_ || !session_.open_) return;
+        try {
+            session_.rollback();
+        } catch (const PlatformError&) {
+            // The statement's own error is on its way; a lost connection is told of by the next one.
+        }
+    }
+    void done() {
+        if (own_) session_.commit();
+    }
+
+  private:
+    ServerSession& session_;
+    bool own_;
+};
+
+StatementResult ServerSession::runHeard(const ServerStatement& statement, std::span<const FieldType> types, bool once,
+                                        const Hearing& hearing) {
+    if (!hearing) return runStatement(statement, types, once);
+    for (const Value& value : statement.parameters) requireStorable(value);
+    bool again = rolledBack_;
+    return run([&](StatementResult& result) {
+        Error error = hearing->before(connection_, *listener_, std::exchange(again, true));
+        if (!error)
+            error = once ? connection_.runOnce(statement.text, statement.parameters, result)
+                         : connection_.run(statement.text, statement.parameters, types, result);
+        if (!error) error = hearing->after(connection_, result);
+        if (error) hearing->failed(*listener_);
+        return error;
+    });
+}
+
+void ServerSession::tell(const Hearing& hearing) {
+    if (hearing && listener_ != nullptr) hearing->tell(*listener_);
+}
+
+void ServerSession::tellUndone() {
+    if (listener_ != nullptr && !committing_) listener_->undone();
+}
+
+StatementResult ServerSession::write(const ServerStatement& statement, std::span<const FieldType> types,
+                                     const Hearing& hearing) {
+    Own own(*this);
+    StatementResult result = runHeard(statement, types, false, hearing);
+    tell(hearing);
+    keep({.statement = statement, .hearing = hearing, .types = {types.begin(), types.end()}});
+    own.done();
     return result;
 }
 
-bool ServerSession::writeRow(const ServerStatement& statement, const ServerStatement& itsRow) {
+bool ServerSession::writeRow(const ServerStatement& statement, const ServerStatement& itsRow, const Hearing& hearing) {
+    Own own(*this);
     // Some servers count a row that has those values already as not touched.
-    const bool found = runStatement(statement, {}).touched > 0 || !runStatement(itsRow, {}).rows.empty();
-    keep({.statement = statement, .row = found ? itsRow : ServerStatement()});
+    const bool found = runHeard(statement, {}, false, hearing).touched > 0 || !runStatement(itsRow, {}).rows.empty();
+    if (found) tell(hearing);
+    keep({.statement = statement, .row = found ? itsRow : ServerStatement(), .hearing = found ? hearing : Hearing()});
+    own.done();
     return found;
 }
 
 std::int64_t ServerSession::insert(const ServerStatement& statement,
-                                   const std::function<ServerStatement(std::int64_t id)>& again) {
+                                   const std::function<ServerStatement(std::int64_t id)>& again,
+                                   const Hearing& hearing) {
     constexpr FieldType kId = FieldType::Long;
-    const StatementResult result = runStatement(statement, std::span(&kId, 1));
+    Own own(*this);
+    const StatementResult result = runHeard(statement, std::span(&kId, 1), false, hearing);
     const auto* id = result.rows.empty() ? nullptr : std::get_if<std::int64_t>(&result.rows.front().front());
     if (id == nullptr) throw PlatformError(errors::kInternal, "the database server gave the new record no ID");
-    if (open_) keep({.statement = again(*id)});
+    tell(hearing);
+    if (open_) keep({.statement = again(*id), .hearing = hearing});
+    own.done();
     return *id;
 }
 
-StatementResult ServerSession::writeOnce(const ServerStatement& statement) {
-    StatementResult result = runStatement(statement, {}, true);
-    keep({.statement = statement, .once = true});
+StatementResult ServerSession::writeOnce(const ServerStatement& statement, const Hearing& hearing) {
+    Own own(*this);
+    StatementResult result = runHeard(statement, {}, true, hearing);
+    tell(hearing);
+    keep({.statement = statement, .once = true, .hearing = hearing});
+    own.done();
     return result;
 }
 
@@ -116,7 +178,10 @@ StatementResult ServerSession::run(const Attempt& attempt) {
         const bool endsRun = waitsFor(failure) || repeating_ || liesWithServer(failure);
         const bool recordsOnly = repeating_ && !waitsFor(failure) && !liesWithServer(failure);
         const int number = recordsOnly ? errors::kCannotBeRepeated : errorNumber(failure);
-        if (repeating_) end();
+        if (repeating_) {
+            end();
+            tellUndone();
+        }
         throw PlatformError(number, error->description, endsRun).quoted();
     }
 }
@@ -128,6 +193,7 @@ ServerSession::Error ServerSession::tryOnce(const Attempt& attempt, StatementRes
     if (!error || !open_ || (!repeating_ && survives(dialect(), failureOf(*error)))) return error;
     rolledBack_ = true;
     startEpoch();
+    tellUndone();
     if (noConnection(failureOf(*error))) return error;
     Error worse = connection_.endTransaction(false);
     if (!worse) return error;
@@ -144,18 +210,25 @@ ServerSession::Error ServerSession::startOnServer() {
 
 ServerSession::Error ServerSession::repeatKept() {
     for (const Kept& kept : kept_) {
-        StatementResult result;
-        const auto& [text, parameters] = kept.statement;
-        Error error =
-            kept.once ? connection_.runOnce(text, parameters, result) : connection_.run(text, parameters, {}, result);
-        if (error) return error;
-        if (!kept.row.text.empty() && result.touched == 0) {
-            error = findAgain(kept.row);
-            if (error) return error;
-        }
+        if (Error error = runKept(kept)) return error;
+        tell(kept.hearing);
     }
     rolledBack_ = false;
     return std::nullopt;
+}
+
+ServerSession::Error ServerSession::runKept(const Kept& kept) {
+    const bool heard = kept.hearing && listener_ != nullptr;
+    if (heard) {
+        if (Error error = kept.hearing->before(connection_, *listener_, true)) return error;
+    }
+    StatementResult result;
+    const auto& [text, parameters] = kept.statement;
+    Error error = kept.once ? connection_.runOnce(text, parameters, result)
+                            : connection_.run(text, parameters, kept.types, result);
+    if (!error && !kept.row.text.empty() && result.touched == 0) error = findAgain(kept.row);
+    if (!error && heard) error = kept.hearing->after(connection_, result);
+    return error;
 }
 
 /// The row of a repeated statement that touched none: it may have those values already, or be gone.
@@ -180,15 +253,27 @@ void ServerSession::begin() {
 void ServerSession::commit() {
     requireConnection();
     requireTransaction();
+    // Also after reading only, which may hold locks.
+    const bool nothing = kept_.empty() && (rolledBack_ || !onServer_);
     try {
-        // Also after reading only, which may hold locks.
-        const bool nothing = kept_.empty() && (rolledBack_ || !onServer_);
-        if (!nothing) run([this](StatementResult&) { return connection_.endTransaction(true); });
+        if (!nothing) run([this](StatementResult&) { return commitOnServer(); });
     } catch (const PlatformError& error) {
+        committing_ = false;
         end();
+        if (!lost_) tellUndone();
         throw error.endingRun();
     }
     end();
+    if (listener_ != nullptr && !nothing) listener_->stands();
+}
+
+/// Behind the repetition of what was rolled back, which is heard too.
+ServerSession::Error ServerSession::commitOnServer() {
+    if (listener_ != nullptr) listener_->kept();
+    committing_ = true;
+    Error error = connection_.endTransaction(true);
+    committing_ = error && noConnection(failureOf(*error));
+    return error;
 }
 
 void ServerSession::rollback() {
@@ -196,6 +281,7 @@ void ServerSession::rollback() {
     requireTransaction();
     const Error error = rolledBack_ || !onServer_ ? std::nullopt : connection_.endTransaction(false);
     end();
+    tellUndone();
     if (error) lose(*error);
 }
 
@@ -223,6 +309,7 @@ void ServerSession::lose(const ServerError& error) {
     lost_ = silent ? PlatformError(errors::kServerSilent, error.description, true)
                    : PlatformError(errors::kServerGone, error.description, true).quoted();
     end();
+    tellUndone();
     throw *lost_;
 }
 

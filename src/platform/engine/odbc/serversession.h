@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "platform/engine/odbc/odbcconnection.h"
 #include "platform/engine/odbc/serverdatabase.h"
+#include "platform/engine/odbc/serverhearing.h"
 #include "platform/engine/odbc/servertext.h"
 #include "platform/error.h"
 
@@ -23,6 +25,9 @@ namespace kolmera {
 /// waited for this session holds none itself.
 class ServerSession {
   public:
+    /// What a statement writes; shared with the statements that are kept to be run again.
+    using Hearing = std::shared_ptr<ServerHearing>;
+
     ServerSession(const std::string& connectString, const ServerOptions& options);
 
     [[nodiscard]] const Dialect& dialect() const { return connection_.dialect(); }
@@ -31,15 +36,20 @@ class ServerSession {
 
     /// A statement that reads.
     StatementResult read(const ServerStatement& statement, std::span<const FieldType> types);
-    /// A statement that writes.
-    StatementResult write(const ServerStatement& statement, std::span<const FieldType> types = {});
+    /// A statement that writes. `hearing` where somebody listens, here and below.
+    StatementResult write(const ServerStatement& statement, std::span<const FieldType> types = {},
+                          const Hearing& hearing = {});
     /// A statement on one row, which `itsRow` selects; false when the row is not there. A repetition that finds no row
     /// ends the run.
-    bool writeRow(const ServerStatement& statement, const ServerStatement& itsRow);
+    bool writeRow(const ServerStatement& statement, const ServerStatement& itsRow, const Hearing& hearing = {});
     /// An INSERT that gives the new row's ID back; `again` makes the statement that inserts the row with that ID.
-    std::int64_t insert(const ServerStatement& statement, const std::function<ServerStatement(std::int64_t id)>& again);
+    std::int64_t insert(const ServerStatement& statement, const std::function<ServerStatement(std::int64_t id)>& again,
+                        const Hearing& hearing = {});
     /// A statement that writes and is not to stay prepared.
-    StatementResult writeOnce(const ServerStatement& statement);
+    StatementResult writeOnce(const ServerStatement& statement, const Hearing& hearing = {});
+
+    void listen(ChangeListener* listener) { listener_ = listener; }
+    [[nodiscard]] ChangeListener* listener() const { return listener_; }
 
     void begin();
     void commit();
@@ -68,15 +78,25 @@ class ServerSession {
         ServerStatement statement;
         ServerStatement row = {};  ///< selects the row that has to be there again
         bool once = false;         ///< not to stay prepared
+        Hearing hearing = {};
+        std::vector<FieldType> types = {};  ///< of what it answers
     };
+    /// A transaction of the listener's own around a statement outside any, so that it hears of the commit before it.
+    class Own;
 
     StatementResult run(const Attempt& attempt);
     StatementResult runStatement(const ServerStatement& statement, std::span<const FieldType> types, bool once = false);
+    StatementResult runHeard(const ServerStatement& statement, std::span<const FieldType> types, bool once,
+                             const Hearing& hearing);
+    Error runKept(const Kept& kept);
+    void tell(const Hearing& hearing);
+    void tellUndone();
     Error tryOnce(const Attempt& attempt, StatementResult& result);
     Error repeatKept();
     Error findAgain(const ServerStatement& row);
     Error startOnServer();
     void keep(Kept kept);
+    Error commitOnServer();
     void requireConnection() const;
     void requireTransaction() const;
     [[nodiscard]] bool connectionLost(const ServerError& error, Failure failure);
@@ -89,6 +109,8 @@ class ServerSession {
     bool onServer_ = false;    ///< a statement of it has been run
     bool rolledBack_ = false;  ///< its statements are not on the server at the moment
     bool repeating_ = false;   ///< the error at hand comes from a kept statement
+    bool committing_ = false;  ///< if the connection is lost now, nobody knows what the server has kept
+    ChangeListener* listener_ = nullptr;
     std::vector<Kept> kept_;
     std::uint64_t epoch_ = 0;
     std::optional<PlatformError> lost_;  ///< why there is no connection any more

@@ -111,10 +111,15 @@ std::vector<Value> ServerTable::readWhole(std::int64_t id) {
 
 std::vector<std::vector<Value>> ServerTable::readAll(std::span<const int> columns, const ServerStatement& where,
                                                      std::string_view order, int limit) {
+    return session_.read(select(columns, where, order, limit), types(columns)).rows;
+}
+
+ServerStatement ServerTable::select(std::span<const int> columns, const ServerStatement& where, std::string_view order,
+                                    int limit) const {
     const std::vector<std::string> names = quoted(columns);
     const SelectParts parts{
         .columns = names, .table = quotedName_, .where = where.text, .order = order, .limit = limit};
-    return session_.read({selectText(session_.dialect(), parts), where.parameters}, types(columns)).rows;
+    return {selectText(session_.dialect(), parts), where.parameters};
 }
 
 ServerStatement ServerTable::rowStatement(std::int64_t id) const {
@@ -131,16 +136,22 @@ std::int64_t ServerTable::insert(const ColumnSet& columns, const std::vector<Val
     columns.forEach([&](int column) { written.push_back(column); });
     ServerStatement statement{insertText(session_.dialect(), quotedName_, quoted(written), quotedKey())};
     for (const int column : written) statement.parameters.push_back(values[static_cast<std::size_t>(column)]);
-    return session_.insert(statement, [&](std::int64_t id) {
+    ServerSession::Hearing hearing;
+    if (ChangeListener* const listener = session_.listener())
+        hearing = std::make_shared<HeardAddition>(*this, listener->place(), written,
+                                                  std::vector<std::vector<Value>>{statement.parameters});
+    const auto again = [&](std::int64_t id) {
         std::vector<std::string> names = quoted(written);
         names.push_back(quotedKey());
-        ServerStatement again{insertRowsText(session_.dialect(), quotedName_, names, 1), statement.parameters};
-        again.parameters.emplace_back(id);
-        return again;
-    });
+        ServerStatement repeated{insertRowsText(session_.dialect(), quotedName_, names, 1), statement.parameters};
+        repeated.parameters.emplace_back(id);
+        return repeated;
+    };
+    return session_.insert(statement, again, hearing);
 }
 
-bool ServerTable::update(std::int64_t id, const ColumnSet& columns, const std::vector<Value>& values) {
+bool ServerTable::update(std::int64_t id, const ColumnSet& columns, const std::vector<Value>& values,
+                         const ServerSession::Hearing& hearing) {
     std::vector<std::string> names;
     ServerStatement statement;
     columns.forEach([&](int column) {
@@ -149,10 +160,15 @@ bool ServerTable::update(std::int64_t id, const ColumnSet& columns, const std::v
     });
     statement.text = updateText(quotedName_, names, quotedKey());
     statement.parameters.emplace_back(id);
-    return session_.writeRow(statement, rowStatement(id));
+    return session_.writeRow(statement, rowStatement(id), hearing);
 }
 
-void ServerTable::remove(std::int64_t id) { session_.write({deleteText(quotedName_, quotedKey()), {id}}); }
+void ServerTable::remove(std::int64_t id) {
+    ServerSession::Hearing hearing;
+    if (ChangeListener* const listener = session_.listener())
+        hearing = std::make_shared<HeardRemoval>(*this, listener->place(), byId(id));
+    session_.write({deleteText(quotedName_, quotedKey()), {id}}, {}, hearing);
+}
 
 ServerStatement ServerTable::rowsStatement(std::span<const int> columns,
                                            std::span<const std::vector<Value>> rows) const {
@@ -167,13 +183,23 @@ ServerStatement ServerTable::rowsStatement(std::span<const int> columns,
     return statement;
 }
 
+ServerSession::Hearing ServerTable::hearingOf(std::span<const int> columns, std::span<const Value> values) {
+    ChangeListener* const listener = session_.listener();
+    if (listener == nullptr) return {};
+    std::vector<std::vector<Value>> rows;
+    for (; !values.empty(); values = values.subspan(columns.size()))
+        rows.emplace_back(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(columns.size()));
+    return std::make_shared<HeardAddition>(*this, listener->place(), columns, std::move(rows));
+}
+
 void ServerTable::insertRows(std::span<const int> columns, std::span<const std::vector<Value>> rows) {
     const std::size_t fitting = session_.dialect().mostParameters / std::max<std::size_t>(columns.size(), 1);
     const std::size_t atOnce = std::clamp<std::size_t>(fitting, 1, kMostRowsAtOnce);
     while (!rows.empty()) {
         const std::size_t count = std::min(atOnce, rows.size());
         const ServerStatement statement = rowsStatement(columns, rows.first(count));
-        count == atOnce ? session_.write(statement) : session_.writeOnce(statement);
+        const ServerSession::Hearing hearing = hearingOf(columns, statement.parameters);
+        count == atOnce ? session_.write(statement, {}, hearing) : session_.writeOnce(statement, hearing);
         rows = rows.subspan(count);
     }
     noteWrite();

@@ -50,6 +50,12 @@ class ServerTable {
     /// Its rows have the key that they are read and written by.
     [[nodiscard]] bool hasKey() const { return key_ >= 0; }
     [[nodiscard]] const std::string& quotedKey() const { return quotedColumn(key_); }
+    [[nodiscard]] int key() const { return key_; }
+    [[nodiscard]] std::span<const int> all() const { return all_; }  ///< every ordinal
+    [[nodiscard]] std::vector<std::string> quoted(std::span<const int> columns) const;
+    [[nodiscard]] std::vector<FieldType> types(std::span<const int> columns) const;
+    [[nodiscard]] ServerStatement select(std::span<const int> columns, const ServerStatement& where,
+                                         std::string_view order, int limit) const;
 
     /// Grows whenever a row may have changed: copies of rows taken under another version are old.
     [[nodiscard]] std::uint64_t version() const { return writes_ + session_.epoch(); }
@@ -74,15 +80,15 @@ class ServerTable {
     /// Returns the new row's ID.
     std::int64_t insert(const ColumnSet& columns, const std::vector<Value>& values);
     /// False when the row is not there.
-    bool update(std::int64_t id, const ColumnSet& columns, const std::vector<Value>& values);
+    bool update(std::int64_t id, const ColumnSet& columns, const std::vector<Value>& values,
+                const ServerSession::Hearing& hearing);
     void remove(std::int64_t id);
     void insertRows(std::span<const int> columns, std::span<const std::vector<Value>> rows);
 
   private:
-    [[nodiscard]] std::vector<std::string> quoted(std::span<const int> columns) const;
-    [[nodiscard]] std::vector<FieldType> types(std::span<const int> columns) const;
     [[nodiscard]] ServerStatement byId(std::int64_t id) const;
     [[nodiscard]] ServerStatement rowStatement(std::int64_t id) const;
+    ServerSession::Hearing hearingOf(std::span<const int> columns, std::span<const Value> values);
     ServerStatement rowsStatement(std::span<const int> columns, std::span<const std::vector<Value>> rows) const;
 
     ServerSession& session_;

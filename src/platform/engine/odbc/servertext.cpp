@@ -196,7 +196,7 @@ ServerStatement serverStatement(const Dialect& dialect, std::string_view stateme
 }
 
 ServerSelectRest serverSelectRest(const Dialect& dialect, std::string_view rest, const Locale& locale,
-                                  const NameLookup& exactName) {
+                                  const NameLookup& exactName, std::span<const Value> given) {
     const std::vector<Token> pieces = tokens(rest);
     std::span<const Token> where(pieces);
     if (!where.empty() && where.back().is(";")) where = where.first(where.size() - 1);
@@ -205,11 +205,33 @@ ServerSelectRest serverSelectRest(const Dialect& dialect, std::string_view rest,
     std::span<const Token> columns = where.subspan(whereLength);
     where = where.first(whereLength);
 
-    Translator translator(dialect, locale, exactName, {});
+    Translator translator(dialect, locale, exactName, given);
     ServerSelectRest result;
     if (!where.empty()) result.where = translator.translate(where.subspan(1));
     if (columns.size() > 2) result.order = orderText(dialect, translator, columns.subspan(2));
     return result;
+}
+
+ActionParts actionParts(std::string_view statement) {
+    const std::vector<Token> pieces = tokens(statement);
+    const bool updates = !pieces.empty() && pieces.front().is("UPDATE");
+    const std::size_t name = updates ? 1 : 2;  // behind DELETE FROM, INSERT INTO
+    const std::size_t behind = name + 1;
+    if (pieces.size() <= name || !pieces[name].isName()) return {};
+    ActionParts parts{.kind = ActionParts::Kind::Insert, .table = pieces[name].text, .rest = {}};
+    if (pieces.front().is("INSERT")) return parts;
+    parts.kind = updates ? ActionParts::Kind::Update : ActionParts::Kind::Delete;
+    int depth = 0;
+    for (std::size_t at = behind; at < pieces.size(); ++at) {
+        if (pieces[at].is("(")) ++depth;
+        if (pieces[at].is(")")) --depth;
+        if (depth == 0 && pieces[at].kind == Token::Kind::Word && pieces[at].is("WHERE")) {
+            parts.rest = statement.substr(pieces[at].begin);
+            return parts;
+        }
+        if (pieces[at].is("?")) ++parts.parametersBefore;
+    }
+    return parts;
 }
 
 std::string orderWithKey(std::string_view order, std::string_view key) {

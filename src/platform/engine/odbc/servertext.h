@@ -39,7 +39,18 @@ struct ServerSelectRest {
     std::string order;
 };
 ServerSelectRest serverSelectRest(const Dialect& dialect, std::string_view rest, const Locale& locale,
-                                  const NameLookup& exactName);
+                                  const NameLookup& exactName, std::span<const Value> given = {});
+
+/// An action statement on one table, taken apart.
+struct ActionParts {
+    enum class Kind { Insert, Update, Delete };
+    Kind kind{};
+    std::string table;
+    std::string rest;                  ///< UPDATE, DELETE: "WHERE ..." as it is written, or empty
+    std::size_t parametersBefore = 0;  ///< "?" before the rest
+};
+/// No table for what is none.
+ActionParts actionParts(std::string_view statement);
 
 /// An order with the key as its last column, unless the key is in it already: servers may refuse a column that comes
 /// twice. An order by the key alone is the key's name alone.
