@@ -1,0 +1,115 @@
+#include "history/window/openrecord.h"
+
+#include <QElapsedTimer>
+
+#include "db/conversions.h"
+#include "history/changereport.h"
+#include "history/fileexcerpt.h"
+#include "history/window/changewindow.h"
+#include "history/window/excerptwindow.h"
+#include "import/run/runreport.h"
+#include "lang/errortext.h"
+#include "lang/keys/boxes.h"
+#include "lang/keys/changes.h"
+#include "platform/attempt.h"
+#include "ui/forms.h"
+#include "ui/lockwait.h"
+#include "ui/qttext.h"
+
+namespace kolmera {
+namespace {
+
+constexpr int kPatience = 300;  ///< milliseconds before the waiting is shown
+
+RecordSource sourceOf(const RecordReader& reader) {
+    return {.header = reader.header(),
+            .forEachChange = [&](const auto& take) { reader.forEachChange(take); },
+            .forEachRemark = [&](const auto& take) { reader.forEachRemark(take); }};
+}
+
+std::string remarkText(LanguageTexts& texts, std::string_view name) {
+    for (const RemarkKind& kind : kRemarks) {
+        if (kind.name == name) return texts.ModulText(kind.text);
+    }
+    return std::string(name);
+}
+
+/// The products of a company in a file. One on a server is not opened for their names only: that can take long.
+void eachProduct(Program& program, const std::string& company, const std::function<void(const NamedProduct&)>& take) {
+    SqlLayer& sql = program.state.sql;
+    std::error_code unknown;
+    const bool here =
+        std::filesystem::exists(program.state.drives.resolve(company, program.state.dataFolder()), unknown);
+    if (company.empty() || SqlLayer::ÄrSQLDatabas(company) || !here || !program.companies.ÖppnaDatabas(company)) return;
+    const auto rows = sql.SQLÖppnaRs("SELECT ID, Nummer, Benämning FROM Produkt", RecordsetType::Snapshot);
+    for (; !rows->eof(); rows->moveNext()) {
+        const std::string number = TillText(rows->value(1), sql.locale());
+        const std::string name = TillText(rows->value(2), sql.locale());
+        take({.id = TillLng(rows->value(0), sql.locale()), .number = number, .name = name});
+    }
+}
+
+bool readReport(Program& program, QWidget& parent, ChangeReport& report) {
+    LockWait wait(parent);
+    QElapsedTimer waited;
+    waited.start();
+    const bool whole = report.read([&](std::int64_t changes) {
+        return waited.elapsed() < kPatience ||
+               wait.keepWaiting(
+                   toQt(program.texts.ModulTextMed(text::changes::kReading, grouped(changes, program.state.locale))),
+                   toQt(program.texts.ModulText(text::boxes::kCancel)));
+    });
+    if (!whole) return false;
+    PassedOverSilently passedOver;  // the numbers are there without the names
+    attempt(passedOver, "Produkt", [&] {
+        report.nameProducts([&](const auto& take) { eachProduct(program, report.header().companyFile, take); });
+    });
+    return true;
+}
+
+void showExcerpt(Program& program, QWidget* parent, const RecordReader& reader, std::int64_t record) {
+    const std::optional<RecordPlace> place = reader.place(record);
+    if (!place) {
+        program.boxes.MeddelandeVarning(program.texts.ModulText(text::changes::kPlaceUnknown));
+        return;
+    }
+    const RecordedFile& file = reader.header().priceFile;
+    ExcerptWindow form(program, file, record, excerptOf(file, *place), parent);
+    VisaFormulär(program, form, true);
+}
+
+void tellUnreadable(Program& program, const PlatformError& error) {
+    program.boxes.MeddelandeVarning(
+        program.texts.ModulTextMed(text::changes::kUnreadableRecord, errorText(program.texts, error)));
+}
+
+}  // namespace
+
+bool showRecord(Program& program, QWidget* parent, const RecordReader& record) {
+    try {
+        ChangeReport report(sourceOf(record), program.texts, program.state.locale,
+                            [&](std::string_view name) { return remarkText(program.texts, name); });
+        if (!readReport(program, *parent, report)) return false;
+        ChangeWindow form(program, report, parent);
+        form.showRecord = [&](QWidget* over, std::int64_t number) { showExcerpt(program, over, record, number); };
+        form.load();
+        VisaFormulär(program, form, true);
+        return form.runs();
+    } catch (const PlatformError& error) {
+        tellUnreadable(program, error);
+        return false;
+    }
+}
+
+bool showRecord(Program& program, QWidget* parent, const std::filesystem::path& file) {
+    std::optional<RecordReader> record;
+    try {
+        record.emplace(file);
+    } catch (const PlatformError& error) {
+        tellUnreadable(program, error);
+        return false;
+    }
+    return showRecord(program, parent, *record);
+}
+
+}  // namespace kolmera

@@ -1,0 +1,220 @@
+#include "history/window/runswindow.h"
+
+#include <QAbstractTableModel>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QTableView>
+#include <algorithm>
+
+#include "history/window/openrecord.h"
+#include "lang/errortext.h"
+#include "lang/keys/runs.h"
+#include "platform/attempt.h"
+#include "ui/controls.h"
+#include "ui/forms.h"
+#include "ui/keys.h"
+#include "ui/lists.h"
+#include "ui/qttext.h"
+
+namespace kolmera {
+
+class RunsWindow::Model final : public QAbstractTableModel {
+  public:
+    Model(const RunList& runs, QObject* parent) : QAbstractTableModel(parent), runs_(runs) {}
+
+    void refresh() {
+        beginResetModel();
+        endResetModel();
+    }
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : runs_.count();
+    }
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : RunList::kColumns;
+    }
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
+        if (!index.isValid()) return {};
+        if (role == Qt::TextAlignmentRole) {
+            const bool number = index.column() >= RunList::kRecords && index.column() <= RunList::kChanged;
+            return static_cast<int>(Qt::AlignVCenter | (number ? Qt::AlignRight : Qt::AlignLeft));
+        }
+        if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+        return toQt(runs_.cells(index.row()).at(static_cast<std::size_t>(index.column())));
+    }
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+        if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+        return toQt(runs_.headings().at(static_cast<std::size_t>(section)));
+    }
+
+  private:
+    const RunList& runs_;
+};
+
+RunsWindow::RunsWindow(Program& program, QWidget* parent)
+    : QDialog(parent),
+      program_(program),
+      folder_(program.state.dataFolder()),
+      runs_(program.texts, program.state.locale),
+      model_(new Model(runs_, this)) {
+    setObjectName(QStringLiteral("RunsWindow"));
+    setWindowTitle(QStringLiteral("Tidigare körningar"));
+    setWindowFlag(Qt::WindowMaximizeButtonHint);
+    buildControls();
+    layOut();
+    loadForm(program_, *this);
+    fill();
+    setSizes();
+    list_->setFocus();
+}
+
+// The list must not report its going to a form that is gone.
+RunsWindow::~RunsWindow() { delete list_; }
+
+void RunsWindow::buildControls() {
+    company_ = named(new QComboBox(this), "Företag");
+    list_ = named(new QTableView(this), "Lista");
+    list_->setToolTip(QStringLiteral("Körningar"));
+    list_->setModel(model_);
+    list_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    list_->setSelectionMode(QAbstractItemView::SingleSelection);
+    list_->setWordWrap(false);
+    list_->setTextElideMode(Qt::ElideMiddle);
+    list_->setTabKeyNavigation(false);
+    list_->verticalHeader()->hide();
+    list_->verticalHeader()->setDefaultSectionSize(fontMetrics().lineSpacing() * 5 / 4);
+    list_->horizontalHeader()->setHighlightSections(false);
+    list_->horizontalHeader()->setSectionResizeMode(RunList::kPriceFile, QHeaderView::Stretch);
+    remark_ = named(new QLabel(this), "Anmärkning");
+    remark_->setWordWrap(true);
+    show_ = button(*this, "Visa", "&Visa...");
+    undo_ = button(*this, "Ångra", "&Ångra körning...");
+    remove_ = button(*this, "TaBort", "&Ta bort");
+    close_ = button(*this, "Stäng", "&Stäng");
+    for (QPushButton* each : {show_, undo_, remove_, close_}) each->setAutoDefault(false);
+    connect(company_, &QComboBox::currentIndexChanged, this, [this] { choose(); });
+    connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { present(); });
+    connect(list_, &QTableView::doubleClicked, this, [this] { showRun(); });
+    connect(show_, &QPushButton::clicked, this, [this] { showRun(); });
+    connect(undo_, &QPushButton::clicked, this, [this] { undo(); });
+    connect(remove_, &QPushButton::clicked, this, [this] { remove(); });
+    connect(close_, &QPushButton::clicked, this, [this] { reject(); });
+    pressOnKey(*this, QKeySequence(Qt::Key_F9), *remove_);
+    for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* shortcut = new QShortcut(enter, list_);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, [this] { showRun(); });
+    }
+}
+
+void RunsWindow::layOut() {
+    QLabel* company = label(*this, "Lbl_Företag", "&Företag");
+    company->setBuddy(company_);
+    auto* top = new QHBoxLayout;
+    top->addWidget(company);
+    top->addWidget(company_);
+    top->addStretch(1);
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* each : {show_, undo_, remove_}) buttons->addWidget(each);
+    buttons->addStretch(1);
+    buttons->addWidget(close_);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addWidget(list_, 1);
+    layout->addWidget(remark_);
+    layout->addLayout(buttons);
+}
+
+void RunsWindow::setSizes() {
+    constexpr int kWindowLetters = 140, kWindowLines = 26;
+    const QFontMetrics metrics = fontMetrics();
+    for (int column = 0; column < RunList::kColumns; ++column) {
+        if (column != RunList::kPriceFile) list_->resizeColumnToContents(column);
+    }
+    const QSize size(kWindowLetters * metrics.averageCharWidth(), kWindowLines * metrics.lineSpacing());
+    resize(size.boundedTo(screen()->availableSize() - QSize(2, 4) * metrics.averageCharWidth()));
+}
+
+void RunsWindow::fill() {
+    std::vector<RunHeader> runs;
+    try {
+        const Hourglass reading(program_.boxes.port());
+        unreadable_ = 0;
+        runs = folder_.list(&unreadable_);
+    } catch (const PlatformError& error) {
+        program_.boxes.MeddelandeVarning(
+            program_.texts.FormulärSträngMed1(text::runs::kCannotList, errorText(program_.texts, error)));
+    }
+    const int row = currentRow();
+    runs_.fill(std::move(runs));
+    {
+        const QSignalBlocker quiet(company_);
+        company_->clear();
+        company_->addItem(toQt(program_.texts.FormulärSträng(text::runs::kAllCompanies)));
+        for (const std::string& company : runs_.companies()) company_->addItem(toQt(company));
+        if (!runs_.chosen().empty()) company_->setCurrentText(toQt(runs_.chosen()));
+    }
+    model_->refresh();
+    selectRow(*list_, std::clamp(row, 0, std::max(runs_.count() - 1, 0)));
+    present();
+}
+
+void RunsWindow::choose() {
+    const int row = company_->currentIndex();
+    runs_.choose(row <= 0 ? std::string() : runs_.companies()[static_cast<std::size_t>(row) - 1]);
+    model_->refresh();
+    selectRow(*list_, 0);
+    present();
+}
+
+// The one place that enables.
+void RunsWindow::present() {
+    const int row = currentRow();
+    show_->setEnabled(row >= 0);
+    undo_->setEnabled(runs_.canUndo(row));
+    remove_->setEnabled(row >= 0);
+    std::string remark;
+    if (runs_.count() == 0) remark = program_.texts.FormulärSträng(text::runs::kNone);
+    if (unreadable_ > 0)
+        remark = program_.texts.FormulärSträngMed1(text::runs::kUnreadable, std::to_string(unreadable_));
+    remark_->setText(toQt(remark));
+    remark_->setVisible(!remark.empty());
+}
+
+int RunsWindow::currentRow() const {
+    const QModelIndex current = list_->currentIndex();
+    return current.isValid() && current.row() < runs_.count() ? current.row() : -1;
+}
+
+void RunsWindow::showRun() {
+    const int row = currentRow();
+    if (row < 0) return;
+    try {
+        showRecord(program_, this, folder_.file(runs_.run(row).id));
+    } catch (const PlatformError&) {
+        fill();  // somebody else has removed it
+    }
+}
+
+void RunsWindow::undo() {}
+
+void RunsWindow::remove() {
+    const int row = currentRow();
+    if (row < 0) return;
+    const RunHeader& run = runs_.run(row);
+    const std::string question = program_.texts.FormulärSträngMed1(text::runs::kAskToRemove,
+                                                                   runs_.cells(row)[RunList::kStarted] + " " + run.job);
+    if (program_.boxes.MeddelandeJaNejNej(question) != Answer::Yes) return;
+    try {
+        folder_.remove(run.id);
+    } catch (const PlatformError& error) {
+        program_.boxes.MeddelandeVarning(errorText(program_.texts, error));
+    }
+    fill();
+}
+
+}  // namespace kolmera
