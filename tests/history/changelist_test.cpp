@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "db/productcolumns.h"
+#include "history/changetable.h"
 
 namespace kolmera {
 namespace {
@@ -126,6 +127,18 @@ TEST_F(Changes, AreReadInWindows) {
         EXPECT_EQ(one[0].members, all[static_cast<std::size_t>(place)].members);
     }
     EXPECT_TRUE(list.rows(13, 5).empty());
+}
+
+TEST(ChangeTable, KeepsSpreadsheetsFromTakingTextsForFormulas) {
+    const Locale locale(Locale::Kind::Swedish);
+    const struct {
+        const char *fault, *cell, *expected;
+    } cases[] = {{"a formula let through", "=1+1", "'=1+1"},      {"a call let through", "@SUM(A1)", "'@SUM(A1)"},
+                 {"a text with a sign let through", "-a", "'-a"}, {"a negative number made a text", "-5,25", "-5,25"},
+                 {"a change made a text", "+2,5 %", "+2,5 %"},    {"a dash made a text", "-", "-"},
+                 {"a cell cut in two", "a\tb\r\nc", "a b  c"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(ChangeTable::line({c.cell}, locale), c.expected + "\t\t\t\t\t\t\t"s) << c.fault;
 }
 
 }  // namespace

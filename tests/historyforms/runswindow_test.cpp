@@ -39,6 +39,7 @@ class RunsWindowTest : public testing::Test {
         RunHeader head;
         head.job = job;
         head.companyName = name;
+        head.companyFile = "FTG1.MDB";
         head.started = "2026-11-2" + std::to_string(++runs) + "T08:15:00";
         head.priceFile.path = priceFile.string();
         head.priceFile.size = 16;
@@ -69,6 +70,24 @@ class RunsWindowTest : public testing::Test {
     std::string product;
     std::optional<RunsWindow> form;
 };
+
+TEST_F(RunsWindowTest, TakesARunBackAndTellsWhatStays) {
+    std::string outcome, kept;
+    world.boxPort.answers = {Answer::Yes};
+    const WhenShown window("UndoWindow", [&](QDialog& told) {
+        outcome = fromQt(control<QLabel>(told, "Utfall").text());
+        kept = fromQt(control<QPlainTextEdit>(told, "Kvar").toPlainText());
+        expectTextsInBothLanguages(told, world);
+        takePicture(told, "undowindow");
+        told.accept();
+    });
+    list().setCurrentIndex(list().model()->index(1, 0));  // the price that it left has been changed by the third run
+    control<QPushButton>(*form, "Ångra").click();
+    EXPECT_TRUE(window.came());
+    EXPECT_NE(outcome.find("utom det som står kvar"), std::string::npos) << outcome;
+    EXPECT_NE(kept.find("Inpris: \"1001\" > \"1002\" > \"1003\""), std::string::npos) << kept;
+    EXPECT_EQ(list().model()->rowCount(), 3) << "nothing was taken back, and yet there is a record of it";
+}
 
 class RunsWindowInEnglish : public RunsWindowTest {
   protected:

@@ -12,6 +12,7 @@
 #include "lang/keys/boxes.h"
 #include "lang/keys/changes.h"
 #include "platform/attempt.h"
+#include "platform/lettercase.h"
 #include "ui/forms.h"
 #include "ui/lockwait.h"
 #include "ui/qttext.h"
@@ -78,6 +79,14 @@ void showExcerpt(Program& program, QWidget* parent, const RecordReader& reader, 
     VisaFormulär(program, form, true);
 }
 
+std::vector<Notice> noticesOf(std::span<const std::string> told) {
+    std::vector<Notice> notices;
+    for (const std::string& text : told) {
+        notices.push_back({.warning = true, .text = replaceAll(text, "\r\n", " "), .records = {}});
+    }
+    return notices;
+}
+
 void tellUnreadable(Program& program, const PlatformError& error) {
     program.boxes.MeddelandeVarning(
         program.texts.ModulTextMed(text::changes::kUnreadableRecord, errorText(program.texts, error)));
@@ -85,11 +94,12 @@ void tellUnreadable(Program& program, const PlatformError& error) {
 
 }  // namespace
 
-bool showRecord(Program& program, QWidget* parent, const RecordReader& record) {
+bool showRecord(Program& program, QWidget* parent, const RecordReader& record, std::span<const std::string> told) {
     try {
         ChangeReport report(sourceOf(record), program.texts, program.state.locale,
                             [&](std::string_view name) { return remarkText(program.texts, name); });
         if (!readReport(program, *parent, report)) return false;
+        report.warn(noticesOf(told));
         ChangeWindow form(program, report, parent);
         form.showRecord = [&](QWidget* over, std::int64_t number) { showExcerpt(program, over, record, number); };
         form.load();

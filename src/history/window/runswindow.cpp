@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "history/window/openrecord.h"
+#include "history/window/undowindow.h"
 #include "lang/errortext.h"
 #include "lang/keys/runs.h"
 #include "platform/attempt.h"
@@ -200,7 +201,10 @@ void RunsWindow::showRun() {
     }
 }
 
-void RunsWindow::undo() {}
+void RunsWindow::undo() {
+    const int row = currentRow();
+    if (row >= 0 && takeBack(program_, this, runs_.run(row).id)) fill();
+}
 
 void RunsWindow::remove() {
     const int row = currentRow();
