@@ -72,6 +72,11 @@ std::string percentText(double percent, const Locale& locale) {
     return fmt::format("{}{} %", percent > 0 ? "+" : "", number);
 }
 
+ChangeTable::ChangeTable(ChangeList& list, LanguageTexts& texts, const Locale& locale)
+    : list_(list), texts_(texts), locale_(locale), fromZero_(texts.ModulText(text::changes::kFromZero)) {
+    for (std::size_t kind = 0; kind < kinds_.size(); ++kind) kinds_.at(kind) = texts.ModulText(kKinds[kind]);
+}
+
 ChangeQuery::Sort ChangeTable::sortOf(int column) { return kColumnRows[column].sort; }
 
 ChangeTable::Cells ChangeTable::headings() const {
@@ -88,7 +93,7 @@ ChangeTable::Cells ChangeTable::cells(const ChangeRow& row) const {
         return {row.product, row.name, row.caption.empty() ? members : row.caption + ": " + members};
     }
     std::string percent;
-    if (row.fromZero) percent = texts_.ModulText(text::changes::kFromZero);
+    if (row.fromZero) percent = fromZero_;
     if (row.percent) percent = percentText(*row.percent, locale_);
     return {row.product,
             row.name,
@@ -96,7 +101,7 @@ ChangeTable::Cells ChangeTable::cells(const ChangeRow& row) const {
             onOneLine(row.beforeText),
             onOneLine(row.afterText),
             percent,
-            texts_.ModulText(kKinds[static_cast<std::size_t>(row.kind)]),
+            kinds_.at(static_cast<std::size_t>(row.kind)),
             row.record > 0 ? std::to_string(row.record) : std::string()};
 }
 

@@ -22,8 +22,7 @@ class ChangeTable {
     /// Asked now and then with the number of rows written; false stops it.
     using KeepOn = std::function<bool(std::int64_t rows)>;
 
-    ChangeTable(ChangeList& list, LanguageTexts& texts, const Locale& locale)
-        : list_(list), texts_(texts), locale_(locale) {}
+    ChangeTable(ChangeList& list, LanguageTexts& texts, const Locale& locale);
 
     [[nodiscard]] static ChangeQuery::Sort sortOf(int column);
     [[nodiscard]] Cells headings() const;
@@ -47,6 +46,8 @@ class ChangeTable {
     ChangeList& list_;
     LanguageTexts& texts_;
     Locale locale_;
+    std::array<std::string, 3> kinds_;  ///< by ChangeKind
+    std::string fromZero_;
 };
 
 }  // namespace kolmera

@@ -70,7 +70,7 @@ class ChangeWindowTest : public testing::Test {
         : world(Data::Empty, language),
           report(preview(), world.texts, world.state.locale, [](std::string_view) { return "Inte tal"s; }) {
         report.read([](std::int64_t) { return true; });
-        report.warn({{.warning = true, .text = "Ett pris blev tio gånger så högt", .records = {201}}});
+        report.warn({{.warning = true, .name = {}, .text = "Ett pris blev tio gånger så högt", .records = {201}}});
         form.emplace(world.program, report, nullptr);
         form->fileToWrite = [this](const FileQuestion&) { return toQt((world.folder / file).string()); };
         form->showRecord = [this](QWidget*, std::int64_t record) { shownRecord = record; };

@@ -5,6 +5,8 @@
 #include "db/conversions.h"
 #include "history/changereport.h"
 #include "history/fileexcerpt.h"
+#include "history/runfolder.h"
+#include "history/warnings.h"
 #include "history/window/changewindow.h"
 #include "history/window/excerptwindow.h"
 #include "import/run/runreport.h"
@@ -61,7 +63,11 @@ bool readReport(Program& program, QWidget& parent, ChangeReport& report) {
                    toQt(program.texts.ModulText(text::boxes::kCancel)));
     });
     if (!whole) return false;
-    PassedOverSilently passedOver;  // the numbers are there without the names
+    PassedOverSilently passedOver;  // what cannot be read says less, and no more: the changes themselves are there
+    attempt(passedOver, "Körningar", [&] {
+        const std::vector<RunHeader> runs = RunFolder(program.state.dataFolder()).list();
+        report.warn(previousRun(runs, report.header()));
+    });
     attempt(passedOver, "Produkt", [&] {
         report.nameProducts([&](const auto& take) { eachProduct(program, report.header().companyFile, take); });
     });
@@ -82,7 +88,7 @@ void showExcerpt(Program& program, QWidget* parent, const RecordReader& reader, 
 std::vector<Notice> noticesOf(std::span<const std::string> told) {
     std::vector<Notice> notices;
     for (const std::string& text : told) {
-        notices.push_back({.warning = true, .text = replaceAll(text, "\r\n", " "), .records = {}});
+        notices.push_back({.warning = true, .name = {}, .text = replaceAll(text, "\r\n", " "), .records = {}});
     }
     return notices;
 }
