@@ -12,6 +12,7 @@
 #include "history/changetable.h"
 #include "import/run/runreport.h"
 #include "lang/keys/changes.h"
+#include "lang/keys/terminal.h"
 
 namespace kolmera::cli {
 namespace {
@@ -34,6 +35,7 @@ Json jsonOf(const Value& value) {
 }
 
 std::string remarkText(Session& session, std::string_view name) {
+    if (name == kFailedStatement) return session.text(text::terminal::kFailedStatements);
     const auto kind = std::ranges::find(kRemarks, name, &RemarkKind::name);
     return kind == std::end(kRemarks) ? std::string(name) : session.text(kind->text);
 }

@@ -10,6 +10,7 @@
 #include <random>
 #include <set>
 
+#include "history/recordedundo.h"
 #include "tradeformats/tradeworld.h"
 #include "undo/tablestates.h"
 
@@ -279,6 +280,30 @@ TEST(Undo, RandomRunsLeaveNothingBehind) {
         EXPECT_EQ(differenceOf(before, stateOf(*database)), "");
         for (const KeptRow& row : undo(*database, after, before)) ADD_FAILURE() << shown(row);
         EXPECT_EQ(differenceOf(after, stateOf(*database)), "") << "the undoing was not taken back";
+    }
+}
+
+TEST(Undo, TheRecordOfARunIsEnough) {
+    for (unsigned seed = 200; seed < 206; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        RandomWorld world(random, static_cast<int>(seed % 3), 20);
+        world.port.confirmation.emptyTables = seed % 2 == 1;
+        const RunFolder folder(world.data());
+        world.keeping = RecordKeeping{.folder = folder.path(), .user = {}};
+        const CompanyState before = stateOf(*world.open());
+        world.run();
+        const auto database = world.open();
+        const CompanyState after = stateOf(*database);
+        std::string run = world.keeping->id;
+        for (const CompanyState* expected : {&before, &after}) {  // the run, then its undoing
+            RecordedUndo undo(*database, folder, run, {});
+            EXPECT_TRUE(undo.plan(always) && undo.carryOut(always));
+            for (const KeptRow& row : keptBy(undo.undo())) ADD_FAILURE() << shown(row);
+            EXPECT_EQ(differenceOf(*expected, stateOf(*database)), "");
+            ASSERT_FALSE(undo.recordFailure()) << undo.recordFailure()->description();
+            run = undo.id();
+        }
     }
 }
 
