@@ -32,6 +32,19 @@ std::int64_t milliseconds() {
     return duration_cast<std::chrono::milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
+/// Runs of one second stand in their order by name.
+char turnWithin(const fs::path& folder, const std::string& second) {
+    constexpr std::string_view kTurns = "0123456789abcdefghijklmnopqrstuvwxyz";
+    std::size_t turn = 0;
+    std::error_code none;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, none)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(second) || name.size() == second.size()) continue;
+        turn = std::max(turn, kTurns.find(name[second.size()]) + 1);
+    }
+    return kTurns[std::min(turn, kTurns.size() - 1)];
+}
+
 }  // namespace
 
 struct RunRecord::File {
@@ -91,7 +104,8 @@ void RunRecord::makeFile(const fs::path& folder) {
     constexpr std::size_t kLetters = 4;
     for (int attempts = 100;; --attempts) {
         const std::tm now = fmt::localtime(std::time(nullptr));
-        header_.id = fmt::format("{:%Y%m%d-%H%M%S}-{}", now, privateDigits().substr(0, kLetters));
+        const std::string second = fmt::format("{:%Y%m%d-%H%M%S}-", now);
+        header_.id = second + turnWithin(folder, second) + privateDigits().substr(0, kLetters - 1);
         if (header_.started.empty()) header_.started = fmt::format("{:%Y-%m-%dT%H:%M:%S}", now);
         file_ = folder / (header_.id + std::string(kRecordEnding));
         const int made = open(file_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
