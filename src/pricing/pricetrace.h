@@ -38,7 +38,7 @@ class PriceTrace {
     };
 
     /// In place of a column: what the product costs in home currency before its prices are computed from it.
-    static constexpr std::string_view kNetCost = "";
+    static constexpr std::string_view kNetCost{};
 
     virtual ~PriceTrace() = default;
     /// A record of the price file (a line of a trade format), from 1.
