@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
@@ -116,6 +117,43 @@ TEST_F(PrisMainTest, EnablesWhatTheSelectedJobAllows) {
     select(kMaskJob);
     press("CmdRabattbrev");
     EXPECT_EQ(discountLettersFor, 4);
+}
+
+TEST_F(PrisMainTest, PreviewsARunAndThenDoesIt) {
+    select(kMaskJob);
+    const auto look = [&](const char* button) {
+        return [&, button, before = products()](QDialog& changes) {
+            EXPECT_GT(control<QTableView>(changes, "Lista").model()->rowCount(), 0);
+            EXPECT_EQ(products(), before) << "the preview wrote into the company";
+            takePicture(changes, "preview");
+            control<QPushButton>(changes, button).click();
+        };
+    };
+    const std::int64_t before = products();
+    {
+        const WhenShown shown("ChangeWindow", look("Utför"));
+        const WhenShown asked("PrisUtfö", confirm);
+        world.boxPort.answers = {Answer::OK};  // what was skipped
+        QTest::keyClick(&list(), Qt::Key_F5);
+        world.boxPort.answers.clear();
+        EXPECT_TRUE(shown.came() && asked.came());
+    }
+    EXPECT_GT(products(), before);
+    // Everything is emptied and read anew in this one, so that it has something to show.
+    const WhenShown asked("PrisUtfö", [](QDialog& form) {
+        control<QCheckBox>(form, "Tabort").setChecked(true);
+        control<QPushButton>(form, "Förhandsgranska").click();
+    });
+    const WhenShown shown("ChangeWindow", look("Stäng"));
+    press("Utför");
+    EXPECT_TRUE(asked.came() && shown.came());
+    const WhenShown runs("RunsWindow", [](QDialog& form) {
+        EXPECT_EQ(control<QTableView>(form, "Lista").model()->rowCount(), 1)
+            << "the run left no record, or a preview did";
+        form.reject();
+    });
+    press("TidigareKörningar");
+    EXPECT_TRUE(runs.came());
 }
 
 TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {

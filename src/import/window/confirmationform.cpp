@@ -10,6 +10,7 @@
 #include "import/window/jobicons.h"
 #include "platform/lettercase.h"
 #include "ui/forms.h"
+#include "ui/keys.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -68,6 +69,14 @@ ConfirmationForm::ConfirmationForm(Program& program, const char* name, const Emp
     utför->setFocus();
     QPushButton* avbryt = buttons->addButton(QStringLiteral("&Avbryt"), QDialogButtonBox::RejectRole);
     avbryt->setObjectName(QStringLiteral("Avbryt"));
+    QPushButton* preview = buttons->addButton(QStringLiteral("&Förhandsgranska..."), QDialogButtonBox::ActionRole);
+    preview->setObjectName(QStringLiteral("Förhandsgranska"));
+    preview->setAutoDefault(false);
+    pressOnKey(*this, QKeySequence(Qt::Key_F5), *preview);
+    connect(preview, &QPushButton::clicked, this, [this] {
+        previewWish_ = tabort_->isChecked();
+        reject();
+    });
     connect(utför, &QPushButton::clicked, this, [this] { carryOut(); });
     connect(avbryt, &QPushButton::clicked, this, [this] { reject(); });
 
@@ -87,6 +96,10 @@ void ConfirmationForm::load(const Confirmation& confirmation) {
     setWindowTitle(windowTitle() + toQt(confirmation.captionSuffix));
     // A company's file name is no caption: an ampersand in it is one.
     tabort_->setText(tabort_->text() + toQt(confirmation.emptyTablesSuffix).replace("&", "&&"));
+}
+
+void ConfirmationForm::propose(bool emptyTables) {
+    if (tabort_->isEnabled()) tabort_->setChecked(emptyTables);
 }
 
 void ConfirmationForm::carryOut() {

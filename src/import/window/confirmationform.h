@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <optional>
 
 #include "import/run/runport.h"
 #include "ui/program.h"
@@ -20,6 +21,10 @@ struct EmptyingQuestion {
 class ConfirmationForm : public QDialog {
   public:
     [[nodiscard]] ConfirmationAnswer answer() const { return answer_; }
+    /// The user wants a preview instead; whether of a run that empties the tables first.
+    [[nodiscard]] std::optional<bool> previewWish() const { return previewWish_; }
+    /// Proposes to empty the tables first, where they can be.
+    void propose(bool emptyTables);
 
   protected:
     ConfirmationForm(Program& program, const char* name, const EmptyingQuestion& emptying,
@@ -36,6 +41,7 @@ class ConfirmationForm : public QDialog {
     Program& program_;
     EmptyingQuestion emptying_;
     ConfirmationAnswer answer_;
+    std::optional<bool> previewWish_;
     QVBoxLayout* contents_;
     QCheckBox* tabort_;
 };

@@ -12,7 +12,10 @@
 #include <string>
 
 #include "definitions/savemessages.h"
+#include "history/window/openrecord.h"
+#include "history/window/runswindow.h"
 #include "import/preview/limitedrun.h"
+#include "import/preview/preview.h"
 #include "import/window/jobicons.h"
 #include "import/window/joblistmodel.h"
 #include "import/window/runpanel.h"
@@ -67,13 +70,18 @@ void PrisMain::buildControls() {
     taBort_ = button(*this, "TaBort", "&Ta bort inläsning");
     utför_ = button(*this, "Utför", "&Utför...");
     rabattbrev_ = button(*this, "CmdRabattbrev", "&Rabattbrev...");
+    förhandsgranska_ = button(*this, "Förhandsgranska", "&Förhandsgranska...");
+    tidigare_ = button(*this, "TidigareKörningar", "Tidigare &körningar...");
     avsluta_ = button(*this, "Avsluta", "&Avsluta");
     connect(ny_, &QPushButton::clicked, this, [this] { ny(); });
     connect(öppna_, &QPushButton::clicked, this, [this] { öppna(); });
     connect(taBort_, &QPushButton::clicked, this, [this] { taBort(); });
     connect(utför_, &QPushButton::clicked, this, [this] { utför(); });
     connect(rabattbrev_, &QPushButton::clicked, this, [this] { rabattbrev(); });
+    connect(förhandsgranska_, &QPushButton::clicked, this, [this] { förhandsgranska(false); });
+    connect(tidigare_, &QPushButton::clicked, this, [this] { tidigareKörningar(); });
     connect(avsluta_, &QPushButton::clicked, this, [this] { close(); });
+    pressOnKey(*this, QKeySequence(Qt::Key_F5), *förhandsgranska_);
     pressOnKey(*this, QKeySequence(Qt::Key_F9), *taBort_);
     pressOnKey(*this, QKeySequence(Qt::Key_F12), *avsluta_);
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, [this] {
@@ -133,6 +141,9 @@ void PrisMain::layOut() {
     buttons->addWidget(utför_);
     buttons->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing) * 2);
     buttons->addWidget(rabattbrev_);
+    buttons->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing) * 2);
+    buttons->addWidget(förhandsgranska_);
+    buttons->addWidget(tidigare_);
     buttons->addStretch(1);
     buttons->addWidget(avsluta_);
     auto* upper = new QHBoxLayout;
@@ -193,6 +204,8 @@ void PrisMain::present() {
     öppna_->setEnabled(!running_ && jobs_.canOpen());
     taBort_->setEnabled(!running_ && jobs_.canDelete());
     utför_->setEnabled(!running_ && jobs_.canRun());
+    förhandsgranska_->setEnabled(!running_ && jobs_.canRun());
+    tidigare_->setEnabled(!running_);
     rabattbrev_->setEnabled(!running_ && program_.showPrisRab);
     avsluta_->setEnabled(!running_);
 }
@@ -248,27 +261,70 @@ void PrisMain::taBort() {
     FyllJobbLista(0);
 }
 
-void PrisMain::utför() {
-    if (!jobs_.canRun() || running_ || !isAsShown()) return;
-    ImportContext context{.state = program_.state,
-                          .texts = program_.texts,
-                          .boxes = program_.boxes,
-                          .companies = program_.companies,
-                          .port = *runPanel_,
-                          .Idag = Idag_,
-                          .JobbNr = jobs_.JobbNr(),
-                          .shown = jobs_.row(jobs_.selected()).job};
-    RecordKeeping record = keptInDataFolder(program_.state);
-    context.record = &record;
+ImportContext PrisMain::context() {
+    return {.state = program_.state,
+            .texts = program_.texts,
+            .boxes = program_.boxes,
+            .companies = program_.companies,
+            .port = *runPanel_,
+            .Idag = Idag_,
+            .JobbNr = jobs_.JobbNr(),
+            .shown = jobs_.row(jobs_.selected()).job};
+}
+
+void PrisMain::whileRunning(const std::function<void()>& work) {
     running_ = true;
     present();
     runPanel_->clearCancel();
-    runWithinLimits(context, jobs_.jobName());
+    work();
     running_ = false;
     if (runPanel_->isVisible()) runPanel_->runMode(false);
     present();
     lista_->setFocus();
-    if (closeAfterRun_) close();
+}
+
+void PrisMain::utför() {
+    if (!jobs_.canRun() || running_ || !isAsShown()) return;
+    ImportContext context = this->context();
+    RecordKeeping record = keptInDataFolder(program_.state);
+    context.record = &record;
+    whileRunning([&] { runWithinLimits(context, jobs_.jobName()); });
+    if (closeAfterRun_) {
+        close();
+    } else if (const auto emptyTables = runPanel_->takePreviewWish()) {
+        förhandsgranska(*emptyTables);
+    }
+}
+
+/// Whether the job's preparation command is carried out for a preview.
+bool PrisMain::asksForCommand() {
+    const std::string& command = jobs_.row(jobs_.selected()).job.command;
+    return !command.empty() && program_.boxes.MeddelandeJaNejNej(program_.texts.ModulTextMed(
+                                   text::prismain::kAskToRunCommand, command)) == Answer::Yes;
+}
+
+void PrisMain::förhandsgranska(bool emptyTables) {
+    if (!jobs_.canRun() || running_ || !isAsShown()) return;
+    const bool runsCommand = asksForCommand();
+    ImportContext context = this->context();
+    Preview preview;
+    whileRunning([&] {
+        preview = previewRun(context, jobs_.jobName(), {.emptyTables = emptyTables, .runsCommand = runsCommand});
+    });
+    if (closeAfterRun_) {
+        close();
+        return;
+    }
+    // What stopped it has been told.
+    if (!preview.record || !preview.summary.completed || preview.summary.cancelled) return;
+    if (!showRecord(program_, this, *preview.record, preview.told)) return;
+    runPanel_->proposeEmptyTables(emptyTables);
+    utför();
+}
+
+void PrisMain::tidigareKörningar() {
+    RunsWindow form(program_, this);
+    VisaFormulär(program_, form, true);
 }
 
 void PrisMain::rabattbrev() { program_.showPrisRab(this, jobs_.JobbNr()); }

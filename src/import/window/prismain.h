@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
 
 #include "definitions/jobtable.h"
+#include "import/run/importcontext.h"
 #include "platform/date.h"
 #include "ui/program.h"
 
@@ -46,7 +48,12 @@ class PrisMain final : public QWidget {
     void openSettings(int JobbNr, bool ÄrStandardJobb);
     void taBort();
     void utför();
+    void förhandsgranska(bool emptyTables);
+    void tidigareKörningar();
     void rabattbrev();
+    [[nodiscard]] ImportContext context();
+    void whileRunning(const std::function<void()>& work);
+    [[nodiscard]] bool asksForCommand();
 
     Program& program_;
     Date Idag_;
@@ -57,7 +64,7 @@ class PrisMain final : public QWidget {
     JobListModel* model_;
     QTreeView* lista_;
     RunPanel* runPanel_;
-    QPushButton *ny_, *öppna_, *taBort_, *utför_, *rabattbrev_, *avsluta_;
+    QPushButton *ny_, *öppna_, *taBort_, *utför_, *rabattbrev_, *förhandsgranska_, *tidigare_, *avsluta_;
 };
 
 }  // namespace kolmera

@@ -94,7 +94,9 @@ bool RunPanel::readsDoubtful(const DoubtfulFile& file) {
 template <typename Form>
 ConfirmationAnswer RunPanel::answerOf(const Confirmation& confirmation) {
     Form form(program_, confirmation, window());
+    form.propose(std::exchange(proposed_, false));
     VisaFormulär(program_, form, true);
+    previewWish_ = form.previewWish();
     return form.answer();
 }
 

@@ -3,6 +3,8 @@
 #include <QElapsedTimer>
 #include <QWidget>
 #include <functional>
+#include <optional>
+#include <utility>
 
 #include "import/run/runport.h"
 #include "ui/program.h"
@@ -24,6 +26,12 @@ class RunPanel final : public QWidget, public RunPort {
 
     /// What the Cancel button does.
     void cancel() { cancel_ = true; }
+
+    /// The user has asked in the confirmation of the run that was just done for a preview instead; its value tells
+    /// whether all tables are to be emptied first.
+    [[nodiscard]] std::optional<bool> takePreviewWish() { return std::exchange(previewWish_, std::nullopt); }
+    /// Ticks the box in the next confirmation, if it may be ticked.
+    void proposeEmptyTables(bool propose) { proposed_ = propose; }
 
     Answer show(const Message& message) override;
     void hourglass(bool on) override;
@@ -50,6 +58,8 @@ class RunPanel final : public QWidget, public RunPort {
     std::string status_;
     int permille_ = 0;
     bool cancel_ = false;
+    std::optional<bool> previewWish_;
+    bool proposed_ = false;
     QElapsedTimer sinceEvents_;
 };
 
