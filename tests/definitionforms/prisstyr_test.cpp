@@ -10,6 +10,7 @@
 #include <QTest>
 #include <QTreeView>
 
+#include "definitions/joboptions.h"
 #include "lang/keys/prisstyr.h"
 #include "support/qt/formworld.h"
 #include "ui/lists.h"
@@ -230,6 +231,26 @@ TEST_P(PrisStyrTexts, AreThoseOfTheLanguage) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, PrisStyrTexts, testing::Values("SE", "EN"));
+
+TEST_F(PrisStyrTest, KeepsTheLimitsOfAJob) {
+    open(job("Smedhult verktyg"));
+    const WhenShown asked("LimitsWindow", [&](QDialog& limits) {
+        expectTextsInBothLanguages(limits, world);
+        takePicture(limits, "limitswindow");
+        const QList<QLineEdit*> fields = limits.findChildren<QLineEdit*>();
+        ASSERT_EQ(static_cast<std::size_t>(fields.size()), std::size(kLimits));
+        fields[2]->setText("1,2,3");
+        world.boxPort.answers = {Answer::OK};
+        control<QPushButton>(limits, "OK").click();
+        EXPECT_TRUE(limits.isVisible()) << "what is no number was taken";
+        fields[2]->setText("12,5");
+        control<QPushButton>(limits, "OK").click();
+    });
+    press("Gränser");
+    EXPECT_TRUE(asked.came());
+    press("Spara");
+    EXPECT_EQ(JobOptionsFile(world.data).limits("Smedhult verktyg"), (Limits{.largestChange = 12.5}));
+}
 
 }  // namespace
 }  // namespace kolmera

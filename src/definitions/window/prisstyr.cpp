@@ -15,6 +15,7 @@
 
 #include "definitions/savemessages.h"
 #include "definitions/window/couplingpanel.h"
+#include "definitions/window/limitswindow.h"
 #include "definitions/window/prismtyp.h"
 #include "definitions/window/suppliermodel.h"
 #include "lang/keys/prisstyr.h"
@@ -166,6 +167,7 @@ void PrisStyr::buildFinfo() {
 }
 
 void PrisStyr::buildButtons() {
+    gränser_ = button(*this, "Gränser", "&Gränser...");
     spara_ = button(*this, "Spara", "&Spara");
     spara_->setDefault(true);
     avbryt_ = button(*this, "Avbryt", "&Avbryt");
@@ -182,6 +184,7 @@ void PrisStyr::layOut() {
     masks->addWidget(taBortMask_, 3, 1);
     masks->setRowStretch(4, 1);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(gränser_);
     buttons->addStretch(1);
     buttons->addWidget(spara_);
     buttons->addWidget(avbryt_);
@@ -250,6 +253,11 @@ void PrisStyr::connectFiles() {
     connect(kompFil_, &QPushButton::clicked, this, [this] {
         const QString path = askForFile(kompFil_->text(), text::prisstyr::kCompressedFilter);
         if (!path.isEmpty()) kompFilNamn_->setText(path);
+    });
+    connect(gränser_, &QPushButton::clicked, this, [this] {
+        LimitsWindow form(program_, job_.limits, this);
+        VisaFormulär(program_, form, true);
+        if (form.result() == QDialog::Accepted) job_.limits = form.limits();
     });
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
     connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });

@@ -76,7 +76,7 @@ class PrisStyr final : public QDialog {
     QLineEdit *fromGrp_, *tomGrp_;
     QComboBox *altprodnr1_, *altprodnr2_;
     CouplingPanel* levPanel_;
-    QPushButton *spara_, *avbryt_;
+    QPushButton *gränser_, *spara_, *avbryt_;
 };
 
 /// Opens the job settings modally; answers the number of the saved job, or nothing.
