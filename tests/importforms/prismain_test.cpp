@@ -245,7 +245,7 @@ TEST_F(PrisMainTest, HeaderClicksSortAndKeepTheSelectedJob) {
     select(kMaskJob);
     QHeaderView& header = *list().header();
     QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(header.sectionViewportPosition(0) + 5, 5));
-    EXPECT_EQ(cell(9, 0), "Tassby julkampanj");
+    EXPECT_EQ(cell(list().model()->rowCount() - 1, 0), "Tassby julkampanj");
     EXPECT_EQ(selectedJob(), kMaskJob);
     world.program.showPrisStyr = [](QWidget*, int JobbNr, bool) {
         EXPECT_EQ(JobbNr, 4) << "the row's number, not its place";
