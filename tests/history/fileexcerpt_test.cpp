@@ -29,8 +29,8 @@ TEST(FileExcerpt, IsTheTextAroundARecord) {
          "1;å\n", "2;Ä\n", "3\n"},
         {"UTF-8 read as the old code page", "1\n2;\xC3\xA5\n", 2, 5, FileExcerpt::File::Changed, "1\n", "2;å\n", ""},
         {"a line end of one sign lost", "1\r2\r3\r", 2, 2, FileExcerpt::File::Changed, "1\n", "2\n", "3\n"},
-        {"half a line before it", "half-line-here\n" + filler + "\n2\n", 2006, 2, FileExcerpt::File::Changed, filler + "\n",
-         "2\n", ""},
+        {"half a line before it", "half-line-here\n" + filler + "\n2\n", 2006, 2, FileExcerpt::File::Changed,
+         filler + "\n", "2\n", ""},
         {"control characters shown", std::string("a\0\x1B", 3), 0, 3, FileExcerpt::File::Changed, "", "a..", ""},
         {"a file that became shorter read", "1\r\n", 3, 2, FileExcerpt::File::Shorter, "", "", ""},
     };
