@@ -156,6 +156,7 @@ void ChangeWindow::buildNotices() {
     notices_ = named(new QListWidget(this), "Notiser");
     lblNotices_->setBuddy(notices_);
     notices_->setSelectionMode(QAbstractItemView::SingleSelection);
+    notices_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);  // long ones end in dots; their tool tip is whole
     for (const Notice& notice : report_.notices()) {
         auto* item = new QListWidgetItem(toQt(report_.lineOf(notice)), notices_);
         item->setToolTip(item->text());
@@ -302,7 +303,7 @@ void ChangeWindow::connectKeys() {
 
 void ChangeWindow::setSizes() {
     constexpr int kWindowLetters = 135, kWindowLines = 42, kNoticeLines = 4, kOverLetters = 6, kColumnLetters = 24;
-    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 26, 12, 12, 12, 10, 8};
+    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 26, 12, 12, 12, 12, 9};
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     for (std::size_t column = 0; column < kLetters.size(); ++column) {
@@ -310,7 +311,7 @@ void ChangeWindow::setSizes() {
     }
     over_->setFixedWidth(kOverLetters * metrics.horizontalAdvance('0'));
     column_->setMaximumWidth(kColumnLetters * letter);
-    const int lines = std::clamp(notices_->count(), 1, kNoticeLines);
+    const int lines = std::clamp(notices_->count(), 2, kNoticeLines);
     notices_->setMaximumHeight(lines * notices_->sizeHintForRow(0) + 2 * notices_->frameWidth() + letter / 2);
     const QSize size(kWindowLetters * letter, kWindowLines * metrics.lineSpacing());
     resize(size.boundedTo(screen()->availableSize() - QSize(2, 4) * letter));
