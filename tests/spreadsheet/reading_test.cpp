@@ -1,7 +1,11 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <stdexcept>
 
 #include "platform/lettercase.h"
@@ -9,6 +13,30 @@
 #include "spreadsheet/workbookparts.h"
 #include "support/errorof.h"
 #include "support/temporaryfolder.h"
+
+namespace kolmera::test {
+
+namespace {
+
+/// How many bytes the system gives at once: a server's disk may give fewer than were asked for.
+std::size_t bytesAtOnce = SIZE_MAX;
+
+class ShortReads {
+  public:
+    ShortReads() { bytesAtOnce = 100; }
+    ~ShortReads() { bytesAtOnce = SIZE_MAX; }
+    ShortReads(const ShortReads&) = delete;
+    ShortReads& operator=(const ShortReads&) = delete;
+};
+
+}  // namespace
+
+}  // namespace kolmera::test
+
+// Found before the system's.
+extern "C" ssize_t pread(int descriptor, void* bytes, std::size_t count, off_t offset) {
+    return syscall(SYS_pread64, descriptor, bytes, std::min(count, kolmera::test::bytesAtOnce), offset);
+}
 
 namespace kolmera::test {
 
@@ -250,6 +278,7 @@ TEST(ReadingXls, RefusesDamageByItsKind) {
     } cases[] = {
         {"records of an older version misread", begin + 4, "\0\5"s},
         {"a record behind the end", begin + 2, "\xFF\xFF"s},
+        {"the rows behind a cell that is too long left out", whole.find("\x03\x02\x0E\0"s) + 2, "\xFF\xFF"s},
         {"sectors of an impossible size", 0x1E, "\x1F\0"s},
         {"a directory behind the end", 0x30, "\xFF\xFF\xFF\x0F"s},
         {"chains of sectors that run in a circle", sectorTable, std::string(512, '\0')},
@@ -259,6 +288,27 @@ TEST(ReadingXls, RefusesDamageByItsKind) {
         damaged.replace(c.at, c.bytes.size(), c.bytes);
         folder.write("damaged.xls", damaged);
         EXPECT_EQ(errorOfReading(folder / "damaged.xls"), errors::kUnreadableSpreadsheet) << c.fault;
+    }
+}
+
+TEST(ReadingXls, GoesOnBehindAShortRead) {
+    const std::string whole = rowsOf(savedWorkbook("many.xls"));
+    const ShortReads shortReads;
+    EXPECT_EQ(rowsOf(savedWorkbook("many.xls")), whole);
+}
+
+TEST(ReadingXls, StaysWithinTheSectorsOfAStream) {
+    using namespace std::string_literals;
+    const TemporaryFolder folder;
+    const struct {
+        const char *sectors, *workbook;
+        std::string size;
+    } cases[] = {{"small", "letter.xls", "\xFF\x0F\0\0"s}, {"whole", "many.xls", "\xFF\xFF\xFF\xFF"s}};
+    for (const auto& c : cases) {
+        std::string damaged = savedBytes(c.workbook);
+        damaged.replace(damaged.find("W\0o\0r\0k\0b\0o\0o\0k\0"s) + 0x78, c.size.size(), c.size);
+        folder.write("damaged.xls", damaged);
+        EXPECT_EQ(rowsOf(folder / "damaged.xls"), rowsOf(savedWorkbook(c.workbook))) << c.sectors;
     }
 }
 
