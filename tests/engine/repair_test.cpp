@@ -176,6 +176,14 @@ TEST_F(Repair, EveryReadableRowSurvivesWhateverPageIsLost) {
          0},
         {"an overflow page takes its row along", [&] { overwrite(pagesOf("Artikel", "overflow").at(3)); }, 0},
         {"a leaf that calls itself something else", [&] { write(leaf, 0, "\x05"); }, 0},
+        {"a root that calls itself a leaf", [&] { write(rootOf("Artikel"), 0, "\x0D"); }, 0},
+        {"a root that calls itself a leaf and seems to hold a row",
+         [&] {
+             const std::int64_t root = rootOf("Artikel");
+             write(root, 0, "\x0D");
+             write(root, rowOn(root, 2), {2, 1, 2, 0});  // one empty value
+         },
+         0},
         {"a leaf that counts too few rows", [&] { write(leaf, 4, "\x02"); }, 0},
         {"a leaf that counts too many rows", [&] { write(leaf, 4, "\xFF"); }, 0},
         {"the place of a row lost", [&] { write(leaf, 10, "\x01"); }, 0},
@@ -187,6 +195,12 @@ TEST_F(Repair, EveryReadableRowSurvivesWhateverPageIsLost) {
          },
          0},
         {"a misspelt name of a table", [&] { misspell("Leverant\xC3\xB6rLeverant"); }, 0},
+        {"a table whose name and statement are misspelt",
+         [&] {
+             misspell("Leverant\xC3\xB6rLeverant");
+             misspell("CREATE TABLE \"Leverant\xC3\xB6r");
+         },
+         0},
         {"a misspelt column in SQLite's schema", [&] { misspell("Belopp\" CURRENCY"); }, 0},
         {"a misspelt index", [&] { misspell("Artikel.Namn"); }, 0},
         {"schema and copy lost together",
