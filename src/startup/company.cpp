@@ -88,13 +88,16 @@ std::unique_ptr<Database> CompanyRegister::copyOfServer(const std::filesystem::p
                                                         const std::function<bool()>& goOn) {
     Database& server = *state_.sql.FtgDB;
     const std::vector<std::string> present = server.tableNames();
-    std::vector<TableDef> tables;
+    std::vector<PrivateTable> tables;
+    PassedOverSilently passedOver;  // the user may lack the right to ask for IDs
     for (const TableDef& table : companySchema()) {
         const auto same = [&](const std::string& name) { return equalNoCase(name, table.name); };
-        if (std::ranges::any_of(present, same)) tables.push_back(server.table(table.name));
+        if (std::ranges::none_of(present, same)) continue;
+        PrivateTable& made = tables.emplace_back(PrivateTable{server.table(table.name)});
+        attempt(passedOver, table.name, [&] { made.lastId = lastServerId(server, table.name); });
     }
-    auto made = makePrivateDatabase(copy, tables, state_.locale);
-    return fetchTables(server, *made, goOn) ? std::move(made) : nullptr;
+    auto database = makePrivateDatabase(copy, tables, state_.locale);
+    return fetchTables(server, *database, goOn) ? std::move(database) : nullptr;
 }
 
 bool CompanyRegister::ÖppnaKopia(std::string_view name, const std::filesystem::path& copy,

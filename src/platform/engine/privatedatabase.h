@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -18,8 +19,14 @@ namespace kolmera {
 std::unique_ptr<Database> openPrivateCopy(const std::filesystem::path& file, const OpenOptions& options,
                                           const std::filesystem::path& copy, const std::function<bool()>& goOn);
 
+/// A table to be made, and the ID above which its new rows get theirs, whatever rows it has.
+struct PrivateTable {
+    TableDef definition;
+    std::int64_t lastId = 0;
+};
+
 /// An empty database with these tables.
-std::unique_ptr<Database> makePrivateDatabase(const std::filesystem::path& file, std::span<const TableDef> tables,
+std::unique_ptr<Database> makePrivateDatabase(const std::filesystem::path& file, std::span<const PrivateTable> tables,
                                               const Locale& locale);
 
 }  // namespace kolmera

@@ -64,6 +64,7 @@ struct Dialect {
     bool storesNul;              ///< texts may hold NUL
     bool nullsLast;              ///< ORDER BY puts Null last unless told otherwise
     std::string_view echo;       ///< a statement that gives its text parameter back
+    std::string_view lastId;     ///< SELECT of the last ID that a table has given; "{}" is its name
     std::string_view emptyRow;   ///< behind the table's name in an INSERT without columns
     std::size_t mostParameters;  ///< of one statement
     std::span<const std::string_view> session;  ///< statements run after connecting

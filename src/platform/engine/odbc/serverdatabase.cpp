@@ -1,5 +1,7 @@
 #include "platform/engine/odbc/serverdatabase.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <memory>
 #include <numeric>
@@ -56,6 +58,7 @@ class ServerDatabase final : public Database {
     [[nodiscard]] bool inTransaction() const override { return session_.inTransaction(); }
     void settle() override {}
     [[nodiscard]] std::uint64_t stamp(std::string_view table) override { return serverTable(table).version(); }
+    std::int64_t lastId(std::string_view table);
 
   private:
     using Tables = std::vector<ServerTable*>;
@@ -233,7 +236,21 @@ ServerSession::Hearing ServerDatabase::hearingOf(std::string_view statement, std
     return std::make_shared<HeardChanges>(*table, place, std::move(where));
 }
 
+std::int64_t ServerDatabase::lastId(std::string_view table) {
+    constexpr FieldType kTypes[] = {FieldType::Double};
+    const std::string& name = serverTable(table).definition().name;
+    const StatementResult result = session_.read({fmt::format(fmt::runtime(session_.dialect().lastId), name)}, kTypes);
+    if (result.rows.empty()) return 0;
+    const auto* id = std::get_if<double>(&result.rows.front().front());
+    return id == nullptr ? 0 : static_cast<std::int64_t>(*id);
+}
+
 }  // namespace
+
+std::int64_t lastServerId(Database& database, std::string_view table) {
+    auto* const server = dynamic_cast<ServerDatabase*>(&database);
+    return server == nullptr ? 0 : server->lastId(table);
+}
 
 std::unique_ptr<Database> openServerDatabase(const std::string& connectString, const ServerOptions& options) {
     return std::make_unique<ServerDatabase>(connectString, options);

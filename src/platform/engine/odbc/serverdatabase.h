@@ -43,4 +43,8 @@ struct ServerOptions {
 /// is lost, or the server has not answered in time, every call throws that error, ending the run.
 std::unique_ptr<Database> openServerDatabase(const std::string& connectString, const ServerOptions& options);
 
+/// The last ID that a table of a server has given, which may be above those of its rows: the next one is greater. 0
+/// where the server does not tell, and for a database that is none.
+std::int64_t lastServerId(Database& database, std::string_view table);
+
 }  // namespace kolmera

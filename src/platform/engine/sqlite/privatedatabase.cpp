@@ -6,6 +6,8 @@
 
 #include "platform/engine/sqlite/companylayout.h"
 #include "platform/engine/sqlite/filedatabase.h"
+#include "platform/engine/sqlite/sqliteschema.h"
+#include "platform/engine/sqlite/sqlitestatement.h"
 #include "platform/error.h"
 
 namespace kolmera {
@@ -83,12 +85,29 @@ std::unique_ptr<Database> openPrivateCopy(const std::filesystem::path& file, con
     return FileDatabase(file, reading).privateCopy(copy, goOn);
 }
 
-std::unique_ptr<Database> makePrivateDatabase(const std::filesystem::path& file, std::span<const TableDef> tables,
+namespace {
+
+/// The file keeps in mind which IDs it has given, as servers do.
+void makeTable(SqliteConnection& connection, const PrivateTable& table) {
+    constexpr std::string_view kKey = "PRIMARY KEY";
+    std::string statement = createTableStatement(table.definition);
+    if (const auto key = statement.find(kKey); key != std::string::npos)
+        statement.insert(key + kKey.size(), " AUTOINCREMENT");
+    connection.run(statement);
+    makeIndexes(connection, table.definition);
+    SqliteStatement given(connection, "INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)");
+    given.bind(1, std::string_view(table.definition.name));
+    given.bind(2, table.lastId);
+    given.run();
+}
+
+}  // namespace
+
+std::unique_ptr<Database> makePrivateDatabase(const std::filesystem::path& file, std::span<const PrivateTable> tables,
                                               const Locale& locale) {
     return std::make_unique<FileDatabase>(file, locale, [&](SqliteConnection& connection) {
         connection.prepareForMaking();
-        makeTables(connection, tables, false);
-        for (const TableDef& table : tables) makeIndexes(connection, table);
+        for (const PrivateTable& table : tables) makeTable(connection, table);
         connection.commit();
     });
 }
