@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "definitions/jobfile.h"
-#include "history/runrecord.h"
+#include "history/recordfile.h"
 #include "import/dispatcher.h"
 #include "import/preview/previewport.h"
 #include "import/preview/workplace.h"
@@ -83,19 +83,13 @@ Preview previewRun(ImportContext& context, std::string_view jobText, const Previ
 
     const OwnConnection ownConnection(state.sql);
     CompanyRegister companies(state, context.texts, boxes);
-    std::unique_ptr<RunRecord> record;
+    RecordKeeping keeping{.folder = result.folder->path() / "record", .kind = RunKind::Preview, .user = state.Signatur};
     PreviewMode mode;
     mode.runsCommand = options.runsCommand;
     mode.openCopy = [&](std::string_view company) {
         port.status(context.texts.ModulText(text::preview::kCopying));
         const fs::path copy = result.folder->path() / "company";
-        if (!companies.ÖppnaKopia(company, copy, [&port] { return !port.cancelled(); })) return false;
-        RunHeader header;
-        header.kind = RunKind::Preview;
-        header.job = jobText;
-        record = std::make_unique<RunRecord>(result.folder->path(), std::move(header));
-        state.sql.FtgDB->listen(record.get());
-        return true;
+        return companies.ÖppnaKopia(company, copy, [&port] { return !port.cancelled(); });
     };
     ImportContext own{.state = state,
                       .texts = context.texts,
@@ -107,12 +101,11 @@ Preview previewRun(ImportContext& context, std::string_view jobText, const Previ
                       .shown = context.shown,
                       .preview = &mode,
                       .trace = context.trace,
-                      .mayWrite = {}};
+                      .mayWrite = {},
+                      .record = &keeping};
     result.summary = Utför(own, jobText);
-    if (record) {
-        record->close();
-        result.record = std::make_unique<RecordReader>(record->file());
-    }
+    if (!keeping.id.empty() && !keeping.failure)
+        result.record = std::make_unique<RecordReader>(keeping.folder / (keeping.id + std::string(kRecordEnding)));
     result.told = port.told();
     if (!options.runsCommand && !options.withinRun) result.commandLeftOut = job.command;
     return result;
