@@ -1,5 +1,7 @@
 #include "history/changefigures.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -60,8 +62,9 @@ class PriceReader {
     std::vector<PriceFigures> read() {
         SqliteStatement cells(
             changes_.connection(),
-            "SELECT cell.n, percent, before, after, row.tab FROM cell JOIN row ON row.n = cell.n >> " +
-                std::to_string(NetChanges::kColumnBits) + " WHERE percent IS NOT NULL");
+            fmt::format("SELECT cell.n, percent, before, after, row.tab FROM cell JOIN row ON row.n = cell.n >> {} "
+                        "WHERE percent IS NOT NULL",
+                        NetChanges::kColumnBits));
         while (cells.step()) take(cells);
         std::vector<PriceFigures> figures;
         for (auto& [place, gathered] : columns_) figures.push_back(finished(gathered));
@@ -154,8 +157,9 @@ bool isPrice(std::string_view table, int column) {
 
 std::int64_t rowsBeyond(NetChanges& changes, std::string_view table, double percent) {
     SqliteStatement cells(changes.connection(),
-                          "SELECT cell.n, percent, row.tab FROM cell JOIN row ON row.n = cell.n >> " +
-                              std::to_string(NetChanges::kColumnBits) + " WHERE abs(percent) > ?1 ORDER BY cell.n");
+                          fmt::format("SELECT cell.n, percent, row.tab FROM cell JOIN row ON row.n = cell.n >> {} "
+                                      "WHERE abs(percent) > ?1 ORDER BY cell.n",
+                                      NetChanges::kColumnBits));
     cells.bind(1, Value(percent));
     std::int64_t rows = 0;
     std::int64_t counted = 0;  // rows count from 1

@@ -187,7 +187,7 @@ std::string ChangeList::statementOf(const ChangeQuery& query) const {
     const std::string_view sort = termOf(query.sort);
     std::string order;
     const auto orderBy = [&](std::string_view term, bool descending) {
-        order.append(order.empty() ? " ORDER BY " : ", ").append(term).append(descending ? " DESC" : "");
+        order = fmt::format("{}{}{}{}", order, order.empty() ? " ORDER BY " : ", ", term, descending ? " DESC" : "");
     };
     if (!group.empty()) orderBy(group, query.descending && sort == group);
     if (!sort.empty() && sort != group) orderBy(sort, query.descending);
