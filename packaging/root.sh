@@ -22,6 +22,7 @@ make_root() {
     echo "Making a $suite root ..."
     debootstrap --variant=minbase "$suite" "$root" ${mirror:+"$mirror"} >"$log" 2>&1 || { tail -n 20 "$log" >&2; exit 1; }
     apt-config dump | grep -E '^Acquire::(https?|ftp)::' >"$root/etc/apt/apt.conf.d/90mirror" || true
+    chmod 755 "$root"  # as / is: tests become other users in it
     mount -t proc proc "$root/proc"
 }
 
