@@ -19,19 +19,19 @@ constexpr const char* kProgram = "kolmera-cli";
 
 /// The parser's own words in the language of the session. What its help takes for a group's heading is set on the
 /// commands themselves.
-void translate(CLI::App& app, Session& session) {
+void translate(CLI::App& app, const HelpText& helpText) {
     const auto formatter = app.get_formatter();
-    formatter->label("Usage", session.text(text::help::kUsage));
-    formatter->label("OPTIONS", session.text(text::help::kOptionsWord));
-    formatter->label("SUBCOMMAND", session.text(text::help::kCommand));
-    formatter->label("Positionals", session.text(text::help::kArguments));
-    formatter->label("REQUIRED", session.text(text::help::kRequired));
+    formatter->label("Usage", helpText(text::help::kUsage));
+    formatter->label("OPTIONS", helpText(text::help::kOptionsWord));
+    formatter->label("SUBCOMMAND", helpText(text::help::kCommand));
+    formatter->label("Positionals", helpText(text::help::kArguments));
+    formatter->label("REQUIRED", helpText(text::help::kRequired));
     formatter->label("TEXT", "");
-    formatter->label("Env", session.text(text::help::kEnvironment));
-    formatter->label("Excludes", session.text(text::help::kNotWith));
-    app.set_help_flag("-h,--help", session.text(text::help::kHelp))->group(session.text(text::help::kOptions));
-    app.option_defaults()->group(session.text(text::help::kOptions));
-    app.group(session.text(text::help::kCommands));
+    formatter->label("Env", helpText(text::help::kEnvironment));
+    formatter->label("Excludes", helpText(text::help::kNotWith));
+    app.set_help_flag("-h,--help", helpText(text::help::kHelp))->group(helpText(text::help::kOptions));
+    app.option_defaults()->group(helpText(text::help::kOptions));
+    app.group(helpText(text::help::kCommands));
 }
 
 /// What the parser found wrong, in the language of the session. Its own text is English, and names the option or the
@@ -84,11 +84,15 @@ int misread(const CLI::App& app, const CLI::ParseError& error, Session& session,
 
 int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
     Session session(surroundings);
-    CLI::App app(session.text(text::help::kProgram), kProgram);
-    translate(app, session);
-    app.set_version_flag("--version", std::string("kolmera ") + KOLMERA_VERSION, session.text(text::help::kVersion));
+    // Only help shows these texts, and looking all of them up takes as long as a small run.
+    const bool helps = std::ranges::any_of(
+        arguments, [](const std::string& each) { return each.starts_with("-h") || each == "--help"; });
+    const HelpText helpText = [&](ModuleKey key) { return helps ? session.text(key) : std::string(); };
+    CLI::App app(helpText(text::help::kProgram), kProgram);
+    translate(app, helpText);
+    app.set_version_flag("--version", std::string("kolmera ") + KOLMERA_VERSION, helpText(text::help::kVersion));
     std::function<int()> chosen;
-    describeCommands(app, session, surroundings, chosen);
+    describeCommands(app, helpText, surroundings, chosen);
     if (!knowsCommand(app, arguments, session, surroundings.err)) return exitcode::kUsage;
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // CLI11 takes them last first

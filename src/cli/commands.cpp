@@ -25,22 +25,22 @@ namespace {
 /// One command and its options. What the options fill lives as long as the command does.
 class Command {
   public:
-    Command(CLI::App& command, Session& session) : command_(command), session_(session) {
-        command.get_help_ptr()->group(session.text(text::help::kOptions));
+    Command(CLI::App& command, const HelpText& helpText) : command_(command), text_(helpText) {
+        command.get_help_ptr()->group(text_(text::help::kOptions));
     }
 
     Command& argument(const char* name, std::string& value, ModuleKey purpose) {
-        command_.add_option(name, value, session_.text(purpose))->required();
+        command_.add_option(name, value, text_(purpose))->required();
         return *this;
     }
     CLI::Option* option(const char* name, std::string& value, ModuleKey purpose) {
-        return command_.add_option(name, value, session_.text(purpose));
+        return command_.add_option(name, value, text_(purpose));
     }
     CLI::Option* list(const char* name, std::vector<std::string>& values, ModuleKey purpose) {
-        return command_.add_option(name, values, session_.text(purpose));
+        return command_.add_option(name, values, text_(purpose));
     }
     CLI::Option* flag(const char* name, bool& value, ModuleKey purpose) {
-        return command_.add_flag(name, value, session_.text(purpose));
+        return command_.add_flag(name, value, text_(purpose));
     }
     Command& data(std::string& folder) {
         option("-d,--data", folder, text::help::kData)->envname("KOLMERA_DATA")->required();
@@ -49,13 +49,13 @@ class Command {
 
   private:
     CLI::App& command_;
-    Session& session_;
+    const HelpText& text_;
 };
 
 class Commands {
   public:
-    Commands(CLI::App& app, Session& session, const Surroundings& surroundings, std::function<int()>& chosen)
-        : app_(app), session_(session), surroundings_(surroundings), chosen_(chosen) {
+    Commands(CLI::App& app, const HelpText& text, const Surroundings& surroundings, std::function<int()>& chosen)
+        : app_(app), text_(text), surroundings_(surroundings), chosen_(chosen) {
         app_.require_subcommand(1);
     }
 
@@ -63,9 +63,9 @@ class Commands {
     template <class Arguments, class Describe>
     void add(const char* name, ModuleKey purpose, Describe&& describe,
              int (*carryOut)(const Arguments&, const Surroundings&), CLI::App* above = nullptr) {
-        CLI::App* command = (above ? above : &app_)->add_subcommand(name, session_.text(purpose));
+        CLI::App* command = (above ? above : &app_)->add_subcommand(name, text_(purpose));
         const auto arguments = std::make_shared<Arguments>();
-        Command described(*command, session_);
+        Command described(*command, text_);
         describe(described, *arguments);
         command->callback([arguments, carryOut, &chosen = chosen_, &surroundings = surroundings_] {
             chosen = [arguments, carryOut, &surroundings] { return carryOut(*arguments, surroundings); };
@@ -73,15 +73,15 @@ class Commands {
     }
     /// A command that only has commands of its own.
     CLI::App* group(const char* name, ModuleKey purpose) {
-        CLI::App* command = app_.add_subcommand(name, session_.text(purpose));
+        CLI::App* command = app_.add_subcommand(name, text_(purpose));
         command->require_subcommand(1);
-        command->get_help_ptr()->group(session_.text(text::help::kOptions));
+        command->get_help_ptr()->group(text_(text::help::kOptions));
         return command;
     }
 
   private:
     CLI::App& app_;
-    Session& session_;
+    const HelpText& text_;
     const Surroundings& surroundings_;
     std::function<int()>& chosen_;
 };
@@ -238,8 +238,9 @@ void addDiscounts(Commands& commands) {
 
 }  // namespace
 
-void describeCommands(CLI::App& app, Session& session, const Surroundings& surroundings, std::function<int()>& chosen) {
-    Commands commands(app, session, surroundings, chosen);
+void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& surroundings,
+                      std::function<int()>& chosen) {
+    Commands commands(app, text, surroundings, chosen);
     addFolders(commands);
     addJobs(commands);
     addHistory(commands);

@@ -10,8 +10,12 @@ class App;
 
 namespace kolmera::cli {
 
+/// A text of the help.
+using HelpText = std::function<std::string(ModuleKey)>;
+
 /// Describes all commands with their options to the parser, in the language of the session. When a line has been
 /// parsed, `chosen` carries out the command that it names and returns its exit code.
-void describeCommands(CLI::App& app, Session& session, const Surroundings& surroundings, std::function<int()>& chosen);
+void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& surroundings,
+                      std::function<int()>& chosen);
 
 }  // namespace kolmera::cli

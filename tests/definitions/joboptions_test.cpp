@@ -79,7 +79,7 @@ TEST(JobOptions, WhatCannotBeUnderstoodIsLeftAlone) {
         folder.write("KOLMERA.JSON", content);
         EXPECT_EQ(errorOf([&] { static_cast<void>(JobOptionsFile(folder.path()).limits("Skruv")); }), errors::kDamaged);
         Job other = job;
-        other.supplier = "1";
+        other.supplier.assign(1, '1');
         jobs.save(other, job);
         EXPECT_EQ(folder.read("KOLMERA.JSON"), content);
     }

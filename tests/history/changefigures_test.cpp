@@ -17,7 +17,7 @@ RowChange product(ChangeKind kind, std::int64_t id, std::vector<CellChange> cell
             .table = "Produkt",
             .id = id,
             .record = id,
-            .label = "P" + std::to_string(id),
+            .label = fmt::format("P{}", id),
             .cells = std::move(cells)};
 }
 

@@ -1,5 +1,7 @@
 #include "history/window/changewindow.h"
 
+#include <fmt/format.h>
+
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -40,7 +42,7 @@ RecordSource preview() {
         RowChange change;
         change.table = "Produkt";
         for (int id = 1; id <= 200; ++id) {
-            change = {ChangeKind::Changed, "Produkt", id, id, "E" + std::to_string(id), {}};
+            change = {ChangeKind::Changed, "Produkt", id, id, fmt::format("E{}", id), {}};
             const double before = 10 + id;
             change.cells = {{kInpris, before, before * (1 + id % 31 / 100.0)}, {kUtpris, before * 2, before * 2.5}};
             take(change);
