@@ -84,10 +84,11 @@ int misread(const CLI::App& app, const CLI::ParseError& error, Session& session,
 
 int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
     Session session(surroundings);
-    // Only help shows these texts, and looking all of them up takes as long as a small run.
+    // Only help shows these texts, and looking all of them up takes as long as a small run. Options of a group without
+    // a name would be hidden.
     const bool helps = std::ranges::any_of(
         arguments, [](const std::string& each) { return each.starts_with("-h") || each == "--help"; });
-    const HelpText helpText = [&](ModuleKey key) { return helps ? session.text(key) : std::string(); };
+    const HelpText helpText = [&](ModuleKey key) { return helps ? session.text(key) : std::string("-"); };
     CLI::App app(helpText(text::help::kProgram), kProgram);
     translate(app, helpText);
     app.set_version_flag("--version", std::string("kolmera ") + KOLMERA_VERSION, helpText(text::help::kVersion));

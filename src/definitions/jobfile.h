@@ -51,8 +51,8 @@ class JobFile {
 
     // For windows. Throws PlatformError, and changes nothing: kChangedElsewhere when the records are no longer those
     // that were shown.
-    /// Saves over the job that was shown, or appends a new one. What KOLMERA.JSON holds of it follows a new name. kDuplicateKey for a new name that another job has
-    /// (letter case does not count).
+    /// Saves over the job that was shown, or appends a new one. What KOLMERA.JSON holds of it follows a new name.
+    /// kDuplicateKey for a new name that another job has (letter case does not count).
     int save(const Job& job, const std::optional<Job>& shown);
     /// Removes the jobs, which were all of one name, and what KOLMERA.JSON holds of them; later ones move down.
     void remove(const std::vector<Job>& shown);

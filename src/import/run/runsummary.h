@@ -48,7 +48,7 @@ struct RunSummary {
     bool readAsOneLine = false;  ///< the price file has line feeds where it should have line ends
     bool cancelled = false;
     bool beyondLimits = false;  ///< nothing was written, because the limits of the job would have been broken
-    bool completed = false;  ///< the run reached its close-down (also when cancelled)
+    bool completed = false;     ///< the run reached its close-down (also when cancelled)
     PreparationReport preparation;
     RunReport report;
     SavedProducts products;

@@ -44,7 +44,7 @@ class SqliteStatement {
     [[nodiscard]] int columns() const;
     [[nodiscard]] bool isNull(int column) const;
     [[nodiscard]] std::int64_t integer(int column) const;
-    [[nodiscard]] std::string_view text(int column) const;  ///< valid until the next step or reset
+    [[nodiscard]] std::string_view text(int column) const;   ///< valid until the next step or reset
     [[nodiscard]] std::string_view bytes(int column) const;  ///< the same for what is no text
     /// Reads a column as a value of a field type. What is stored in another form comes as it is stored. A text keeps
     /// the memory that `into` already has.
