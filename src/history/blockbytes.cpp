@@ -1,7 +1,10 @@
 #include "history/blockbytes.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cmath>
+#include <optional>
 #include <utility>
 
 #include "platform/error.h"
@@ -10,15 +13,32 @@ namespace kolmera {
 
 namespace {
 
-enum class Stored : std::uint8_t { Null, No, Yes, Whole, Number, Date, Text };
+enum class Stored : std::uint8_t { Null, No, Yes, Whole, Number, Date, Text, Decimals };
+
+/// A Decimals value is this many times the number: prices have up to four decimals.
+constexpr double kDecimals = 10000;
 
 [[noreturn]] void throwDamaged() { throw PlatformError(errors::kDamaged, "the record of the run is damaged"); }
+
+/// The number as a whole one of ten-thousandths, where that gives back the very same bits.
+std::optional<std::int64_t> decimalsOf(double number) {
+    constexpr double kMost = 1e15;
+    const double scaled = std::nearbyint(number * kDecimals);
+    if (!(std::fabs(scaled) < kMost)) return std::nullopt;
+    const auto whole = static_cast<std::int64_t>(scaled);
+    const double back = static_cast<double>(whole) / kDecimals;
+    if (std::bit_cast<std::uint64_t>(back) != std::bit_cast<std::uint64_t>(number)) return std::nullopt;
+    return whole;
+}
 
 }  // namespace
 
 void BlockWriter::number(std::uint64_t number) {
-    for (; number >= 0x80; number >>= 7) byte(static_cast<std::uint8_t>(number | 0x80));
-    byte(static_cast<std::uint8_t>(number));
+    std::array<char, 10> digits;
+    std::size_t count = 0;
+    for (; number >= 0x80; number >>= 7) digits[count++] = static_cast<char>(number | 0x80);
+    digits[count++] = static_cast<char>(number);
+    bytes_.append(digits.data(), count);
 }
 
 void BlockWriter::signedNumber(std::int64_t value) {
@@ -47,6 +67,10 @@ void BlockWriter::value(const Value& value) {
         kind(Stored::Whole);
         signedNumber(*whole);
     } else if (const auto* real = std::get_if<double>(&value)) {
+        if (const auto decimals = decimalsOf(*real)) {
+            kind(Stored::Decimals);
+            return signedNumber(*decimals);
+        }
         kind(Stored::Number);
         const auto bits = std::bit_cast<std::uint64_t>(*real);
         for (int shift = 0; shift < 64; shift += 8) byte(static_cast<std::uint8_t>(bits >> shift));
@@ -124,6 +148,8 @@ Value BlockReader::value() {
             for (int shift = 0; shift < 64; shift += 8) bits |= static_cast<std::uint64_t>(byte()) << shift;
             return std::bit_cast<double>(bits);
         }
+        case Stored::Decimals:
+            return static_cast<double>(signedNumber()) / kDecimals;
         case Stored::Date:
             return Date{static_cast<std::int32_t>(signedNumber())};
         case Stored::Text:

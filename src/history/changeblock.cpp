@@ -8,14 +8,7 @@ namespace {
 
 constexpr std::uint8_t kPlace = 3;  // behind the numbers of ChangeKind
 
-/// The column of a table that says whose product a row is; -1 where there is none.
-int labelColumn(const TableDef& table) {
-    if (const int product = table.ordinal("Produktnr"); product >= 0) return product;
-    return table.name == "Produkt" ? table.ordinal("Nummer") : -1;
-}
-
-std::string_view labelOf(const ChangedRow& row) {
-    const int column = labelColumn(row.table);
+std::string_view labelOf(const ChangedRow& row, int column) {
     if (column < 0) return {};
     for (const ChangedCell& cell : row.cells) {
         if (cell.column == column) return textOf(cell.after != nullptr ? *cell.after : *cell.before);
@@ -58,6 +51,11 @@ void readEntry(BlockReader& block, Entry& entry) {
 
 }  // namespace
 
+int labelColumn(const TableDef& table) {
+    if (const int product = table.ordinal("Produktnr"); product >= 0) return product;
+    return table.name == "Produkt" ? table.ordinal("Nummer") : -1;
+}
+
 void writePlace(BlockWriter& block, const RecordPlace& place) {
     block.byte(kPlace);
     block.signedNumber(place.record);
@@ -65,12 +63,12 @@ void writePlace(BlockWriter& block, const RecordPlace& place) {
     block.signedNumber(place.length);
 }
 
-void writeRow(BlockWriter& block, ChangeKind kind, const ChangedRow& row) {
+void writeRow(BlockWriter& block, ChangeKind kind, const ChangedRow& row, int label) {
     block.byte(static_cast<std::uint8_t>(kind));
     block.word(row.table.name);
     block.signedNumber(row.id);
     block.signedNumber(row.place);
-    block.text(labelOf(row));
+    block.text(labelOf(row, label));
     block.number(row.cells.size());
     for (const ChangedCell& cell : row.cells) {
         block.number(static_cast<std::uint64_t>(cell.column));

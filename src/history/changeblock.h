@@ -14,7 +14,10 @@ namespace kolmera {
 // remarks. The table `block` of a record holds them in the order of the writing.
 
 void writePlace(BlockWriter& block, const RecordPlace& place);
-void writeRow(BlockWriter& block, ChangeKind kind, const ChangedRow& row);
+/// `label` is the column that says whose product the row is, by `labelColumn`.
+void writeRow(BlockWriter& block, ChangeKind kind, const ChangedRow& row, int label);
+/// -1 where there is none.
+int labelColumn(const TableDef& table);
 void writeRemark(BlockWriter& block, const RecordRemark& remark);
 
 /// Each stops early, and answers false, when `take` does.

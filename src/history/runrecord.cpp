@@ -185,9 +185,15 @@ std::int64_t RunRecord::place() {
     return at_.record;
 }
 
+int RunRecord::labelOf(const TableDef& table) {
+    const auto known = std::ranges::find(labels_, &table, &std::pair<const TableDef*, int>::first);
+    if (known != labels_.end()) return known->second;
+    return labels_.emplace_back(&table, labelColumn(table)).second;
+}
+
 void RunRecord::heard(ChangeKind kind, const ChangedRow& row) {
     if (!open_) return;
-    writeRow(changes_, kind, row);
+    writeRow(changes_, kind, row, labelOf(row.table));
     if (changes_.size() >= kBlock) write([&] { flushChanges(); });
 }
 

@@ -69,6 +69,7 @@ class RunRecord final : public ChangeListener {
     void makeFolder(const std::filesystem::path& folder) const;
     void makeFile(const std::filesystem::path& folder);
     void heard(ChangeKind kind, const ChangedRow& row);
+    int labelOf(const TableDef& table);
     void flushChanges();
     void flushRemarks();
     void flushKeys();
@@ -82,7 +83,8 @@ class RunRecord final : public ChangeListener {
     std::optional<PlatformError> failure_;
 
     RecordPlace at_;
-    std::int64_t placed_ = 0;  ///< the record whose place was written last
+    std::int64_t placed_ = 0;                              ///< the record whose place was written last
+    std::vector<std::pair<const TableDef*, int>> labels_;  ///< `labelColumn` of the tables met so far
     BlockWriter changes_, remarks_, keys_;
     std::int64_t first_ = 0, last_ = 0;  ///< records whose places are in `changes_`
     std::int64_t written_ = 0;           ///< number of the last block

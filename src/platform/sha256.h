@@ -15,7 +15,7 @@ class Sha256 {
     ~Sha256();
 
     void add(std::string_view bytes);
-    /// The digest of all that was added; the last call.
+    /// The digest of all that was added; the last call. Empty where the library refuses to compute it.
     [[nodiscard]] std::string hexadecimal();
 
   private:

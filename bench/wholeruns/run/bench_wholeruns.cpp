@@ -198,7 +198,7 @@ void measure(const Options& options) {
         }
     }
     printGrowth(costs);
-    measureEmptyFiles(options);
+    if (!options.unrecorded) measureEmptyFiles(options);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/engine/changelistener.h"
 #include "platform/engine/columnset.h"
 #include "platform/engine/schema.h"
 #include "platform/engine/sqlite/sqliteconnection.h"
@@ -26,6 +27,8 @@ struct FileSession {
     Transactions transactions;
     Locale locale;
     std::vector<FileTable*> tables = {};  ///< those that are open
+    std::vector<ChangedCell> cells = {};  ///< of the row that is told
+    std::vector<const Value*> known = {};
 };
 
 /// One column of an index.

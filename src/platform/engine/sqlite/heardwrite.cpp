@@ -30,7 +30,11 @@ struct WrittenColumn {
 }  // namespace
 
 HeardWrite::HeardWrite(FileSession& session, Rows rows)
-    : session_(session), listener_(session.connection.listener()), asStored_(rows == Rows::AsStored) {
+    : session_(session),
+      listener_(session.connection.listener()),
+      asStored_(rows == Rows::AsStored),
+      cells_(session.cells),
+      known_(session.known) {
     if (listener_ == nullptr) return;
     if (!session.connection.transactionOpen()) {
         session.connection.begin();

@@ -42,8 +42,8 @@ class HeardWrite {
     bool done_ = false;
     std::exception_ptr thrown_;
     std::vector<Value> before_, after_;
-    std::vector<ChangedCell> cells_;
-    std::vector<const Value*> known_;
+    std::vector<ChangedCell>& cells_;
+    std::vector<const Value*>& known_;
 };
 
 }  // namespace kolmera

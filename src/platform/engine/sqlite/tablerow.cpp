@@ -197,13 +197,15 @@ void TableRow::writeHeldBack() {
 
 void TableRow::tell(const ColumnSet& columns, const std::vector<Value>& before, const std::vector<Value>& after,
                     std::int64_t place) const {
-    std::vector<ChangedCell> cells;
+    std::vector<ChangedCell>& cells = table_.session().cells;
+    cells.clear();
     columns.forEach([&](int column) {
         if (before[at(column)] == after[at(column)]) return;
         cells.push_back({.column = column, .before = &before[at(column)], .after = &after[at(column)]});
     });
     if (cells.empty()) return;
-    std::vector<const Value*> known(current_.size());
+    std::vector<const Value*>& known = table_.session().known;
+    known.assign(current_.size(), nullptr);
     loaded_.forEach([&](int column) {
         if (!columns.has(column)) known[at(column)] = &current_[at(column)];
     });
