@@ -42,10 +42,8 @@ class ChangeReport {
     /// Reads the record. `keepOn` is asked now and then, with the number of changes read; false stops it, and this
     /// answers false. Throws PlatformError.
     bool read(const std::function<bool(std::int64_t changes)>& keepOn);
-    /// See NetChanges::nameProducts.
-    void nameProducts(const std::function<void(const std::function<void(const NamedProduct&)>& take)>& each) {
-        changes_.nameProducts(each);
-    }
+    /// The changes themselves, to be named: see NetChanges::nameRows, nameProducts.
+    [[nodiscard]] NetChanges& net() { return changes_; }
     /// Looks what there is to warn of; see `runWarnings`.
     void warn(const RunHeader* previous);
     /// Puts warnings before the notices that the record itself gives.

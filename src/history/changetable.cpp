@@ -72,6 +72,16 @@ std::string percentText(double percent, const Locale& locale) {
     return fmt::format("{}{} %", percent > 0 ? "+" : "", number);
 }
 
+std::string tabbedLine(std::span<const std::string> cells, const Locale& locale) {
+    std::string line;
+    for (const std::string& cell : cells) {
+        if (&cell != cells.data()) line += '\t';
+        if (wouldBeFormula(cell, locale)) line += '\'';
+        line += onOneLine(cell);
+    }
+    return line;
+}
+
 ChangeTable::ChangeTable(ChangeList& list, LanguageTexts& texts, const Locale& locale)
     : list_(list), texts_(texts), locale_(locale), fromZero_(texts.ModulText(text::changes::kFromZero)) {
     for (std::size_t kind = 0; kind < kinds_.size(); ++kind) kinds_.at(kind) = texts.ModulText(kKinds[kind]);
@@ -103,16 +113,6 @@ ChangeTable::Cells ChangeTable::cells(const ChangeRow& row) const {
             percent,
             kinds_.at(static_cast<std::size_t>(row.kind)),
             row.record > 0 ? std::to_string(row.record) : std::string()};
-}
-
-std::string ChangeTable::line(const Cells& cells, const Locale& locale) {
-    std::string line;
-    for (const std::string& cell : cells) {
-        if (&cell != &cells.front()) line += '\t';
-        if (wouldBeFormula(cell, locale)) line += '\'';
-        line += onOneLine(cell);
-    }
-    return line;
 }
 
 bool ChangeTable::forEach(const std::function<void(const ChangeRow&)>& take, const KeepOn& keepOn) const {

@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
 
 #include "history/changelist.h"
@@ -13,6 +14,9 @@ namespace kolmera {
 std::string grouped(std::int64_t number, const Locale& locale);
 /// "+2,5 %"; small ones with two decimals.
 std::string percentText(double percent, const Locale& locale);
+
+/// Cells between tabs. A cell that a spreadsheet program would take for a formula gets an apostrophe.
+std::string tabbedLine(std::span<const std::string> cells, const Locale& locale);
 
 /// The rows of a list of changes as users read them, on the screen, on paper and in files.
 class ChangeTable {
@@ -29,9 +33,7 @@ class ChangeTable {
     /// Of a group's heading: what the group is about, and how many changes it has.
     [[nodiscard]] Cells cells(const ChangeRow& row) const;
 
-    /// Cells between tabs. A cell that a spreadsheet program would take for a formula gets an apostrophe.
-    [[nodiscard]] static std::string line(const Cells& cells, const Locale& locale);
-    [[nodiscard]] std::string line(const Cells& cells) const { return line(cells, locale_); }
+    [[nodiscard]] std::string line(const Cells& cells) const { return tabbedLine(cells, locale_); }
 
     /// Every row of the list, in its order: false when it was stopped. Throws PlatformError.
     bool forEach(const std::function<void(const ChangeRow&)>& take, const KeepOn& keepOn) const;

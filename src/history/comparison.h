@@ -23,10 +23,14 @@ class FileComparison {
     /// In the order of the keys; false from `take` ends it.
     void forEachAdded(const std::function<bool(std::string_view key)>& take);
     void forEachGone(const std::function<bool(std::string_view key)>& take);
+    /// Holds the table article(n, isnew, key, product, name, search) of those that one file lacks; `product`, `name`
+    /// and `search`, what a filter looks in, are ComparisonList's.
+    [[nodiscard]] SqliteConnection& connection() { return file_; }
 
   private:
     std::int64_t fill(const char* table, const RecordReader& record);
-    void forEach(const char* statement, const std::function<bool(std::string_view key)>& take);
+    void findDifferences();
+    void forEach(bool isNew, const std::function<bool(std::string_view key)>& take);
 
     SqliteConnection file_;
     std::int64_t before_, now_;

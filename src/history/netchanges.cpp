@@ -182,6 +182,33 @@ void NetChanges::finish() {
     connection_.commit();
 }
 
+std::vector<std::string> NetChanges::tablesWithoutProduct() {
+    std::vector<std::string> names;
+    SqliteStatement any(connection_, "SELECT 1 FROM row WHERE tab = ?1 AND product = ''");
+    for (std::size_t table = 0; table < tables_.size(); ++table) {
+        if (tables_[table].definition.ordinal("Produktnr") < 0) continue;
+        const StatementUse use(any);
+        any.bind(1, static_cast<std::int64_t>(table));
+        if (any.step()) names.push_back(tables_[table].name);
+    }
+    return names;
+}
+
+void NetChanges::nameRows(
+    std::string_view table,
+    const std::function<void(const std::function<void(std::int64_t, std::string_view)>& take)>& each) {
+    connection_.begin();
+    SqliteStatement product(connection_, "UPDATE row SET product = ?3 WHERE tab = ?1 AND id = ?2 AND product = ''");
+    const std::int64_t number = tableNumber(std::string(table));
+    each([&](std::int64_t id, std::string_view text) {
+        product.bind(1, number);
+        product.bind(2, id);
+        product.bind(3, text);
+        product.run();
+    });
+    connection_.commit();
+}
+
 void NetChanges::nameProducts(const std::function<void(const std::function<void(const NamedProduct&)>& take)>& each) {
     const int products = tableNumber("Produkt");
     connection_.begin();

@@ -43,6 +43,12 @@ class NetChanges {
 
     void add(const RowChange& change);
     void finish();
+    /// Tables of which some row does not tell of which product it is, though its column Produktnr does.
+    [[nodiscard]] std::vector<std::string> tablesWithoutProduct();
+    /// Tells of which products the rows of such a table are; `each` gives their IDs and product numbers.
+    void nameRows(
+        std::string_view table,
+        const std::function<void(const std::function<void(std::int64_t id, std::string_view product)>& take)>& each);
     /// Names the products of rows that lack it; `each` gives the products of the company.
     void nameProducts(const std::function<void(const std::function<void(const NamedProduct&)>& take)>& each);
 

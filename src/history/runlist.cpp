@@ -89,4 +89,8 @@ std::string RunList::outcomeOf(const RunHeader& run) const {
 
 bool RunList::canUndo(int row) const { return row >= 0 && row < count() && run(row).kind != RunKind::Preview; }
 
+bool RunList::canCompare(int row) const {
+    return row >= 0 && row < count() && run(row).kind == RunKind::Run && run(row).outcome == "completed";
+}
+
 }  // namespace kolmera

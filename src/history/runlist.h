@@ -33,6 +33,10 @@ class RunList {
     [[nodiscard]] Cells cells(int row) const;
     /// Of a run whose record says what it changed; a run that is under way, or was ended from outside, too.
     [[nodiscard]] bool canUndo(int row) const;
+    /// Of a run that read its price file to the end.
+    [[nodiscard]] bool canCompare(int row) const;
+    /// Of all companies, the newest first.
+    [[nodiscard]] const std::vector<RunHeader>& all() const { return runs_; }
 
   private:
     [[nodiscard]] static std::string companyOf(const RunHeader& run);

@@ -103,6 +103,12 @@ void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button)
     });
 }
 
+void onKey(QWidget& control, const QKeySequence& key, const std::function<void()>& act, Qt::ShortcutContext context) {
+    auto* shortcut = new QShortcut(key, &control);
+    shortcut->setContext(context);
+    QObject::connect(shortcut, &QShortcut::activated, &control, act);
+}
+
 void focusOnAltL(QWidget& form, QWidget& list) {
     auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_L), &form);
     const auto focus = [&list] {

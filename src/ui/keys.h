@@ -2,6 +2,7 @@
 
 #include <QKeySequence>
 #include <QObject>
+#include <functional>
 
 class QAbstractButton;
 class QLineEdit;
@@ -20,6 +21,9 @@ void allowNumbersOnly(QLineEdit& field, char Decimaltecken, bool allowDecimal, b
 
 /// A key that presses a button as the mouse would: only while the button is shown and enabled.
 void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button);
+/// A key that does something while the window is active, or, with another context, while the control has the focus.
+void onKey(QWidget& control, const QKeySequence& key, const std::function<void()>& act,
+           Qt::ShortcutContext context = Qt::WindowShortcut);
 /// Alt+L gives the focus to a list, beside the accelerator that its label may have.
 void focusOnAltL(QWidget& form, QWidget& list);
 

@@ -14,7 +14,6 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QScreen>
-#include <QShortcut>
 #include <QTableView>
 #include <QTimer>
 #include <algorithm>
@@ -42,13 +41,6 @@ constexpr int kTypingPause = 250;  ///< milliseconds behind the last letter befo
 
 QCheckBox* checkBox(QWidget& parent, const char* name, const char* caption) {
     return named(new QCheckBox(QString::fromUtf8(caption), &parent), name);
-}
-
-void addShortcut(QWidget& parent, const QKeySequence& key, const std::function<void()>& act,
-                 Qt::ShortcutContext context = Qt::WindowShortcut) {
-    auto* shortcut = new QShortcut(key, &parent);
-    shortcut->setContext(context);
-    QObject::connect(shortcut, &QShortcut::activated, &parent, act);
 }
 
 /// What is written to it goes to an output file; the first error is kept, for `check` to throw.
@@ -286,17 +278,17 @@ void ChangeWindow::layOut() {
 }
 
 void ChangeWindow::connectKeys() {
-    addShortcut(*this, QKeySequence::Find, [this] {
+    onKey(*this, QKeySequence::Find, [this] {
         filter_->setFocus();
         filter_->selectAll();
     });
-    addShortcut(*this, QKeySequence::Save, [this] { save(); });
-    addShortcut(*this, QKeySequence::Print, [this] { print(); });
-    addShortcut(*this, Qt::Key_F7, [this] { sortByCurrentColumn(); });
-    addShortcut(
+    onKey(*this, QKeySequence::Save, [this] { save(); });
+    onKey(*this, QKeySequence::Print, [this] { print(); });
+    onKey(*this, Qt::Key_F7, [this] { sortByCurrentColumn(); });
+    onKey(
         *list_, QKeySequence::Copy, [this] { copy(); }, Qt::WidgetShortcut);
     for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter}) {
-        addShortcut(
+        onKey(
             *list_, enter, [this] { showInFile(); }, Qt::WidgetShortcut);
     }
 }

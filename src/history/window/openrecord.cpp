@@ -2,12 +2,12 @@
 
 #include <QElapsedTimer>
 
-#include "db/conversions.h"
 #include "history/changereport.h"
 #include "history/fileexcerpt.h"
 #include "history/runfolder.h"
 #include "history/warnings.h"
 #include "history/window/changewindow.h"
+#include "history/window/companyproducts.h"
 #include "history/window/excerptwindow.h"
 #include "import/run/runreport.h"
 #include "lang/errortext.h"
@@ -37,21 +37,6 @@ std::string remarkText(LanguageTexts& texts, std::string_view name) {
     return std::string(name);
 }
 
-/// The products of a company in a file. One on a server is not opened for their names only: that can take long.
-void eachProduct(Program& program, const std::string& company, const std::function<void(const NamedProduct&)>& take) {
-    SqlLayer& sql = program.state.sql;
-    std::error_code unknown;
-    const bool here =
-        std::filesystem::exists(program.state.drives.resolve(company, program.state.dataFolder()), unknown);
-    if (company.empty() || SqlLayer::ÄrSQLDatabas(company) || !here || !program.companies.ÖppnaDatabas(company)) return;
-    const auto rows = sql.SQLÖppnaRs("SELECT ID, Nummer, Benämning FROM Produkt", RecordsetType::Snapshot);
-    for (; !rows->eof(); rows->moveNext()) {
-        const std::string number = TillText(rows->value(1), sql.locale());
-        const std::string name = TillText(rows->value(2), sql.locale());
-        take({.id = TillLng(rows->value(0), sql.locale()), .number = number, .name = name});
-    }
-}
-
 bool readReport(Program& program, QWidget& parent, ChangeReport& report) {
     LockWait wait(parent);
     QElapsedTimer waited;
@@ -68,9 +53,7 @@ bool readReport(Program& program, QWidget& parent, ChangeReport& report) {
         const std::vector<RunHeader> runs = RunFolder(program.state.dataFolder()).list();
         report.warn(previousRun(runs, report.header()));
     });
-    attempt(passedOver, "Produkt", [&] {
-        report.nameProducts([&](const auto& take) { eachProduct(program, report.header().companyFile, take); });
-    });
+    attempt(passedOver, "Produkt", [&] { nameProducts(program, report); });
     return true;
 }
 

@@ -7,10 +7,10 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScreen>
-#include <QShortcut>
 #include <QTableView>
 #include <algorithm>
 
+#include "history/window/comparewindow.h"
 #include "history/window/openrecord.h"
 #include "history/window/undowindow.h"
 #include "lang/errortext.h"
@@ -93,22 +93,23 @@ void RunsWindow::buildControls() {
     remark_ = named(new QLabel(this), "Anmärkning");
     remark_->setWordWrap(true);
     show_ = button(*this, "Visa", "&Visa...");
+    compare_ = button(*this, "Jämför", "&Jämför...");
     undo_ = button(*this, "Ångra", "&Ångra körning...");
     remove_ = button(*this, "TaBort", "&Ta bort");
     close_ = button(*this, "Stäng", "&Stäng");
-    for (QPushButton* each : {show_, undo_, remove_, close_}) each->setAutoDefault(false);
+    for (QPushButton* each : {show_, compare_, undo_, remove_, close_}) each->setAutoDefault(false);
     connect(company_, &QComboBox::currentIndexChanged, this, [this] { choose(); });
     connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { present(); });
     connect(list_, &QTableView::doubleClicked, this, [this] { showRun(); });
     connect(show_, &QPushButton::clicked, this, [this] { showRun(); });
+    connect(compare_, &QPushButton::clicked, this, [this] { compare(); });
     connect(undo_, &QPushButton::clicked, this, [this] { undo(); });
     connect(remove_, &QPushButton::clicked, this, [this] { remove(); });
     connect(close_, &QPushButton::clicked, this, [this] { reject(); });
     pressOnKey(*this, QKeySequence(Qt::Key_F9), *remove_);
     for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter}) {
-        auto* shortcut = new QShortcut(enter, list_);
-        shortcut->setContext(Qt::WidgetShortcut);
-        connect(shortcut, &QShortcut::activated, this, [this] { showRun(); });
+        onKey(
+            *list_, enter, [this] { showRun(); }, Qt::WidgetShortcut);
     }
 }
 
@@ -120,7 +121,7 @@ void RunsWindow::layOut() {
     top->addWidget(company_);
     top->addStretch(1);
     auto* buttons = new QHBoxLayout;
-    for (QPushButton* each : {show_, undo_, remove_}) buttons->addWidget(each);
+    for (QPushButton* each : {show_, compare_, undo_, remove_}) buttons->addWidget(each);
     buttons->addStretch(1);
     buttons->addWidget(close_);
     auto* layout = new QVBoxLayout(this);
@@ -176,6 +177,7 @@ void RunsWindow::choose() {
 void RunsWindow::present() {
     const int row = currentRow();
     show_->setEnabled(row >= 0);
+    compare_->setEnabled(runs_.canCompare(row));
     undo_->setEnabled(runs_.canUndo(row));
     remove_->setEnabled(row >= 0);
     std::string remark;
@@ -199,6 +201,11 @@ void RunsWindow::showRun() {
     } catch (const PlatformError&) {
         fill();  // somebody else has removed it
     }
+}
+
+void RunsWindow::compare() {
+    const int row = currentRow();
+    if (runs_.canCompare(row)) compareRun(program_, this, folder_, runs_.run(row), runs_.all());
 }
 
 void RunsWindow::undo() {

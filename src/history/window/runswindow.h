@@ -29,6 +29,7 @@ class RunsWindow final : public QDialog {
     void present();
     [[nodiscard]] int currentRow() const;
     void showRun();
+    void compare();
     void undo();
     void remove();
 
@@ -40,7 +41,7 @@ class RunsWindow final : public QDialog {
     QComboBox* company_;
     QTableView* list_;
     QLabel* remark_;
-    QPushButton *show_, *undo_, *remove_, *close_;
+    QPushButton *show_, *compare_, *undo_, *remove_, *close_;
 };
 
 }  // namespace kolmera
