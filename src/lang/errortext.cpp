@@ -37,6 +37,17 @@ constexpr Sentence kByNumber[] = {
     {errors::kServerUnwell, text::fault::kServerUnwell},
     {errors::kServerSilent, text::fault::kServerSilent},
     {errors::kCannotBeRepeated, text::fault::kRowsChanged},
+    {errors::kRowTooLong, text::fault::kRowTooLong},
+    {errors::kTooManyColumns, text::fault::kTooManyColumns},
+    {errors::kQuoteNotClosed, text::fault::kQuoteNotClosed},
+    {errors::kSeveralMembers, text::fault::kSeveralMembers},
+    {errors::kNoSuchMember, text::fault::kNoSuchMember},
+    {errors::kUnreadableArchive, text::fault::kUnreadableArchive},
+    {errors::kProtectedArchive, text::fault::kProtectedArchive},
+    {errors::kUnpacksTooLarge, text::fault::kUnpacksTooLarge},
+    {errors::kUnreadableXml, text::fault::kUnreadableXml},
+    {errors::kNoSuchSheet, text::fault::kNoSuchSheet},
+    {errors::kUnknownSource, text::fault::kUnknownSource},
 };
 
 constexpr Sentence kBySystemError[] = {

@@ -44,6 +44,26 @@ constexpr HighHalf kOem437 =
     u"αßΓπΣσµτΦΘΩδ∞φε∩"
     u"≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00a0";
 
+constexpr HighHalf kLatin1 =
+    u"\u0080\u0081\u0082\u0083\u0084\u0085\u0086\u0087\u0088\u0089\u008a\u008b\u008c\u008d\u008e\u008f"
+    u"\u0090\u0091\u0092\u0093\u0094\u0095\u0096\u0097\u0098\u0099\u009a\u009b\u009c\u009d\u009e\u009f"
+    u"\u00a0¡¢£¤¥¦§¨©ª«¬\u00ad®¯"
+    u"°±²³´µ¶·¸¹º»¼½¾¿"
+    u"ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏ"
+    u"ÐÑÒÓÔÕÖ×ØÙÚÛÜÝÞß"
+    u"àáâãäåæçèéêëìíîï"
+    u"ðñòóôõö÷øùúûüýþÿ";
+
+constexpr HighHalf kLatin9 =
+    u"\u0080\u0081\u0082\u0083\u0084\u0085\u0086\u0087\u0088\u0089\u008a\u008b\u008c\u008d\u008e\u008f"
+    u"\u0090\u0091\u0092\u0093\u0094\u0095\u0096\u0097\u0098\u0099\u009a\u009b\u009c\u009d\u009e\u009f"
+    u"\u00a0¡¢£€¥Š§š©ª«¬\u00ad®¯"
+    u"°±²³Žµ¶·ž¹º»ŒœŸ¿"
+    u"ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏ"
+    u"ÐÑÒÓÔÕÖ×ØÙÚÛÜÝÞß"
+    u"àáâãäåæçèéêëìíîï"
+    u"ðñòóôõö÷øùúûüýþÿ";
+
 /// One high byte in both directions.
 struct Utf8Character {
     std::array<char, 3> bytes;
@@ -75,11 +95,19 @@ consteval Table tableOf(const HighHalf& characters) {
     return table;
 }
 
-constexpr Table kTables[] = {tableOf(kWindows1252), tableOf(kOem850), tableOf(kOem437)};
+constexpr Table kTables[] = {tableOf(kWindows1252), tableOf(kOem850), tableOf(kOem437), tableOf(kLatin1),
+                             tableOf(kLatin9)};
 
 const Table& tableFor(CodePage page) { return kTables[static_cast<std::size_t>(page)]; }
 
-/// The length of the run of ASCII at the start of a text.
+char byteOf(std::optional<char32_t> character, const Table& table) {
+    if (!character) return '?';
+    const auto* found = std::ranges::lower_bound(table.fromUnicode, *character, {}, &Reverse::character);
+    return found != table.fromUnicode.end() && found->character == *character ? found->byte : '?';
+}
+
+}  // namespace
+
 std::size_t asciiRun(std::string_view text) {
     constexpr std::uint64_t kHighBits = 0x8080808080808080;
     std::size_t at = 0;
@@ -91,14 +119,6 @@ std::size_t asciiRun(std::string_view text) {
     while (at < text.size() && static_cast<std::uint8_t>(text[at]) < 0x80) ++at;
     return at;
 }
-
-char byteOf(std::optional<char32_t> character, const Table& table) {
-    if (!character) return '?';
-    const auto* found = std::ranges::lower_bound(table.fromUnicode, *character, {}, &Reverse::character);
-    return found != table.fromUnicode.end() && found->character == *character ? found->byte : '?';
-}
-
-}  // namespace
 
 std::string toUtf8(std::string_view bytes, CodePage page) {
     std::string result;

@@ -7,8 +7,9 @@
 
 namespace kolmera {
 
-/// The single-byte character sets of the suite's files. Positions and widths are counted in their bytes.
-enum class CodePage { Windows1252, Oem850, Oem437 };
+/// The single-byte character sets of the suite's files, and those of other systems (ISO 8859-1 and -15). Positions and
+/// widths are counted in their bytes.
+enum class CodePage { Windows1252, Oem850, Oem437, Latin1, Latin9 };
 
 /// Bytes of a code page as UTF-8. Never fails: the five bytes that Windows-1252 leaves open (81, 8D, 8F, 90, 9D) become
 /// the control characters of the same number, so that every text comes back from `fromUtf8` as the bytes it was.
@@ -33,6 +34,9 @@ struct FirstCharacter {
 FirstCharacter firstCharacter(std::string_view text);
 /// Adds a character, which is no half of a pair, to a UTF-8 text.
 void appendUtf8(char32_t character, std::string& text);
+
+/// Length of the run of ASCII at the start of a text, in bytes.
+std::size_t asciiRun(std::string_view text);
 
 /// Number of characters (code points) of a UTF-8 text; malformed bytes count one each.
 std::size_t characterCount(std::string_view text);

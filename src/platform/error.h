@@ -31,6 +31,18 @@ inline constexpr int kUnwritableFormat = 3275;
 inline constexpr int kProtectedSpreadsheet = 3276;  ///< a password, a signature or a locked structure
 inline constexpr int kNotADatabase = 3343;
 inline constexpr int kWrongType = 3421;
+// Of price files that are read as a table. What they are about is told with them: the row, the names, the limit.
+inline constexpr int kRowTooLong = 3501;
+inline constexpr int kTooManyColumns = 3502;
+inline constexpr int kQuoteNotClosed = 3503;
+inline constexpr int kSeveralMembers = 3504;  ///< of an archive, and none of them is chosen
+inline constexpr int kNoSuchMember = 3505;
+inline constexpr int kUnreadableArchive = 3506;
+inline constexpr int kProtectedArchive = 3507;
+inline constexpr int kUnpacksTooLarge = 3508;
+inline constexpr int kUnreadableXml = 3509;
+inline constexpr int kNoSuchSheet = 3510;
+inline constexpr int kUnknownSource = 3511;  ///< nothing that a table can be read from
 }  // namespace errors
 
 /// The one exception that the platform layer throws: a number of `errors`, a description in English for developers

@@ -1,7 +1,10 @@
 #include "platform/spreadsheet/archive.h"
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <zip.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -41,11 +44,62 @@ struct CloseEntry {
     void operator()(zip_file_t* entry) const { zip_fclose(entry); }
 };
 
+class EntryStream final : public ByteStream {
+  public:
+    EntryStream(zip_file_t* entry, const zip_stat_t& status, std::uint64_t most)
+        : entry_(entry), packed_(status.comp_size), size_(status.size), most_(most) {}
+
+    std::size_t read(char* bytes, std::size_t count) override {
+        const zip_int64_t got = zip_fread(entry_.get(), bytes, count);
+        if (got < 0) throwZipError(zip_file_get_error(entry_.get()));
+        total_ += static_cast<std::uint64_t>(got);
+        // The sizes that the file declares are not believed: what comes out is counted.
+        if (total_ > most_ || (total_ > kSmallUnpacked && total_ / kMostUnpackedRatio > packed_)) {
+            throw PlatformError(errors::kUnpacksTooLarge, "A packed file is too large.");
+        }
+        return static_cast<std::size_t>(got);
+    }
+    [[nodiscard]] double progress() const override {
+        return size_ == 0 ? 0 : std::min(1.0, static_cast<double>(total_) / static_cast<double>(size_));
+    }
+
+  private:
+    std::unique_ptr<zip_file_t, CloseEntry> entry_;
+    std::uint64_t packed_;
+    std::uint64_t size_;
+    std::uint64_t most_;
+    std::uint64_t total_ = 0;
+};
+
+zip* openedForReading(const Descriptor& file) {
+    // The archive closes what it is given.
+    const int own = fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
+    if (own < 0) throwSystemError(errno);
+    int number = 0;
+    if (zip* archive = zip_fdopen(own, 0, &number)) return archive;
+    close(own);
+    zip_error_t error;
+    zip_error_init_with_code(&error, number);
+    throwZipError(&error);
+}
+
 }  // namespace
 
 void Archive::Discard::operator()(zip* archive) const { zip_discard(archive); }
 
 Archive::Archive(const std::filesystem::path& file, Mode mode) : zip_(opened(file, mode)) {}
+
+Archive::Archive(const Descriptor& file) : zip_(openedForReading(file)) {}
+
+std::vector<std::string> Archive::names() const {
+    std::vector<std::string> names;
+    const zip_int64_t count = zip_get_num_entries(zip_.get(), 0);
+    for (zip_int64_t i = 0; i < count; ++i) {
+        // Where the archive does not say, names are UTF-8 or those of DOS: guessed.
+        if (const char* name = zip_get_name(zip_.get(), static_cast<zip_uint64_t>(i), 0)) names.emplace_back(name);
+    }
+    return names;
+}
 
 std::optional<std::uint64_t> Archive::find(const std::string& name) const {
     const zip_int64_t index = zip_name_locate(zip_.get(), name.c_str(), ZIP_FL_NOCASE);
@@ -58,26 +112,31 @@ std::uint64_t Archive::existing(const std::string& name) const {
     throw PlatformError(errors::kUnreadableSpreadsheet, "The workbook lacks its part " + name + ".");
 }
 
-void Archive::stream(const std::string& name, std::uint64_t most,
-                     const std::function<void(std::string_view)>& sink) const {
+std::unique_ptr<ByteStream> Archive::open(const std::string& name, std::uint64_t most) const {
     const std::uint64_t index = existing(name);
     zip_stat_t status;
     if (zip_stat_index(zip_.get(), index, 0, &status) != 0) throwZipError(zip_get_error(zip_.get()));
-    const std::unique_ptr<zip_file_t, CloseEntry> entry(zip_fopen_index(zip_.get(), index, 0));
+    zip_file_t* entry = zip_fopen_index(zip_.get(), index, 0);
     if (!entry) throwZipError(zip_get_error(zip_.get()));
+    return std::make_unique<EntryStream>(entry, status, most);
+}
 
+void Archive::stream(const std::string& name, std::uint64_t most,
+                     const std::function<void(std::string_view)>& sink) const {
+    const std::unique_ptr<ByteStream> entry = open(name, most);
     std::string buffer(std::size_t{64} << 10, '\0');
-    std::uint64_t total = 0;
     for (;;) {
-        const zip_int64_t got = zip_fread(entry.get(), buffer.data(), buffer.size());
-        if (got < 0) throwZipError(zip_file_get_error(entry.get()));
+        const std::size_t got = [&] {
+            try {
+                return entry->read(buffer.data(), buffer.size());
+            } catch (const PlatformError& error) {
+                if (error.number() != errors::kUnpacksTooLarge) throw;
+                throw PlatformError(errors::kUnreadableSpreadsheet,
+                                    "The part " + name + " of the workbook is too large.");
+            }
+        }();
         if (got == 0) return;
-        total += static_cast<std::uint64_t>(got);
-        // The sizes that the file declares are not believed: what comes out is counted.
-        if (total > most || (total > kSmall && total / kMostRatio > status.comp_size)) {
-            throw PlatformError(errors::kUnreadableSpreadsheet, "The part " + name + " of the workbook is too large.");
-        }
-        sink(std::string_view(buffer).substr(0, static_cast<std::size_t>(got)));
+        sink(std::string_view(buffer).substr(0, got));
     }
 }
 

@@ -9,6 +9,9 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "platform/bytestream.h"
 
 struct zip;
 struct zip_source;
@@ -22,12 +25,20 @@ class Archive {
     enum class Mode { Read, Change, Make };
 
     explicit Archive(const std::filesystem::path& file, Mode mode = Mode::Read);
+    /// To read from an open file.
+    explicit Archive(const Descriptor& file);
+
+    /// The names of all entries, folders among them.
+    [[nodiscard]] std::vector<std::string> names() const;
 
     /// The number of an entry, found without regard to letter case.
     [[nodiscard]] std::optional<std::uint64_t> find(const std::string& name) const;
 
-    /// Hands the unpacked bytes of an entry to `sink`, piece by piece. An entry that is missing, has more than `most`
-    /// bytes, or is packed so tightly that only a trap can be (see kMostRatio) is refused.
+    /// The unpacked bytes of an entry; the archive has to outlive them. Reading throws kUnpacksTooLarge above `most`
+    /// bytes, or where it is packed so tightly that only a trap can be (kMostUnpackedRatio).
+    [[nodiscard]] std::unique_ptr<ByteStream> open(const std::string& name, std::uint64_t most) const;
+    /// Hands the unpacked bytes of a workbook's part to `sink`, piece by piece. One that is missing or unpacks too
+    /// large is a kUnreadableSpreadsheet.
     void stream(const std::string& name, std::uint64_t most, const std::function<void(std::string_view)>& sink) const;
     [[nodiscard]] std::string bytes(const std::string& name, std::uint64_t most) const;
 
@@ -39,11 +50,6 @@ class Archive {
     void save();
 
   private:
-    /// Real sheets stay under 60 times, also a million empty rows; deflate goes up to 1032 times.
-    static constexpr std::uint64_t kMostRatio = 250;
-    /// Below this size no ratio does harm.
-    static constexpr std::uint64_t kSmall = std::uint64_t{64} << 20;
-
     [[nodiscard]] std::uint64_t existing(const std::string& name) const;
     void putBytes(const std::string& name, std::string bytes, bool isNew);
     void put(const std::string& name, zip_source* source, bool isNew);

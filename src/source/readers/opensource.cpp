@@ -1,0 +1,60 @@
+#include "source/readers/opensource.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/error.h"
+#include "source/readers/readers.h"
+#include "source/sourcefile.h"
+
+namespace kolmera {
+namespace {
+
+struct ReaderOfKind {
+    SourceKind kind;
+    std::unique_ptr<RowReader> (*open)(SourceFile file, const SourceFormat& format, const SourceLimits& limits);
+};
+/// One row a kind of file.
+constexpr ReaderOfKind kReaders[] = {
+    {SourceKind::Delimited, readDelimited},
+    {SourceKind::Fixed, readFixed},
+};
+
+}  // namespace
+
+std::unique_ptr<RowReader> openRows(Descriptor file, const SourceFormat& format, const SourceLimits& limits) {
+    SourceFile source = SourceFile::of(std::move(file), format.member, limits);
+    for (const ReaderOfKind& reader : kReaders) {
+        if (reader.kind == format.kind) return reader.open(std::move(source), format, limits);
+    }
+    throw PlatformError(errors::kUnknownSource, "no reader").about(std::string(nameOf(format.kind)));
+}
+
+std::unique_ptr<RowReader> openRows(const std::filesystem::path& file, const SourceFormat& format,
+                                    const SourceLimits& limits) {
+    // Opening a pipe must not wait for its writer.
+    return openRows(Descriptor(file, O_RDONLY | O_NONBLOCK), format, limits);
+}
+
+SourceTable::SourceTable(std::unique_ptr<RowReader> rows, const SourceFormat& format)
+    : rows_(std::move(rows)), skip_(format.skip) {
+    if (!format.headings && format.kind != SourceKind::Xml) return;
+    const auto hasText = [](const Cell& cell) { return !cell.text.empty(); };
+    Row row;
+    while (headings_.empty() && next(row)) {
+        if (std::ranges::none_of(row.cells, hasText)) continue;
+        for (const Cell& cell : row.cells) headings_.emplace_back(cell.text);
+        headingRow_ = row.number;
+    }
+}
+
+bool SourceTable::next(Row& row) {
+    while (rows_->next(row)) {
+        if (row.number > skip_ || row.number == 0) return true;
+    }
+    return false;
+}
+
+}  // namespace kolmera
