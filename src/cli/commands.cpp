@@ -127,6 +127,7 @@ void addJobs(Commands& commands) {
         [](Command& command, RunArguments& arguments) {
             describeJob(command, arguments);
             command.option("--summary", arguments.summaryFile, text::help::kSummary);
+            command.option("--rejects", arguments.rejectsFile, text::help::kRejects);
         },
         runCommand);
     commands.add<PreviewArguments>(
@@ -170,6 +171,7 @@ void addHistory(Commands& commands) {
             command.argument("RUN", arguments.run, text::help::kRunName).data(arguments.dataFolder);
             command.flag("--json", arguments.output.json, text::help::kJson);
             command.option("--save", arguments.output.file, text::help::kSaveChanges);
+            command.option("--rejects", arguments.rejectsFile, text::help::kRejects);
         },
         showCommand);
     commands.add<CompareArguments>(

@@ -4,8 +4,13 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "cli/rejectsoutput.h"
+#include "definitions/pricefilepath.h"
+#include "history/runfolder.h"
 #include "import/preview/limitedrun.h"
+#include "import/rejects/rejectfile.h"
 #include "lang/errortext.h"
+#include "lang/keys/rejects.h"
 #include "lang/keys/terminal.h"
 
 namespace kolmera::cli {
@@ -23,12 +28,15 @@ class TerminalRun {
     [[nodiscard]] bool startSummary();
     [[nodiscard]] bool finishSummary();
     void carryOut();
+    [[nodiscard]] bool rejectsHaveAPlace(const Job& job);
+    [[nodiscard]] bool finishRejects();
     void sayNotWritten(const PlatformError& error);
 
     const RunArguments& arguments_;
     const Surroundings& surroundings_;
     JobSession job_;
     std::optional<SummaryFile> summaryFile_;
+    std::optional<RecordKeeping> record_;
 };
 
 int TerminalRun::run() {
@@ -42,7 +50,8 @@ int TerminalRun::run() {
     } catch (const std::exception& error) {
         job_.say(job_.session.text(text::terminal::kUnexpectedError, error.what()));
     }
-    if (!finishSummary() && job_.result.exitCode != exitcode::kCancelled) return exitcode::kStopped;
+    const bool rejectsWritten = finishRejects();
+    if (!(finishSummary() && rejectsWritten) && job_.result.exitCode != exitcode::kCancelled) return exitcode::kStopped;
     return job_.result.exitCode;
 }
 
@@ -77,14 +86,35 @@ void TerminalRun::sayNotWritten(const PlatformError& error) {
 
 void TerminalRun::carryOut() {
     const auto job = job_.findJob();
-    if (!job) return;
+    if (!job || !rejectsHaveAPlace(*job)) return;
     job_.carryOut(*job, [&](ImportContext& context) {
-        RecordKeeping record = keptInDataFolder(context.state);
-        context.record = &record;
+        context.record = &record_.emplace(keptInDataFolder(context.state));
         return runWithinLimits(context, job->name);
     });
     if (job_.result.summary.completed) job_.printSummary();
     job_.tellOutcome();
+}
+
+bool TerminalRun::rejectsHaveAPlace(const Job& job) {
+    const StartState& state = job_.session.state;
+    const auto priceFile = findPriceFile(job.priceFile, state.drives, state.dataFolder(), state.programFolder());
+    if (arguments_.rejectsFile.empty() || !isPriceFile(arguments_.rejectsFile, priceFile)) return true;
+    job_.say(job_.session.text(text::rejects::kIsPriceFile, priceFile.string()));
+    return false;
+}
+
+bool TerminalRun::finishRejects() {
+    if (arguments_.rejectsFile.empty() || !record_) return true;
+    if (record_->failure) {
+        job_.say(job_.session.text(text::rejects::kNoRecord));
+        return false;
+    }
+    if (record_->id.empty()) return true;  // nothing was read
+    const RunFolder runs = RunFolder::at(record_->folder);
+    std::string told;
+    const bool written = printRejects(job_.session, runs, record_->id, arguments_.rejectsFile, surroundings_, told);
+    job_.result.messages.push_back(std::move(told));
+    return written;
 }
 
 }  // namespace

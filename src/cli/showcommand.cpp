@@ -1,5 +1,6 @@
 #include "cli/showcommand.h"
 
+#include "cli/rejectsoutput.h"
 #include "cli/runchoice.h"
 #include "cli/session.h"
 #include "history/runfolder.h"
@@ -14,6 +15,11 @@ int showCommand(const ShowArguments& arguments, const Surroundings& surroundings
     const std::vector<RunHeader> runs = folder.list();
     const std::optional<RunHeader> run = chosenRun(session, runs, arguments.run, surroundings.err);
     if (!run) return exitcode::kStopped;
+    if (!arguments.rejectsFile.empty()) {
+        std::string told;
+        const bool good = printRejects(session, folder, run->id, arguments.rejectsFile, surroundings, told);
+        return good ? exitcode::kDone : exitcode::kStopped;
+    }
     const bool whole = printChanges(session, RecordReader(folder.file(run->id)), previousRun(runs, *run),
                                     arguments.output, surroundings);
     return whole ? exitcode::kDone : exitcode::kCancelled;

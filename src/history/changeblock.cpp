@@ -81,6 +81,7 @@ void writeRemark(BlockWriter& block, const RecordRemark& remark) {
     block.word(remark.kind);
     block.signedNumber(remark.record);
     block.signedNumber(remark.offset);
+    block.signedNumber(remark.length);
     block.text(remark.product);
     block.word(remark.column);
     block.text(remark.text);
@@ -105,13 +106,14 @@ bool readPlaces(std::string_view block, const std::function<bool(const RecordPla
     return true;
 }
 
-bool readRemarks(std::string_view block, const std::function<bool(const RecordRemark&)>& take) {
+bool readRemarks(std::string_view block, bool lengths, const std::function<bool(const RecordRemark&)>& take) {
     BlockReader reader(block);
     while (!reader.atEnd()) {
         RecordRemark remark;
         remark.kind = reader.word();
         remark.record = reader.signedNumber();
         remark.offset = reader.signedNumber();
+        if (lengths) remark.length = reader.signedNumber();
         remark.product = reader.text();
         remark.column = reader.word();
         remark.text = reader.text();

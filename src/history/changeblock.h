@@ -23,6 +23,7 @@ void writeRemark(BlockWriter& block, const RecordRemark& remark);
 /// Each stops early, and answers false, when `take` does.
 bool readRows(std::string_view block, const std::function<bool(const RowChange&)>& take);
 bool readPlaces(std::string_view block, const std::function<bool(const RecordPlace&)>& take);
-bool readRemarks(std::string_view block, const std::function<bool(const RecordRemark&)>& take);
+/// `lengths`: the remarks have theirs.
+bool readRemarks(std::string_view block, bool lengths, const std::function<bool(const RecordRemark&)>& take);
 
 }  // namespace kolmera

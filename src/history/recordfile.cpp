@@ -95,7 +95,7 @@ void writeHeader(SqliteConnection& connection, const RunHeader& header) {
 
 RunHeader readHeader(SqliteConnection& connection) {
     const std::int64_t version = connection.number("PRAGMA user_version");
-    if (connection.number("PRAGMA application_id") != kRecordApplication || version != kRecordVersion) {
+    if (connection.number("PRAGMA application_id") != kRecordApplication || version < 1 || version > kRecordVersion) {
         throw PlatformError(errors::kNotADatabase, "not the record of a run");
     }
     RunHeader header;

@@ -17,7 +17,8 @@ namespace kolmera {
 
 inline constexpr std::string_view kRecordEnding = ".kmr";
 inline constexpr int kRecordApplication = 0x4B4D5252;
-inline constexpr int kRecordVersion = 1;
+/// Version 1 has no lengths of remarks, and no numbers as decimals (blockbytes.cpp).
+inline constexpr int kRecordVersion = 2;
 
 /// How the record's file in this folder is opened.
 ConnectionOptions recordOptions(const std::filesystem::path& file, bool readOnly);

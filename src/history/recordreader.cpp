@@ -11,6 +11,7 @@ namespace kolmera {
 struct RecordReader::Impl {
     explicit Impl(const std::filesystem::path& file) : connection(file, recordOptions(file, true)) {
         header = readHeader(connection);
+        remarksHaveLengths = connection.number("PRAGMA user_version") > 1;
         header.id = file.stem().string();
     }
 
@@ -33,6 +34,7 @@ struct RecordReader::Impl {
 
     SqliteConnection connection;
     RunHeader header;
+    bool remarksHaveLengths = false;
 };
 
 RecordReader::RecordReader(const std::filesystem::path& file) {
@@ -56,7 +58,7 @@ void RecordReader::forEachChange(const std::function<bool(const RowChange&)>& ta
 
 void RecordReader::forEachRemark(const std::function<bool(const RecordRemark&)>& take) const {
     impl_->forEachBlock("SELECT number, data FROM remark WHERE number > ? ORDER BY number LIMIT 1",
-                        [&](std::string_view block) { return readRemarks(block, take); });
+                        [&](std::string_view block) { return readRemarks(block, impl_->remarksHaveLengths, take); });
 }
 
 void RecordReader::forEachKey(const std::function<bool(std::string_view)>& take) const {
@@ -88,6 +90,12 @@ std::optional<RecordPlace> RecordReader::place(std::int64_t record) const {
             return !found;
         });
     }
+    if (found) return found;
+    forEachRemark([&](const RecordRemark& remark) {
+        if (remark.record == record && remark.offset >= 0 && remark.length >= 0)
+            found = RecordPlace{.record = record, .offset = remark.offset, .length = remark.length};
+        return !found;
+    });
     return found;
 }
 

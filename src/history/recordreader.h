@@ -50,7 +50,8 @@ struct RunHeader {
 struct RecordRemark {
     std::string kind;          ///< a name of kRemarks (import/run/runreport.h)
     std::int64_t record = 0;   ///< record or line, from 1
-    std::int64_t offset = -1;  ///< of the record's first byte in the price file; -1 not known
+    std::int64_t offset = -1;  ///< of the record's first byte in the price file; -1: it stands in another file
+    std::int64_t length = -1;  ///< of the record, in bytes; -1: not known, as in records of the first version
     std::string product, column, text, reason;
 };
 
@@ -76,7 +77,7 @@ class RecordReader {
     void forEachKey(const std::function<bool(std::string_view key)>& take) const;
     /// The copy of the price file, as far as it was read, where `header().priceFile.copied` says that there is one.
     void forEachCopied(const std::function<void(std::string_view)>& take) const;
-    /// Where a record stands that changed rows; nothing when it is not known.
+    /// Where a record stands that changed rows, or that there is a remark about; nothing when it is not known.
     [[nodiscard]] std::optional<RecordPlace> place(std::int64_t record) const;
 
   private:

@@ -17,7 +17,10 @@ constexpr char kEndMark = 0x1A;
 
 // Opening a pipe must not wait for its writer: waiting is `waitForBytes`.
 PriceFile::PriceFile(const std::filesystem::path& file, std::function<bool()> cancelled)
-    : descriptor_(file, O_RDONLY | O_NONBLOCK), cancelled_(std::move(cancelled)), buffer_(kBufferSize) {
+    : PriceFile(Descriptor(file, O_RDONLY | O_NONBLOCK), std::move(cancelled)) {}
+
+PriceFile::PriceFile(Descriptor file, std::function<bool()> cancelled)
+    : descriptor_(std::move(file)), cancelled_(std::move(cancelled)), buffer_(kBufferSize) {
     size_ = descriptor_.size();
 }
 

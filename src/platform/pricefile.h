@@ -28,6 +28,8 @@ struct ReadingCancelled : PlatformError {
 class PriceFile {
   public:
     explicit PriceFile(const std::filesystem::path& file, std::function<bool()> cancelled = {});
+    /// An open file, which is read from where it stands.
+    explicit PriceFile(Descriptor file, std::function<bool()> cancelled = {});
     PriceFile(const PriceFile&) = delete;
     PriceFile& operator=(const PriceFile&) = delete;
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "cli/climachine.h"
@@ -70,6 +71,21 @@ TEST(Demo, AListWithSlippedDecimalsIsStoppedByItsLimits) {
     EXPECT_EQ(prices(), before);
     EXPECT_EQ(machine.runJob("Bruknäs höstlista", {"--force"}), 0) << machine.err();
     EXPECT_GT(prices(), 1.5 * before);
+}
+
+TEST(Demo, RejectsAreWrittenUnlessOverThePriceFile) {
+    DemoMachine machine;
+    const std::string file = machine.file("rejects.txt"), priceFile = machine.data() + "/Prisfiler/FINFO.TXT";
+    EXPECT_EQ(machine.runJob("(FINFO)", {"--rejects", priceFile}), 1);
+    EXPECT_EQ(machine.run({"history", "--data", machine.data(), "--json"}), 0);
+    EXPECT_EQ(machine.out(), "[]\n") << "the job has run all the same";
+    EXPECT_EQ(machine.runJob("(FINFO)", {"--rejects", file}), 3) << machine.err();
+    const std::string rejects = readWholeFile(file);
+    EXPECT_EQ(std::ranges::count(rejects, '\n'), 10) << rejects;
+    EXPECT_EQ(machine.run({"show", "last", "--data", machine.data(), "--rejects", file + "2"}), 0) << machine.err();
+    EXPECT_EQ(readWholeFile(file + "2"), rejects);
+    EXPECT_EQ(machine.runJob("(EIO)", {"--rejects", machine.file("missing/rejects.txt")}), 1)
+        << "rejects that could not be written are passed over in silence";
 }
 
 // Worked out by hand from the settings of the demo company.

@@ -72,9 +72,11 @@ void RecordedRun::failed(const Remarked& remarked, const PlatformError& error) {
 
 void RecordedRun::add(const Remarked& remarked, std::string_view kind, const std::string& reason) {
     if (!record_) return;
+    const bool atHand = remarked.record == place_.record;
     record_->remark({.kind = std::string(kind),
                      .record = remarked.record,
-                     .offset = remarked.record == place_.record ? place_.offset : -1,
+                     .offset = atHand ? place_.offset : -1,
+                     .length = atHand ? place_.length : -1,
                      .product = std::string(remarked.product),
                      .column = std::string(remarked.column),
                      .text = std::string(remarked.text),

@@ -8,6 +8,48 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+char letter(const Json& json, const char* name) {
+    const auto text = json.at(name).get<std::string>();
+    return text.empty() ? '\0' : text.front();
+}
+
+Job jobOf(const Json& json) {
+    return {.number = json.at("number"),
+            .name = json.at("name"),
+            .priceFile = json.at("priceFile"),
+            .mask = json.at("mask"),
+            .company = json.at("company"),
+            .supplier = json.at("supplier"),
+            .command = json.at("command"),
+            .kind = json.at("kind"),
+            .fromGroup = json.at("fromGroup"),
+            .toGroup = json.at("toGroup"),
+            .heading1 = json.at("heading1"),
+            .heading2 = json.at("heading2")};
+}
+
+WholeMask maskOf(const Json& json) {
+    WholeMask whole;
+    whole.mask = {.number = json.at("number"),
+                  .Namn = json.at("Namn"),
+                  .FilTyp = letter(json, "FilTyp"),
+                  .Tecken = letter(json, "Tecken"),
+                  .SkapaNya = letter(json, "SkapaNya"),
+                  .UppdatLev = letter(json, "UppdatLev"),
+                  .AntalRader = json.at("AntalRader"),
+                  .Postlängd = json.at("Postlängd"),
+                  .AntalKolumner = json.at("AntalKolumner")};
+    for (const Json& relation : json.at("relations")) {
+        whole.relations.push_back({.Källa = relation.at("Källa"),
+                                   .Mål = relation.at("Mål"),
+                                   .FrånPos = relation.at("FrånPos"),
+                                   .Längd = relation.at("Längd"),
+                                   .TypKod = letter(relation, "TypKod"),
+                                   .Division = letter(relation, "Division")});
+    }
+    return whole;
+}
+
 Json jobJson(const Job& job) {
     return {{"number", job.number},   {"name", job.name},         {"priceFile", job.priceFile},
             {"mask", job.mask},       {"company", job.company},   {"supplier", job.supplier},
@@ -72,6 +114,24 @@ std::string definitionText(const RunDefinition& definition) {
                                      {"mainSupplier", coupling.mainSupplier}});
     }
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::optional<RunDefinition> definitionOf(const std::string& text) {
+    try {
+        const Json json = Json::parse(text);
+        RunDefinition definition{.job = jobOf(json.at("job"))};
+        if (json.contains("mask")) definition.mask = maskOf(json.at("mask"));
+        if (!json.contains("couplings")) return definition;
+        for (const Json& coupling : json.at("couplings")) {
+            definition.couplings.push_back({.job = coupling.at("job"),
+                                            .code = coupling.at("code"),
+                                            .supplier = coupling.at("supplier"),
+                                            .mainSupplier = coupling.at("mainSupplier")});
+        }
+        return definition;
+    } catch (const Json::exception&) {
+        return std::nullopt;
+    }
 }
 
 }  // namespace kolmera

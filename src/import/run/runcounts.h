@@ -25,5 +25,7 @@ struct RunDefinition {
 /// JSON: "job", "mask" with "relations", "couplings"; the members are the fields of `Job`, `Mask`, `Relation` and
 /// `Coupling` by name.
 std::string definitionText(const RunDefinition& definition);
+/// What such a text says; nothing for any other text.
+std::optional<RunDefinition> definitionOf(const std::string& text);
 
 }  // namespace kolmera

@@ -22,6 +22,11 @@ static_assert(inOrder());
 
 }  // namespace
 
+bool rejectsRecord(std::string_view kind) {
+    return kind == kFailedStatement ||
+           std::ranges::any_of(kRemarks, [&](const RemarkKind& row) { return row.rejects && row.name == kind; });
+}
+
 void RunReport::remark(Remark remark, std::string_view column, std::string_view text) {
     const auto row = static_cast<std::size_t>(remark);
     if (listener_ != nullptr)

@@ -34,23 +34,30 @@ struct RemarkKind {
     ModuleKey text;
     bool asItStands;  ///< the file was taken as it stands: nothing to look into
     bool skips;       ///< the record wrote nothing
+    bool rejects;     ///< the record may have to be corrected: it belongs in a file of rejected records
 };
 
-/// One row a remark, in their order.
+/// One row a remark, in their order. What the job leaves out by its product groups is no reject, and neither is a line that nobody reads.
 inline constexpr RemarkKind kRemarks[] = {
-    {Remark::NotNumber, "not_numbers", text::remark::kNotNumbers, false, false},
-    {Remark::MissingPrice, "missing_prices", text::remark::kMissingPrices, false, false},
-    {Remark::UnevenRecord, "uneven_records", text::remark::kUnevenRecords, false, false},
-    {Remark::DamagedPrice, "damaged_prices", text::remark::kDamagedPrices, false, true},
-    {Remark::DamagedQuantity, "damaged_quantities", text::remark::kDamagedQuantities, false, false},
-    {Remark::NotSaved, "not_saved", text::remark::kNotSaved, false, true},
-    {Remark::EmptyKey, "empty_keys", text::remark::kEmptyKeys, true, false},
-    {Remark::UncoupledCode, "uncoupled_codes", text::remark::kUncoupledCodes, true, true},
-    {Remark::OutsideGroups, "outside_groups", text::remark::kOutsideGroups, true, true},
-    {Remark::NoProduct, "no_product", text::remark::kNoProduct, true, true},
-    {Remark::NoKey, "no_key", text::remark::kNoKey, true, true},
-    {Remark::OtherLine, "other_lines", text::remark::kOtherLines, true, true},
+    {Remark::NotNumber, "not_numbers", text::remark::kNotNumbers, false, false, true},
+    {Remark::MissingPrice, "missing_prices", text::remark::kMissingPrices, false, false, true},
+    {Remark::UnevenRecord, "uneven_records", text::remark::kUnevenRecords, false, false, true},
+    {Remark::DamagedPrice, "damaged_prices", text::remark::kDamagedPrices, false, true, true},
+    {Remark::DamagedQuantity, "damaged_quantities", text::remark::kDamagedQuantities, false, false, true},
+    {Remark::NotSaved, "not_saved", text::remark::kNotSaved, false, true, true},
+    {Remark::EmptyKey, "empty_keys", text::remark::kEmptyKeys, true, false, false},
+    {Remark::UncoupledCode, "uncoupled_codes", text::remark::kUncoupledCodes, true, true, true},
+    {Remark::OutsideGroups, "outside_groups", text::remark::kOutsideGroups, true, true, false},
+    {Remark::NoProduct, "no_product", text::remark::kNoProduct, true, true, true},
+    {Remark::NoKey, "no_key", text::remark::kNoKey, true, true, true},
+    {Remark::OtherLine, "other_lines", text::remark::kOtherLines, true, true, false},
 };
+
+/// The kind of a statement that the database refused; its name is in `column`.
+inline constexpr std::string_view kFailedStatement = "failed_statements";
+
+/// Whether a remark of this kind makes its record a reject.
+bool rejectsRecord(std::string_view kind);
 
 /// Something that a report is told, as it is told.
 struct Remarked {
@@ -58,9 +65,6 @@ struct Remarked {
     std::int64_t record = 0;
     std::string_view product, column, text;  ///< whole, as they stand in the file
 };
-
-/// The kind of a statement that the database refused; its name is in `column`.
-inline constexpr std::string_view kFailedStatement = "failed_statements";
 
 /// Hears all that a report is told, of which the report keeps only the first.
 class RemarkListener {

@@ -4,12 +4,8 @@
 #include "platform/digits.h"
 
 namespace kolmera {
-namespace {
 
-/// The first column as a number; a line without a digit there has type 0.
 int recordType(std::string_view line) { return !line.empty() && isDigit(line.front()) ? line.front() - '0' : 0; }
-
-}  // namespace
 
 LineUse EioRsk::takeLine(std::string_view line) {
     switch (recordType(line)) {

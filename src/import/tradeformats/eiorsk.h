@@ -15,6 +15,10 @@ struct PriceLineLayout {
     Columns supplierCode, price, discountCode;
 };
 
+/// The first column of a line as a number; a line without a digit there has type 0. 0 is a header, 1 an article, 2 a
+/// price.
+int recordType(std::string_view line);
+
 /// What EIO and RSK share. The first column of a line is its record type: 1 is an article, 2 one supplier's price for
 /// the article before it. Prices reach the product from the main supplier's lines only, the supplier price list from
 /// every coupled supplier's.
