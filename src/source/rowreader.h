@@ -12,7 +12,7 @@ namespace kolmera {
 /// columns without the blanks at both ends. A workbook knows what its cells are, and they come in one spelling,
 /// whatever the format or the language of the sheet shows:
 ///   Number  "-1234.5": decimal point, no thousands sign, no exponent, the 15 digits that a sheet shows at most;
-///           a whole number whose format is only zeros ("00000") has its leading zeros: "00123"
+///           (a whole number whose format is only zeros, "00000", is the Text "00123")
 ///   Date    "2026-11-23", without the time of day
 ///   Truth   "1" or "0"
 /// An empty cell is an empty text; so is an error value ("#N/A"), which is counted.
@@ -38,11 +38,10 @@ struct SourceRemarks {
             if (count++ == 0) firstRow = row;
         }
     };
-    Remark malformed;     ///< bytes or halves that are no character; U+FFFD stands for each
-    Remark strayQuotes;   ///< quotes in a quoted cell that should have been doubled; taken as they stand
-    Remark lineBreaks;    ///< cells with line breaks in them
-    Remark errorValues;   ///< cells with "#N/A" and its like; taken as empty
-    Remark repeatedRows;  ///< rows of a sheet that are left out because they repeat an empty one
+    Remark malformed;    ///< bytes or halves that are no character; U+FFFD stands for each
+    Remark strayQuotes;  ///< quotes in a quoted cell that should have been doubled; taken as they stand
+    Remark lineBreaks;   ///< cells with line breaks in them
+    Remark errorValues;  ///< cells with "#N/A" and its like; taken as empty
 };
 
 /// Gives the rows of a price file one after the other, the headings and what stands above them too, in memory that does

@@ -46,8 +46,8 @@ struct CloseEntry {
 
 class EntryStream final : public ByteStream {
   public:
-    EntryStream(zip_file_t* entry, const zip_stat_t& status, std::uint64_t most)
-        : entry_(entry), packed_(status.comp_size), size_(status.size), most_(most) {}
+    EntryStream(zip_file_t* entry, const zip_stat_t& status, std::uint64_t most, const PlatformError& tooLarge)
+        : entry_(entry), packed_(status.comp_size), size_(status.size), most_(most), tooLarge_(tooLarge) {}
 
     std::size_t read(char* bytes, std::size_t count) override {
         const zip_int64_t got = zip_fread(entry_.get(), bytes, count);
@@ -55,7 +55,7 @@ class EntryStream final : public ByteStream {
         total_ += static_cast<std::uint64_t>(got);
         // The sizes that the file declares are not believed: what comes out is counted.
         if (total_ > most_ || (total_ > kSmallUnpacked && total_ / kMostUnpackedRatio > packed_)) {
-            throw PlatformError(errors::kUnpacksTooLarge, "A packed file is too large.");
+            throw PlatformError(tooLarge_);
         }
         return static_cast<std::size_t>(got);
     }
@@ -68,6 +68,7 @@ class EntryStream final : public ByteStream {
     std::uint64_t packed_;
     std::uint64_t size_;
     std::uint64_t most_;
+    PlatformError tooLarge_;
     std::uint64_t total_ = 0;
 };
 
@@ -112,30 +113,31 @@ std::uint64_t Archive::existing(const std::string& name) const {
     throw PlatformError(errors::kUnreadableSpreadsheet, "The workbook lacks its part " + name + ".");
 }
 
-std::unique_ptr<ByteStream> Archive::open(const std::string& name, std::uint64_t most) const {
+std::unique_ptr<ByteStream> Archive::openEntry(const std::string& name, std::uint64_t most,
+                                               const PlatformError& tooLarge) const {
     const std::uint64_t index = existing(name);
     zip_stat_t status;
     if (zip_stat_index(zip_.get(), index, 0, &status) != 0) throwZipError(zip_get_error(zip_.get()));
     zip_file_t* entry = zip_fopen_index(zip_.get(), index, 0);
     if (!entry) throwZipError(zip_get_error(zip_.get()));
-    return std::make_unique<EntryStream>(entry, status, most);
+    return std::make_unique<EntryStream>(entry, status, most, tooLarge);
+}
+
+std::unique_ptr<ByteStream> Archive::open(const std::string& name, std::uint64_t most) const {
+    return openEntry(name, most, PlatformError(errors::kUnpacksTooLarge, "A packed file is too large."));
+}
+
+std::unique_ptr<ByteStream> Archive::openPart(const std::string& name, std::uint64_t most) const {
+    return openEntry(
+        name, most,
+        PlatformError(errors::kUnreadableSpreadsheet, "The part " + name + " of the workbook is too large."));
 }
 
 void Archive::stream(const std::string& name, std::uint64_t most,
                      const std::function<void(std::string_view)>& sink) const {
-    const std::unique_ptr<ByteStream> entry = open(name, most);
+    const std::unique_ptr<ByteStream> entry = openPart(name, most);
     std::string buffer(std::size_t{64} << 10, '\0');
-    for (;;) {
-        const std::size_t got = [&] {
-            try {
-                return entry->read(buffer.data(), buffer.size());
-            } catch (const PlatformError& error) {
-                if (error.number() != errors::kUnpacksTooLarge) throw;
-                throw PlatformError(errors::kUnreadableSpreadsheet,
-                                    "The part " + name + " of the workbook is too large.");
-            }
-        }();
-        if (got == 0) return;
+    while (const std::size_t got = entry->read(buffer.data(), buffer.size())) {
         sink(std::string_view(buffer).substr(0, got));
     }
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/bytestream.h"
+#include "platform/error.h"
 
 struct zip;
 struct zip_source;
@@ -37,8 +38,9 @@ class Archive {
     /// The unpacked bytes of an entry; the archive has to outlive them. Reading throws kUnpacksTooLarge above `most`
     /// bytes, or where it is packed so tightly that only a trap can be (kMostUnpackedRatio).
     [[nodiscard]] std::unique_ptr<ByteStream> open(const std::string& name, std::uint64_t most) const;
-    /// Hands the unpacked bytes of a workbook's part to `sink`, piece by piece. One that is missing or unpacks too
-    /// large is a kUnreadableSpreadsheet.
+    /// The same of a workbook's part: one that is missing or unpacks too large is a kUnreadableSpreadsheet.
+    [[nodiscard]] std::unique_ptr<ByteStream> openPart(const std::string& name, std::uint64_t most) const;
+    /// Hands the bytes of a workbook's part to `sink`, piece by piece.
     void stream(const std::string& name, std::uint64_t most, const std::function<void(std::string_view)>& sink) const;
     [[nodiscard]] std::string bytes(const std::string& name, std::uint64_t most) const;
 
@@ -50,6 +52,8 @@ class Archive {
     void save();
 
   private:
+    [[nodiscard]] std::unique_ptr<ByteStream> openEntry(const std::string& name, std::uint64_t most,
+                                                        const PlatformError& tooLarge) const;
     [[nodiscard]] std::uint64_t existing(const std::string& name) const;
     void putBytes(const std::string& name, std::string bytes, bool isNew);
     void put(const std::string& name, zip_source* source, bool isNew);

@@ -92,6 +92,14 @@ std::string BiffRecords::text() {
     return text;
 }
 
+std::string BiffRecords::shortText() {
+    const std::size_t count = byte();
+    const bool isWide = (byte() & 1) != 0;
+    std::string text;
+    appendCharacters(count, isWide, text);
+    return text;
+}
+
 void BiffRecords::appendCharacters(std::size_t count, bool isWide, std::string& text) {
     char32_t high = 0;
     for (; count > 0; --count) {

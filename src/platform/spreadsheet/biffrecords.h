@@ -31,6 +31,8 @@ class BiffRecords {
 
     /// A text: its length in UTF-16 units (two bytes), flags, characters, and what belongs to formatting.
     std::string text();
+    /// A text whose length has one byte and that has no formatting: the name of a sheet.
+    std::string shortText();
 
   private:
     std::uint64_t number(std::size_t width);

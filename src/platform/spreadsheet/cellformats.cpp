@@ -1,5 +1,7 @@
 #include "platform/spreadsheet/cellformats.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -79,11 +81,26 @@ Value dateOfSerial(double serial, bool startsIn1904) {
     return Date{static_cast<std::int32_t>(day)};
 }
 
-void CellFormats::define(int numberFormat, std::string_view text) { defined_[numberFormat] = isDateFormat(text); }
+void CellFormats::define(int numberFormat, std::string_view text) {
+    constexpr std::size_t kMostZeros = 15;
+    const bool onlyZeros = text.size() > 1 && text.size() <= kMostZeros && text.find_first_not_of('0') == text.npos;
+    defined_[numberFormat] = {isDateFormat(text), static_cast<std::uint8_t>(onlyZeros ? text.size() : 0)};
+}
 
 void CellFormats::add(int numberFormat) {
     const auto own = defined_.find(numberFormat);
-    dates_.push_back(own == defined_.end() ? isBuiltInDate(numberFormat) : own->second);
+    const Format format = own == defined_.end() ? Format{isBuiltInDate(numberFormat), 0} : own->second;
+    dates_.push_back(format.isDate);
+    zeros_.push_back(format.zeros);
+}
+
+Value CellFormats::valueOf(double number, std::size_t format, bool startsIn1904, bool leadingZeros) const {
+    constexpr double kMostExact = 1e15;
+    if (!std::isfinite(number)) return Null();
+    if (isDate(format)) return dateOfSerial(number, startsIn1904);
+    const std::size_t digits = leadingZeros ? zeros(format) : 0;
+    if (digits == 0 || number < 0 || number >= kMostExact || number != std::floor(number)) return number;
+    return fmt::format("{:0{}}", static_cast<std::int64_t>(number), digits);
 }
 
 CellFormats CellFormats::of(const Archive& archive, const std::string& part) {

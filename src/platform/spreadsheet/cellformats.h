@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
@@ -27,6 +28,13 @@ class CellFormats {
     /// Of the format with this number ("s" of a cell); a number that no format has is no date.
     [[nodiscard]] bool isDate(std::size_t number) const { return number < dates_.size() && dates_[number]; }
 
+    /// How many digits a format of zeros alone ("00000") shows at least; 0 for every other format.
+    [[nodiscard]] std::size_t zeros(std::size_t number) const { return number < zeros_.size() ? zeros_[number] : 0U; }
+
+    /// What a sheet shows for a number: a date, the text of a whole number with its leading zeros (where they are asked
+    /// for), Null for what is not finite, or the number.
+    [[nodiscard]] Value valueOf(double number, std::size_t format, bool startsIn1904, bool leadingZeros) const;
+
     /// Gives a number format its text. The formats below 164 have one without it.
     void define(int numberFormat, std::string_view text);
     /// Adds the next format of cells.
@@ -34,7 +42,12 @@ class CellFormats {
 
   private:
     std::vector<bool> dates_;
-    std::map<int, bool> defined_;
+    std::vector<std::uint8_t> zeros_;
+    struct Format {
+        bool isDate;
+        std::uint8_t zeros;
+    };
+    std::map<int, Format> defined_;
 };
 
 }  // namespace kolmera

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/error.h"
 
@@ -75,7 +76,9 @@ std::uint64_t littleEndian(std::string_view bytes, std::size_t offset, std::size
     return number;
 }
 
-CompoundFile::CompoundFile(const std::filesystem::path& file) : file_(file, O_RDONLY) {
+CompoundFile::CompoundFile(const std::filesystem::path& file) : CompoundFile(Descriptor(file, O_RDONLY)) {}
+
+CompoundFile::CompoundFile(Descriptor file) : file_(std::move(file)) {
     std::string header(kHeaderSize, '\0');
     if (file_.readAt(0, header.data(), header.size()) != header.size()) refuse();
     const std::uint64_t shift = valueOf(header, kSectorShift);

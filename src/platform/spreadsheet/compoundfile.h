@@ -31,6 +31,9 @@ class CompoundFile {
     };
 
     explicit CompoundFile(const std::filesystem::path& file);
+    explicit CompoundFile(Descriptor file);
+    CompoundFile(const CompoundFile&) = delete;  // its streams point to it
+    CompoundFile& operator=(const CompoundFile&) = delete;
 
     /// The stream of a name (ASCII, exact), in whatever folder; nothing when there is none.
     [[nodiscard]] std::optional<Stream> stream(std::string_view name) const;

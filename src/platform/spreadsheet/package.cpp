@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "platform/error.h"
+#include "platform/lettercase.h"
 #include "platform/spreadsheet/xmlpart.h"
 
 namespace kolmera {
@@ -65,16 +66,16 @@ class WorkbookPart final : public XmlHandler {
         } else if (name == "fileSharing") {
             package_.isLocked |= !attributes["reservationPassword"].empty() || !attributes["hashValue"].empty();
         } else if (name == "sheet") {
-            addSheet(std::string(attributes["name"]), attributes["id"]);
+            addSheet(std::string(attributes["name"]), attributes["id"], attributes["state"].ends_with("idden"));
         }
     }
 
   private:
-    void addSheet(std::string name, std::string_view id) {
+    void addSheet(std::string name, std::string_view id, bool isHidden) {
         const auto found = std::ranges::find(package_.relationships, id, &Relationship::id);
         if (found == package_.relationships.end())
             refuse("The workbook does not tell where its sheet " + name + " is.");
-        package_.sheets.push_back({std::move(name), found->target, found->type == "worksheet"});
+        package_.sheets.push_back({std::move(name), found->target, found->type == "worksheet", isHidden});
     }
 
     Package& package_;
@@ -103,6 +104,14 @@ Package Package::of(const Archive& archive) {
 const Package::Sheet& Package::firstWorksheet() const {
     const auto found = std::ranges::find(sheets, true, &Sheet::isWorksheet);
     if (found == sheets.end()) refuse("The workbook has no sheets.");
+    return *found;
+}
+
+const Package::Sheet& Package::worksheet(const std::string& name) const {
+    if (name.empty()) return firstWorksheet();
+    const auto found = std::ranges::find_if(
+        sheets, [&](const Sheet& sheet) { return sheet.isWorksheet && equalNoCase(sheet.name, name); });
+    if (found == sheets.end()) throw PlatformError(errors::kNoSuchSheet, "not in the workbook").about(name);
     return *found;
 }
 

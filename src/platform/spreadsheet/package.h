@@ -23,6 +23,7 @@ struct Package {
         std::string name;
         std::string part;
         bool isWorksheet;  ///< not a chart or a macro sheet
+        bool isHidden;
     };
     std::vector<Sheet> sheets;  ///< in the workbook's order
     bool startsIn1904 = false;
@@ -35,6 +36,8 @@ struct Package {
 
     /// The first worksheet; throws kUnreadableSpreadsheet when there is none.
     [[nodiscard]] const Sheet& firstWorksheet() const;
+    /// The worksheet of this name, without regard to letter case; the first one for an empty name. Throws kNoSuchSheet.
+    [[nodiscard]] const Sheet& worksheet(const std::string& name) const;
     /// The part of a type ("styles") that the workbook points to; empty when there is none.
     [[nodiscard]] std::string partOfType(std::string_view type) const;
 };

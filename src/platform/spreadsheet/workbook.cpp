@@ -1,28 +1,38 @@
 #include "platform/spreadsheet/workbook.h"
 
+#include <fcntl.h>
+
 #include "platform/error.h"
 #include "platform/spreadsheet/filekind.h"
-#include "platform/spreadsheet/xlsreader.h"
-#include "platform/spreadsheet/xlsxreader.h"
+#include "platform/spreadsheet/sheetrows.h"
 
 namespace kolmera {
+namespace {
 
-void readFirstSheet(const std::filesystem::path& file, std::size_t columns,
-                    const std::function<void(std::span<const Value> row)>& row) {
-    bool isNames = true;
-    const auto dataRow = [&isNames, &row](std::span<const Value> cells) {
-        if (!isNames) row(cells);
-        isNames = false;
-    };
+std::unique_ptr<SheetRows> openSheet(const std::filesystem::path& file, const SheetChoice& choice) {
     switch (kindOf(file)) {
         case FileKind::Xlsx:
-            return readXlsxRows(file, columns, dataRow);
+            return openXlsx(Descriptor(file, O_RDONLY), choice);
         case FileKind::Xls:
-            return readXlsRows(file, columns, dataRow);
+            return openXls(Descriptor(file, O_RDONLY), choice);
         case FileKind::Encrypted:
             throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
         case FileKind::Other:
-            throw PlatformError(errors::kUnreadableSpreadsheet, "The file is not a workbook.");
+            break;
+    }
+    throw PlatformError(errors::kUnreadableSpreadsheet, "The file is not a workbook.");
+}
+
+}  // namespace
+
+void readFirstSheet(const std::filesystem::path& file, std::size_t columns,
+                    const std::function<void(std::span<const Value> row)>& row) {
+    SheetChoice choice;
+    choice.columns = columns;
+    const std::unique_ptr<SheetRows> rows = openSheet(file, choice);
+    SheetRow cells;
+    for (bool isNames = true; rows->next(cells); isNames = false) {
+        if (!isNames) row(cells.values);
     }
 }
 

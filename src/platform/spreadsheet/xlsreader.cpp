@@ -1,8 +1,5 @@
-#include "platform/spreadsheet/xlsreader.h"
-
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -11,10 +8,12 @@
 #include <vector>
 
 #include "platform/error.h"
+#include "platform/lettercase.h"
 #include "platform/spreadsheet/biffrecords.h"
 #include "platform/spreadsheet/cellformats.h"
 #include "platform/spreadsheet/compoundfile.h"
 #include "platform/spreadsheet/sharedstrings.h"
+#include "platform/spreadsheet/sheetrows.h"
 
 namespace kolmera {
 
@@ -54,17 +53,28 @@ double expanded(std::uint32_t bits) {
     return (bits & 1) != 0 ? number / 100 : number;
 }
 
-/// What stands in front of the sheets: texts, formats, and where the first worksheet is.
+/// What stands in front of the sheets: texts, formats, and where the worksheets are.
 class Globals {
   public:
     explicit Globals(BiffRecords& records) {
         if (!records.next() || records.kind() != kBegin) refuse("The file is not a workbook.");
         if (records.word() != kVersion8) refuse("Workbooks from before 1997 cannot be read.");
         while (records.next() && records.kind() != kEnd) read(records);
-        if (!firstSheet_) refuse("The workbook has no sheets.");
+        if (sheets_.empty()) refuse("The workbook has no sheets.");
     }
 
-    [[nodiscard]] std::uint64_t firstSheet() const { return *firstSheet_; }
+    struct Sheet {
+        SheetName name;
+        std::uint64_t position;
+    };
+    [[nodiscard]] const std::vector<Sheet>& sheets() const { return sheets_; }
+    /// Where the sheet of this name begins, the first one for an empty name.
+    [[nodiscard]] std::uint64_t positionOf(const std::string& name) const {
+        for (const Sheet& sheet : sheets_) {
+            if (name.empty() || equalNoCase(sheet.name.name, name)) return sheet.position;
+        }
+        throw PlatformError(errors::kNoSuchSheet, "not in the workbook").about(name);
+    }
 
     [[nodiscard]] Value sharedText(std::size_t number) const { return std::string(*texts_.text(number)); }
     /// Whether a shared text has characters; it has to be there.
@@ -74,9 +84,8 @@ class Globals {
         return !text->empty();
     }
 
-    [[nodiscard]] Value number(double number, std::size_t format) const {
-        if (!std::isfinite(number)) return Null();
-        return formats_.isDate(format) ? dateOfSerial(number, startsIn1904_) : Value(number);
+    [[nodiscard]] Value number(double number, std::size_t format, bool leadingZeros) const {
+        return formats_.valueOf(number, format, startsIn1904_, leadingZeros);
     }
 
   private:
@@ -109,9 +118,9 @@ class Globals {
 
     void readSheetEntry(BiffRecords& records) {
         const std::uint32_t position = records.doubleWord();
-        records.skip(1);  // whether it is hidden
+        const bool isHidden = records.byte() != 0;
         const bool isWorksheet = records.byte() == 0;
-        if (isWorksheet && !firstSheet_) firstSheet_ = position;
+        if (isWorksheet) sheets_.push_back({{records.shortText(), isHidden}, position});
     }
 
     void readTexts(BiffRecords& records) {
@@ -119,7 +128,7 @@ class Globals {
         for (std::uint32_t left = records.doubleWord(); left > 0; --left) texts_.add(records.text());
     }
 
-    std::optional<std::uint64_t> firstSheet_;
+    std::vector<Sheet> sheets_;
     SharedStrings texts_;
     CellFormats formats_;
     bool startsIn1904_ = false;
@@ -138,9 +147,9 @@ struct Cell {
 /// Collects the cells of a sheet.
 class SheetCells {
   public:
-    SheetCells(BiffRecords& records, const Globals& globals, std::size_t columns)
-        : records_(records), globals_(globals), columns_(columns) {
-        records.seek(globals.firstSheet());
+    SheetCells(BiffRecords& records, const Globals& globals, const SheetChoice& choice)
+        : records_(records), globals_(globals), columns_(choice.columns), leadingZeros_(choice.leadingZeros) {
+        records.seek(globals.positionOf(choice.name));
         if (!records.next() || records.kind() != kBegin) refuse("The workbook is damaged.");
         // Charts in the sheet have a beginning and an end of their own.
         for (int depth = 1; depth > 0 && records.next();) {
@@ -155,6 +164,10 @@ class SheetCells {
     }
 
     [[nodiscard]] const std::vector<Cell>& cells() const { return cells_; }
+    [[nodiscard]] std::uint64_t errorValues(std::uint16_t row) const {
+        const auto found = errorValues_.find(row);
+        return found == errorValues_.end() ? 0 : found->second;
+    }
 
     [[nodiscard]] Value valueOf(const Cell& cell) const {
         const auto* shared = std::get_if<SharedText>(&cell.value);
@@ -165,10 +178,12 @@ class SheetCells {
     void read() {
         switch (records_.kind()) {
             case kNumber:
-                return readCell([this](std::size_t format) { return globals_.number(records_.real(), format); });
-            case kShortNumber:
                 return readCell(
-                    [this](std::size_t format) { return globals_.number(expanded(records_.doubleWord()), format); });
+                    [this](std::size_t format) { return globals_.number(records_.real(), format, leadingZeros_); });
+            case kShortNumber:
+                return readCell([this](std::size_t format) {
+                    return globals_.number(expanded(records_.doubleWord()), format, leadingZeros_);
+                });
             case kManyNumbers:
                 return readManyNumbers();
             case kSharedLabel:
@@ -179,7 +194,9 @@ class SheetCells {
             case kTruthOrError:
                 return readCell([this](std::size_t) {
                     const bool truth = records_.byte() != 0;
-                    return records_.byte() == 0 ? Value(truth) : Value();
+                    if (records_.byte() == 0) return Value(truth);
+                    ++errorValues_[row_];
+                    return Value();
                 });
             case kFormula:
                 return readCell([this](std::size_t format) { return formulaValue(format); });
@@ -213,7 +230,7 @@ class SheetCells {
         const std::uint16_t row = records_.word();
         for (std::uint16_t column = records_.word(); records_.left() >= kPair; ++column) {
             const std::size_t format = records_.word();
-            add(row, column, globals_.number(expanded(records_.doubleWord()), format));
+            add(row, column, globals_.number(expanded(records_.doubleWord()), format, leadingZeros_));
         }
     }
 
@@ -221,10 +238,12 @@ class SheetCells {
     Value formulaValue(std::size_t format) {
         const double number = records_.real();
         const auto bits = std::bit_cast<std::uint64_t>(number);
-        if (bits >> 48 != 0xFFFF) return globals_.number(number, format);
+        if (bits >> 48 != 0xFFFF) return globals_.number(number, format, leadingZeros_);
         constexpr std::uint8_t kText = 0;
         constexpr std::uint8_t kTruth = 1;
         const auto kind = static_cast<std::uint8_t>(bits);
+        constexpr std::uint8_t kError = 2;
+        if (kind == kError) ++errorValues_[row_];
         if (kind == kText) waiting_ = Cell{row_, column_, Null()};
         return kind == kTruth ? Value((bits >> 16 & 0xFF) != 0) : Value();
     }
@@ -245,33 +264,75 @@ class SheetCells {
     BiffRecords& records_;
     const Globals& globals_;
     const std::size_t columns_;
+    const bool leadingZeros_;
     std::vector<Cell> cells_;
+    std::map<std::uint16_t, std::uint64_t> errorValues_;  ///< by row
     std::uint16_t row_ = 0;
     std::uint16_t column_ = 0;
     std::optional<Cell> waiting_;  ///< the cell of a formula whose text has not come yet
 };
 
-}  // namespace
-
-void readXlsRows(const std::filesystem::path& file, std::size_t columns,
-                 const std::function<void(std::span<const Value> row)>& row) {
-    const CompoundFile compound(file);
+BiffRecords workbookOf(const CompoundFile& compound) {
     auto stream = compound.stream("Workbook");
     if (!stream && compound.stream("Book")) refuse("Workbooks from before 1997 cannot be read.");
     if (!stream) refuse("The file is not a workbook.");
-    BiffRecords records(std::move(*stream));
-    const Globals globals(records);
-    const SheetCells sheet(records, globals, columns);
+    return BiffRecords(std::move(*stream));
+}
 
-    std::vector<Value> values;
-    const std::vector<Cell>& cells = sheet.cells();
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        values.resize(cells[i].column + std::size_t{1});
-        values.back() = sheet.valueOf(cells[i]);
-        if (i + 1 < cells.size() && cells[i + 1].row == cells[i].row) continue;
-        row(values);
-        values.clear();
+class XlsRows final : public SheetRows {
+  public:
+    XlsRows(Descriptor file, const SheetChoice& choice)
+        : compound_(std::move(file)),
+          records_(workbookOf(compound_)),
+          globals_(records_),
+          sheet_(records_, globals_, choice),
+          rowBytes_(choice.rowBytes) {}
+
+    bool next(SheetRow& row) override {
+        const std::vector<Cell>& cells = sheet_.cells();
+        if (at_ == cells.size()) return false;
+        const std::uint16_t number = cells[at_].row;
+        row.number = number + std::uint64_t{1};
+        row.values.clear();
+        row.errorValues = sheet_.errorValues(number);
+        std::size_t bytes = 0;
+        for (; at_ < cells.size() && cells[at_].row == number; ++at_) {
+            row.values.resize(cells[at_].column + std::size_t{1});
+            row.values.back() = sheet_.valueOf(cells[at_]);
+            bytes += textOf(row.values.back()).size();
+            if (bytes > rowBytes_) {
+                throw PlatformError(errors::kRowTooLong, "a row is too long").about(std::to_string(row.number));
+            }
+        }
+        return true;
     }
+    [[nodiscard]] double progress() const override {
+        const std::size_t all = sheet_.cells().size();
+        return all == 0 ? 1 : static_cast<double>(at_) / static_cast<double>(all);
+    }
+
+  private:
+    CompoundFile compound_;
+    BiffRecords records_;
+    Globals globals_;
+    SheetCells sheet_;
+    std::size_t rowBytes_;
+    std::size_t at_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<SheetRows> openXls(Descriptor file, const SheetChoice& choice) {
+    return std::make_unique<XlsRows>(std::move(file), choice);
+}
+
+std::vector<SheetName> xlsSheets(Descriptor file) {
+    const CompoundFile compound(std::move(file));
+    BiffRecords records = workbookOf(compound);
+    const Globals globals(records);
+    std::vector<SheetName> names;
+    for (const auto& sheet : globals.sheets()) names.push_back(sheet.name);
+    return names;
 }
 
 }  // namespace kolmera

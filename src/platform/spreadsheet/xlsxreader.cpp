@@ -1,7 +1,6 @@
-#include "platform/spreadsheet/xlsxreader.h"
 
 #include <charconv>
-#include <cmath>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "platform/spreadsheet/package.h"
 #include "platform/spreadsheet/richtext.h"
 #include "platform/spreadsheet/sharedstrings.h"
+#include "platform/spreadsheet/sheetrows.h"
 #include "platform/spreadsheet/xmlpart.h"
 
 namespace kolmera {
@@ -47,24 +47,25 @@ Value textOrNull(std::string_view text) {
     return unescapedCellText(text);
 }
 
-/// The cells of a sheet, row by row.
+/// The cells of a sheet; `rowEnded` is called when a row is whole.
 class SheetPart final : public XmlHandler {
   public:
-    SheetPart(const SharedStrings& strings, const CellFormats& formats, bool startsIn1904, std::size_t columns,
-              const std::function<void(std::span<const Value> row)>& row)
-        : strings_(strings), formats_(formats), startsIn1904_(startsIn1904), columns_(columns), row_(row) {}
+    SheetPart(const SharedStrings& strings, const CellFormats& formats, bool startsIn1904, const SheetChoice& choice)
+        : strings_(strings), formats_(formats), startsIn1904_(startsIn1904), choice_(choice) {}
+
+    std::function<void()> rowEnded;
+    SheetRow row;
 
     void start(std::string_view name, const XmlAttributes& attributes) override {
-        if (name == "sheetData") inData_ = true;
-        if (!inData_) return;
-        if (name == "row") {
-            cells_.clear();
-            nextColumn_ = 0;
-        } else if (name == "c") {
+        if (name == "c" && inData_) {
             startCell(attributes);
         } else if (name == "v") {
-            inValue_ = true;
-        } else {
+            inValue_ = inData_;
+        } else if (name == "row" && inData_) {
+            startRow(attributes);
+        } else if (name == "sheetData") {
+            inData_ = true;
+        } else if (inData_) {
             inlineText_.start(name);
         }
     }
@@ -73,7 +74,7 @@ class SheetPart final : public XmlHandler {
         if (name == "sheetData") inData_ = false;
         if (!inData_) return;
         if (name == "row") {
-            if (!cells_.empty()) row_(cells_);
+            if (!row.values.empty()) rowEnded();
         } else if (name == "c") {
             setCell();
         } else if (name == "v") {
@@ -93,6 +94,14 @@ class SheetPart final : public XmlHandler {
     }
 
   private:
+    void startRow(const XmlAttributes& attributes) {
+        row.number = parsed<std::uint64_t>(attributes["r"]).value_or(row.number + 1);
+        row.values.clear();
+        row.errorValues = 0;
+        bytes_ = 0;
+        nextColumn_ = 0;
+    }
+
     void startCell(const XmlAttributes& attributes) {
         const std::string_view reference = attributes["r"];
         column_ = reference.empty() ? nextColumn_ : columnOf(reference);
@@ -103,9 +112,13 @@ class SheetPart final : public XmlHandler {
         inlineText_.clear();
     }
 
-    [[nodiscard]] Value value() const {
+    [[nodiscard]] Value value() {
         if (type_ == "inlineStr") return textOrNull(inlineText_.text());
-        if (value_.empty() || type_ == "e") return Null();
+        if (value_.empty()) return Null();
+        if (type_ == "e") {
+            ++row.errorValues;
+            return Null();
+        }
         if (type_ == "s") return sharedText();
         if (type_ == "str") return textOrNull(value_);
         if (type_ == "b") return value_ == "1" || value_ == "true";
@@ -129,27 +142,29 @@ class SheetPart final : public XmlHandler {
     [[nodiscard]] Value number() const {
         const auto number = parsed<double>(value_);
         if (!number) return value_;  // as the user would see it; what takes the row decides
-        if (!std::isfinite(*number)) return Null();
-        return formats_.isDate(format_) ? dateOfSerial(*number, startsIn1904_) : Value(*number);
+        return formats_.valueOf(*number, format_, startsIn1904_, choice_.leadingZeros);
     }
 
     void setCell() {
         if (column_ >= kMostColumns) refuse("The sheet has more columns than a sheet can have.");
-        if (column_ >= columns_) return;
+        if (column_ >= choice_.columns) return;
         Value value = this->value();
         if (isNull(value)) return;
-        if (column_ >= cells_.size()) cells_.resize(column_ + 1);
-        cells_[column_] = std::move(value);
+        bytes_ += textOf(value).size();
+        if (bytes_ > choice_.rowBytes) {
+            throw PlatformError(errors::kRowTooLong, "a row is too long").about(std::to_string(row.number));
+        }
+        if (column_ >= row.values.size()) row.values.resize(column_ + 1);
+        row.values[column_] = std::move(value);
     }
 
     const SharedStrings& strings_;
     const CellFormats& formats_;
     const bool startsIn1904_;
-    const std::size_t columns_;
-    const std::function<void(std::span<const Value> row)>& row_;
+    const SheetChoice choice_;
 
     bool inData_ = false;
-    std::vector<Value> cells_;  ///< of the row so far; the last is not Null
+    std::size_t bytes_ = 0;  ///< of the row's texts
     std::size_t nextColumn_ = 0;
     std::size_t column_ = 0;
     std::string type_;
@@ -159,17 +174,48 @@ class SheetPart final : public XmlHandler {
     RichText inlineText_;
 };
 
+class XlsxRows final : public SheetRows {
+  public:
+    XlsxRows(const Descriptor& file, const SheetChoice& choice)
+        : archive_(file),
+          package_(Package::of(archive_)),
+          strings_(SharedStrings::of(archive_, package_.partOfType("sharedStrings"))),
+          formats_(CellFormats::of(archive_, package_.partOfType("styles"))),
+          part_(strings_, formats_, package_.startsIn1904, choice),
+          xml_(archive_.openPart(package_.worksheet(choice.name).part, kMostSheetBytes), part_,
+               damagedPart(package_.worksheet(choice.name).part)) {
+        part_.rowEnded = [this] { xml_.pause(); };
+    }
+
+    bool next(SheetRow& row) override {
+        if (!xml_.readOn()) return false;
+        std::swap(row, part_.row);
+        part_.row.number = row.number;  // a row without a number of its own follows it
+        return true;
+    }
+    [[nodiscard]] double progress() const override { return xml_.progress(); }
+
+  private:
+    Archive archive_;
+    Package package_;
+    SharedStrings strings_;
+    CellFormats formats_;
+    SheetPart part_;
+    XmlReader xml_;
+};
+
 }  // namespace
 
-void readXlsxRows(const std::filesystem::path& file, std::size_t columns,
-                  const std::function<void(std::span<const Value> row)>& row) {
-    const Archive archive(file);
-    const Package package = Package::of(archive);
-    const Package::Sheet& sheet = package.firstWorksheet();
-    const SharedStrings strings = SharedStrings::of(archive, package.partOfType("sharedStrings"));
-    const CellFormats formats = CellFormats::of(archive, package.partOfType("styles"));
-    SheetPart part(strings, formats, package.startsIn1904, columns, row);
-    readXmlPart(archive, sheet.part, kMostSheetBytes, part);
+std::unique_ptr<SheetRows> openXlsx(Descriptor file, const SheetChoice& choice) {
+    return std::make_unique<XlsxRows>(file, choice);
+}
+
+std::vector<SheetName> xlsxSheets(const Descriptor& file) {
+    std::vector<SheetName> names;
+    for (const Package::Sheet& sheet : Package::of(Archive(file)).sheets) {
+        if (sheet.isWorksheet) names.push_back({sheet.name, sheet.isHidden});
+    }
+    return names;
 }
 
 }  // namespace kolmera

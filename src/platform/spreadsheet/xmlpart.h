@@ -1,9 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "platform/bytestream.h"
+#include "platform/error.h"
 #include "platform/spreadsheet/archive.h"
 
 namespace kolmera {
@@ -16,6 +20,8 @@ class XmlAttributes {
     /// The value; empty when there is no such attribute.
     [[nodiscard]] std::string_view operator[](std::string_view name) const;
     [[nodiscard]] bool isTrue(std::string_view name) const;
+    /// Whether one of the attributes of this name, in whatever namespace, has the value.
+    [[nodiscard]] bool has(std::string_view name, std::string_view value) const;
 
   private:
     const char* const* namesAndValues_;
@@ -31,6 +37,34 @@ class XmlHandler {
     /// Text comes in pieces of any length.
     virtual void text(std::string_view /*piece*/) {}
 };
+
+/// Reads XML from front to back, in memory that does not grow with it. XML that is not well formed, declares a document
+/// type or (where that is allowed) an entity, or is nested too deeply is refused.
+class XmlReader {
+  public:
+    enum class DocumentType { Refused, WithoutEntities };
+    /// What to throw, for a reason in English.
+    using Refusal = std::function<PlatformError(const std::string& reason)>;
+
+    XmlReader(std::unique_ptr<ByteStream> stream, XmlHandler& handler, Refusal refusal,
+              DocumentType documentType = DocumentType::Refused);
+    XmlReader(const XmlReader&) = delete;
+    XmlReader& operator=(const XmlReader&) = delete;
+    ~XmlReader();
+
+    /// Reads on until the handler says `pause`; false when the end has come instead.
+    bool readOn();
+    /// For the handler, within a call of its functions: at most what belongs to the same element is still told.
+    void pause();
+    [[nodiscard]] double progress() const;
+
+  private:
+    class Parser;
+    std::unique_ptr<Parser> parser_;
+};
+
+/// What is wrong with a part of a workbook.
+XmlReader::Refusal damagedPart(const std::string& part);
 
 /// Reads a part of a workbook of up to `most` bytes, in memory that does not grow with it. A part that is not well
 /// formed, has a document type (and with it entities), or is nested too deeply is refused with kUnreadableSpreadsheet.

@@ -20,6 +20,10 @@ struct ReaderOfKind {
 constexpr ReaderOfKind kReaders[] = {
     {SourceKind::Delimited, readDelimited},
     {SourceKind::Fixed, readFixed},
+    {SourceKind::Xlsx, readXlsx},
+    {SourceKind::Xls, readXls},
+    {SourceKind::Ods, readOds},
+    {SourceKind::Xml, readXml},
 };
 
 }  // namespace
