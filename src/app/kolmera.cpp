@@ -7,6 +7,7 @@
 #include "definitions/window/prisstyr.h"
 #include "discounts/window/prisrab.h"
 #include "import/masks/masklook.h"
+#include "import/window/calculationwindow.h"
 #include "import/window/jobicons.h"
 #include "import/window/prismain.h"
 #include "lang/errortext.h"
@@ -52,6 +53,10 @@ void openWindowsOfOthers(Program& program) {
     };
     program.misreadSample = [&program](const Mask& mask, const std::vector<Relation>& relations, const auto& sample) {
         return misreadSample(program.texts, mask, relations, sample);
+    };
+    program.explainPrice = [&program](QWidget* parent, const RunHeader& run, const std::string& product,
+                                      const std::string& column) {
+        explainPrice(program, parent, run, product, column);
     };
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
 }

@@ -57,7 +57,8 @@ void ComparisonList::show(const ComparisonQuery& query) {
     if (query.descending) order = replaceAll(order, " DESC", "") + " DESC";
     statement += fmt::format(" ORDER BY {}, n", order);
     SqliteStatement rows(connection_, statement);
-    for (std::size_t word = 0; word < words.size(); ++word) rows.bind(static_cast<int>(word) + 1, std::string_view(words[word]));
+    for (std::size_t word = 0; word < words.size(); ++word)
+        rows.bind(static_cast<int>(word) + 1, std::string_view(words[word]));
     order_.clear();
     while (rows.step()) order_.push_back(rows.integer(0));
 }
@@ -75,8 +76,8 @@ ComparisonList::Cells ComparisonList::cells(std::int64_t row) {
     article_.bind(1, order_.at(static_cast<std::size_t>(row)));
     if (!article_.step()) return {};
     const bool isNew = article_.integer(0) != 0;
-    return {texts_.ModulText(isNew ? text::changes::kAdded : text::comparison::kGoneCell), std::string(article_.text(1)),
-            std::string(article_.text(2)), std::string(article_.text(3))};
+    return {texts_.ModulText(isNew ? text::changes::kAdded : text::comparison::kGoneCell),
+            std::string(article_.text(1)), std::string(article_.text(2)), std::string(article_.text(3))};
 }
 
 std::string ComparisonList::line(const Cells& cells) const { return tabbedLine(cells, locale_); }

@@ -10,6 +10,7 @@
 #include "platform/descriptor.h"
 #include "platform/encodings.h"
 #include "platform/error.h"
+#include "platform/sha256.h"
 
 namespace kolmera {
 namespace {
@@ -23,19 +24,8 @@ std::string bytesAt(const Descriptor& file, std::int64_t from, std::int64_t to) 
     return bytes;
 }
 
-bool isUtf8(std::string_view text) {
-    bool beyondAscii = false;
-    while (!text.empty()) {
-        const FirstCharacter first = firstCharacter(text);
-        if (!first.character) return false;
-        beyondAscii = beyondAscii || first.length > 1;
-        text.remove_prefix(first.length);
-    }
-    return beyondAscii;
-}
-
 /// Line ends as LF, other control characters as a dot.
-std::string readable(std::string_view bytes, bool utf8) {
+std::string readable(std::string_view bytes, CodePage codePage) {
     std::string text;
     for (std::size_t at = 0; at < bytes.size(); ++at) {
         const char c = bytes[at];
@@ -46,7 +36,7 @@ std::string readable(std::string_view bytes, bool utf8) {
             text += c == '\n' || c == '\t' || static_cast<unsigned char>(c) >= ' ' ? c : '.';
         }
     }
-    return utf8 ? text : toUtf8(text, CodePage::Windows1252);
+    return toUtf8(text, codePage);
 }
 
 bool isLineEnd(char c) { return c == '\r' || c == '\n'; }
@@ -59,21 +49,48 @@ void dropHalfLines(std::string& before, bool fromStart, std::string& after, bool
     if (!toEnd && last != after.rend()) after.erase(last.base(), after.end());
 }
 
-bool isAsRecorded(const struct stat& now, const RecordedFile& file) {
+std::string modifiedText(const struct stat& file) {
     std::tm local{};
-    localtime_r(&now.st_mtime, &local);
-    const std::string modified =
-        fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                    local.tm_hour, local.tm_min, local.tm_sec);
-    return now.st_size == file.size && modified == file.modified;
+    localtime_r(&file.st_mtime, &local);
+    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                       local.tm_hour, local.tm_min, local.tm_sec);
+}
+
+std::string digestOf(const Descriptor& file) {
+    constexpr std::size_t kPiece = 256 * 1024;
+    Sha256 digest;
+    std::string piece(kPiece, '\0');
+    std::size_t offset = 0;
+    while (const std::size_t count = file.readAt(offset, piece.data(), kPiece)) {
+        digest.add(std::string_view(piece).substr(0, count));
+        offset += count;
+    }
+    return digest.hexadecimal();
 }
 
 }  // namespace
 
-FileExcerpt excerptOf(const RecordedFile& recorded, const RecordPlace& place) {
+/// Of a run that did not read its file to the end only the time is known.
+bool RecordedPriceFile::isAsRecorded(const Descriptor& file, const struct stat& now) {
+    if (recorded_.sha256.empty()) return modifiedText(now) == recorded_.modified;
+    if (now.st_size != recorded_.size) return false;
+    const std::array<std::int64_t, 6> state{static_cast<std::int64_t>(now.st_dev),
+                                            static_cast<std::int64_t>(now.st_ino),
+                                            now.st_mtim.tv_sec,
+                                            now.st_mtim.tv_nsec,
+                                            now.st_ctim.tv_sec,
+                                            now.st_ctim.tv_nsec};
+    if (looked_ != state) {
+        same_ = digestOf(file) == recorded_.sha256;
+        looked_ = state;
+    }
+    return same_;
+}
+
+FileExcerpt RecordedPriceFile::excerpt(const RecordPlace& place) {
     FileExcerpt excerpt;
     try {
-        const Descriptor file(recorded.path, O_RDONLY | O_NONBLOCK);
+        const Descriptor file(recorded_.path, O_RDONLY | O_NONBLOCK);
         struct stat now {};
         if (fstat(file.get(), &now) != 0 || !S_ISREG(now.st_mode)) return excerpt;
         const std::int64_t begin = place.offset;
@@ -82,16 +99,15 @@ FileExcerpt excerptOf(const RecordedFile& recorded, const RecordPlace& place) {
             excerpt.file = FileExcerpt::File::Shorter;
             return excerpt;
         }
-        excerpt.file = isAsRecorded(now, recorded) ? FileExcerpt::File::Same : FileExcerpt::File::Changed;
+        excerpt.file = isAsRecorded(file, now) ? FileExcerpt::File::Same : FileExcerpt::File::Changed;
         const std::int64_t from = std::max(begin - kAround, std::int64_t{0});
         std::string before = bytesAt(file, from, begin);
         const std::string record = bytesAt(file, begin, end);
         std::string after = bytesAt(file, end, end + kAround);
         dropHalfLines(before, from == 0, after, end + kAround >= now.st_size);
-        const bool utf8 = isUtf8(before + record + after);
-        excerpt.before = readable(before, utf8);
-        excerpt.record = readable(record, utf8);
-        excerpt.after = readable(after, utf8);
+        excerpt.before = readable(before, codePage_);
+        excerpt.record = readable(record, codePage_);
+        excerpt.after = readable(after, codePage_);
     } catch (const PlatformError&) {
         excerpt.file = FileExcerpt::File::Missing;
     }

@@ -17,6 +17,7 @@ namespace kolmera {
 
 struct Mask;
 struct Relation;
+struct RunHeader;
 
 /// What the forms share: made in `main`, handed to every form by reference. The windows that one form opens and another
 /// subsystem owns are members here, and what one asks of a subsystem above its own, so that a test can put its own in
@@ -32,6 +33,9 @@ struct Program {
     std::function<std::optional<int>(QWidget* parent, int JobbNr, bool ÄrStandardJobb)> showPrisStyr{};
     /// Opens the discount letters modally.
     std::function<void(QWidget* parent, int JobbNr)> showPrisRab{};
+    /// Shows how the prices of a product came about in a run, or in a preview, from `column` ("Produkt.Inpris") on.
+    std::function<void(QWidget* parent, const RunHeader& run, const std::string& product, const std::string& column)>
+        explainPrice{};
     /// What a run through that mask would read wrongly of a sample file, each in a sentence or two.
     std::function<std::vector<std::string>(const Mask&, const std::vector<Relation>&,
                                            const std::filesystem::path& sample)>

@@ -75,7 +75,13 @@ class ChangeWindowTest : public testing::Test {
         report.warn({{.warning = true, .name = {}, .text = "Ett pris blev tio gånger så högt", .records = {201}}});
         form.emplace(world.program, report, nullptr);
         form->fileToWrite = [this](const FileQuestion&) { return toQt((world.folder / file).string()); };
-        form->showRecord = [this](QWidget*, std::int64_t record) { shownRecord = record; };
+        form->showRecords = [this](QWidget*, const auto& records, std::size_t first) {
+            shownRecord = records.at(first);
+            shownRecords = records.size();
+        };
+        form->explainPrice = [this](QWidget*, const std::string& product, const std::string& column) {
+            explained = product + ' ' + column;
+        };
         form->load();
         form->show();
         form->activateWindow();
@@ -95,6 +101,8 @@ class ChangeWindowTest : public testing::Test {
     std::optional<ChangeWindow> form;
     std::string file;
     std::int64_t shownRecord = 0;
+    std::size_t shownRecords = 0;
+    std::string explained;
 };
 
 class ChangeWindowInEnglish : public ChangeWindowTest {
@@ -121,6 +129,8 @@ TEST_F(ChangeWindowTest, IsReadFilteredSortedAndCopiedByKeys) {
     EXPECT_EQ(cell(0, ChangeTable::kProduct), "E200");
     key(Qt::Key_Return);
     EXPECT_EQ(shownRecord, 200);
+    key(Qt::Key_F8);
+    EXPECT_EQ(explained, "E200 Produkt.Inpris");
     key(Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(QApplication::clipboard()->text().startsWith("E200\t")) << fromQt(QApplication::clipboard()->text());
 }
@@ -135,6 +145,8 @@ TEST_F(ChangeWindowTest, ShowsTheRecordsOfANotice) {
     EXPECT_EQ(cell(0, ChangeTable::kProduct), "E201");
     key(Qt::Key_Down);
     EXPECT_EQ(cell(0, ChangeTable::kProduct), "E7");
+    key(Qt::Key_Return);
+    EXPECT_EQ(std::pair(shownRecord, shownRecords), std::pair(std::int64_t{7}, std::size_t{2})) << "not from the notice";
     control<QComboBox>(*form, "Grupp").setCurrentIndex(1);
     EXPECT_EQ(cell(0, ChangeTable::kColumn), "ändringar: 2");
     takePicture(*form, "changewindow_grouped");

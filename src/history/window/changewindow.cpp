@@ -1,5 +1,7 @@
 #include "history/window/changewindow.h"
 
+#include <fmt/format.h>
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
@@ -9,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPdfWriter>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -212,18 +215,22 @@ void ChangeWindow::buildList() {
     model_->onSorted = [this] { present(); };
     connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { present(); });
     connect(list_, &QTableView::doubleClicked, this, [this] { showInFile(); });
+    list_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(list_, &QTableView::customContextMenuRequested, this, [this](const QPoint& place) { showMenu(place); });
 }
 
 void ChangeWindow::buildButtons() {
     show_ = button(*this, "Visa", "Visa i pris&filen...");
+    explain_ = button(*this, "Förklara", "Varför &detta pris?");
     copy_ = button(*this, "Kopiera", "&Kopiera");
     save_ = button(*this, "Spara", "&Spara...");
     print_ = button(*this, "SkrivUt", "Skriv &ut...");
     run_ = button(*this, "Utför", "Utfö&r...");
     close_ = button(*this, "Stäng", "S&täng");
-    for (QPushButton* each : {show_, copy_, save_, print_, run_, close_}) each->setAutoDefault(false);
+    for (QPushButton* each : {show_, explain_, copy_, save_, print_, run_, close_}) each->setAutoDefault(false);
     run_->setVisible(report_.header().kind == RunKind::Preview);
     connect(show_, &QPushButton::clicked, this, [this] { showInFile(); });
+    connect(explain_, &QPushButton::clicked, this, [this] { explain(); });
     connect(copy_, &QPushButton::clicked, this, [this] { copy(); });
     connect(save_, &QPushButton::clicked, this, [this] { save(); });
     connect(print_, &QPushButton::clicked, this, [this] { print(); });
@@ -261,7 +268,7 @@ void ChangeWindow::layOut() {
     choices->addWidget(count_);
 
     auto* buttons = new QHBoxLayout;
-    for (QPushButton* each : {show_, copy_, save_, print_}) buttons->addWidget(each);
+    for (QPushButton* each : {show_, explain_, copy_, save_, print_}) buttons->addWidget(each);
     buttons->addStretch(1);
     buttons->addWidget(run_);
     buttons->addWidget(close_);
@@ -287,9 +294,12 @@ void ChangeWindow::connectKeys() {
     onKey(*this, Qt::Key_F7, [this] { sortByCurrentColumn(); });
     onKey(
         *list_, QKeySequence::Copy, [this] { copy(); }, Qt::WidgetShortcut);
-    for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter}) {
-        onKey(
-            *list_, enter, [this] { showInFile(); }, Qt::WidgetShortcut);
+    onKey(*this, Qt::Key_F8, [this] { explain(); });
+    for (QWidget* list : std::initializer_list<QWidget*>{list_, notices_}) {
+        for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter}) {
+            onKey(
+                *list, enter, [this] { showInFile(); }, Qt::WidgetShortcut);
+        }
     }
 }
 
@@ -337,8 +347,10 @@ void ChangeWindow::present() {
     const Locale& locale = program_.state.locale;
     count_->setText(toQt(program_.texts.ModulTextMed(text::changes::kShown, grouped(report_.list().cells(), locale))));
     const bool any = model_->rowCount() > 0;
-    show_->setVisible(showRecord != nullptr);
+    show_->setVisible(showRecords != nullptr);
     show_->setEnabled(currentRecord() > 0);
+    explain_->setVisible(explainPrice != nullptr);
+    explain_->setEnabled(currentPrice() != nullptr);
     for (QPushButton* each : {copy_, save_, print_}) each->setEnabled(any);
 }
 
@@ -347,13 +359,28 @@ int ChangeWindow::currentRow() const {
     return current.isValid() ? current.row() : -1;
 }
 
+/// Of the notice that is chosen.
+std::span<const std::int64_t> ChangeWindow::noticeRecords() const {
+    const int notice = notices_->currentRow();
+    if (notice < 0) return {};
+    return report_.notices()[static_cast<std::size_t>(notice)].records;
+}
+
 /// Of the list, or, where it shows nothing of a notice, of the notice.
 std::int64_t ChangeWindow::currentRecord() const {
     if (const int row = currentRow(); row >= 0) return model_->row(row).record;
-    const int notice = notices_->currentRow();
-    if (notice < 0) return 0;
-    const std::vector<std::int64_t>& records = report_.notices()[static_cast<std::size_t>(notice)].records;
+    const std::span<const std::int64_t> records = noticeRecords();
     return records.empty() ? 0 : records.front();
+}
+
+/// The row, where it is a price that came from the file.
+const ChangeRow* ChangeWindow::currentPrice() const {
+    const int place = currentRow();
+    if (place < 0) return nullptr;
+    const ChangeRow& row = model_->row(place);
+    const bool fromFile = row.members == 0 && row.kind != ChangeKind::Removed && row.record > 0 && !row.product.empty();
+    return fromFile && isPrice(report_.net().tables()[static_cast<std::size_t>(row.table)].name, row.column) ? &row
+                                                                                                             : nullptr;
 }
 
 void ChangeWindow::sortByCurrentColumn() {
@@ -364,8 +391,35 @@ void ChangeWindow::sortByCurrentColumn() {
     if (model_->rowCount() > 0) list_->setCurrentIndex(model_->index(0, column));
 }
 
+/// Of a notice all its records can be gone through.
 void ChangeWindow::showInFile() {
-    if (const std::int64_t record = currentRecord(); showRecord && record > 0) showRecord(this, record);
+    const std::int64_t record = currentRecord();
+    if (!showRecords || record <= 0) return;
+    const std::span<const std::int64_t> ofNotice = noticeRecords();
+    std::vector<std::int64_t> records(ofNotice.begin(), ofNotice.end());
+    const auto found = std::ranges::find(records, record);
+    if (found == records.end()) return showRecords(this, {record}, 0);
+    showRecords(this, records, static_cast<std::size_t>(found - records.begin()));
+}
+
+void ChangeWindow::explain() {
+    const ChangeRow* row = currentPrice();
+    if (row == nullptr || !explainPrice) return;
+    const TableDef& table = report_.net().tables()[static_cast<std::size_t>(row->table)].definition;
+    const std::string& column = table.fields.at(static_cast<std::size_t>(row->column)).name;
+    explainPrice(this, std::string(row->product), fmt::format("{}.{}", table.name, column));
+}
+
+/// What the buttons do with a row.
+void ChangeWindow::showMenu(const QPoint& place) {
+    QMenu menu(this);
+    for (QPushButton* each : {show_, explain_, copy_}) {
+        if (!each->isVisibleTo(this)) continue;
+        QAction* action = menu.addAction(each->text());
+        action->setEnabled(each->isEnabled());
+        connect(action, &QAction::triggered, each, [each] { each->click(); });
+    }
+    menu.exec(list_->viewport()->mapToGlobal(place));
 }
 
 void ChangeWindow::copy() {

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QDialog>
+#include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "history/changereport.h"
 #include "history/changetable.h"
@@ -38,8 +41,12 @@ class ChangeWindow final : public QDialog {
 
     /// Asks for the file to save to; an empty answer is Cancel.
     std::function<QString(const FileQuestion& question)> fileToWrite;
-    /// Shows the text of the price file around a record. Without it there is no such button.
-    std::function<void(QWidget* parent, std::int64_t record)> showRecord;
+    /// Shows the text of the price file around records, at first the one at `first`. Without it there is no such
+    /// button.
+    std::function<void(QWidget* parent, const std::vector<std::int64_t>& records, std::size_t first)> showRecords;
+    /// Shows how a price came about: of that product, written into that column ("Produkt.Inpris"). Without it there is
+    /// no such button.
+    std::function<void(QWidget* parent, const std::string& product, const std::string& column)> explainPrice;
 
     /// To be called when the functions above are set.
     void load();
@@ -58,9 +65,13 @@ class ChangeWindow final : public QDialog {
     void present();
     [[nodiscard]] ChangeQuery wanted() const;
     [[nodiscard]] int currentRow() const;
+    [[nodiscard]] std::span<const std::int64_t> noticeRecords() const;
     [[nodiscard]] std::int64_t currentRecord() const;
+    [[nodiscard]] const ChangeRow* currentPrice() const;
     void sortByCurrentColumn();
     void showInFile();
+    void explain();
+    void showMenu(const QPoint& place);
     void copy();
     void save();
     void print();
@@ -86,7 +97,7 @@ class ChangeWindow final : public QDialog {
     QCheckBox *onlyNew_, *onlyMarked_;
     QLabel* count_;
     QTableView* list_;
-    QPushButton *show_, *copy_, *save_, *print_, *run_, *close_;
+    QPushButton *show_, *explain_, *copy_, *save_, *print_, *run_, *close_;
     QTimer* typing_;
 };
 

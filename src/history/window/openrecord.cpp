@@ -4,6 +4,7 @@
 
 #include "history/changereport.h"
 #include "history/fileexcerpt.h"
+#include "history/recordeddefinition.h"
 #include "history/runfolder.h"
 #include "history/warnings.h"
 #include "history/window/changewindow.h"
@@ -57,17 +58,6 @@ bool readReport(Program& program, QWidget& parent, ChangeReport& report) {
     return true;
 }
 
-void showExcerpt(Program& program, QWidget* parent, const RecordReader& reader, std::int64_t record) {
-    const std::optional<RecordPlace> place = reader.place(record);
-    if (!place) {
-        program.boxes.MeddelandeVarning(program.texts.ModulText(text::changes::kPlaceUnknown));
-        return;
-    }
-    const RecordedFile& file = reader.header().priceFile;
-    ExcerptWindow form(program, file, record, excerptOf(file, *place), parent);
-    VisaFormulär(program, form, true);
-}
-
 std::vector<Notice> noticesOf(std::span<const std::string> told) {
     std::vector<Notice> notices;
     for (const std::string& text : told) {
@@ -90,7 +80,17 @@ bool showRecord(Program& program, QWidget* parent, const RecordReader& record, s
         if (!readReport(program, *parent, report)) return false;
         report.warn(noticesOf(told));
         ChangeWindow form(program, report, parent);
-        form.showRecord = [&](QWidget* over, std::int64_t number) { showExcerpt(program, over, record, number); };
+        RecordedPriceFile file(record.header().priceFile, recordedDefinition(record.header()).codePage);
+        form.showRecords = [&](QWidget* over, const std::vector<std::int64_t>& records, std::size_t first) {
+            const auto placeOf = [&](std::int64_t number) { return record.place(number); };
+            ExcerptWindow excerpt(program, file, placeOf, records, first, over);
+            VisaFormulär(program, excerpt, true);
+        };
+        if (program.explainPrice && record.header().kind != RunKind::Undo) {
+            form.explainPrice = [&](QWidget* over, const std::string& product, const std::string& column) {
+                program.explainPrice(over, record.header(), product, column);
+            };
+        }
         form.load();
         VisaFormulär(program, form, true);
         return form.runs();
