@@ -8,6 +8,7 @@
 #include "cli/discountscommand.h"
 #include "cli/explaincommand.h"
 #include "cli/historycommand.h"
+#include "cli/inspectcommand.h"
 #include "cli/jobscommand.h"
 #include "cli/limitscommand.h"
 #include "cli/newcommand.h"
@@ -157,6 +158,18 @@ void addJobs(Commands& commands) {
         limitsCommand);
 }
 
+void addSources(Commands& commands) {
+    commands.add<InspectArguments>(
+        "inspect", text::help::kInspect,
+        [](Command& command, InspectArguments& arguments) {
+            command.argument("FILE", arguments.file, text::help::kInspectFile);
+            command.option("--member", arguments.member, text::help::kInspectMember);
+            command.option("--sheet", arguments.sheet, text::help::kInspectSheet);
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        inspectCommand);
+}
+
 void addHistory(Commands& commands) {
     commands.add<HistoryArguments>(
         "history", text::help::kHistory,
@@ -245,6 +258,7 @@ void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& s
     Commands commands(app, text, surroundings, chosen);
     addFolders(commands);
     addJobs(commands);
+    addSources(commands);
     addHistory(commands);
     addCompanies(commands);
     addDiscounts(commands);

@@ -113,7 +113,7 @@ PrefixedStream::PrefixedStream(std::string prefix, std::unique_ptr<ByteStream> r
     : prefix_(std::move(prefix)), rest_(std::move(rest)) {}
 
 std::size_t PrefixedStream::read(char* bytes, std::size_t count) {
-    if (at_ == prefix_.size()) return rest_->read(bytes, count);
+    if (at_ == prefix_.size()) return rest_ ? rest_->read(bytes, count) : 0;
     const std::size_t got = prefix_.copy(bytes, count, at_);
     at_ += got;
     return got;

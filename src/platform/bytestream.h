@@ -66,12 +66,12 @@ class GzipStream final : public ByteStream {
     std::unique_ptr<Inflation> inflation_;
 };
 
-/// Bytes that were read already, and then the rest of their stream.
+/// Bytes that are at hand, and then the rest of their stream (none: that was all).
 class PrefixedStream final : public ByteStream {
   public:
     PrefixedStream(std::string prefix, std::unique_ptr<ByteStream> rest);
     std::size_t read(char* bytes, std::size_t count) override;
-    [[nodiscard]] double progress() const override { return rest_->progress(); }
+    [[nodiscard]] double progress() const override { return rest_ ? rest_->progress() : 0; }
 
   private:
     std::string prefix_;

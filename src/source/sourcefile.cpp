@@ -8,6 +8,7 @@
 
 #include "platform/error.h"
 #include "platform/filesample.h"
+#include "platform/printable.h"
 #include "platform/spreadsheet/archive.h"
 
 namespace kolmera {
@@ -88,9 +89,10 @@ bool matches(const std::string& name, const std::string& pattern) {
 
 std::string listed(const std::vector<std::string>& names) {
     constexpr std::size_t kMost = 20;
+    constexpr std::size_t kNameCharacters = 60;
     std::string list;
     for (const std::string& name : std::span(names).first(std::min(names.size(), kMost))) {
-        list.append(list.empty() ? "" : ", ").append(name);
+        list.append(list.empty() ? "" : ", ").append(printable(name, kNameCharacters));
     }
     return names.size() > kMost ? list.append(", ...") : list;
 }
@@ -125,6 +127,13 @@ std::vector<std::string> SourceFile::membersOf(const Descriptor& file) {
     std::vector<std::string> names = ofArchive([&] { return Archive(file).names(); });
     if (isWorkbook(names)) return {};
     return filesAmong(std::move(names));
+}
+
+SourceFile SourceFile::ofBytes(std::string bytes) {
+    SourceFile source;
+    source.beginning_ = bytes.substr(0, kBeginning);
+    source.stream_ = std::make_unique<PrefixedStream>(std::move(bytes), nullptr);
+    return source;
 }
 
 SourceFile SourceFile::of(Descriptor file, const std::string& member, const SourceLimits& limits) {

@@ -18,6 +18,8 @@ class SourceFile {
     /// `member` is the name of a file in the .zip or a pattern (*, ?), without regard to letter case; empty for the
     /// only one. Throws kSeveralMembers (about: their names) and kNoSuchMember.
     static SourceFile of(Descriptor file, const std::string& member, const SourceLimits& limits);
+    /// These bytes.
+    static SourceFile ofBytes(std::string bytes);
     /// The names of the files in a .zip; none where the file is another one.
     static std::vector<std::string> membersOf(const Descriptor& file);
 

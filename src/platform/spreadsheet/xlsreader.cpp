@@ -273,6 +273,9 @@ class SheetCells {
 };
 
 BiffRecords workbookOf(const CompoundFile& compound) {
+    if (compound.stream("EncryptedPackage")) {
+        throw PlatformError(errors::kProtectedSpreadsheet, "The workbook is protected by a password.");
+    }
     auto stream = compound.stream("Workbook");
     if (!stream && compound.stream("Book")) refuse("Workbooks from before 1997 cannot be read.");
     if (!stream) refuse("The file is not a workbook.");

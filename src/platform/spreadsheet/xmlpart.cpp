@@ -175,6 +175,10 @@ bool XmlAttributes::isTrue(std::string_view name) const {
     return value == "1" || value == "true" || value == "on";
 }
 
+void XmlAttributes::forEach(const std::function<void(std::string_view name)>& take) const {
+    for (const char* const* at = namesAndValues_; *at; at += 2) take(withoutNamespace(at[0]));
+}
+
 bool XmlAttributes::has(std::string_view name, std::string_view value) const {
     for (const char* const* at = namesAndValues_; *at; at += 2) {
         if (withoutNamespace(at[0]) == name && at[1] == value) return true;

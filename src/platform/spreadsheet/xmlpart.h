@@ -20,6 +20,8 @@ class XmlAttributes {
     /// The value; empty when there is no such attribute.
     [[nodiscard]] std::string_view operator[](std::string_view name) const;
     [[nodiscard]] bool isTrue(std::string_view name) const;
+    /// Hands over the name of each.
+    void forEach(const std::function<void(std::string_view name)>& take) const;
     /// Whether one of the attributes of this name, in whatever namespace, has the value.
     [[nodiscard]] bool has(std::string_view name, std::string_view value) const;
 

@@ -1,0 +1,175 @@
+#include "source/detection/textlayout.h"
+
+#include <algorithm>
+#include <map>
+#include <vector>
+
+#include "platform/encodings.h"
+#include "platform/error.h"
+#include "source/readers/readers.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::size_t kLookedRows = 500;
+
+/// How well a delimiter and a quote take a text apart.
+struct Cutting {
+    char delimiter = ';';
+    char quote = '"';
+    std::size_t columns = 1;
+    double evenness = 0;  ///< share of the rows with as many cells as most have; others of several cells count by half
+    bool isBroken = false;  ///< a quote is never closed, or a row has too many cells
+    SourceRemarks remarks;
+
+    [[nodiscard]] double score() const {
+        // In ';' texts the decimal sign is a comma, in tab texts the texts have them.
+        const double prior = delimiter == ',' ? 0.8 : delimiter == '|' ? 0.95 : 1;
+        return isBroken || columns < 2 ? 0 : evenness * evenness * prior;
+    }
+};
+
+Cutting cutWith(const std::string& text, char delimiter, char quote) {
+    SourceFormat format;
+    format.delimiter = delimiter;
+    format.quote = quote;
+    Cutting cutting;
+    cutting.delimiter = delimiter;
+    cutting.quote = quote;
+    std::map<std::size_t, std::size_t> rowsByCells;
+    std::size_t rows = 0;
+    const auto reader = readDelimited(SourceFile::ofBytes(text), format, {});
+    try {
+        for (Row row; rows < kLookedRows && reader->next(row);) {
+            if (row.cells.size() < 2 && (row.cells.empty() || row.cells[0].text.empty())) continue;
+            ++rowsByCells[row.cells.size()];
+            ++rows;
+        }
+    } catch (const PlatformError&) {
+        cutting.isBroken = true;
+    }
+    cutting.remarks = reader->remarks();
+    std::size_t most = 0;
+    for (const auto& [cells, count] : rowsByCells) {
+        if (cells < 2 || count * cells < most * cutting.columns) continue;
+        most = count;
+        cutting.columns = cells;
+    }
+    double even = static_cast<double>(most);
+    for (const auto& [cells, count] : rowsByCells) {
+        if (cells > 1 && cells != cutting.columns) even += static_cast<double>(count) / 2;
+    }
+    cutting.evenness = rows == 0 ? 0 : even / static_cast<double>(rows);
+    return cutting;
+}
+
+/// Quotes are quotes unless the text is more even without them.
+Cutting cutWith(const std::string& text, char delimiter, const KnownOfSource& known) {
+    if (known.quote) return cutWith(text, delimiter, *known.quote);
+    const Cutting quoted = cutWith(text, delimiter, '"');
+    const bool isDoubtful =
+        quoted.isBroken || quoted.remarks.strayQuotes.count > 0 || quoted.remarks.lineBreaks.count > 0;
+    if (!isDoubtful) return quoted;
+    const Cutting plain = cutWith(text, delimiter, '\0');
+    return plain.score() > quoted.score() ? plain : quoted;
+}
+
+/// What stands in the lines of a text, by position: a column begins behind positions that are blank in all of them.
+struct Positions {
+    std::vector<std::size_t> filled;  ///< lines with a character there
+    std::size_t lines = 0;
+
+    std::map<std::size_t, std::size_t> linesByLength;
+
+    void add(std::string_view line) {
+        ++lines;
+        std::size_t at = 0;
+        for (; !line.empty(); ++at) {
+            if (at >= filled.size()) filled.resize(at + 1);
+            if (line.front() != ' ') ++filled[at];
+            line.remove_prefix(firstCharacter(line).length);
+        }
+
+        ++linesByLength[at];
+    }
+
+    /// Columns between blanks. One that is filled in few lines at both of its edges is a word of the one before: true
+    /// columns stand to the left or to the right.
+    [[nodiscard]] std::vector<std::size_t> starts() const {
+        std::vector<std::size_t> starts;
+        for (std::size_t at = 0; at < filled.size();) {
+            if (isBlank(at)) {
+                ++at;
+                continue;
+            }
+            const std::size_t start = at;
+            while (at < filled.size() && !isBlank(at)) ++at;
+            const std::size_t edge = std::max(filled[start], filled[at - 1]);
+            if (starts.empty() || edge * 2 >= lines) starts.push_back(start);
+        }
+        if (!starts.empty()) starts.front() = 0;
+        return starts;
+    }
+
+  private:
+    /// A heading may reach into the gap between two columns.
+    [[nodiscard]] bool isBlank(std::size_t at) const { return filled[at] * 50 < lines; }
+};
+
+Positions positionsOf(std::string_view text) {
+    constexpr std::size_t kLookedLines = 1000;
+    constexpr std::size_t kLongestLine = 4096;
+    Positions positions;
+    while (!text.empty() && positions.lines < kLookedLines) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        const std::string_view line = text.substr(0, end);
+        if (line.find_first_not_of(' ') != std::string_view::npos) positions.add(line.substr(0, kLongestLine));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return positions;
+}
+
+/// Whether lines look like columns at fixed positions, from 0 to 1.
+double fixedness(const Positions& positions, std::size_t columns) {
+    if (positions.lines < 2 || columns < 2) return 0;
+    std::size_t alike = 0;
+    for (const auto& [length, count] : positions.linesByLength) alike = std::max(alike, count);
+    const double sameLength = static_cast<double>(alike) / static_cast<double>(positions.lines);
+    return positions.lines >= 5 ? 0.6 + 0.3 * sameLength : 0.5;
+}
+
+}  // namespace
+
+void detectLayout(const std::string& text, const KnownOfSource& known, Detection& detection) {
+    constexpr char kDelimiters[] = {';', '\t', '|', ','};
+    Cutting best;
+    double second = 0;
+    for (const char delimiter : kDelimiters) {
+        if (known.delimiter && *known.delimiter != delimiter) continue;
+        const Cutting cutting = cutWith(text, delimiter, known);
+        const bool better =
+            cutting.score() > best.score() || (cutting.score() == best.score() && cutting.columns > best.columns);
+        second = std::max(second, better ? best.score() : cutting.score());
+        if (better) best = cutting;
+    }
+    if (known.delimiter && best.delimiter != *known.delimiter) best = cutWith(text, *known.delimiter, known);
+
+    SourceFormat& format = detection.format;
+    SourceConfidence& confidence = detection.confidence;
+    const Positions positions = positionsOf(text);
+    const std::vector<std::size_t> starts = positions.starts();
+    const double fixed = known.delimiter ? 0 : fixedness(positions, starts.size());
+    const bool isFixed = known.kind ? *known.kind == SourceKind::Fixed : fixed > best.score();
+    format.kind = isFixed ? SourceKind::Fixed : SourceKind::Delimited;
+    confidence.kind = known.kind ? 1 : isFixed ? fixed : std::max(best.score(), 0.2);
+    if (isFixed) {
+        format.starts = starts.empty() ? std::vector<std::size_t>{0} : starts;
+        return;
+    }
+    format.delimiter = best.delimiter;
+    format.quote = best.quote;
+    confidence.delimiter = known.delimiter ? 1 : best.score() == 0 ? 0 : best.score() / (best.score() + second * 0.3);
+    confidence.quote = known.quote ? 1 : best.remarks.strayQuotes.count > 0 ? 0.7 : 0.95;
+}
+
+}  // namespace kolmera
