@@ -83,6 +83,18 @@ int valueOf(std::string_view digits) {
     return value;
 }
 
+/// Whether a sign stands in a number, and before three digits each time: "1 250 000,00".
+bool groupsBy(std::string_view number, std::string_view sign) {
+    std::size_t at = number.find(sign);
+    if (at == std::string_view::npos || at > 3) return false;
+    for (; at != std::string_view::npos; at = number.find(sign, at + 1)) {
+        const std::string_view behind = number.substr(at + sign.size());
+        if (behind.size() < 3 || !std::ranges::all_of(behind.substr(0, 3), isDigit)) return false;
+        if (behind.size() > 3 && isDigit(behind[3])) return false;
+    }
+    return true;
+}
+
 bool isDay(int value) { return value >= 1 && value <= 31; }
 bool isMonth(int value) { return value >= 1 && value <= 12; }
 
@@ -129,8 +141,7 @@ void TableLook::look(std::string_view text, Column& column) const {
     const std::size_t point = number.rfind('.');
     constexpr auto kNone = std::string_view::npos;
     for (const std::size_t sign : {0UL, 3UL, 4UL, 5UL}) {
-        const std::size_t at = number.find(kThousandsSigns[sign]);
-        if (at != kNone) column.groups[sign] += 1;
+        if (groupsBy(number, kThousandsSigns[sign])) column.groups[sign] += 1;
     }
     if (comma != kNone && point != kNone) {
         const bool isComma = comma > point;

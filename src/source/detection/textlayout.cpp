@@ -12,13 +12,16 @@ namespace kolmera {
 namespace {
 
 constexpr std::size_t kLookedRows = 500;
+constexpr std::size_t kMostAbove = 20;
+constexpr double kAbove = 0.4;    // the weight of such a row
+constexpr double kRagged = 0.75;  // of a row with several cells, but not as many as most have
 
 /// How well a delimiter and a quote take a text apart.
 struct Cutting {
     char delimiter = ';';
     char quote = '"';
     std::size_t columns = 1;
-    double evenness = 0;  ///< share of the rows with as many cells as most have; others of several cells count by half
+    double evenness = 0;    ///< share of the rows with as many cells as most have; see kRagged
     bool isBroken = false;  ///< a quote is never closed, or a row has too many cells
     SourceRemarks remarks;
 
@@ -38,10 +41,13 @@ Cutting cutWith(const std::string& text, char delimiter, char quote) {
     cutting.quote = quote;
     std::map<std::size_t, std::size_t> rowsByCells;
     std::size_t rows = 0;
+    std::size_t above = 0;
     const auto reader = readDelimited(SourceFile::ofBytes(text), format, {});
     try {
         for (Row row; rows < kLookedRows && reader->next(row);) {
             if (row.cells.size() < 2 && (row.cells.empty() || row.cells[0].text.empty())) continue;
+            // What stands above a table says little of its delimiter.
+            if (row.cells.size() < 2 && rows == 0 && ++above <= kMostAbove) continue;
             ++rowsByCells[row.cells.size()];
             ++rows;
         }
@@ -57,9 +63,10 @@ Cutting cutWith(const std::string& text, char delimiter, char quote) {
     }
     double even = static_cast<double>(most);
     for (const auto& [cells, count] : rowsByCells) {
-        if (cells > 1 && cells != cutting.columns) even += static_cast<double>(count) / 2;
+        if (cells > 1 && cells != cutting.columns) even += static_cast<double>(count) * kRagged;
     }
-    cutting.evenness = rows == 0 ? 0 : even / static_cast<double>(rows);
+    const double all = static_cast<double>(rows) + static_cast<double>(above) * kAbove;
+    cutting.evenness = rows == 0 ? 0 : even / all;
     return cutting;
 }
 
