@@ -48,7 +48,7 @@ class Detector {
         if (file.beginning().empty()) refuse(path_.filename().string());
         switch (signatureOf(file.beginning())) {
             case Signature::Zip:
-                return detectWorkbook(isOpenDocument() ? SourceKind::Ods : SourceKind::Xlsx);
+                return detectWorkbook(kindOfZip());
             case Signature::Compound:
                 return detectWorkbook(SourceKind::Xls);
             case Signature::Pdf:
@@ -95,7 +95,12 @@ class Detector {
 
     Descriptor file() { return SourceFile::of(opened(path_), format().member, limits_).file(); }
 
-    bool isOpenDocument() { return Archive(file()).find("content.xml").has_value(); }
+    SourceKind kindOfZip() {
+        const Archive archive(file());
+        if (archive.find("content.xml")) return SourceKind::Ods;
+        if (!archive.find("[Content_Types].xml")) refuse("zip");
+        return SourceKind::Xlsx;
+    }
 
     Detection detectWorkbook(SourceKind kind) {
         format().kind = known_.kind.value_or(kind);

@@ -297,7 +297,9 @@ void TableLook::detectSigns(Detection& detection) const {
                       (format.kind == SourceKind::Delimited && format.delimiter != ',' && format.delimiter != '|')
                 : comma > point;
     format.decimalSign = isComma ? ',' : '.';
-    confidence.decimalSign = byHabit ? 0.5 : std::max(comma, point) / (both + 0.3);
+    const bool knowsNumbers =
+        format.kind == SourceKind::Xlsx || format.kind == SourceKind::Xls || format.kind == SourceKind::Ods;
+    confidence.decimalSign = !byHabit ? std::max(comma, point) / (both + 0.3) : knowsNumbers ? 1 : 0.5;
 
     groups[isComma ? 2 : 1] = 0;
     const auto most = std::ranges::max_element(groups);
