@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 #include "platform/error.h"
@@ -86,12 +87,13 @@ TEST_F(BatchTest, EndsWhateverTheCommandDoesAndTellsHow) {
 }
 
 TEST_F(BatchTest, OneAtATimeEvenWhenNobodyWaitsForTheFirst) {
-    start("while [ ! -e go ]; do sleep 0.01; done; sleep 30 &");
+    start("while [ ! -e go ]; do sleep 0.01; done; sleep 60 >/dev/null 2>&1 & echo $! > left");
     BatchFile second(work, kBatch);
     EXPECT_FALSE(second.takeTurn());
     folder.write("Filer/go", "");
     EXPECT_TRUE(soon([&] { return second.takeTurn(); })) << "what a command leaves behind keeps the turn";
     EXPECT_TRUE(second.ended()) << "the turn came before the end";
+    EXPECT_EQ(kill(std::stoi(folder.read("Filer/left")), SIGTERM), 0) << "nothing was left behind";
 }
 
 TEST_F(BatchTest, ReplacesWhatLiesThereWithoutFollowingIt) {

@@ -93,8 +93,12 @@ void TestServer::takeDatabase() {
     }
 }
 
-Database& TestServer::company() {
-    if (!company_) company_ = open();
+/// For what this object does itself, which is the same in every locale.
+Database& TestServer::company() { return session(Locale(locale_)); }
+
+Database& TestServer::session(const Locale& locale) {
+    if (!company_ || locale.kind() != locale_) company_ = open(locale);
+    locale_ = locale.kind();
     return *company_;
 }
 

@@ -19,6 +19,9 @@ class TestServer {
     /// The database of this process.
     static TestServer& ofProcess();
 
+    /// The session by which worlds state and read rows. It stays open from one world to the next: to open one and to
+    /// learn the tables costs more than what most tests do.
+    Database& session(const Locale& locale);
     /// An empty company: no rows but those that every company has, IDs from 1.
     void reset();
     /// Changes the database's tables for the test at hand; `reset` makes them anew. Names stand between double quotes.
@@ -55,7 +58,8 @@ class TestServer {
     std::unique_ptr<Database> administration_;  ///< holds the lock
     std::string name_;                          ///< of the database
     std::string connectString_;
-    std::unique_ptr<Database> company_;  ///< for what this object does itself
+    std::unique_ptr<Database> company_;  ///< see `session`
+    Locale::Kind locale_ = Locale::Kind::Swedish;
     bool tablesChanged_ = false;
 };
 

@@ -101,13 +101,14 @@ std::unique_ptr<Database> World::open() const {
     return openFileDatabase(company(), {.locale = state.locale, .password = {}, .wait = {}});
 }
 
-Database& World::database() const {
+Database& World::session() const {
+    if (server_) return TestServer::ofProcess().session(state.locale);
     if (!database_) database_ = open();
     return *database_;
 }
 
 void World::add(std::string_view table, const Row& row) {
-    const auto records = database().open(table, RecordsetType::Dynaset);
+    const auto records = session().open(table, RecordsetType::Dynaset);
     records->addNew();
     for (const auto& [column, value] : row) records->set(column, value);
     records->update();
@@ -115,7 +116,7 @@ void World::add(std::string_view table, const Row& row) {
 
 void World::setting(std::string_view column, const Value& value) {
     const std::string_view table = ordinalOf("Syinställningar", column) >= 0 ? "Syinställningar" : "Syinställningar2";
-    const auto records = database().open(table, RecordsetType::Dynaset);
+    const auto records = session().open(table, RecordsetType::Dynaset);
     records->edit();
     records->set(column, value);
     records->update();
@@ -221,8 +222,8 @@ void World::notePassedOver(const RunSummary& summary) {
 }
 
 std::string World::rows(std::string_view table, std::string_view columns) const {
-    const auto records = database().open("SELECT * FROM " + std::string(table) + " ORDER BY ID",
-                                         RecordsetType::Snapshot, options::kReadOnly);
+    const auto records = session().open("SELECT * FROM " + std::string(table) + " ORDER BY ID", RecordsetType::Snapshot,
+                                        options::kReadOnly);
     std::vector<int> ordinals;
     for (const std::string& column : split(columns, ", ")) ordinals.push_back(records->ordinal(column));
     std::string text;

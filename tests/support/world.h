@@ -84,6 +84,8 @@ class World {
     [[nodiscard]] bool onServer() const { return server_; }
     /// The company's name as runs show it.
     [[nodiscard]] std::string shownCompany() const { return properCase(job.company); }
+    /// The session by which rows are stated and read; in a file, a run closes it.
+    [[nodiscard]] Database& session() const;
     /// A session of another program on the company.
     [[nodiscard]] std::unique_ptr<Database> open() const;
 
@@ -92,12 +94,11 @@ class World {
     Date Idag = *Date::fromIso("2026-11-22");
 
   private:
-    Database& database() const;
     void notePassedOver(const RunSummary& summary);
     void carryOut(const std::function<void(ImportContext&)>& work);
 
     bool server_;
-    mutable std::unique_ptr<Database> database_;  ///< open between runs, while a test states or reads rows
+    mutable std::unique_ptr<Database> database_;  ///< of a file: open between runs, while a test states or reads rows
     mutable LanguageTexts texts_;
 };
 

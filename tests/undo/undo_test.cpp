@@ -9,8 +9,10 @@
 #include <csignal>
 #include <random>
 #include <set>
+#include <span>
 
 #include "history/recordedundo.h"
+#include "support/worlds.h"
 #include "tradeformats/tradeworld.h"
 #include "undo/tablestates.h"
 
@@ -265,42 +267,42 @@ void expectAllListed(const CompanyState& before, const CompanyState& after, cons
 }
 
 TEST(Undo, RandomRunsLeaveNothingBehind) {
-    for (unsigned seed = 0; seed < 9; ++seed) {
+    for (unsigned seed = 0; seed < worlds(9, 4); ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         const int format = static_cast<int>(seed % 3);
         RandomWorld world(random, format, 20);
         world.port.confirmation.emptyTables = seed % 4 == 3;
-        const CompanyState before = stateOf(*world.open());
+        const CompanyState before = stateOf(world.session());
         world.run();
-        const auto database = world.open();
-        const CompanyState after = stateOf(*database);
+        Database& database = world.session();
+        const CompanyState after = stateOf(database);
         EXPECT_GT(changesBetween(before, after).size(), 10U);
-        for (const KeptRow& row : undo(*database, before, after)) ADD_FAILURE() << shown(row);
-        EXPECT_EQ(differenceOf(before, stateOf(*database)), "");
-        for (const KeptRow& row : undo(*database, after, before)) ADD_FAILURE() << shown(row);
-        EXPECT_EQ(differenceOf(after, stateOf(*database)), "") << "the undoing was not taken back";
+        for (const KeptRow& row : undo(database, before, after)) ADD_FAILURE() << shown(row);
+        EXPECT_EQ(differenceOf(before, stateOf(database)), "");
+        for (const KeptRow& row : undo(database, after, before)) ADD_FAILURE() << shown(row);
+        EXPECT_EQ(differenceOf(after, stateOf(database)), "") << "the undoing was not taken back";
     }
 }
 
 TEST(Undo, TheRecordOfARunIsEnough) {
-    for (unsigned seed = 200; seed < 206; ++seed) {
+    for (unsigned seed = 200; seed < 200 + worlds(6, 2); ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         RandomWorld world(random, static_cast<int>(seed % 3), 20);
         world.port.confirmation.emptyTables = seed % 2 == 1;
         const RunFolder folder(world.data());
         world.keeping = RecordKeeping{.folder = folder.path(), .user = {}};
-        const CompanyState before = stateOf(*world.open());
+        const CompanyState before = stateOf(world.session());
         world.run();
-        const auto database = world.open();
-        const CompanyState after = stateOf(*database);
+        Database& database = world.session();
+        const CompanyState after = stateOf(database);
         std::string run = world.keeping->id;
         for (const CompanyState* expected : {&before, &after}) {  // the run, then its undoing
-            RecordedUndo undo(*database, folder, run, {});
+            RecordedUndo undo(database, folder, run, {});
             EXPECT_TRUE(undo.plan(always) && undo.carryOut(always));
             for (const KeptRow& row : keptBy(undo.undo())) ADD_FAILURE() << shown(row);
-            EXPECT_EQ(differenceOf(*expected, stateOf(*database)), "");
+            EXPECT_EQ(differenceOf(*expected, stateOf(database)), "");
             ASSERT_FALSE(undo.recordFailure()) << undo.recordFailure()->description();
             run = undo.id();
         }
@@ -308,49 +310,50 @@ TEST(Undo, TheRecordOfARunIsEnough) {
 }
 
 TEST(Undo, WhatOthersHaveChangedStaysAndIsListed) {
-    for (unsigned seed = 100; seed < 109; ++seed) {
+    for (unsigned seed = 100; seed < 100 + worlds(9, 4); ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         RandomWorld world(random, static_cast<int>(seed % 3), 20);
         world.port.confirmation.emptyTables = seed % 4 == 3;
-        const CompanyState before = stateOf(*world.open());
+        const CompanyState before = stateOf(world.session());
         world.run();
-        const auto database = world.open();
-        const CompanyState after = stateOf(*database);
+        Database& database = world.session();
+        const CompanyState after = stateOf(database);
         editAtRandom(random, *world.open(), after);
-        const CompanyState now = stateOf(*database);
+        const CompanyState now = stateOf(database);
         std::set<RowName> kept;
-        for (const KeptRow& row : undo(*database, before, after)) kept.emplace(row.table, row.id);
+        for (const KeptRow& row : undo(database, before, after)) kept.emplace(row.table, row.id);
         if (world.port.confirmation.emptyTables) {  // more depends on each other than the model knows
-            expectNothingLost(after, now, stateOf(*database));
-            expectAllListed(before, after, now, stateOf(*database), kept);
+            expectNothingLost(after, now, stateOf(database));
+            expectAllListed(before, after, now, stateOf(database), kept);
             continue;
         }
         const Model model(before, after, now);
-        EXPECT_EQ(differenceOf(model.expected, stateOf(*database)), "");
+        EXPECT_EQ(differenceOf(model.expected, stateOf(database)), "");
         EXPECT_EQ(kept, model.kept);
     }
 }
 
 TEST(Undo, IsFinishedByTheNextOne) {
-    for (const int batches : {0, 1, 3}) {
+    constexpr int kBatches[] = {1, 0, 3};
+    for (const int batches : std::span(kBatches).first(worlds(std::size(kBatches), 1))) {
         SCOPED_TRACE(batches);
         Random random(7);
         RandomWorld world(random, 2, 100);
-        const CompanyState before = stateOf(*world.open());
+        const CompanyState before = stateOf(world.session());
         world.run();
-        const auto database = world.open();
-        const CompanyState after = stateOf(*database);
+        Database& database = world.session();
+        const CompanyState after = stateOf(database);
         const auto run = changesBetween(before, after);
         {
-            RunUndo cancelled(*database, sourceOf(run));
+            RunUndo cancelled(database, sourceOf(run));
             ASSERT_TRUE(cancelled.plan(always));
             int asked = 0;
             EXPECT_FALSE(cancelled.carryOut([&](std::int64_t, std::int64_t) { return ++asked <= batches; }));
-            EXPECT_EQ(stateOf(*database) == after, batches == 0);
+            EXPECT_EQ(stateOf(database) == after, batches == 0);
         }
         EXPECT_TRUE(undo(*world.open(), before, after).empty()) << "what was undone already was taken for a change";
-        EXPECT_EQ(differenceOf(before, stateOf(*database)), "");
+        EXPECT_EQ(differenceOf(before, stateOf(database)), "");
     }
 }
 
@@ -373,9 +376,9 @@ TEST(UndoOfAFile, AProductThatAnotherProgramsTableNamesStays) {
 TEST(UndoOfAFile, IsFinishedAfterAKill) {
     Random random(8);
     RandomWorld world(random, 2, 100);
-    const CompanyState before = stateOf(*world.open());
+    const CompanyState before = stateOf(world.session());
     world.run();
-    const CompanyState after = stateOf(*world.open());
+    const CompanyState after = stateOf(world.session());
     const auto run = changesBetween(before, after);
     const pid_t child = fork();
     if (child == 0) {
@@ -460,20 +463,20 @@ TEST(Undo, NumbersAreUniqueOnTheWayBack) {
         SCOPED_TRACE(c.fault);
         World world;
         for (const char* number : {"A", "B", "C"}) world.add("Produkt", {{"Nummer", number}, {"Inpris", 1.0}});
-        const auto database = world.open();
-        const CompanyState before = stateOf(*database);
-        for (const std::string& statement : c.run) database->execute(statement);
-        const CompanyState after = stateOf(*database);
-        for (const std::string& statement : c.others) database->execute(statement);
+        Database& database = world.session();
+        const CompanyState before = stateOf(database);
+        for (const std::string& statement : c.run) database.execute(statement);
+        const CompanyState after = stateOf(database);
+        for (const std::string& statement : c.others) database.execute(statement);
         std::vector<Stays> kept;
-        for (const KeptRow& row : undo(*database, before, after)) kept.push_back(row.why);
+        for (const KeptRow& row : undo(database, before, after)) kept.push_back(row.why);
         std::string numbers;
-        const CompanyState now = stateOf(*database);
+        const CompanyState now = stateOf(database);
         for (const auto& [id, row] : now.at("Produkt")) numbers += std::string(textOf(row[1])) + " ";
         EXPECT_EQ(numbers, c.expected);
         EXPECT_EQ(kept, c.kept);
         if (c.kept.empty()) {
-            EXPECT_EQ(differenceOf(before, stateOf(*database)), "");
+            EXPECT_EQ(differenceOf(before, stateOf(database)), "");
         }
     }
 }
@@ -481,12 +484,12 @@ TEST(Undo, NumbersAreUniqueOnTheWayBack) {
 TEST(Undo, WhatTheDatabaseRefusesStaysAndTheRestGoesBack) {
     World world;
     for (const char* number : {"A", "B", "C"}) world.add("Produkt", {{"Nummer", number}});
-    const CompanyState before = stateOf(*world.open());
+    const CompanyState before = stateOf(world.session());
     world.open()->execute("DELETE FROM Produkt");
-    const auto run = changesBetween(before, stateOf(*world.open()));
+    const auto run = changesBetween(before, stateOf(world.session()));
     world.refuse("Produkt", "Nummer", "'B'");
-    const auto database = world.open();
-    RunUndo undo(*database, sourceOf(run));
+    Database& database = world.session();
+    RunUndo undo(database, sourceOf(run));
     EXPECT_TRUE(undo.plan(always));
     EXPECT_TRUE(undo.carryOut(always));
     EXPECT_EQ(undo.counts().broughtBack, 2);
@@ -500,12 +503,12 @@ TEST(Undo, WhatTheDatabaseRefusesStaysAndTheRestGoesBack) {
 TEST(Undo, ListsTheThreeValues) {
     World world;
     world.add("Produkt", {{"Nummer", "A"}, {"Inpris", 1.0}, {"1Utpris", 10.0}});
-    const auto database = world.open();
-    const CompanyState before = stateOf(*database);
-    database->execute("UPDATE Produkt SET Inpris = 2, 1Utpris = 20");
-    const CompanyState after = stateOf(*database);
-    database->execute("UPDATE Produkt SET Inpris = 3, Vikt = 4");
-    const std::vector<KeptRow> kept = undo(*database, before, after);
+    Database& database = world.session();
+    const CompanyState before = stateOf(database);
+    database.execute("UPDATE Produkt SET Inpris = 2, 1Utpris = 20");
+    const CompanyState after = stateOf(database);
+    database.execute("UPDATE Produkt SET Inpris = 3, Vikt = 4");
+    const std::vector<KeptRow> kept = undo(database, before, after);
     ASSERT_EQ(kept.size(), 1U);
     ASSERT_EQ(kept[0].cells.size(), 1U);
     const KeptCell& cell = kept[0].cells[0];
