@@ -21,7 +21,7 @@ inline constexpr ColumnPlace kProdukt[] = {
     {"8Pålägg", 40},        {"9Pålägg", 41},       {"InprisProc", 42},     {"Prisändrdat", 49},
     {"Lagervärdeproc", 50}, {"Momskod", 99},       {"Lagervärde", 100},    {"Värderingsnivå", 101},
     {"Prislista", 102},     {"LagerArtikel", 103}, {"Batchnummer", 104},   {"Valutakod", 105},
-    {"Dokument", 123},      {"Postversion", 143},  {"Postlås", 144},
+    {"Dokument", 123},      {"Prisgrupp", 134},    {"Postversion", 143},   {"Postlås", 144},
 };
 
 inline constexpr ColumnPlace kProdgrupp[] = {

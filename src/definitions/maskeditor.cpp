@@ -129,7 +129,7 @@ void MaskEditor::numberPieces() {
 }
 
 SourceFields MaskEditor::cutSample() {
-    const CodePage page = mask_.Tecken == 'J' ? CodePage::Oem850 : CodePage::Windows1252;
+    const CodePage page = codePageOf(mask_);
     switch (mask_.FilTyp) {
         case 'F':
             return linesOf(sample_, typedNumber(mask_.AntalRader), page);
@@ -239,13 +239,34 @@ void MaskEditor::createRelation() {
         if (chosen_.relation < 0 || !agreesToReplace(relation.Mål)) return;
         dropRelation(chosen_.relation);
     }
+    join(relation);
+}
+
+bool MaskEditor::join(const Relation& relation) {
     if (relations_.size() >= std::size_t{kMostRelations}) {
         boxes_.MeddelandeInfo(texts_.FormulärSträng(text::prismtyp::kTooManyRelations));
-        return;
+        return false;
     }
     relations_.push_back({freeSlot(), relation});
     numberPieces();
     if (showsPositions()) readSources();
+    return true;
+}
+
+Relation MaskEditor::ordinaryRelation(int targetRow, int source, Piece piece) {
+    chooseTarget(targetRow);
+    Relation relation = newRelation();
+    relation.Källa = source;
+    relation.FrånPos = piece.FrånPos;
+    relation.Längd = piece.Längd;
+    return relation;
+}
+
+void MaskEditor::movePiece(int relationRow, Piece piece) {
+    Relation& relation = relations_.at(static_cast<std::size_t>(relationRow)).relation;
+    relation.FrånPos = piece.FrånPos;
+    relation.Längd = piece.Längd;
+    readSources();
 }
 
 void MaskEditor::removeRelation() {

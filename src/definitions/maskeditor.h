@@ -85,6 +85,17 @@ class MaskEditor {
     void setFrånPos(std::string typed) { FrånPos_ = std::move(typed); }
     void setLängd(std::string typed) { Längd_ = std::move(typed); }
 
+    // Relations as the try-out on the sample makes them.
+    [[nodiscard]] const std::filesystem::path& sample() const { return sample_; }
+    [[nodiscard]] const TargetList& targetList() const { return targets_; }
+    [[nodiscard]] bool hasTarget(int code) const;
+    [[nodiscard]] bool hasSearchKey() const;
+    /// A relation to that target with the rules that are preselected.
+    [[nodiscard]] Relation ordinaryRelation(int targetRow, int source, Piece piece);
+    /// Adds a relation to a target that has none yet. False when there are a hundred; the user is told.
+    bool join(const Relation& relation);
+    void movePiece(int relationRow, Piece piece);
+
     // The buttons.
     void createRelation();
     void removeRelation();
@@ -104,8 +115,6 @@ class MaskEditor {
     void numberPieces();
     void showPositions(Piece piece);
     void offerRules(const Target& target);
-    [[nodiscard]] bool hasTarget(int code) const;
-    [[nodiscard]] bool hasSearchKey() const;
     [[nodiscard]] int freeSlot() const;
     void dropRelation(int row);
     [[nodiscard]] Relation newRelation() const;

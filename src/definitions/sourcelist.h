@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "definitions/maskfile.h"
 #include "platform/encodings.h"
 
 namespace kolmera {
@@ -36,6 +37,21 @@ struct SourceColumns {
 SourceColumns columnsOf(const std::filesystem::path& sample, CodePage page);
 /// "P": the pieces of the first record, then the rest behind the last of them.
 SourceFields piecesOf(const std::filesystem::path& sample, int length, std::span<const Piece> pieces, CodePage page);
+
+/// The first records of a price file, at most `count`: the fields of lines and columns, in UTF-8, or the bytes of
+/// records of fixed length, which are cut later.
+struct SampleRecords {
+    std::vector<std::vector<std::string>> fields;  ///< "F", "T"
+    std::vector<std::string> bytes;                ///< "P"
+
+    [[nodiscard]] std::size_t size() const { return fields.size() + bytes.size(); }
+};
+SampleRecords recordsOf(const std::filesystem::path& sample, const Mask& mask, std::size_t count);
+/// The bytes of a piece, fewer behind the record's end.
+std::string_view cut(std::string_view record, Piece piece);
+CodePage codePageOf(const Mask& mask);
+/// A text in one line: a line feed is shown, other control characters are blanks.
+std::string printable(std::string text);
 
 /// What a number box holds: its leading number, 0 to 9999.
 int typedNumber(std::string_view text);

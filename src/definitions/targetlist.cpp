@@ -43,8 +43,10 @@ class TargetReader {
             if (std::ranges::find(kNeverOffered, place) != std::end(kNeverOffered)) continue;
             const FieldDef& column = columns_[static_cast<std::size_t>(place)];
             const int code = targetOfColumn(place);
-            list_.targets.push_back(
-                {.code = code, .text = entry(code, columnName(column, place, texts_)), .type = column.type});
+            list_.targets.push_back({.code = code,
+                                     .text = entry(code, columnName(column, place, texts_)),
+                                     .type = column.type,
+                                     .name = column.name});
         }
     }
 
@@ -61,7 +63,7 @@ class TargetReader {
             }
             const int code = targetOfHeading(number);
             const std::string name = TillText(headings->value("Rubrik"), sql_.locale());
-            list_.targets.push_back({.code = code, .text = entry(code, name)});
+            list_.targets.push_back({.code = code, .text = entry(code, name), .name = name});
         }
     }
 

@@ -13,6 +13,7 @@ struct Target {
     int code = 0;
     std::string text;  ///< "code.", a tab, the name
     FieldType type = FieldType::Text;
+    std::string name = {};  ///< the column's own, or the heading, in any language
 
     [[nodiscard]] bool numeric() const;     ///< Byte, Integer, Long, Single or Double
     [[nodiscard]] bool floating() const;    ///< Single or Double

@@ -17,6 +17,23 @@ bool changesPrice(int ordinal) { return ordinal == kInpris || ordinal == kRabatt
 
 }  // namespace
 
+ColumnSettings columnSettings(Recordset& settings, Recordset& settings2, Date Idag, const Locale& locale,
+                              PassedOver& passedOver) {
+    ColumnSettings read;
+    read.Idag = Idag;
+    read.locale = locale;
+    for (std::size_t rate = 0; rate < read.vatRates.size(); ++rate) {
+        const std::string column = std::to_string(rate + 1) + "OMomsproc";
+        attempt(passedOver, "Syinställningar." + column,
+                [&] { read.vatRates[rate] = TillDbl(settings.value(column), locale); });
+    }
+    attempt(passedOver, "Syinställningar2.PPrisDatumBM", [&] {
+        const std::int32_t mask = TillLng(settings2.value("PPrisDatumBM"), locale);
+        if (mask != 0) read.PPrisDatumBM = mask;
+    });
+    return read;
+}
+
 ColumnWriter::ColumnWriter(const LoadedMask& mask, const Recordset& product, const ColumnSettings& settings,
                            const PrisClsRoundInprisOUtpris& prices, RunReport& report, PriceTrace* trace)
     : prices_(prices), report_(report), trace_(trace), Idag_(settings.Idag), locale_(settings.locale) {

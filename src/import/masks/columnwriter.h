@@ -25,6 +25,10 @@ struct ColumnSettings {
     Locale locale;
 };
 
+/// Read from the company's two tables of settings; what cannot be read is noted.
+ColumnSettings columnSettings(Recordset& settings, Recordset& settings2, Date Idag, const Locale& locale,
+                              PassedOver& passedOver);
+
 /// What the columns of a record ask of the steps behind them.
 struct WrittenColumns {
     bool setPriceDate = false;

@@ -9,22 +9,6 @@ namespace {
 
 using Outcome = ProductMatch::Outcome;
 
-ColumnSettings columnSettings(MaskTables& tables, Date Idag, const Locale& locale, PassedOver& passedOver) {
-    ColumnSettings settings;
-    settings.Idag = Idag;
-    settings.locale = locale;
-    for (std::size_t rate = 0; rate < settings.vatRates.size(); ++rate) {
-        const std::string column = std::to_string(rate + 1) + "OMomsproc";
-        attempt(passedOver, "Syinställningar." + column,
-                [&] { settings.vatRates[rate] = TillDbl(tables.settings->value(column), locale); });
-    }
-    attempt(passedOver, "Syinställningar2.PPrisDatumBM", [&] {
-        const std::int32_t mask = TillLng(tables.settings2->value("PPrisDatumBM"), locale);
-        if (mask != 0) settings.PPrisDatumBM = mask;
-    });
-    return settings;
-}
-
 }  // namespace
 
 RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier, ImportContext& context,
@@ -39,7 +23,7 @@ RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier,
       Vägtinpris_(products_->ordinal("Vägtinpris")),
       Prisändrdat_(products_->ordinal("Prisändrdat")),
       Förändringsdatum_(products_->ordinal(kFörändringsdatum)),
-      settings_(columnSettings(tables, context.Idag, context.state.locale, report_)),
+      settings_(columnSettings(*tables.settings, *tables.settings2, context.Idag, context.state.locale, report_)),
       prices_(sql_, report_, Idag_, settings_.PPrisDatumBM, context.trace),
       columns_(mask, *products_, settings_, prices_, report_, context.trace),
       defaults_(*tables.settings, *tables.settings2, context.state.locale, report_),
