@@ -7,6 +7,7 @@
 #include "definitions/window/prisstyr.h"
 #include "discounts/window/prisrab.h"
 #include "import/masks/masklook.h"
+#include "import/masks/samplerun.h"
 #include "import/window/calculationwindow.h"
 #include "import/window/jobicons.h"
 #include "import/window/prismain.h"
@@ -57,6 +58,10 @@ void openWindowsOfOthers(Program& program) {
     program.explainPrice = [&program](QWidget* parent, const RunHeader& run, const std::string& product,
                                       const std::string& column) {
         explainPrice(program, parent, run, product, column);
+    };
+    program.trySample = [&program](std::string_view supplier, const Mask& mask, const std::vector<Relation>& relations,
+                                   const std::filesystem::path& sample, std::int64_t record) {
+        return readSample(program.state.sql, program.texts, Date::today(), supplier, mask, relations, sample, record);
     };
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
 }

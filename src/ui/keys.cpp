@@ -71,6 +71,25 @@ class KeyGate final : public QObject {
     std::function<int(const std::string&, int)> rule_;
 };
 
+/// Enter and the space bar in a list do what a double click does.
+class ActsOnKey final : public QObject {
+  public:
+    ActsOnKey(QWidget& list, std::function<void()> act) : QObject(&list), act_(std::move(act)) {
+        list.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress) return false;
+        const int key = static_cast<const QKeyEvent&>(*event).key();
+        if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Space) return false;
+        act_();
+        return true;
+    }
+
+  private:
+    std::function<void()> act_;
+};
+
 bool isField(const QWidget& control) {
     return dynamic_cast<const QLineEdit*>(&control) != nullptr || dynamic_cast<const QComboBox*>(&control) != nullptr ||
            dynamic_cast<const QCheckBox*>(&control) != nullptr ||
@@ -108,6 +127,8 @@ void onKey(QWidget& control, const QKeySequence& key, const std::function<void()
     shortcut->setContext(context);
     QObject::connect(shortcut, &QShortcut::activated, &control, act);
 }
+
+void actOnEnter(QWidget& list, std::function<void()> act) { new ActsOnKey(list, std::move(act)); }
 
 void focusOnAltL(QWidget& form, QWidget& list) {
     auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_L), &form);

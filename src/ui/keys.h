@@ -24,6 +24,8 @@ void pressOnKey(QWidget& form, const QKeySequence& key, QAbstractButton& button)
 /// A key that does something while the window is active, or, with another context, while the control has the focus.
 void onKey(QWidget& control, const QKeySequence& key, const std::function<void()>& act,
            Qt::ShortcutContext context = Qt::WindowShortcut);
+/// Enter and the space bar in a list do what a double click does.
+void actOnEnter(QWidget& list, std::function<void()> act);
 /// Alt+L gives the focus to a list, beside the accelerator that its label may have.
 void focusOnAltL(QWidget& form, QWidget& list);
 

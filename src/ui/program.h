@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lang/languagetexts.h"
@@ -18,6 +20,7 @@ namespace kolmera {
 struct Mask;
 struct Relation;
 struct RunHeader;
+struct SampleValues;
 
 /// What the forms share: made in `main`, handed to every form by reference. The windows that one form opens and another
 /// subsystem owns are members here, and what one asks of a subsystem above its own, so that a test can put its own in
@@ -40,6 +43,10 @@ struct Program {
     std::function<std::vector<std::string>(const Mask&, const std::vector<Relation>&,
                                            const std::filesystem::path& sample)>
         misreadSample{};
+    /// What a run through that mask, of a job with that supplier, would do with a record of a sample file (from 0).
+    std::function<SampleValues(std::string_view supplier, const Mask&, const std::vector<Relation>&,
+                               const std::filesystem::path& sample, std::int64_t record)>
+        trySample{};
 };
 
 }  // namespace kolmera

@@ -12,6 +12,8 @@
 #include <QRadioButton>
 #include <QSignalBlocker>
 
+#include "definitions/masksample.h"
+#include "definitions/window/masksamplewindow.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
@@ -88,8 +90,8 @@ void setTextQuietly(QLineEdit& box, const std::string& text) {
 
 }  // namespace
 
-PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent)
-    : QDialog(parent), program_(program), editor_(editor) {
+PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier)
+    : QDialog(parent), program_(program), editor_(editor), supplier_(std::move(supplier)) {
     const Hourglass loading(program.boxes.port());
     setObjectName(QStringLiteral("PrisMTyp"));
     setWindowTitle(QStringLiteral("Mask (filtyp)"));
@@ -196,6 +198,7 @@ void PrisMTyp::buildButtons() {
     tabort_ = button(*this, "Tabort", "&Ta bort relation");
     lblRelationer_ = label(*this, "Lbl_Relationer", "Relat&ioner");
     relationer_ = list(*this, "Relationer", *lblRelationer_, kRelationTabStops);
+    exempel_ = button(*this, "Exempel", "Föreslå och prova mot e&xempel...");
     spara_ = button(*this, "Spara", "&Spara");
     spara_->setDefault(true);
     avbryt_ = button(*this, "Avbryt", "A&vbryt");
@@ -206,6 +209,7 @@ void PrisMTyp::layOut() {
     name->addWidget(lblNamn_);
     name->addWidget(namn_, 1);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(exempel_);
     buttons->addStretch(1);
     buttons->addWidget(spara_);
     buttons->addWidget(avbryt_);
@@ -330,6 +334,7 @@ void PrisMTyp::connectButtons() {
         editor_.removeRelation();
         present();
     });
+    connect(exempel_, &QPushButton::clicked, this, [this] { tryOnSample(); });
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
     connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
 }
@@ -338,6 +343,19 @@ void PrisMTyp::connectButtons() {
 void PrisMTyp::reject() {
     if (editor_.changed() && !leaveUnsaved(program_)) return;
     QDialog::reject();
+}
+
+void PrisMTyp::tryOnSample() {
+    SampleRun run;
+    if (program_.trySample) {
+        run = [this](const Mask& mask, const std::vector<Relation>& relations, const std::filesystem::path& sample,
+                     std::int64_t record) { return program_.trySample(supplier_, mask, relations, sample, record); };
+    }
+    MaskSample sample = openMaskSample(program_.state.sql, program_.texts, program_.boxes, program_.state.dataFolder(),
+                                       editor_, std::move(run));
+    MaskSampleWindow window(program_, sample, this);
+    VisaFormulär(program_, window, true);
+    present();
 }
 
 void PrisMTyp::save() {
@@ -400,11 +418,11 @@ void PrisMTyp::presentPositions() {
     setTextQuietly(*längd_, editor_.Längd());
 }
 
-std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample,
-                                int maskNumber) {
+std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample, int maskNumber,
+                                std::string_view supplier) {
     MaskEditor editor(program.texts, program.boxes, program.state.dataFolder(), sample, program.misreadSample);
     if (!editor.open(program.state.sql, maskNumber)) return std::nullopt;
-    PrisMTyp form(program, editor, parent);
+    PrisMTyp form(program, editor, parent, std::string(supplier));
     VisaFormulär(program, form, true);
     if (form.result() != QDialog::Accepted) return std::nullopt;
     return editor.mask().number;

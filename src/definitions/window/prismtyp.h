@@ -22,8 +22,8 @@ namespace kolmera {
 /// The mask editor's window: a mask is made against the first record of a sample price file.
 class PrisMTyp final : public QDialog {
   public:
-    /// `editor` is open already.
-    PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent);
+    /// `editor` is open already; `supplier` is the job's.
+    PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier = {});
 
     void reject() override;
 
@@ -50,9 +50,11 @@ class PrisMTyp final : public QDialog {
     void presentRules();
     void presentPositions();
     void save();
+    void tryOnSample();
 
     Program& program_;
     MaskEditor& editor_;
+    std::string supplier_;
     QLabel* lblNamn_;
     QLineEdit* namn_;
     QGroupBox *ramFilTyp_, *ramTecken_, *ramSkapaNya_, *positioner_;
@@ -63,11 +65,12 @@ class PrisMTyp final : public QDialog {
     QListWidget *frånLista_, *tillLista_, *relationer_;
     QLineEdit *frånPos_, *längd_;
     QComboBox *typKod_, *division_;
-    QPushButton *skapa_, *tabort_, *spara_, *avbryt_;
+    QPushButton *skapa_, *tabort_, *exempel_, *spara_, *avbryt_;
 };
 
 /// Edits the mask of that number, 0 for a new one, against a sample file; the company database is open. Answers the
-/// number of the saved mask, or nothing.
-std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample, int maskNumber);
+/// number of the saved mask, or nothing. `supplier` is the job's, whose products the mask is tried on.
+std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample, int maskNumber,
+                                std::string_view supplier = {});
 
 }  // namespace kolmera

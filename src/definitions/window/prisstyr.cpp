@@ -5,7 +5,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -30,25 +29,6 @@ namespace {
 
 constexpr int kCouplingLines = 11, kCouplingLinesOfFinfo = 4;
 const std::vector<int> kCompanyTabStops{208};  ///< dialog units
-
-/// Enter and the space bar in a list do what a double click does.
-class ActsOnKey final : public QObject {
-  public:
-    ActsOnKey(QWidget& list, std::function<void()> act) : QObject(&list), act_(std::move(act)) {
-        list.installEventFilter(this);
-    }
-
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-        if (event->type() != QEvent::KeyPress) return false;
-        const int key = static_cast<const QKeyEvent&>(*event).key();
-        if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Space) return false;
-        act_();
-        return true;
-    }
-
-  private:
-    std::function<void()> act_;
-};
 
 // Without a length: what is pasted must not be cut unseen. Saving checks it.
 QLineEdit* field(QWidget& parent, const char* name, QLabel& caption) {
@@ -285,7 +265,7 @@ void PrisStyr::connectMasks() {
     connect(nyMask_, &QPushButton::clicked, this, [this] { editMask(true); });
     connect(öppnaMask_, &QPushButton::clicked, this, [this] { editMask(false); });
     connect(maskLista_, &QListWidget::itemDoubleClicked, this, [this] { öppnaMask_->click(); });
-    new ActsOnKey(*maskLista_, [this] { öppnaMask_->click(); });
+    actOnEnter(*maskLista_, [this] { öppnaMask_->click(); });
     connect(taBortMask_, &QPushButton::clicked, this, [this] {
         job_.deleteMask();
         presentMasks();
@@ -392,7 +372,7 @@ void PrisStyr::editMask(bool isNew) {
         return;
     }
     const int number = isNew ? 0 : job_.masks()[static_cast<std::size_t>(job_.chosenMask())].number;
-    const auto saved = visaPrisMTyp(program_, this, *sample, number);
+    const auto saved = visaPrisMTyp(program_, this, *sample, number, job_.job.supplier);
     if (!saved) return;
     job_.maskSaved(*saved);
     presentMasks();
