@@ -1,7 +1,13 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 #include <utility>
@@ -108,28 +114,72 @@ TEST(BrokenCompany, DamageEndsTheRunAndIsOfferedToBeRepaired) {
 }
 
 /// Thousands of records with long texts, into a company that has no room for them.
-TEST(FullDisk, KeepsWholeBatches) {
-    World world;
-    world.mask({.relations = {{1, "Nummer", 'S'}, {2, "Anteckning"}}});
-    std::string file;
-    for (int line = 0; line < 4000; ++line) file += std::to_string(line) + "\t" + std::string(4000, 'x') + "\r\n";
-    world.rawPriceFile(file);
-    // So slow that batches reach the disk before it is full.
-    world.port.onEvents = [] { std::this_thread::sleep_for(std::chrono::milliseconds(30)); };
-    world.port.expectBeginning(world.texts().ModulTextMed(text::run::kDatabaseStopped, "").substr(0, 15),
-                               world.texts().ModulText(text::run::kStoppedTitle));
+struct FullDiskWorld : World {
+    FullDiskWorld() {
+        mask({.relations = {{1, "Nummer", 'S'}, {2, "Anteckning"}}});
+        std::string file;
+        for (int line = 0; line < 4000; ++line) file += std::to_string(line) + "\t" + std::string(4000, 'x') + "\r\n";
+        rawPriceFile(file);
+        // So slow that batches reach the disk before it is full.
+        port.onEvents = [] { std::this_thread::sleep_for(std::chrono::milliseconds(30)); };
+    }
+    RunSummary runUntilFull(ModuleKey told) {
+        port.expectBeginning(texts().ModulTextMed(told, "").substr(0, 15), texts().ModulText(text::run::kStoppedTitle));
+        return run();
+    }
+    void expectWholeBatches(const RunSummary& summary) const {
+        EXPECT_FALSE(summary.completed);
+        EXPECT_LT(summary.records, 4000);
+        const std::string numbers = rows("Produkt", "Nummer");
+        const auto kept = std::ranges::count(numbers, '\n');
+        EXPECT_GT(kept, 0);
+        EXPECT_LE(kept, summary.records);
+        EXPECT_EQ(kept % 25, 0) << kept << " products";
+    }
+};
+
+TEST(FullDisk, AFileThatCannotGrowKeepsWholeBatches) {
+    FullDiskWorld world;
     RunSummary summary;
     {
         const FileSizeLimit limit(2'000'000);
-        summary = world.run();
+        summary = world.runUntilFull(text::run::kDatabaseStopped);
     }
-    EXPECT_FALSE(summary.completed);
-    EXPECT_LT(summary.records, 4000);
-    const std::string numbers = world.rows("Produkt", "Nummer");
-    const auto kept = std::ranges::count(numbers, '\n');
-    EXPECT_GT(kept, 0);
-    EXPECT_LE(kept, summary.records);
-    EXPECT_EQ(kept % 25, 0) << kept << " products";
+    world.expectWholeBatches(summary);
+}
+
+/// Puts the folder on a disk of its own with that much room left, for this process alone. Whether the system lets it.
+bool moveToSmallDisk(const std::filesystem::path& folder, std::uintmax_t room) {
+    const std::filesystem::path kept = folder.string() + "-kept";
+    std::uintmax_t size = room;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.is_regular_file()) size += entry.file_size();
+    }
+    std::filesystem::copy(folder, kept, std::filesystem::copy_options::recursive);
+    if (unshare(CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER)) != 0) return false;
+    if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
+    if (mount("tmpfs", folder.c_str(), "tmpfs", 0, fmt::format("size={}", size).c_str()) != 0) return false;
+    std::filesystem::copy(kept, folder, std::filesystem::copy_options::recursive);
+    return true;
+}
+
+TEST(FullDisk, ADiskWithoutRoomKeepsWholeBatches) {
+    enum { Passed, Failed, NoDisk };
+    FullDiskWorld world;
+    const pid_t child = fork();
+    if (child == 0) {
+        if (!moveToSmallDisk(world.data(), 2'000'000)) _exit(NoDisk);
+        const RunSummary summary = world.runUntilFull(text::run::kDiskFull);
+        EXPECT_LT(std::filesystem::space(world.data()).available, 100'000U) << "the disk was not full";
+        std::filesystem::remove(world.data() / "pris.txt");  // a full disk cannot even be opened for reading
+        world.expectWholeBatches(summary);
+        _exit(testing::Test::HasFailure() ? Failed : Passed);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == NoDisk) GTEST_SKIP() << "this system lets nobody mount a small disk";
+    EXPECT_EQ(WEXITSTATUS(status), Passed);
 }
 
 }  // namespace

@@ -357,6 +357,17 @@ TEST_F(PrisMainTest, ClosingDuringARunCancelsItFirst) {
     EXPECT_FALSE(world.state.sql.FtgDB) << "the company stayed open";
 }
 
+TEST_F(PrisMainTest, CancelEndsTheWaitForALockedCompany) {
+    const auto other = openFileDatabase(world.data / "FTG1.mdb", {});
+    other->begin();
+    other->execute("UPDATE Syinställningar SET Produktnummer = '1'");
+    select(kMaskJob);
+    runAndWhen("Väntar på att ett annat program", [&](const QString&) { press("Avbryt"); });
+    EXPECT_EQ(world.boxPort.shown, std::vector<std::string>()) << "a wait that was ended is no failure";
+    EXPECT_FALSE(button("Avbryt").isVisible());
+    EXPECT_FALSE(world.state.sql.FtgDB) << "the company stayed open";
+}
+
 TEST_F(PrisMainTest, AJobToBeMendedIsOpenedFromTheRun) {
     Job job = *JobFile(world.data).find(kMaskJob);
     job.mask = "finns inte";

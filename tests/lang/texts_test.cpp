@@ -1,7 +1,9 @@
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <regex>
 #include <set>
 
@@ -75,6 +77,25 @@ TEST(Texts, TableIsWellFormedAndUsed) {
         EXPECT_EQ(markersOf(row[1]), markersOf(row[2])) << "the languages differ in their markers";
         EXPECT_TRUE(isUsed(row[0], row[3], source)) << "nobody uses it";
     }
+}
+
+/// Changes are listed under the names of columns. A table that has names at all has one for each, but for its ID.
+TEST(Texts, NoColumnOfAListedTableLacksItsName) {
+    std::map<std::string, std::vector<std::string>> texts;
+    for (const auto& row : Tsv::read(kProject / "data/lang/texts.tsv").rows) texts[row[0]] = row;
+    int listed = 0;
+    for (const TableDef& table : companySchema()) {
+        const auto keyOf = [&](std::size_t i) { return fmt::format("RGA_{}_{:03}", table.name, i); };
+        if (!texts.contains(keyOf(1))) continue;
+        ++listed;
+        for (std::size_t i = 1; i < table.fields.size(); ++i) {
+            const auto found = texts.find(keyOf(i));
+            ASSERT_NE(found, texts.end()) << keyOf(i) << " " << table.fields[i].name;
+            EXPECT_EQ(found->second[1], table.fields[i].name) << "a name has moved to another column";
+            EXPECT_NE(found->second[2], "") << table.fields[i].name;
+        }
+    }
+    EXPECT_EQ(listed, 5) << "Produkt and what belongs to it";
 }
 
 }  // namespace

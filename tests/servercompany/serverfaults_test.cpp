@@ -6,6 +6,7 @@
 
 #include "db/serverregister.h"
 #include "discounts/letterexchange.h"
+#include "lang/keys/company.h"
 #include "lang/keys/run.h"
 #include "lang/keys/shared.h"
 #include "support/companyrows.h"
@@ -97,6 +98,48 @@ TEST(RefusedStatement, LeavesTheOthersOfItsBatch) {
     EXPECT_EQ(world.rows("Produkt", "Nummer, Inpris").find("N60 "), std::string::npos);
     EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris, 1Utpris"), HasSubstr("N7 7.5 9.38\n"));
     EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris"), HasSubstr("\nN59 59.5\nN61 61.5\n"));
+}
+
+/// Another session that has written to a product of the second batch, and has not committed.
+struct RowHolder {
+    std::unique_ptr<Database> session = TestServer::ofProcess().open();
+    RowHolder() {
+        session->begin();
+        session->execute("UPDATE Produkt SET Vikt = 1 WHERE Nummer = 'N40'");
+    }
+};
+
+TEST(LockedRow, IsWaitedForUntilItIsLetGoOrTheRunIsCancelled) {
+    for (const bool letGo : {true, false}) {
+        SCOPED_TRACE(letGo);
+        FaultWorld world;
+        const RowHolder other;
+        const std::string waiting = world.texts().ModulTextMed(text::company::kWaiting, world.shownCompany());
+        int waits = 0;
+        world.port.onEvents = [&] {
+            if (world.port.statuses.empty() || world.port.statuses.back() != waiting || ++waits != 3) return;
+            if (letGo) {
+                other.session->commit();
+            } else {
+                world.port.pressCancel();
+            }
+        };
+        const RunSummary summary = world.run();
+        EXPECT_EQ(summary.completed, letGo);
+        EXPECT_EQ(summary.cancelled, !letGo);
+        EXPECT_GE(waits, 3) << "the run did not wait";
+        EXPECT_THAT(world.port.passedOver, IsEmpty());
+        if (letGo) {
+            EXPECT_EQ(world.products(), kRecords);
+            EXPECT_THAT(world.rows("Produkt", "Nummer, Inpris, 1Utpris, Vikt"), HasSubstr("N40 40.5 50.62 1\n"))
+                << "what the other session wrote is gone";
+            continue;
+        }
+        // The first batch is whole, and of the second what came before the row that is held.
+        const auto kept = std::ranges::count(world.rows("Prodaltprodnr", "Alternativnr"), '\n');
+        EXPECT_GE(kept, kBatch);
+        EXPECT_LT(kept, 40);
+    }
 }
 
 /// Every record would fail: that is no matter of the file.
