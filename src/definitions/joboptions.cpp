@@ -1,9 +1,11 @@
 #include "definitions/joboptions.h"
 
+#include <functional>
 #include <nlohmann/json.hpp>
 
 #include "platform/error.h"
 #include "platform/recordfolder.h"
+#include "source/settingsjson.h"
 
 namespace kolmera {
 namespace {
@@ -12,6 +14,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kJobs = "jobs";
 constexpr const char* kLimitsMember = "limits";
+constexpr const char* kSourceMember = "source";
+constexpr const char* kSourceMembers[] = {"format", "headings", "columns", "leaveOut"};
 
 [[noreturn]] void refuse() {
     throw PlatformError(errors::kDamaged, "not the options of jobs").about(std::string(kJobOptionsFile));
@@ -56,36 +60,66 @@ Limits limitsOf(const Json& job) {
     return limits;
 }
 
-}  // namespace
-
-Limits JobOptionsFile::limits(std::string_view job) const {
-    const std::optional<Json> file = parsed(readWholeText(folder_, kJobOptionsFile));
+/// What the file has of a job; an empty object where it has nothing.
+Json optionsOf(const std::filesystem::path& folder, std::string_view job) {
+    const std::optional<Json> file = parsed(readWholeText(folder, kJobOptionsFile));
     if (!file) refuse();
     const Json jobs = file->value(kJobs, Json::object());
-    const auto found = jobs.find(std::string(job));
-    return found == jobs.end() ? Limits{} : limitsOf(*found);
+    return jobs.value(std::string(job), Json::object());
 }
 
-void JobOptionsFile::setLimits(std::string_view job, const Limits& limits) {
-    RecordChange change(folder_);
+/// Changes what the file has of a job.
+void changeOptions(const std::filesystem::path& folder, std::string_view job,
+                   const std::function<void(Json& options)>& edit) {
+    RecordChange change(folder);
     std::string& content = change.text(kJobOptionsFile);
     std::optional<Json> file = parsed(content);
     if (!file) refuse();
     Json& jobs = child(*file, kJobs);
-    Json& options = child(jobs, job);
-    Json& stored = child(options, kLimitsMember);
-    for (const LimitKind& kind : kLimits) {
-        const std::optional<double>& value = limits.*kind.value;
-        if (value) {
-            stored[std::string(kind.name)] = *value;
-        } else {
-            stored.erase(std::string(kind.name));
-        }
-    }
-    removeEmpty(options, kLimitsMember);
+    edit(child(jobs, job));
     removeEmpty(jobs, job);
     content = textOf(*file);
     change.commit();
+}
+
+}  // namespace
+
+Limits JobOptionsFile::limits(std::string_view job) const { return limitsOf(optionsOf(folder_, job)); }
+
+void JobOptionsFile::setLimits(std::string_view job, const Limits& limits) {
+    changeOptions(folder_, job, [&](Json& options) {
+        Json& stored = child(options, kLimitsMember);
+        for (const LimitKind& kind : kLimits) {
+            const std::optional<double>& value = limits.*kind.value;
+            if (value) {
+                stored[std::string(kind.name)] = *value;
+            } else {
+                stored.erase(std::string(kind.name));
+            }
+        }
+        removeEmpty(options, kLimitsMember);
+    });
+}
+
+std::optional<SourceSettings> JobOptionsFile::source(std::string_view job) const {
+    const Json options = optionsOf(folder_, job);
+    const auto stored = options.find(kSourceMember);
+    if (stored == options.end()) return std::nullopt;
+    auto settings = sourceSettingsOf(*stored);
+    if (!settings) refuse();
+    return settings;
+}
+
+void JobOptionsFile::setSource(std::string_view job, const std::optional<SourceSettings>& source) {
+    changeOptions(folder_, job, [&](Json& options) {
+        if (!source) {
+            options.erase(kSourceMember);
+            return;
+        }
+        Json& stored = child(options, kSourceMember);
+        for (const char* member : kSourceMembers) stored.erase(member);
+        stored.update(toJson(*source));
+    });
 }
 
 void renameJobOptions(std::string& content, std::string_view from, std::string_view to, bool copies) {

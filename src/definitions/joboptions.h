@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "lang/keys/limits.h"
+#include "source/sourcesettings.h"
 
 namespace kolmera {
 
@@ -52,6 +53,9 @@ class JobOptionsFile {
     /// None where there is no file, or nothing in it about the job.
     [[nodiscard]] Limits limits(std::string_view job) const;
     void setLimits(std::string_view job, const Limits& limits);
+    /// How the job's price file is turned into what its mask reads; nothing: the mask reads the file as it is.
+    [[nodiscard]] std::optional<SourceSettings> source(std::string_view job) const;
+    void setSource(std::string_view job, const std::optional<SourceSettings>& source);
 
   private:
     std::filesystem::path folder_;
