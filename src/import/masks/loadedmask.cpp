@@ -1,17 +1,9 @@
 #include "import/masks/loadedmask.h"
 
-#include <algorithm>
-
-#include "platform/locale.h"
+#include "definitions/masktarget.h"
 
 namespace kolmera {
 namespace {
-
-/// The number that a text of at most four characters begins with; "1E9" must not become a list of that size.
-int wholeNumber(const std::string& text) {
-    constexpr double kMost = 9999;
-    return static_cast<int>(std::clamp(roundHalfEven(leadingNumber(text)), 0.0, kMost));
-}
 
 LoadedMask::Layout layoutOf(char FilTyp) {
     switch (FilTyp) {
@@ -24,14 +16,6 @@ LoadedMask::Layout layoutOf(char FilTyp) {
     }
 }
 
-/// A mask that was never opened over a sample of its file does not know its number of columns.
-int tabColumns(int AntalKolumner, const std::vector<Relation>& relations) {
-    int columns = AntalKolumner;
-    if (columns > 0) return columns;
-    for (const Relation& relation : relations) columns = std::max(columns, relation.Källa);
-    return columns;
-}
-
 }  // namespace
 
 LoadedMask::LoadedMask(const Mask& mask, std::vector<Relation> allRelations)
@@ -40,8 +24,8 @@ LoadedMask::LoadedMask(const Mask& mask, std::vector<Relation> allRelations)
       codePage(mask.Tecken == 'J' ? CodePage::Oem850 : CodePage::Windows1252),
       SkapaNya(mask.SkapaNya == 'J'),
       UppdatLev(mask.UppdatLev == 'J'),
-      AntalRader(wholeNumber(mask.AntalRader)),
-      Postlängd(wholeNumber(mask.Postlängd)),
+      AntalRader(maskNumber(mask.AntalRader)),
+      Postlängd(maskNumber(mask.Postlängd)),
       relations(std::move(allRelations)) {
     tooManyRelations = relations.size() > std::size_t{kMostRelations};
     if (tooManyRelations) relations.resize(std::size_t{kMostRelations});
@@ -51,7 +35,7 @@ LoadedMask::LoadedMask(const Mask& mask, std::vector<Relation> allRelations)
             entries = AntalRader;
             break;
         case Layout::Tabs:
-            entries = tabColumns(mask.AntalKolumner, relations);
+            entries = tabColumns(mask, relations);
             break;
         case Layout::Fixed:
             entries = static_cast<int>(relations.size());

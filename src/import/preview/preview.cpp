@@ -102,7 +102,9 @@ Preview previewRun(ImportContext& context, std::string_view jobText, const Previ
                       .preview = &mode,
                       .trace = context.trace,
                       .mayWrite = {},
-                      .record = &keeping};
+                      .record = &keeping,
+                      .otherFile = context.otherFile,
+                      .taken = context.taken};
     result.summary = Utför(own, jobText);
     if (!keeping.id.empty() && !keeping.failure)
         result.record = std::make_unique<RecordReader>(keeping.folder / (keeping.id + std::string(kRecordEnding)));
