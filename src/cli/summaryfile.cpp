@@ -55,6 +55,7 @@ Json remarksJson(const RunReport& report) {
     Json remarks = Json::object();
     for (const RemarkKind& kind : kRemarks) {
         const RunReport::Tally& tally = report.tally(kind.remark);
+        if (kind.ofSource && tally.count == 0) continue;
         remarks[std::string(kind.name)] = {{"count", tally.count}, {"examples", examplesJson(tally)}};
     }
     return remarks;

@@ -54,7 +54,7 @@ void MaskRun::run() {
     openProducts();
     checkColumns();
     if (!confirm()) return;
-    if (!machinery_.prepare() || !machinery_.findPriceFile() || !readsFile()) return;
+    if (!machinery_.prepare() || !machinery_.findPriceFile() || !machinery_.takeSource() || !readsFile()) return;
     enterRunMode();
     removeEmptyAlternatives();
     if (!machinery_.openPriceFile()) return;
@@ -182,12 +182,13 @@ void MaskRun::readRecords() {
     MaskRecordReader reader(machinery_.priceFile(), mask_);
     BatchTransaction transaction(*sql_.FtgDB);
     while (reader.next()) {
-        machinery_.at({.record = reader.count(), .offset = reader.offset(), .length = reader.length()});
-        import.import(reader.entries());
+        const std::int64_t number = machinery_.numberOf(reader.count());
+        machinery_.at({.record = number, .offset = reader.offset(), .length = reader.length()});
+        import.import(reader.entries(), number);
         if (reader.uneven()) machinery_.report().remark(Remark::UnevenRecord);
         if (reader.count() % kBatch != 0) continue;
         transaction.next();
-        machinery_.noteKept(reader.count());
+        machinery_.noteKept(number);
         if (!machinery_.progress(reader.count())) break;
     }
     transaction.end();

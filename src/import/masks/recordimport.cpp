@@ -39,9 +39,10 @@ RecordImport::RecordImport(const LoadedMask& mask, std::string_view jobSupplier,
     if (mask.document.present()) documents_.emplace(mask, sql_, Idag_, summary);
 }
 
-void RecordImport::import(const EntryList& entries) {
-    report_.at(++summary_.records);
-    if (trace_) trace_->record(summary_.records);
+void RecordImport::import(const EntryList& entries, std::int64_t number) {
+    ++summary_.records;
+    report_.at(number);
+    if (trace_) trace_->record(number);
     report_.about(entries.text(mask_.key));
     const ProductMatch found = match(entries);
     if (found.outcome == Outcome::Skip) return report_.remark(found.skipped);

@@ -34,7 +34,8 @@ class RecordImport {
 
     /// Nothing that the database refuses stops a record but the error that ends the run: a refused value leaves its
     /// column, a failed search or save the record.
-    void import(const EntryList& entries);
+    /// `number` is that by which the user knows the record.
+    void import(const EntryList& entries, std::int64_t number);
 
   private:
     [[nodiscard]] ProductMatch match(const EntryList& entries);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "definitions/jobfile.h"
@@ -16,6 +18,7 @@
 namespace kolmera {
 
 class PriceTrace;
+struct TakenSource;
 
 /// What is different in a run that nothing comes of.
 struct PreviewMode {
@@ -41,6 +44,11 @@ struct ImportContext {
     /// Asked when all is known and nothing is changed yet; false ends the run. Unset, nothing speaks against it.
     std::function<bool(bool emptyTables)> mayWrite = {};
     RecordKeeping* record = nullptr;  ///< set where the run keeps a record
+    /// Another price file for this run, "-" for standard input; the preparation command is then left out.
+    std::string otherFile = {};
+    /// What the run reads in place of its price file. Set by the run before it asks `mayWrite`; a run that is given one
+    /// reads it.
+    std::shared_ptr<TakenSource> taken = {};
 };
 
 }  // namespace kolmera

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "source/settingsjson.h"
+
 namespace kolmera {
 
 namespace {
@@ -113,6 +115,7 @@ std::string definitionText(const RunDefinition& definition) {
                                      {"supplier", coupling.supplier},
                                      {"mainSupplier", coupling.mainSupplier}});
     }
+    if (definition.source) json["source"] = toJson(*definition.source);
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 

@@ -9,6 +9,7 @@
 #include "definitions/jobfile.h"
 #include "definitions/maskfile.h"
 #include "import/run/runsummary.h"
+#include "source/sourcesettings.h"
 
 namespace kolmera {
 
@@ -20,10 +21,11 @@ struct RunDefinition {
     Job job;
     std::optional<WholeMask> mask = std::nullopt;
     std::vector<Coupling> couplings = {};
+    std::optional<SourceSettings> source = std::nullopt;
 };
 
-/// JSON: "job", "mask" with "relations", "couplings"; the members are the fields of `Job`, `Mask`, `Relation` and
-/// `Coupling` by name.
+/// JSON: "job", "mask" with "relations", "couplings", "source" as it is stored; the members are the fields of `Job`,
+/// `Mask`, `Relation` and `Coupling` by name.
 std::string definitionText(const RunDefinition& definition);
 /// What such a text says; nothing for any other text.
 std::optional<RunDefinition> definitionOf(const std::string& text);

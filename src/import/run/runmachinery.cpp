@@ -11,6 +11,8 @@
 
 #include "db/batchtransaction.h"
 #include "db/conversions.h"
+#include "definitions/joboptions.h"
+#include "definitions/masktarget.h"
 #include "definitions/pricefilepath.h"
 #include "history/presentrows.h"
 #include "import/run/filedoubt.h"
@@ -25,6 +27,7 @@
 #include "lang/keys/preview.h"
 #include "lang/keys/prismain.h"
 #include "lang/keys/run.h"
+#include "lang/keys/source.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 
@@ -72,6 +75,7 @@ bool RunMachinery::HämtaKolmeraData() {
     job_.company = properCase(job_.company);
     job_.fromGroup = upperCase(job_.fromGroup);
     job_.toGroup = upperCase(job_.toGroup);
+    if (!context_.otherFile.empty()) job_.priceFile = context_.otherFile;
     progressLabel_ = texts().FormulärSträng(text::prismain::kRecordsRead) + " ";
     return read;
 }
@@ -153,7 +157,8 @@ bool RunMachinery::confirm(Recordset& products, Recordset& settings2, std::strin
 
 bool RunMachinery::prepare() {
     port().hourglass(true);
-    const bool runs = !job_.command.empty() && (!context_.preview || context_.preview->runsCommand);
+    const bool wanted = context_.otherFile.empty() && (!context_.preview || context_.preview->runsCommand);
+    const bool runs = wanted && !job_.command.empty();
     return !runs || FörberedFil(job_.command);
 }
 
@@ -204,7 +209,13 @@ std::filesystem::path RunMachinery::wantedPriceFile() const {
 }
 
 bool RunMachinery::findPriceFile() {
-    priceFilePath_ = wantedPriceFile();
+    if (!context_.otherFile.empty()) {
+        priceFilePath_ = context_.otherFile;
+        if (priceFilePath_ == kStandardInput) return true;
+        priceFilePath_ = std::filesystem::absolute(priceFilePath_);
+    } else {
+        priceFilePath_ = wantedPriceFile();
+    }
     std::error_code unreadable;
     if (!priceFilePath_.empty() && std::filesystem::exists(priceFilePath_, unreadable)) return true;
     const std::string title = texts().FormulärSträng(text::prismain::kCannotFindPriceFile);
@@ -216,11 +227,76 @@ std::unique_ptr<PriceFile> RunMachinery::open(const std::filesystem::path& file)
     return std::make_unique<PriceFile>(file, [this] { return port().cancelled(); });
 }
 
+bool RunMachinery::takeSource(std::optional<CodePage> lines) {
+    if (context_.taken) return true;  // by the run that this one previews
+    std::optional<SourceSettings> settings;
+    if (!readDefinitions([&] { settings = JobOptionsFile(context_.state.dataFolder()).source(job_.name); }))
+        return false;
+    std::error_code unknown;
+    const bool pipe =
+        priceFilePath_ == kStandardInput || (settings && !std::filesystem::is_regular_file(priceFilePath_, unknown));
+    if (!settings && !pipe) return true;
+    context_.taken = std::make_shared<TakenSource>();
+    context_.taken->original = priceFilePath_;
+    if (pipe && !keepBytes()) return false;
+    if (!settings) return true;
+    TargetLayout layout = definition_.mask ? targetLayout(*definition_.mask) : TargetLayout{};
+    if (lines) layout.page = *lines;
+    layout.decimalSign = context_.state.locale.decimalSign();
+    return convertSource(*settings, layout);
+}
+
+bool RunMachinery::keepBytes() {
+    try {
+        context_.taken->kept =
+            keptBytes(priceFilePath_, workPlaces(context_.state.dataFolder()), [this] { return port().cancelled(); });
+        return true;
+    } catch (const ReadingCancelled&) {
+        throw;
+    } catch (const PlatformError& error) {
+        const std::string title = texts().ModulText(text::source::kUnreadableTitle);
+        warn(title + "." + std::string(kLineBreaks) + errorText(texts(), error), title);
+        return false;
+    }
+}
+
+bool RunMachinery::convertSource(const SourceSettings& settings, const TargetLayout& layout) {
+    constexpr std::uint64_t kWhole = 1000;
+    port().status(texts().ModulText(text::source::kConverting));
+    try {
+        const auto changed = convert(
+            *context_.taken, settings, layout, workPlaces(context_.state.dataFolder()),
+            [this] { return port().cancelled(); },
+            [this](double part) { port().progress(static_cast<std::uint64_t>(part * kWhole), kWhole); });
+        if (!changed) return true;
+        warn(headingMessage(texts(), *changed, settings), texts().ModulText(text::source::kHeadingsTitle));
+    } catch (const ReadingCancelled&) {
+        throw;
+    } catch (const PlatformError& error) {
+        warn(texts().ModulTextMed(text::source::kUnreadable, job_.priceFile) + std::string(kLineBreaks) +
+                 errorText(texts(), error),
+             texts().ModulText(text::source::kUnreadableTitle));
+    }
+    return false;
+}
+
+std::int64_t RunMachinery::numberOf(std::int64_t record) {
+    if (!isConverted()) return record;
+    const std::int64_t line = (record - 1) * context_.taken->rowsPerRecord + 1;
+    return static_cast<std::int64_t>(context_.taken->rows->of(static_cast<std::uint64_t>(line)));
+}
+
 bool RunMachinery::openPriceFile() {
     try {
-        priceFile_ = open(priceFilePath_);
-        if (record_) priceFile_->tell([record = record_](std::string_view bytes) { record->read(bytes); });
+        priceFile_ = open(context_.taken ? context_.taken->read() : priceFilePath_);
+        if (record_ && isConverted()) {
+            recordOriginal();
+        } else if (record_) {
+            priceFile_->tell([record = record_](std::string_view bytes) { record->read(bytes); });
+        }
         return true;
+    } catch (const ReadingCancelled&) {
+        throw;
     } catch (const PlatformError& error) {
         const std::string title = texts().FormulärSträng(text::prismain::kCannotOpenPriceFile);
         warn(title + " " + job_.priceFile + "." + std::string(kLineBreaks) + errorText(texts(), error), title);
@@ -228,13 +304,23 @@ bool RunMachinery::openPriceFile() {
     }
 }
 
+/// A record has the bytes of the file that the supplier sent.
+void RunMachinery::recordOriginal() {
+    constexpr std::size_t kPiece = 1 << 18;
+    const std::unique_ptr<PriceFile> original = open(context_.taken->bytes());
+    original->tell([record = record_](std::string_view bytes) { record->read(bytes); });
+    while (!original->bytes(kPiece).empty()) {
+    }
+}
+
 bool RunMachinery::readsFile(const std::function<FileFacts(const std::filesystem::path&)>& look) {
     FileFacts facts;
     PassedOverSilently passedOver;  // a file that cannot be read is told of where it is opened
-    attempt(passedOver, "readsFile", [&] { facts = look(priceFilePath_); });
+    attempt(passedOver, "readsFile", [&] { facts = look(context_.taken ? context_.taken->read() : priceFilePath_); });
     if (!facts.empty() && !readsDoubtfulFile(facts)) return false;
     if (context_.mayWrite && !mayWrite()) return false;
     if (context_.record != nullptr) beginRecord();
+    if (isConverted()) tell(context_.taken->notes, report());
     return true;
 }
 
@@ -247,6 +333,7 @@ bool RunMachinery::mayWrite() {
 
 void RunMachinery::beginRecord() {
     definition_.job = job_;
+    if (context_.taken) definition_.source = context_.taken->settings;
     RunHeader header;
     header.job = job_.name;
     header.definition = definitionText(definition_);

@@ -13,7 +13,9 @@
 #include "import/run/importcontext.h"
 #include "import/run/recordedrun.h"
 #include "import/run/runcounts.h"
+#include "import/run/sourcestage.h"
 #include "platform/batchprocess.h"
+#include "platform/encodings.h"
 #include "platform/pricefile.h"
 
 namespace kolmera {
@@ -71,16 +73,22 @@ class RunMachinery {
     /// summary. False, too, when the wait for the turn was cancelled.
     [[nodiscard]] bool FörberedFil(const std::string& command);
     [[nodiscard]] bool findPriceFile();
-    /// Looks at the file that `findPriceFile` has found, before anything is changed. When it is not what the run
+    /// Turns the file that `findPriceFile` has found into what the run's mask reads, or the lines of a trade format in
+    /// these characters, where the job has a source. False, and told, when that cannot be done.
+    [[nodiscard]] bool takeSource(std::optional<CodePage> lines = {});
+    /// Looks at what is going to be read, before anything is changed. When it is not what the run
     /// expects, it is read all the same or the run stops, as the user decides. Then `ImportContext::mayWrite` is asked,
     /// and the run's record begins.
     [[nodiscard]] bool readsFile(const std::function<FileFacts(const std::filesystem::path&)>& look);
-    /// Opens the file that `findPriceFile` has found.
+    /// Opens what is read: the file that `findPriceFile` has found, or what was made of it.
     [[nodiscard]] bool openPriceFile();
     [[nodiscard]] const std::filesystem::path& priceFilePath() const { return priceFilePath_; }
     [[nodiscard]] PriceFile& priceFile() { return *priceFile_; }
     /// Opens a file that is read in this run, so that Cancel is heard while it has nothing to read.
     [[nodiscard]] std::unique_ptr<PriceFile> open(const std::filesystem::path& file);
+
+    /// The number by which the user knows a record (line): its own, or the row of the source that it comes from.
+    [[nodiscard]] std::int64_t numberOf(std::int64_t record);
 
     // During the run.
     void Körläge(bool on);
@@ -93,7 +101,7 @@ class RunMachinery {
 
     /// The record (line) of the price file that is imported now.
     void at(const RecordPlace& place) {
-        if (record_) record_->at(place);
+        if (record_) record_->at(isConverted() ? RecordPlace{.record = place.record} : place);
     }
     /// A batch has been committed that ends with this record (line).
     void noteKept(std::int64_t record) { kept_ = record; }
@@ -126,6 +134,10 @@ class RunMachinery {
 
     [[nodiscard]] bool mayWrite();
     void beginRecord();
+    void recordOriginal();
+    [[nodiscard]] bool keepBytes();
+    [[nodiscard]] bool convertSource(const SourceSettings& settings, const TargetLayout& layout);
+    [[nodiscard]] bool isConverted() const { return context_.taken && context_.taken->rows; }
 
     ImportContext& context_;
     std::shared_ptr<RecordedRun> record_;  // outlives the company, which it listens to

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lang/keys/remark.h"
+#include "lang/keys/source.h"
 #include "platform/attempt.h"
 
 namespace kolmera {
@@ -26,18 +27,29 @@ enum class Remark {
     NoProduct,        ///< a record whose product does not exist, and is not to be made
     NoKey,            ///< a record without search key or product number
     OtherLine,        ///< trade formats: a line of a kind that is not read
+    // Of a source that is turned into what a mask reads; see source/conversion/sourcenotes.h.
+    UnfitValue,         ///< a value that is not what its column says
+    LackingCharacters,  ///< a value with characters that the mask's character set lacks
+    CutValue,           ///< a value that is longer than its place in the record
+    MalformedText,      ///< bytes that are no characters
+    ErrorValue,         ///< a cell that holds an error
+    BreakInValue,       ///< a value with line ends or tabs
+    StrayQuote,         ///< quotes that stand where none should
+    LeftOutRow,         ///< a row that the settings leave out
 };
 
 struct RemarkKind {
     Remark remark;
     std::string_view name;  ///< in the summary file
     ModuleKey text;
-    bool asItStands;  ///< the file was taken as it stands: nothing to look into
-    bool skips;       ///< the record wrote nothing
-    bool rejects;     ///< the record may have to be corrected: it belongs in a file of rejected records
+    bool asItStands;        ///< the file was taken as it stands: nothing to look into
+    bool skips;             ///< the record wrote nothing
+    bool rejects;           ///< the record may have to be corrected: it belongs in a file of rejected records
+    bool ofSource = false;  ///< only a job with a source has it
 };
 
-/// One row a remark, in their order. What the job leaves out by its product groups is no reject, and neither is a line that nobody reads.
+/// One row a remark, in their order. What the job leaves out by its product groups is no reject, and neither is a line
+/// that nobody reads.
 inline constexpr RemarkKind kRemarks[] = {
     {Remark::NotNumber, "not_numbers", text::remark::kNotNumbers, false, false, true},
     {Remark::MissingPrice, "missing_prices", text::remark::kMissingPrices, false, false, true},
@@ -51,6 +63,14 @@ inline constexpr RemarkKind kRemarks[] = {
     {Remark::NoProduct, "no_product", text::remark::kNoProduct, true, true, true},
     {Remark::NoKey, "no_key", text::remark::kNoKey, true, true, true},
     {Remark::OtherLine, "other_lines", text::remark::kOtherLines, true, true, false},
+    {Remark::UnfitValue, "unfit_values", text::source::kUnfitValues, false, false, true, true},
+    {Remark::LackingCharacters, "lacking_characters", text::source::kLackingCharacters, false, false, true, true},
+    {Remark::CutValue, "cut_values", text::source::kCutValues, false, false, true, true},
+    {Remark::MalformedText, "malformed_texts", text::source::kMalformedTexts, false, false, true, true},
+    {Remark::ErrorValue, "error_values", text::source::kErrorValues, false, false, true, true},
+    {Remark::BreakInValue, "breaks_in_values", text::source::kBreaksInValues, true, false, false, true},
+    {Remark::StrayQuote, "stray_quotes", text::source::kStrayQuotes, true, false, false, true},
+    {Remark::LeftOutRow, "left_out_rows", text::source::kLeftOutRows, true, false, false, true},
 };
 
 /// The kind of a statement that the database refused; its name is in `column`.
@@ -112,6 +132,8 @@ class RunReport final : public PassedOver {
     }
 
     void remark(Remark remark, std::string_view column = {}, std::string_view text = {});
+    /// So many of a kind beside those that were told.
+    void more(Remark remark, std::int64_t count) { tallies_[static_cast<std::size_t>(remark)].count += count; }
     /// A value of the price file that is written as 0. `source` is its place in the record, from 1: a value that goes
     /// to several columns is one value. 0 when it goes to one.
     void zero(Remark remark, int source, std::string_view column, std::string_view text);

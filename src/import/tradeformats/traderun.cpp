@@ -87,13 +87,12 @@ void readLines(RunMachinery& run, TradeFormat& format) {
     std::int64_t written = 0;
     while (!file.atEnd()) {
         const std::int64_t before = rowsWritten(summary);
-        summary.report.at(++summary.records);
-        if (PriceTrace* trace = run.context().trace) trace->record(summary.records);
+        const std::int64_t number = run.numberOf(++summary.records);
+        summary.report.at(number);
+        if (PriceTrace* trace = run.context().trace) trace->record(number);
         const auto offset = static_cast<std::int64_t>(file.position());
         const std::string_view line = file.line();
-        run.at({.record = summary.records,
-                .offset = offset,
-                .length = static_cast<std::int64_t>(file.position()) - offset});
+        run.at({.record = number, .offset = offset, .length = static_cast<std::int64_t>(file.position()) - offset});
         if (format.takeLine(line) == LineUse::Written) {
             if (rowsWritten(summary) > before) {
                 ++summary.used;
@@ -102,7 +101,7 @@ void readLines(RunMachinery& run, TradeFormat& format) {
             }
             if (++written % kRecordsPerBatch == 0) {
                 transaction.next();
-                run.noteKept(summary.records);
+                run.noteKept(number);
             }
         }
         if (!goesOn(run, summary.records)) break;
@@ -153,7 +152,7 @@ bool readsFile(RunMachinery& run, const TradeJob& job, const std::vector<Coupled
     return run.readsFile([&](const std::filesystem::path& file) {
         SupplierLookup lookup(suppliers, job.page);
         FileFacts facts = lookAtTradeFile(file, job.look, lookup, run.job());
-        if (job.readsGroups) std::ranges::move(lookAtGroups(file), std::back_inserter(facts));
+        if (job.readsGroups) std::ranges::move(lookAtGroups(run.priceFilePath()), std::back_inserter(facts));
         return facts;
     });
 }
@@ -172,7 +171,8 @@ void runTradeFormat(RunMachinery& run, const TradeJob& job) {
     ProductRows products(run.sql(), run.report());
     auto rows = couplingRows(suppliers, run.texts().FormulärSträng(text::prisutfa::kMainSupplier));
     if (!run.confirm(products.row.rows(), *company.settings2, run.MeddelandeUtför(heading), std::move(rows))) return;
-    if (!run.prepare() || !run.findPriceFile() || !readsFile(run, job, suppliers) || !run.openPriceFile()) return;
+    if (!run.prepare() || !run.findPriceFile() || !run.takeSource(job.page)) return;
+    if (!readsFile(run, job, suppliers) || !run.openPriceFile()) return;
     readPriceFile(run, job, products, company, std::move(suppliers));
     run.summary().completed = true;
 }
