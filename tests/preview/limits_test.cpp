@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <span>
 
 #include "cli/climachine.h"
@@ -74,7 +75,7 @@ TEST(Limits, AskBeforeTheyAreBroken) {
 
 TEST(Limits, ThatCannotBeReadLimitNothingAndAreToldOnce) {
     LimitsWorld world({.largestChange = 1});
-    std::filesystem::resize_file(world.data() / "KOLMERA.JSON", 5);
+    std::ofstream(world.data() / "KOLMERA.JSON") << R"({"jobs": {"Test": {"limits": 1}}})";
     world.port.expectBeginning(world.texts().ModulTextMed(text::limits::kUnreadable, kJobOptionsFile), "Kolmera");
     EXPECT_TRUE(world.runWithinLimits().completed);
     EXPECT_EQ(world.prices(), kAfter);
