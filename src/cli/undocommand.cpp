@@ -10,10 +10,9 @@
 #include "cli/runchoice.h"
 #include "cli/session.h"
 #include "cli/terminalport.h"
-#include "db/conversions.h"
-#include "history/captions.h"
 #include "history/recordedundo.h"
 #include "history/runfolder.h"
+#include "history/undotexts.h"
 #include "lang/errortext.h"
 #include "lang/keys/company.h"
 #include "lang/keys/history.h"
@@ -27,17 +26,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr struct {
-    Stays why;
-    const char* name;
-    ModuleKey text;
-} kReasons[] = {{Stays::Changed, "changed", text::history::kChangedSince},
-                {Stays::Removed, "removed", text::history::kRemovedSince},
-                {Stays::Named, "named", text::history::kNamed},
-                {Stays::KeyTaken, "number_taken", text::history::kNumberTaken},
-                {Stays::Refused, "refused", text::history::kRefused}};
-
-const auto& reasonOf(const KeptRow& row) { return kReasons[static_cast<std::size_t>(row.why)]; }
+/// `Stays` by name, in its order.
+constexpr const char* kReasonNames[] = {"changed", "removed", "named", "number_taken", "refused"};
 
 Json jsonOf(const Value& value) {
     if (const auto* yes = std::get_if<bool>(&value)) return *yes;
@@ -153,25 +143,20 @@ int UndoCommand::finish(bool finished, const RecordedUndo& recorded) {
 }
 
 void UndoCommand::print(const UndoCounts& counts) {
-    const std::pair<ModuleKey, std::int64_t> lines[] = {{text::history::kChangedBack, counts.changedBack},
-                                                        {text::history::kNewRemoved, counts.removed},
-                                                        {text::history::kBroughtBack, counts.broughtBack},
-                                                        {text::history::kAsBefore, counts.asBefore},
-                                                        {text::history::kKept, counts.kept}};
-    for (const auto& [label, count] : lines) surroundings_.out << fmt::format("{}: {}\n", session_.text(label), count);
+    for (const auto& [label, count] : captioned(counts)) {
+        surroundings_.out << fmt::format("{}: {}\n", session_.text(label), count);
+    }
 }
 
 void UndoCommand::printKept(const RecordedUndo& recorded) {
     recorded.undo().forEachKept([&](const KeptRow& row) {
         std::string name = row.table;
         if (!row.label.empty()) name += ' ' + row.label;
-        surroundings_.err << fmt::format("{}, ID {}: {}\n", name, row.id, session_.text(reasonOf(row).text, row.by));
+        surroundings_.err << fmt::format("{}, ID {}: {}\n", name, row.id, reasonText(session_.texts, row));
+        const TableDef& table = database().table(row.table);
         for (const KeptCell& cell : row.cells) {
-            const FieldDef& field = fieldOf(row, cell);
-            const auto shown = [&](const Value& value) { return TillText(value, field.type, session_.state.locale); };
-            surroundings_.err << fmt::format(
-                "  {}: {}\n", columnCaption(session_.texts, database().table(row.table), cell.column),
-                fmt::format("\"{}\" > \"{}\" > \"{}\"", shown(cell.before), shown(cell.left), shown(cell.now)));
+            surroundings_.err << fmt::format("  {}\n",
+                                             keptCellText(session_.texts, cell, table, session_.state.locale));
         }
         return goOn();
     });
@@ -198,8 +183,9 @@ void UndoCommand::printJson(const RecordedUndo& recorded, bool finished) {
                                {"left", jsonOf(cell.left)},
                                {"now", jsonOf(cell.now)}});
         }
-        const Json line = {{"table", row.table},           {"id", row.id}, {"product", row.label},
-                           {"reason", reasonOf(row).name}, {"by", row.by}, {"columns", columns}};
+        const Json line = {{"table", row.table},   {"id", row.id},
+                           {"product", row.label}, {"reason", kReasonNames[static_cast<std::size_t>(row.why)]},
+                           {"by", row.by},         {"columns", columns}};
         out << std::exchange(separator, ",\n") << dumped(line);
         return true;
     });
