@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "platform/error.h"

@@ -153,10 +153,20 @@ class Detector {
         return cells;
     }
 
-    Detection detectText() {
-        std::string bytes(kSample, '\0');
+    std::string sample() {
+        constexpr std::size_t kPiece = std::size_t{1} << 20;
         const auto stream = SourceFile::of(opened(path_), format().member, limits_).stream();
-        bytes.resize(readFully(*stream, bytes.data(), bytes.size()));
+        std::string bytes;
+        for (std::size_t got = kPiece; got == kPiece && bytes.size() < kSample;) {
+            bytes.resize(bytes.size() + kPiece);
+            got = readFully(*stream, bytes.data() + bytes.size() - kPiece, kPiece);
+            bytes.resize(bytes.size() - kPiece + got);
+        }
+        return bytes;
+    }
+
+    Detection detectText() {
+        std::string bytes = sample();
         const bool isCut = bytes.size() == kSample;
         const CharacterGuess guess = known_.characters ? CharacterGuess{*known_.characters, 1, {*known_.characters}}
                                                        : guessCharacters(bytes, isCut);
@@ -235,7 +245,7 @@ std::vector<SampleRow> sampleRows(const std::filesystem::path& file, const Sourc
     if (!table.headings().empty()) rows.push_back({table.headingRow(), table.headings()});
     Row row;
     while (rows.size() < count && table.next(row)) {
-        SampleRow& sample = rows.emplace_back(row.number);
+        SampleRow& sample = rows.emplace_back(SampleRow{row.number, {}});
         for (const Cell& cell : row.cells) sample.cells.emplace_back(cell.text);
     }
     return rows;

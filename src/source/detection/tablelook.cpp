@@ -175,7 +175,7 @@ void TableLook::add(const Row& row) {
     if (filled >= rowsByCells_.size()) rowsByCells_.resize(filled + 1);
     ++rowsByCells_[filled];
     if (first_.size() < kKeptRows) {
-        KeptRow& kept = first_.emplace_back(row.number);
+        KeptRow& kept = first_.emplace_back(KeptRow{row.number, {}});
         for (const Cell& cell : row.cells) kept.cells.emplace_back(cell.text);
     }
     const std::size_t count = std::min(row.cells.size(), kLookedColumns);

@@ -12,6 +12,8 @@ namespace kolmera {
 namespace {
 
 constexpr std::size_t kLookedRows = 500;
+constexpr std::size_t kFewRows = 50;
+constexpr std::size_t kSample = std::size_t{2} << 20;
 constexpr std::size_t kMostAbove = 20;
 constexpr double kAbove = 0.4;    // the weight of such a row
 constexpr double kRagged = 0.75;  // of a row with several cells, but not as many as most have
@@ -52,7 +54,8 @@ Cutting cutWith(const std::string& text, char delimiter, char quote) {
             ++rows;
         }
     } catch (const PlatformError&) {
-        cutting.isBroken = true;
+        // The quote may be closed behind the end of the sample.
+        cutting.isBroken = text.size() < kSample / 2 || rows < kFewRows;
     }
     cutting.remarks = reader->remarks();
     std::size_t most = 0;
@@ -147,7 +150,8 @@ double fixedness(const Positions& positions, std::size_t columns) {
 
 }  // namespace
 
-void detectLayout(const std::string& text, const KnownOfSource& known, Detection& detection) {
+void detectLayout(std::string text, const KnownOfSource& known, Detection& detection) {
+    if (text.size() > kSample) text.resize(text.find_last_of("\r\n", kSample) + 1);
     constexpr char kDelimiters[] = {';', '\t', '|', ','};
     Cutting best;
     double second = 0;

@@ -54,13 +54,16 @@ class PathCount final : public XmlHandler {
     static constexpr std::size_t kNone = SIZE_MAX;
     static constexpr std::size_t kMostPaths = 5000;
     static constexpr std::size_t kMostAttributes = 200;
+    static constexpr std::size_t kLongestPath = 10'000;
 
     std::size_t placeOf(std::size_t parent, std::string_view name) {
         std::string path = parent == kNone ? std::string() : elements[parent].path + "/";
         path += name;
         const auto [found, isNew] = places_.try_emplace(path, elements.size());
         if (!isNew) return found->second;
-        if (elements.size() == kMostPaths) throw PlatformError(errors::kUnreadableXml, "too many kinds of elements");
+        if (elements.size() == kMostPaths || path.size() > kLongestPath) {
+            throw PlatformError(errors::kUnreadableXml, "too many kinds of elements, or too long names").quoted();
+        }
         Element& element = elements.emplace_back();
         element.path = path;
         element.parent = parent;

@@ -7,6 +7,7 @@
 namespace kolmera {
 namespace {
 
+constexpr std::size_t kLongestPath = 64'000;
 constexpr std::string_view kBlanks = " \t\r\n";
 
 std::string_view withoutBlanks(std::string_view text) {
@@ -28,6 +29,7 @@ class RecordFields final : public XmlHandler {
     void start(std::string_view name, const XmlAttributes& attributes) override {
         marks_.push_back(path_.size());
         path_.append("/").append(name);
+        if (path_.size() > kLongestPath) throw PlatformError(errors::kUnreadableXml, "a name is too long").quoted();
         if (recordDepth_ == 0 && path_.ends_with(record_)) {
             recordDepth_ = marks_.size();
             recordPath_ = path_.size();
