@@ -1,0 +1,105 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lang/languagetexts.h"
+#include "source/detection/detection.h"
+
+namespace kolmera {
+
+/// What a price file is, as it was found and as the user corrects it, without its window. `detect` first, and after
+/// each change what is shown is read anew.
+class SourceEditor {
+  public:
+    /// `stored` is what the job keeps already, which then counts as said by the user.
+    SourceEditor(LanguageTexts& texts, std::filesystem::path file, const std::optional<SourceFormat>& stored);
+
+    /// Looks at the file. False when it cannot be read: `error` says why.
+    bool detect();
+    [[nodiscard]] const std::string& error() const { return error_; }
+    [[nodiscard]] const SourceFormat& format() const { return found_.format; }
+    /// The file is one that a mask may read as it is: fixed positions or tabs, in a set of one byte a character.
+    /// Nothing is to be asked of the user then.
+    [[nodiscard]] bool maskMayReadIt() const;
+    [[nodiscard]] std::string words() const;  ///< what was found, in a sentence
+
+    /// One property, for a box with choices.
+    struct Property {
+        enum class Name {
+            Kind,
+            Member,
+            Characters,
+            Delimiter,
+            Quote,
+            Starts,
+            Sheet,
+            Record,
+            Skip,
+            Headings,
+            DecimalSign,
+            ThousandsSign,
+            DateOrder
+        };
+        Name name;
+        std::string caption;
+        std::vector<std::string> choices;  ///< none: what is typed
+        int chosen = -1;
+        std::string text;  ///< typed
+        bool sure = true;
+    };
+    /// Those that the kind of file has.
+    [[nodiscard]] const std::vector<Property>& properties() const { return properties_; }
+    void choose(Property::Name name, int choice);
+    void chooseCharacters(CharacterSet characters);
+    void type(Property::Name name, const std::string& text);
+
+    static constexpr std::size_t kShownRows = 100;
+    [[nodiscard]] const std::vector<SampleRow>& rows() const { return rows_; }
+    [[nodiscard]] std::size_t columns() const;
+
+    /// Where the character set is not sure: the likeliest three, each with lines in which they differ.
+    struct Decoding {
+        CharacterSet characters;
+        std::string name;
+        std::vector<std::string> lines;
+    };
+    [[nodiscard]] const std::vector<Decoding>& decodings() const { return decodings_; }
+
+  private:
+    using Name = Property::Name;
+
+    void keep(const SourceFormat& format);
+    void forget();
+    void apply();
+    void readRows();
+    void readDecodings();
+    void buildProperties();
+    void add(Name name, ModuleKey caption, double confidence, std::vector<std::string> choices, int chosen);
+    void addTyped(Name name, ModuleKey caption, double confidence, std::string text);
+    void addTextProperties();
+    [[nodiscard]] std::string signName(const std::string& sign) const;
+    [[nodiscard]] std::vector<std::string> names(const std::vector<std::string>& signs) const;
+
+    LanguageTexts& texts_;
+    std::filesystem::path file_;
+    KnownOfSource known_;
+    struct Said {
+        std::optional<std::vector<std::size_t>> starts;
+        std::optional<std::uint64_t> skip;
+        std::optional<bool> headings;
+        std::optional<char> decimalSign;
+        std::optional<std::string> thousandsSign;
+        std::optional<DateOrder> dateOrder;
+    };
+    Said said_;
+    Detection found_;
+    std::vector<Property> properties_;
+    std::vector<SampleRow> rows_;
+    std::vector<Decoding> decodings_;
+    std::string error_;
+};
+
+}  // namespace kolmera

@@ -1,0 +1,126 @@
+#include "definitions/sourceeditor.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <gmock/gmock.h>
+
+#include "definitions/editorworld.h"
+#include "platform/encodings.h"
+
+namespace kolmera {
+namespace {
+
+using Name = SourceEditor::Property::Name;
+using test::EditorWorld;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class SourceEditorTest : public testing::Test {
+  protected:
+    SourceEditor& open(std::string_view bytes, const std::optional<SourceFormat>& stored = std::nullopt) {
+        world.rawPriceFile(bytes);
+        editor.emplace(world.texts(), world.data() / "pris.txt", stored);
+        EXPECT_TRUE(editor->detect()) << editor->error();
+        return *editor;
+    }
+    std::vector<std::string> rows() {
+        std::vector<std::string> rows;
+        for (const SampleRow& row : editor->rows()) rows.push_back(fmt::format("{}", fmt::join(row.cells, "|")));
+        return rows;
+    }
+    const SourceEditor::Property* property(Name name) {
+        const auto found = std::ranges::find(editor->properties(), name, &SourceEditor::Property::name);
+        return found == editor->properties().end() ? nullptr : &*found;
+    }
+
+    EditorWorld world;
+    std::optional<SourceEditor> editor;
+};
+
+constexpr std::string_view kSemicolons =
+    "Prislista 2026;;\nArtikelnr;Ben\xC3\xA4mning;Pris\nA1;Skruv;1 250,50\nA2;Mutter;12,50\nA3;Bult;3,00\n";
+
+TEST_F(SourceEditorTest, TakesWhatTheUserSaysAndFindsTheRest) {
+    open(kSemicolons);
+    EXPECT_THAT(rows(),
+                ElementsAre("Artikelnr|Benämning|Pris", "A1|Skruv|1 250,50", "A2|Mutter|12,50", "A3|Bult|3,00"));
+    EXPECT_THAT(editor->words(), HasSubstr("utf-8"));
+    EXPECT_FALSE(editor->maskMayReadIt());
+    EXPECT_EQ(property(Name::Sheet), nullptr) << "a text has sheets";
+    ASSERT_NE(property(Name::Skip), nullptr);
+    EXPECT_EQ(property(Name::Skip)->text, "1");
+
+    editor->type(Name::Skip, "2");
+    EXPECT_EQ(rows().front(), "A1|Skruv|1 250,50");
+    editor->type(Name::Skip, "x");
+    EXPECT_EQ(editor->format().skip, 2U) << "what is no number is taken for one";
+    editor->choose(Name::Headings, 0);
+    EXPECT_FALSE(editor->format().headings);
+    editor->choose(Name::Delimiter, 3);
+    EXPECT_EQ(rows().front(), "A1;Skruv;1 250,50");
+    EXPECT_EQ(editor->format().skip, 2U) << "what was said before is forgotten";
+    editor->choose(Name::Kind, 1);
+    EXPECT_EQ(editor->format().kind, SourceKind::Fixed);
+    EXPECT_EQ(editor->format().headings, editor->format().skip > 0 || editor->format().headings)
+        << "what was said of another kind of file is kept";
+    editor->type(Name::Starts, "1, 4, 3");
+    const auto starts = editor->format().starts;
+    editor->type(Name::Starts, "1, 4, 9");
+    EXPECT_THAT(editor->format().starts, ElementsAre(0, 3, 8));
+    EXPECT_NE(starts, (std::vector<std::size_t>{0, 3, 2})) << "descending";
+}
+
+TEST_F(SourceEditorTest, KeepsWhatTheJobHas) {
+    SourceFormat stored;
+    stored.delimiter = ',';
+    stored.skip = 3;
+    stored.thousandsSign = " ";
+    open(kSemicolons, stored);
+    EXPECT_EQ(editor->format(), stored);
+    for (const auto& each : editor->properties()) EXPECT_TRUE(each.sure || each.name == Name::Record) << each.caption;
+}
+
+TEST_F(SourceEditorTest, LetsTheMaskReadFilesThatItCan) {
+    const struct {
+        const char* fault;
+        std::string_view file;
+        bool mayRead;
+    } cases[] = {
+        {"tabs are converted", "A1\tm\xF6rk\t1,50\r\nA2\tl\xF6s\t2,50\r\nA3\tr\xF6r\t3,50\r\n", true},
+        {"fixed positions are converted", "A1   m\xF6rk    1050\r\nA2   l\xF6s     2050\r\nA3   r\xF6r     3050\r\n",
+         true},
+        {"semicolons are not", "A1;m\xF6rk;1,50\r\nA2;l\xF6s;2,50\r\nA3;r\xF6r;3,50\r\n", false},
+        {"UTF-8 is read as it is", "A1\tm\xC3\xB6rk\t1,50\r\nA2\tl\xC3\xB6s\t2,50\r\nA3\tr\xC3\xB6r\t3,50\r\n", false},
+    };
+    for (const auto& c : cases) {
+        open(c.file);
+        EXPECT_EQ(editor->maskMayReadIt(), c.mayRead) << c.fault << ": " << editor->words();
+    }
+}
+
+TEST_F(SourceEditorTest, ShowsReadingsSideBySideWhereTheyDiffer) {
+    open("Artikel;Pris\r\nA;1\r\nX\xA4Y;2\r\nB;3\r\nC;4\r\n");
+    if (editor->decodings().empty()) GTEST_FAIL() << "sure of " << editor->words();
+    EXPECT_LE(editor->decodings().size(), 3U);
+    for (const auto& decoding : editor->decodings()) {
+        for (const std::string& line : decoding.lines)
+            EXPECT_THAT(line, HasSubstr("X"));
+    }
+    EXPECT_NE(editor->decodings()[0].lines, editor->decodings()[1].lines);
+    editor->chooseCharacters(CharacterSet::Oem850);
+    EXPECT_TRUE(editor->decodings().empty()) << "asked again of what was said";
+    EXPECT_THAT(rows(), testing::Contains("XñY|2"));
+}
+
+TEST_F(SourceEditorTest, SaysWhyAFileCannotBeRead) {
+    world.rawPriceFile("PK\x03\x04 no archive");
+    editor.emplace(world.texts(), world.data() / "pris.txt", std::nullopt);
+    const bool read = editor->detect();
+    EXPECT_EQ(read, editor->error().empty());
+    editor.emplace(world.texts(), world.data() / "saknas.txt", std::nullopt);
+    EXPECT_FALSE(editor->detect());
+    EXPECT_EQ(editor->words(), editor->error());
+}
+
+}  // namespace
+}  // namespace kolmera
