@@ -50,12 +50,50 @@ void JobEditor::open(int JobbNr, bool ÄrStandardJobb) {
 
 void JobEditor::readLimits() {
     try {
-        if (shown_) limits = JobOptionsFile(state_.dataFolder()).limits(shown_->name);
+        if (shown_) {
+            limits = JobOptionsFile(state_.dataFolder()).limits(shown_->name);
+            source = JobOptionsFile(state_.dataFolder()).source(shown_->name);
+        }
     } catch (const PlatformError& error) {
         boxes_.MeddelandeVarning(texts_.ModulTextMed(text::limits::kUnreadable, kJobOptionsFile) + "\r\n\r\n" +
                                  errorText(texts_, error));
     }
     begunLimits_ = limits;
+    begunSource_ = source;
+}
+
+void JobEditor::takeSource(const std::optional<SourceFormat>& format, std::vector<std::string> headings) {
+    if (!format) return source.reset();
+    if (!source) source.emplace();
+    source->format = *format;
+    source->headings = std::move(headings);
+}
+
+std::optional<WholeMask> JobEditor::chosenWholeMask() const {
+    std::optional<WholeMask> mask;
+    PassedOverSilently passedOver;
+    attempt(passedOver, "PRISMASK.TXT", [&] { mask = MaskFile(state_.dataFolder()).find(chosenMaskName()); });
+    return mask;
+}
+
+/// The job is saved by then; a source that cannot be is told of.
+void JobEditor::saveSource() {
+    if (source && !tradeFormat_) {
+        if (const auto mask = chosenWholeMask()) bindToHeadings(*source, *mask);
+    }
+    if (source == begunSource_) return;
+    try {
+        JobOptionsFile(state_.dataFolder()).setSource(job.name, source);
+    } catch (const PlatformError& error) {
+        tell(error, text::definitions::kImportChangedNothingSaved, job.name);
+    }
+}
+
+std::optional<std::filesystem::path> JobEditor::foundFile() const {
+    std::error_code unreadable;
+    std::filesystem::path file = priceFile();
+    if (empty(job.priceFile) || !std::filesystem::is_regular_file(file, unreadable)) return std::nullopt;
+    return file;
 }
 
 /// The job is saved by then; limits that cannot be are told of.
@@ -154,7 +192,7 @@ void JobEditor::chooseSupplier(int row) {
 
 bool JobEditor::canMakeMask() const { return companyRow_ >= 0 && !job.company.empty() && !empty(job.priceFile); }
 
-std::optional<std::filesystem::path> JobEditor::sampleForMask() {
+std::optional<std::filesystem::path> JobEditor::sampleForMask(bool newMask) {
     if (!canMakeMask()) return std::nullopt;
     const std::filesystem::path sample = priceFile();
     std::error_code unreadable;
@@ -164,7 +202,15 @@ std::optional<std::filesystem::path> JobEditor::sampleForMask() {
         return std::nullopt;
     }
     if (!openCompany()) return std::nullopt;
-    return sample;
+    sample_ = {};
+    if (!source) return sample;
+    try {
+        sample_ = convertSample(sample, *source, newMask ? std::nullopt : chosenWholeMask(), state_.dataFolder());
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(errorText(texts_, error));
+        return std::nullopt;
+    }
+    return sample_.path;
 }
 
 bool JobEditor::maskIsAsShown() {
@@ -288,6 +334,7 @@ JobEditor::Outcome JobEditor::save() {
     try {
         const int number = JobFile(state_.dataFolder()).save(job, shown_);
         saveLimits();
+        saveSource();
         return {.JobbNr = number};
     } catch (const PlatformError& error) {
         tell(error, text::definitions::kImportChangedNothingSaved,
@@ -296,6 +343,8 @@ JobEditor::Outcome JobEditor::save() {
     }
 }
 
-bool JobEditor::changed() const { return job != begun_ || limits != begunLimits_ || chosenMaskName() != begunMask_; }
+bool JobEditor::changed() const {
+    return job != begun_ || limits != begunLimits_ || source != begunSource_ || chosenMaskName() != begunMask_;
+}
 
 }  // namespace kolmera

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "definitions/convertedsample.h"
 #include "definitions/couplingeditor.h"
 #include "definitions/jobfile.h"
 #include "definitions/joboptions.h"
@@ -36,6 +37,13 @@ class JobEditor {
     [[nodiscard]] bool isFinfo() const { return tradeFormat_ && job.name == "(FINFO)"; }
     Job job;        ///< the settings as typed; mask, company and supplier follow the choices below
     Limits limits;  ///< what a run may change without asking; `save` writes them too
+    /// How the price file is converted before the mask reads it; nothing: the mask reads it as it is. `save` writes it
+    /// too, with the mask's columns bound to the headings.
+    std::optional<SourceSettings> source;
+    /// Takes another format of the price file, or none. What is kept of columns and rows stays.
+    void takeSource(const std::optional<SourceFormat>& format, std::vector<std::string> headings);
+    /// The price file, where there is one.
+    [[nodiscard]] std::optional<std::filesystem::path> foundFile() const;
 
     /// The window's caption for a job that exists, empty for a new one.
     [[nodiscard]] std::string caption() const;
@@ -60,8 +68,10 @@ class JobEditor {
     [[nodiscard]] bool canMakeMask() const;
     [[nodiscard]] bool canOpenMask() const { return canDeleteMask() && canMakeMask(); }
     /// The price file that the mask editor is shown against, with the company open. Nothing when it does not exist or
-    /// the company cannot be opened; the user is told.
-    [[nodiscard]] std::optional<std::filesystem::path> sampleForMask();
+    /// the company cannot be opened; the user is told. Of a file that is converted, its beginning as the chosen mask,
+    /// or a `newMask`, is going to read it.
+    [[nodiscard]] std::optional<std::filesystem::path> sampleForMask(bool newMask = false);
+    [[nodiscard]] const std::vector<std::string>& sampleHeadings() const { return sample_.headings; }
     /// Whether the chosen mask is stored as the list shows it; if not, the user is told and the masks are listed anew.
     [[nodiscard]] bool maskIsAsShown();
     /// Lists the masks anew, after the editor saved one, which is chosen.
@@ -89,6 +99,8 @@ class JobEditor {
   private:
     void readCompany();
     void readLimits();
+    void saveSource();
+    [[nodiscard]] std::optional<WholeMask> chosenWholeMask() const;
     void saveLimits();
     void readHeadings();
     void readMasks();
@@ -112,6 +124,8 @@ class JobEditor {
     std::optional<Job> shown_;  ///< as it is stored; none for a new one
     Job begun_;                 ///< as the window first showed it
     Limits begunLimits_;
+    std::optional<SourceSettings> begunSource_;
+    ConvertedSample sample_;
     std::string begunMask_;
     std::vector<Company> companies_;
     int companyRow_ = -1;

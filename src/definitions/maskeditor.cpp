@@ -71,6 +71,7 @@ void MaskEditor::load(int maskNumber) {
             relations_.push_back({static_cast<int>(relations_.size()) + 1, relation});
         }
     } else {
+        if (!convertedFrom_.empty()) mask_.FilTyp = 'T';
         mask_.AntalRader = "10";
         mask_.Postlängd = "100";
     }
@@ -83,7 +84,8 @@ void MaskEditor::load(int maskNumber) {
 
 std::string MaskEditor::caption() const {
     if (mask_.number != 0) return {};
-    return texts_.FormulärSträngMed1(text::prismtyp::kNewMaskCaption, sample_.filename().string());
+    return texts_.FormulärSträngMed1(text::prismtyp::kNewMaskCaption,
+                                     convertedFrom_.empty() ? sample_.filename().string() : convertedFrom_);
 }
 
 void MaskEditor::setFilTyp(char structure) {

@@ -37,6 +37,8 @@ class MaskEditor {
     MaskEditor(LanguageTexts& texts, MessageBoxes& boxes, std::filesystem::path dataFolder,
                std::filesystem::path sample, SampleLook look);
 
+    /// The sample is the beginning of a file of that name, converted to tab columns: a new mask begins as one of these.
+    void sampleIsConvertedFrom(std::string name) { convertedFrom_ = std::move(name); }
     /// Begins with the mask of that number, 0 for a new one. Tells the user of headings that masks cannot use, and of
     /// relations beyond the hundredth, which are not shown and not saved again. False when the company's tables cannot
     /// be read, which the user is told.
@@ -127,6 +129,7 @@ class MaskEditor {
     MessageBoxes& boxes_;
     std::filesystem::path dataFolder_;
     std::filesystem::path sample_;
+    std::string convertedFrom_;
     SampleLook look_;
     Mask mask_;
     std::optional<WholeMask> shown_;  ///< as it is stored; none for a new one

@@ -427,7 +427,8 @@ std::string MaskSample::remark() const {
 }
 
 MaskSample openMaskSample(SqlLayer& sql, LanguageTexts& texts, MessageBoxes& boxes,
-                          const std::filesystem::path& dataFolder, MaskEditor& editor, SampleRun run) {
+                          const std::filesystem::path& dataFolder, MaskEditor& editor, SampleRun run,
+                          std::vector<std::string> headings) {
     HeadingWords words;
     std::vector<SupplierRow> suppliers;
     try {
@@ -436,7 +437,7 @@ MaskSample openMaskSample(SqlLayer& sql, LanguageTexts& texts, MessageBoxes& box
     } catch (const PlatformError& error) {
         boxes.MeddelandeVarning(errorText(texts, error));
     }
-    return MaskSample(texts, editor, std::move(words), std::move(suppliers), std::move(run));
+    return MaskSample(texts, editor, std::move(words), std::move(suppliers), std::move(run), std::move(headings));
 }
 
 }  // namespace kolmera

@@ -116,6 +116,7 @@ class MaskSample {
 /// A mask editor's try-out with the company's suppliers and the headings' meanings of the data folder. What of these
 /// cannot be read, the user is told.
 MaskSample openMaskSample(SqlLayer& sql, LanguageTexts& texts, MessageBoxes& boxes,
-                          const std::filesystem::path& dataFolder, MaskEditor& editor, SampleRun run);
+                          const std::filesystem::path& dataFolder, MaskEditor& editor, SampleRun run,
+                          std::vector<std::string> headings = {});
 
 }  // namespace kolmera

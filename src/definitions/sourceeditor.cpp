@@ -317,6 +317,11 @@ std::size_t SourceEditor::columns() const {
     return columns;
 }
 
+std::vector<std::string> SourceEditor::headings() const {
+    const bool named = found_.format.headings || found_.format.kind == SourceKind::Xml;
+    return named && !rows_.empty() ? rows_.front().cells : std::vector<std::string>();
+}
+
 std::string SourceEditor::words() const {
     if (!error_.empty()) return error_;
     std::vector<std::string> words;
@@ -328,7 +333,7 @@ std::string SourceEditor::words() const {
         if (!property.sure) value += " " + texts_.ModulText(text::source::kNotSure);
         words.push_back(property.name == Name::Kind ? value : property.caption + ": " + value);
     }
-    return texts_.ModulTextMed(text::sourceeditor::kTheFileIs, fmt::format("{}", fmt::join(words, "; ")));
+    return texts_.ModulTextMed(text::sourceeditor::kTheFileIs, fmt::format("{}", fmt::join(words, " – ")));
 }
 
 }  // namespace kolmera

@@ -59,6 +59,7 @@ class SourceEditor {
     static constexpr std::size_t kShownRows = 100;
     [[nodiscard]] const std::vector<SampleRow>& rows() const { return rows_; }
     [[nodiscard]] std::size_t columns() const;
+    [[nodiscard]] std::vector<std::string> headings() const;  ///< none where the file has none
 
     /// Where the character set is not sure: the likeliest three, each with lines in which they differ.
     struct Decoding {

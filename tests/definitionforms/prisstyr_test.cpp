@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTreeView>
+#include <fstream>
 
 #include "definitions/joboptions.h"
 #include "lang/keys/prisstyr.h"
@@ -138,6 +139,25 @@ TEST_F(PrisStyrTest, TakesAChosenFile) {
     world.boxPort.answers = {Answer::OK};
     press("KompFil");
     EXPECT_EQ(field("KompFilNamn").text(), "/priser/a.txt") << "a path cut to the record's width";
+}
+
+TEST_F(PrisStyrTest, ShowsWhatAFileIsThatTheMaskCannotRead) {
+    open(0);
+    const QString csv = toQt((world.folder / "pris.csv").string());
+    std::ofstream(world.folder / "pris.csv") << "Artikelnr;Namn;Pris\nA1;Sm\xC3\xB6rj;1,50\nA2;R\xC3\xB6r;2,50\n";
+    form->chooseFile = [&](const QString&, const QString&) { return csv; };
+    const WhenShown shown("SourceWindow", [](QDialog& window) { control<QPushButton>(window, "OK").click(); });
+    press("VäljFil");
+    EXPECT_TRUE(shown.came()) << "read as it is";
+    const WhenShown again("SourceWindow", [](QDialog& window) {
+        EXPECT_TRUE(control<QCheckBox>(window, "Omvandla").isChecked()) << "what was agreed to is not kept";
+        QTest::keyClick(&window, Qt::Key_Escape);
+    });
+    press("Filformat");
+    EXPECT_TRUE(again.came());
+    world.boxPort.answers = {Answer::OK};
+    type("FilNamn", "saknas.csv");
+    press("Filformat");
 }
 
 TEST_F(PrisStyrTest, KeepsCouplingsByKeys) {

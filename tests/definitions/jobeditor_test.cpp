@@ -9,6 +9,7 @@
 #include "lang/keys/files.h"
 #include "lang/keys/prisstyr.h"
 #include "platform/lettercase.h"
+#include "platform/tsv.h"
 
 namespace kolmera {
 namespace {
@@ -151,6 +152,43 @@ TEST_F(JobEditorTest, NeedsASampleForTheMaskEditor) {
     EXPECT_FALSE(editor->sampleForMask());
     editor->job.priceFile = "PRIS.TXT";
     EXPECT_EQ(editor->sampleForMask(), world.data() / "pris.txt");
+}
+
+TEST_F(JobEditorTest, KeepsTheFormatOfThePriceFileAndTheHeadingsOfItsColumns) {
+    const auto linesOfSample = [&](bool newMask) {
+        const auto sample = editor->sampleForMask(newMask);
+        return sample ? readWholeFile(*sample) : std::string("no sample");
+    };
+    world.rawPriceFile("Prislista;;\nPris;Artikelnr;Pris\n1;A1;2\n3;A2;4\n");
+    MaskFile(world.data())
+        .save(MaskFile(world.data()).read(1)->mask,
+              {{.Källa = 2, .Mål = 1, .TypKod = 'U', .Division = 'S'}, {.Källa = 1, .Mål = 21}});
+    open();
+    editor->job.name = "Semikolon";
+    editor->job.priceFile = "pris.txt";
+    editor->chooseMask(0);
+    editor->chooseCompany(0);
+    SourceFormat format;
+    format.skip = 1;
+    format.headings = true;
+    editor->takeSource(format, {"Pris", "Artikelnr", "Pris"});
+    EXPECT_EQ(linesOfSample(true), "1\tA1\t2\r\n3\tA2\t4\r\n") << "a new mask is shown not all columns";
+    EXPECT_THAT(editor->sampleHeadings(), ElementsAre("Pris", "Artikelnr", "Pris"));
+    EXPECT_TRUE(editor->changed());
+    const std::optional<int> number = editor->save().JobbNr;
+    ASSERT_TRUE(number);
+
+    open(*number);
+    EXPECT_FALSE(editor->changed());
+    ASSERT_TRUE(editor->source);
+    ASSERT_EQ(editor->source->columns.size(), 1U) << "bound to a heading that is there twice, or to none";
+    EXPECT_EQ(editor->source->columns[0].from, (ColumnName{.heading = "Artikelnr", .number = 2}));
+    world.rawPriceFile("Prislista;;\nArtikelnr;Pris;Rabatt\nA1;1;2\n");
+    EXPECT_THAT(linesOfSample(false), testing::HasSubstr("\tA1\t")) << "a column that moved is not followed";
+    editor->takeSource(std::nullopt, {});
+    EXPECT_EQ(*editor->sampleForMask(), world.data() / "pris.txt");
+    EXPECT_TRUE(editor->save().JobbNr);
+    EXPECT_FALSE(JobOptionsFile(world.data()).source("Semikolon"));
 }
 
 TEST_F(JobEditorTest, BeginsToLookForFilesBesideThePriceFile) {

@@ -90,8 +90,13 @@ void setTextQuietly(QLineEdit& box, const std::string& text) {
 
 }  // namespace
 
-PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier)
-    : QDialog(parent), program_(program), editor_(editor), supplier_(std::move(supplier)) {
+PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier,
+                   std::vector<std::string> headings)
+    : QDialog(parent),
+      program_(program),
+      editor_(editor),
+      supplier_(std::move(supplier)),
+      headings_(std::move(headings)) {
     const Hourglass loading(program.boxes.port());
     setObjectName(QStringLiteral("PrisMTyp"));
     setWindowTitle(QStringLiteral("Mask (filtyp)"));
@@ -352,7 +357,7 @@ void PrisMTyp::tryOnSample() {
                      std::int64_t record) { return program_.trySample(supplier_, mask, relations, sample, record); };
     }
     MaskSample sample = openMaskSample(program_.state.sql, program_.texts, program_.boxes, program_.state.dataFolder(),
-                                       editor_, std::move(run));
+                                       editor_, std::move(run), headings_);
     MaskSampleWindow window(program_, sample, this);
     VisaFormulär(program_, window, true);
     present();
@@ -418,11 +423,11 @@ void PrisMTyp::presentPositions() {
     setTextQuietly(*längd_, editor_.Längd());
 }
 
-std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample, int maskNumber,
-                                std::string_view supplier) {
-    MaskEditor editor(program.texts, program.boxes, program.state.dataFolder(), sample, program.misreadSample);
+std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const MaskSurroundings& around, int maskNumber) {
+    MaskEditor editor(program.texts, program.boxes, program.state.dataFolder(), around.sample, program.misreadSample);
+    editor.sampleIsConvertedFrom(around.convertedFrom);
     if (!editor.open(program.state.sql, maskNumber)) return std::nullopt;
-    PrisMTyp form(program, editor, parent, std::string(supplier));
+    PrisMTyp form(program, editor, parent, around.supplier, around.headings);
     VisaFormulär(program, form, true);
     if (form.result() != QDialog::Accepted) return std::nullopt;
     return editor.mask().number;

@@ -22,8 +22,9 @@ namespace kolmera {
 /// The mask editor's window: a mask is made against the first record of a sample price file.
 class PrisMTyp final : public QDialog {
   public:
-    /// `editor` is open already; `supplier` is the job's.
-    PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier = {});
+    /// `editor` is open already; it is tried on the job's supplier, and on columns with those headings.
+    PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier = {},
+             std::vector<std::string> headings = {});
 
     void reject() override;
 
@@ -55,6 +56,7 @@ class PrisMTyp final : public QDialog {
     Program& program_;
     MaskEditor& editor_;
     std::string supplier_;
+    std::vector<std::string> headings_;
     QLabel* lblNamn_;
     QLineEdit* namn_;
     QGroupBox *ramFilTyp_, *ramTecken_, *ramSkapaNya_, *positioner_;
@@ -68,9 +70,16 @@ class PrisMTyp final : public QDialog {
     QPushButton *skapa_, *tabort_, *exempel_, *spara_, *avbryt_;
 };
 
+/// What the mask editor is shown against.
+struct MaskSurroundings {
+    std::filesystem::path sample;
+    std::string convertedFrom = {};          ///< the file whose beginning, converted, the sample is
+    std::vector<std::string> headings = {};  ///< of its columns
+    std::string supplier = {};               ///< the job's, whose products the mask is tried on
+};
+
 /// Edits the mask of that number, 0 for a new one, against a sample file; the company database is open. Answers the
-/// number of the saved mask, or nothing. `supplier` is the job's, whose products the mask is tried on.
-std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const std::filesystem::path& sample, int maskNumber,
-                                std::string_view supplier = {});
+/// number of the saved mask, or nothing.
+std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const MaskSurroundings& around, int maskNumber);
 
 }  // namespace kolmera

@@ -13,9 +13,11 @@
 #include <QTreeView>
 
 #include "definitions/savemessages.h"
+#include "definitions/sourceeditor.h"
 #include "definitions/window/couplingpanel.h"
 #include "definitions/window/limitswindow.h"
 #include "definitions/window/prismtyp.h"
+#include "definitions/window/sourcewindow.h"
 #include "definitions/window/suppliermodel.h"
 #include "lang/keys/prisstyr.h"
 #include "ui/controls.h"
@@ -147,6 +149,7 @@ void PrisStyr::buildFinfo() {
 }
 
 void PrisStyr::buildButtons() {
+    filformat_ = button(*this, "Filformat", "&Prisfilens format...");
     gränser_ = button(*this, "Gränser", "&Gränser...");
     spara_ = button(*this, "Spara", "&Spara");
     spara_->setDefault(true);
@@ -164,6 +167,7 @@ void PrisStyr::layOut() {
     masks->addWidget(taBortMask_, 3, 1);
     masks->setRowStretch(4, 1);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(filformat_);
     buttons->addWidget(gränser_);
     buttons->addStretch(1);
     buttons->addWidget(spara_);
@@ -228,12 +232,13 @@ void PrisStyr::connectFiles() {
             [this](const QString& text) { job_.job.command = fromQt(text); });
     connect(väljFil_, &QPushButton::clicked, this, [this] {
         if (const QString path = askForFile(lblFilNamn_->text(), text::prisstyr::kPriceFileFilter); !path.isEmpty())
-            filNamn_->setText(path);
+            takeFile(path);
     });
     connect(kompFil_, &QPushButton::clicked, this, [this] {
         const QString path = askForFile(kompFil_->text(), text::prisstyr::kCompressedFilter);
         if (!path.isEmpty()) kompFilNamn_->setText(path);
     });
+    connect(filformat_, &QPushButton::clicked, this, [this] { editSource(false); });
     connect(gränser_, &QPushButton::clicked, this, [this] {
         LimitsWindow form(program_, job_.limits, this);
         VisaFormulär(program_, form, true);
@@ -241,6 +246,35 @@ void PrisStyr::connectFiles() {
     });
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
     connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
+}
+
+/// A file that the mask cannot read as it is, is shown as what it is.
+void PrisStyr::takeFile(const QString& path) {
+    filNamn_->setText(path);
+    if (!job_.isTradeFormat() && !job_.source) editSource(true);
+}
+
+void PrisStyr::editSource(bool onlyWhenNeeded) {
+    const auto file = job_.foundFile();
+    if (!file) {
+        if (onlyWhenNeeded) return;
+        program_.boxes.MeddelandeVarning(
+            program_.texts.FormulärSträngMed1(text::prisstyr::kNoSample, job_.job.priceFile),
+            program_.texts.FormulärSträng(text::prisstyr::kNoSampleTitle));
+        return;
+    }
+    SourceEditor editor(program_.texts, *file, job_.source ? std::optional(job_.source->format) : std::nullopt);
+    bool read = false;
+    {
+        const Hourglass looking(program_.boxes.port());
+        read = editor.detect();
+    }
+    if (onlyWhenNeeded && (!read || editor.maskMayReadIt())) return;
+    const bool converts = job_.source.has_value() || (read && !editor.maskMayReadIt());
+    SourceWindow form(program_, editor, converts, this);
+    VisaFormulär(program_, form, true);
+    if (form.result() != QDialog::Accepted) return;
+    job_.takeSource(form.converts() ? std::optional(editor.format()) : std::nullopt, editor.headings());
 }
 
 // Esc and the window's own button; "Avbryt" says what it does.
@@ -313,7 +347,7 @@ void PrisStyr::present() {
     for (QWidget* control :
          {static_cast<QWidget*>(lblMaskLista_), static_cast<QWidget*>(maskLista_), static_cast<QWidget*>(nyMask_),
           static_cast<QWidget*>(öppnaMask_), static_cast<QWidget*>(taBortMask_), static_cast<QWidget*>(lblLevLista_),
-          static_cast<QWidget*>(levLista_)}) {
+          static_cast<QWidget*>(levLista_), static_cast<QWidget*>(filformat_)}) {
         control->setVisible(!tradeFormat);
     }
     varugrupper_->setVisible(job_.isFinfo());
@@ -364,7 +398,7 @@ void PrisStyr::presentButtons() {
 }
 
 void PrisStyr::editMask(bool isNew) {
-    const auto sample = job_.sampleForMask();
+    const auto sample = job_.sampleForMask(isNew);
     if (!sample) return;
     if (!isNew && !job_.maskIsAsShown()) {
         presentMasks();
@@ -372,7 +406,13 @@ void PrisStyr::editMask(bool isNew) {
         return;
     }
     const int number = isNew ? 0 : job_.masks()[static_cast<std::size_t>(job_.chosenMask())].number;
-    const auto saved = visaPrisMTyp(program_, this, *sample, number, job_.job.supplier);
+    const std::string original = job_.foundFile().value_or(*sample).filename().string();
+    const auto saved = visaPrisMTyp(program_, this,
+                                    {.sample = *sample,
+                                     .convertedFrom = job_.source ? original : std::string(),
+                                     .headings = job_.sampleHeadings(),
+                                     .supplier = job_.job.supplier},
+                                    number);
     if (!saved) return;
     job_.maskSaved(*saved);
     presentMasks();

@@ -57,6 +57,8 @@ class PrisStyr final : public QDialog {
     void presentHeadings();
     void presentButtons();
     void editMask(bool isNew);
+    void takeFile(const QString& path);
+    void editSource(bool onlyWhenNeeded);
     void save();
 
     Program& program_;
@@ -76,7 +78,7 @@ class PrisStyr final : public QDialog {
     QLineEdit *fromGrp_, *tomGrp_;
     QComboBox *altprodnr1_, *altprodnr2_;
     CouplingPanel* levPanel_;
-    QPushButton *gränser_, *spara_, *avbryt_;
+    QPushButton *filformat_, *gränser_, *spara_, *avbryt_;
 };
 
 /// Opens the job settings modally; answers the number of the saved job, or nothing.

@@ -67,6 +67,7 @@ void SourceWindow::build() {
     rader_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     rader_->setTabKeyNavigation(false);
     rader_->setWordWrap(false);
+    rader_->verticalHeader()->setDefaultSectionSize(fontMetrics().lineSpacing() + fontMetrics().lineSpacing() / 3);
     lblRader_->setBuddy(rader_);
     tolkningar_ = named(new QGroupBox(QStringLiteral("Teckenuppsättningen är osäker: välj den som läser rätt"), this),
                         "Tolkningar");
@@ -77,7 +78,7 @@ void SourceWindow::build() {
 }
 
 void SourceWindow::layOut() {
-    constexpr int kLetters = 46;
+    constexpr int kLetters = 66;
     auto* scrolled = new QScrollArea(this);
     scrolled->setWidget(egenskaper_);
     scrolled->setWidgetResizable(true);
@@ -170,8 +171,8 @@ void SourceWindow::presentProperties() {
         if (value->objectName() == before) value->setFocus();
     }
     grid.setRowStretch(line, 1);
-    grid.setColumnStretch(0, 1);
-    grid.setColumnStretch(1, 1);
+    grid.setColumnStretch(0, 2);
+    grid.setColumnStretch(1, 3);
     setTabOrder(behind, rader_);
 }
 
