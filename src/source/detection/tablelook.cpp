@@ -86,7 +86,7 @@ int valueOf(std::string_view digits) {
 /// Whether a sign stands in a number, and before three digits each time: "1 250 000,00".
 bool groupsBy(std::string_view number, std::string_view sign) {
     std::size_t at = number.find(sign);
-    if (at == std::string_view::npos || at > 3) return false;
+    if (at > 3) return false;  // it may not be there at all
     for (; at != std::string_view::npos; at = number.find(sign, at + 1)) {
         const std::string_view behind = number.substr(at + sign.size());
         if (behind.size() < 3 || !std::ranges::all_of(behind.substr(0, 3), isDigit)) return false;
@@ -158,10 +158,8 @@ void TableLook::look(std::string_view text, Column& column) const {
     double& asGroups = column.groups[isComma ? 2 : 1];
     if (number.find(sign) != at) {
         if (behind == 3) asGroups += 3;
-    } else if (behind != 3) {
-        asDecimal += 2;
-    } else if (at > 3 || number.front() == '0') {
-        asDecimal += 2;  // no group of three in front
+    } else if (behind != 3 || at > 3 || number.front() == '0') {
+        asDecimal += 2;  // no groups of three
     } else {
         asDecimal += 0.2;  // one or the other; the rest of the column tells
         asGroups += 0.1;
