@@ -146,6 +146,7 @@ void addJobs(Commands& commands) {
             describeJob(command, arguments);
             command.argument("PRODUCT", arguments.product, text::help::kProduct);
             describePreparation(command, arguments);
+            command.flag("--json", arguments.output.json, text::help::kJson);
         },
         explainCommand);
     commands.add<LimitsArguments>(

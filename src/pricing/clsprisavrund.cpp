@@ -185,14 +185,22 @@ void ClsPrisAvrund::UtförPriskoppling(int IntPrisFrånUtpris, bool BoolFrånFak
 
 bool ClsPrisAvrund::canBeRecomputed(int index) const {
     const std::string& code = kopplaMot_.of(index);
-    if (code == kNotCoupled) return false;
+    if (code == kNotCoupled) return tellWhyNot(index, PriceStep::NotCoupled);
     if (CheckFaktorTG(list(index).pålägg, false) || code == kListPlusVat) return true;
-    return !BoolPFaktorValuta && foreign(index);
+    return (!BoolPFaktorValuta && foreign(index)) || tellWhyNot(index, PriceStep::NoMarkup);
+}
+
+bool ClsPrisAvrund::tellWhyNot(int index, PriceStep reason) const {
+    if (trace) {
+        trace->column(columnOf(index));
+        trace->step({.step = reason});
+    }
+    return false;
 }
 
 bool ClsPrisAvrund::recompute(int index) {
     const double base = baseOf(index);
-    if (base == 0) return false;
+    if (base == 0) return tellWhyNot(index, PriceStep::NoBase);
     if (trace) startFrom(*trace, columnOf(index), baseColumn(index), base);
     double price = newPrice(index, base);
     if (foreign(index)) {

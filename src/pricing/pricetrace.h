@@ -22,7 +22,15 @@ enum class PriceStep {
     Range,      ///< rounded as the range `operand` says, which is `source` to `text`
     Kept,       ///< the column has a price already, and stays as it was
     Written,    ///< into the column
+    // Why a coupled price was not computed; without a value.
+    CouplingOff,  ///< the company does not update coupled prices by itself
+    NotCoupled,   ///< the level is coupled to nothing
+    NoMarkup,     ///< the product has neither markup nor margin for the level
+    NoBase,       ///< the price that the level is coupled to is 0
 };
+
+/// Whether a step says why there is no price, instead of computing one.
+constexpr bool isReason(PriceStep step) { return step >= PriceStep::CouplingOff; }
 
 /// Hears how prices are computed, from the code that computes them. The pointer to it is null but where somebody wants
 /// to know. Order: `record`, then its calculations and, as soon as it is known, its `product`.

@@ -71,7 +71,7 @@ double PrisClsRoundInprisOUtpris::Avrunda(int PositionIPost, double DblBelopp) c
 bool PrisClsRoundInprisOUtpris::KopplaMotFinns() const { return avrund_->BoolKopplaMotFinns; }
 
 void PrisClsRoundInprisOUtpris::Priskoppling(Recordset& ProdTabell, double DblIPEfterRabatt) {
-    if (!avrund_->BoolPAutoUppdatUtpris) return;
+    if (!avrund_->BoolPAutoUppdatUtpris) return tellCouplingOff();
     const bool loaded = attempt(passedOver_, "Produkt", [&] {
         if (!columns_) {
             columns_ = std::make_unique<ProductColumns>(ProductColumns{ProdTabell.ordinal("Vägtinpris"),
@@ -87,6 +87,14 @@ void PrisClsRoundInprisOUtpris::Priskoppling(Recordset& ProdTabell, double DblIP
     avrund_->UtförPriskoppling(0, false);
     for (int list = 1; list <= kPriceLists; ++list) {
         if (avrund_->Ändrad(list)) return saveCoupledPrices(ProdTabell, *columns_);
+    }
+}
+
+void PrisClsRoundInprisOUtpris::tellCouplingOff() const {
+    if (!trace_) return;
+    for (const std::string_view column : kUtpris) {
+        trace_->column(column);
+        trace_->step({.step = PriceStep::CouplingOff});
     }
 }
 

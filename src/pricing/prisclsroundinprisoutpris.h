@@ -54,6 +54,7 @@ class PrisClsRoundInprisOUtpris {
         int Prisändrdat;
         int Förändringsdatum;
     };
+    void tellCouplingOff() const;
     void saveCoupledPrices(Recordset& ProdTabell, const ProductColumns& columns);
 
     SqlLayer& sql_;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "cli/climachine.h"
@@ -114,6 +115,16 @@ TEST(Explain, TellsEveryStep) {
     Valutakurs EUR 10,92 / 1: 9,84615384615385
     Avrundat till 2 decimaler: 9,85
     Skrivs: 9,85
+  Produkt.5Utpris
+    Inte uträknat: prislistan är inte kopplad
+  Produkt.6Utpris
+    Inte uträknat: produkten har varken pålägg eller täckningsgrad för prislistan
+  Produkt.7Utpris
+    Inte uträknat: produkten har varken pålägg eller täckningsgrad för prislistan
+  Produkt.8Utpris
+    Inte uträknat: produkten har varken pålägg eller täckningsgrad för prislistan
+  Produkt.9Utpris
+    Inte uträknat: produkten har varken pålägg eller täckningsgrad för prislistan
   Levprislista.InprisFöreRabatt
     Prisfilens text, 4: "7336"
     Som tal med 2 underförstådda decimaler: 73,36
@@ -127,6 +138,17 @@ TEST(Explain, TellsEveryStep) {
     Avrundat till 2 decimaler: 45,3
     Skrivs: 45,3
 )");
+    machine.run({"explain", "Bruknäs skruv och beslag", "SK20060", "--data", machine.data(), "--json"});
+    const auto told = nlohmann::json::parse(machine.out()).at("records").at(0);
+    const auto lastStep = [&](const char* column) -> nlohmann::json {
+        for (const auto& price : told.at("prices")) {
+            if (price.at("column") == column) return price.at("steps").back();
+        }
+        return {};
+    };
+    EXPECT_EQ(lastStep("Produkt.1Utpris"), nlohmann::json({{"step", "written"}, {"value", 65.5}}));
+    EXPECT_EQ(lastStep("Produkt.5Utpris"), nlohmann::json({{"step", "not_coupled"}}));
+    EXPECT_EQ(lastStep("LevrabattBrev 3020 SKRUV-FZB").at("operand"), 5);
 }
 
 }  // namespace kolmera::test

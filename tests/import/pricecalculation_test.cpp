@@ -23,6 +23,11 @@ TEST(PriceCalculation, KeepsTheRecordsOfOneProduct) {
     calculation.step({.step = PriceStep::Kept, .value = 9});
     calculation.column("Produkt.Inpris");
     calculation.step({.step = PriceStep::Factor, .value = 0.5, .operand = static_cast<double>(7.1F)});
+    calculation.step({.step = PriceStep::NotCoupled});  // no news about a price that was computed
+    for (const char* column : {"Produkt.2Utpris", "Produkt.3Utpris", "Produkt.4Utpris", "Produkt.5Utpris"}) {
+        calculation.column(column);
+        calculation.step({.step = PriceStep::NoMarkup});
+    }
     tell(2, "Bönor", 6);
     World world;
     world.texts().InitSpråkOrd("EN");
@@ -36,6 +41,15 @@ TEST(PriceCalculation, KeepsTheRecordsOfOneProduct) {
     Starts from Net purchase price: 7.5
     With the margin of 25 %: 10
     Kept, because the field is filled in already: 9
+  Produkt.2Utpris
+    Not computed: the product has neither markup nor margin for the price list
+  Produkt.3Utpris
+    Not computed: the product has neither markup nor margin for the price list
+  Produkt.4Utpris
+    Not computed: the product has neither markup nor margin for the price list
+  Produkt.5Utpris
+    Not computed: the product has neither markup nor margin for the price list
+  Not written by the import: Produkt.6Utpris, Produkt.7Utpris, Produkt.8Utpris, Produkt.9Utpris
 )");
     EXPECT_EQ(PriceCalculation("Linser").text(world.texts(), Locale()), "");
 }

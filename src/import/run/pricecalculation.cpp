@@ -1,9 +1,12 @@
 #include "import/run/pricecalculation.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
+#include <iterator>
 
+#include "db/productcolumns.h"
 #include "lang/keys/calculation.h"
 #include "lang/keys/run.h"
 #include "platform/lettercase.h"
@@ -24,6 +27,10 @@ class CalculationText {
         text_ += fmt::format("{}, {}\n", where, product);
     }
     void calculation(const Calculation& calculation);
+    void notWritten(const std::vector<std::string>& columns) {
+        if (columns.empty()) return;
+        text_ += fmt::format("  {}: {}\n", texts_.ModulText(text::calculation::kNotByImport), fmt::join(columns, ", "));
+    }
     [[nodiscard]] std::string text() && { return std::move(text_); }
 
   private:
@@ -42,7 +49,9 @@ class CalculationText {
 
 void CalculationText::calculation(const Calculation& calculation) {
     text_ += fmt::format("  {}\n", name(calculation.column));
-    for (const KeptStep& step : calculation.steps) text_ += fmt::format("    {}: {}\n", label(step), value(step));
+    for (const KeptStep& step : calculation.shown())
+        text_ += isReason(step.step) ? fmt::format("    {}\n", label(step))
+                                     : fmt::format("    {}: {}\n", label(step), value(step));
 }
 
 std::string CalculationText::value(const KeptStep& step) const {
@@ -84,11 +93,46 @@ std::string CalculationText::label(const KeptStep& step) {
             return texts_.ModulText(text::calculation::kKept);
         case PriceStep::Written:
             return texts_.ModulText(text::calculation::kWritten);
+        case PriceStep::CouplingOff:
+            return texts_.ModulText(text::calculation::kCouplingOff);
+        case PriceStep::NotCoupled:
+            return texts_.ModulText(text::calculation::kNotCoupled);
+        case PriceStep::NoMarkup:
+            return texts_.ModulText(text::calculation::kNoMarkup);
+        case PriceStep::NoBase:
+            return texts_.ModulText(text::calculation::kNoBase);
     }
     return {};
 }
 
 }  // namespace
+
+std::vector<KeptStep> Calculation::shown() const {
+    const bool computed = std::ranges::any_of(steps, [](const KeptStep& step) { return !isReason(step.step); });
+    std::vector<KeptStep> shown;
+    std::ranges::copy_if(steps, std::back_inserter(shown),
+                         [&](const KeptStep& step) { return isReason(step.step) != computed; });
+    return shown;
+}
+
+std::vector<std::string> PriceCalculation::OfRecord::notWritten() const {
+    std::vector<std::string> columns;
+    for (int level = 0; level <= kPriceLists; ++level) {
+        const std::string column = level == 0 ? "Produkt.Inpris" : fmt::format("Produkt.{}Utpris", level);
+        if (std::ranges::find(calculations, column, &Calculation::column) == calculations.end())
+            columns.push_back(column);
+    }
+    return columns;
+}
+
+std::string_view PriceCalculation::nameOf(PriceStep step) {
+    static constexpr std::string_view kNames[] = {"file_text",   "number",    "not_number", "from",    "vat",
+                                                  "deduction",   "rate",      "factor",     "markup",  "margin",
+                                                  "decimals",    "range",     "kept",       "written", "coupling_off",
+                                                  "not_coupled", "no_markup", "no_base"};
+    static_assert(std::size(kNames) == static_cast<std::size_t>(PriceStep::NoBase) + 1);
+    return kNames[static_cast<std::size_t>(step)];
+}
 
 void PriceCalculation::record(std::int64_t number) {
     if (!records_.empty() && !wanted_) records_.pop_back();
@@ -135,6 +179,7 @@ std::string PriceCalculation::text(LanguageTexts& texts, const Locale& locale) c
         for (const Calculation& calculation : of.calculations) {
             if (!calculation.steps.empty()) text.calculation(calculation);
         }
+        text.notWritten(of.notWritten());
     }
     return std::move(text).text();
 }

@@ -23,10 +23,16 @@ class PriceCalculation final : public PriceTrace {
     struct Calculation {
         std::string column;
         std::vector<KeptStep> steps;
+
+        /// The steps that led to a price or, where there is none, why.
+        [[nodiscard]] std::vector<KeptStep> shown() const;
     };
     struct OfRecord {
         std::int64_t record = 0;
         std::vector<Calculation> calculations;
+
+        /// The product's prices that the import does not write.
+        [[nodiscard]] std::vector<std::string> notWritten() const;
     };
 
     explicit PriceCalculation(std::string_view product) : product_(product) {}
@@ -38,6 +44,8 @@ class PriceCalculation final : public PriceTrace {
     void written(std::string_view column, double value) override;
 
     [[nodiscard]] std::span<const OfRecord> records() const;
+    /// The name of a step in JSON.
+    static std::string_view nameOf(PriceStep step);
     /// All of it as lines for a person; empty when no record was about the product.
     [[nodiscard]] std::string text(LanguageTexts& texts, const Locale& locale) const;
 

@@ -16,10 +16,20 @@ void Eio::takeArticle(std::string_view line) {
     priceDate_ = date(line, columns(kEioArticle, "prisdatum"));
 }
 
+void Eio::tellNoMarkup(const Column& price) {
+    PriceTrace* trace = tables().trace();
+    if (!trace) return;
+    trace->column(price.statement);
+    trace->step({.step = PriceStep::NoMarkup});
+}
+
 void Eio::writePriceLevels(ProductRows& products, double price) {
     const double net = products.netCost(price);
     for (int level = 1; level <= kPriceLists; ++level) {
-        if (products.row.number(products.Pålägg(level)) == 0) continue;
+        if (products.row.number(products.Pålägg(level)) == 0) {
+            tellNoMarkup(products.Utpris(level));
+            continue;
+        }
         products.row.write(products.Utpris(level), tables().roundedUtpris(products.markedUp(net, level), level));
     }
 }

@@ -20,6 +20,9 @@ class Eio final : public EioRsk {
     LineUse takeHeader(std::string_view line) override { return otherLine(line); }
     void takeArticle(std::string_view line) override;
     void writePriceLevels(ProductRows& products, double price) override;
+
+  private:
+    void tellNoMarkup(const Column& price);
 };
 
 }  // namespace kolmera
