@@ -52,6 +52,7 @@ struct RunUndo::Impl {
     void exchangeAll(bool vacate);
     void exchangeOneByOne();
 
+    std::optional<UndoPlan> again_;  ///< looks once more at what comes to name rows that go
     std::optional<BatchTransaction> batch_;
     const GoOn* goOn_ = nullptr;
     std::int64_t done_ = 0, all_ = 0;
@@ -89,6 +90,7 @@ bool RunUndo::Impl::carryOut(const GoOn& goOn) {
     goOn_ = &goOn;
     all_ = counts.removed + counts.changedBack + counts.broughtBack;
     done_ = counts.removed = counts.changedBack = counts.broughtBack = 0;
+    again_.emplace(database, net, lastIds, kept, counts);
     batch_.emplace(database);
     const bool finished = forEachBatch(kRemove, &Impl::removeRows) && forEachBatch(kRestore, &Impl::restoreRows) &&
                           forEachBatch(kRestoreKey, &Impl::restoreRows);
@@ -99,13 +101,15 @@ bool RunUndo::Impl::carryOut(const GoOn& goOn) {
     return all;
 }
 
-/// Rows of one step leave it as they are written, so that the first ones are always those that are left.
+/// Rows of one step leave it as they are written, and none comes to a step behind the one at hand.
 bool RunUndo::Impl::forEachBatch(UndoStep step, WriteRows writeRows) {
     for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
         const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
+        std::optional<std::int64_t> behind;
         for (;;) {
-            std::vector<NetRow> rows = net.next(place, {}, step, kRowsAtOnce);
+            std::vector<NetRow> rows = net.next(place, behind, step, kRowsAtOnce);
             if (rows.empty()) break;
+            behind = rows.back().id;
             if (!(*goOn_)(done_, all_)) return false;
             (this->*writeRows)(table, rows);
             for (NetRow& row : rows) {
@@ -154,7 +158,9 @@ void RunUndo::Impl::walk(const TableDef& table, std::vector<NetRow>& rows, Write
 }
 
 void RunUndo::Impl::removeRows(const TableDef& table, std::vector<NetRow>& rows) {
+    again_->keepNamedSince(table, rows);
     walk(table, rows, [&](NetRow& row, Recordset& records) {
+        if (row.mark != kRemove) return;
         std::vector<KeptCell> changed =
             UndoPlan::differences(table, row, UndoPlan::Side::After, valuesOf(records, table));
         if (!changed.empty()) return keep(table, row, Stays::Changed, std::move(changed));

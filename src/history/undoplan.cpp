@@ -232,7 +232,17 @@ void UndoPlan::lookAtCells(const TableDef& table, NetRow& row, const std::vector
 
 // Rows that others name.
 
-std::vector<UndoPlan::Naming> UndoPlan::namingOf(const TableDef& table) {
+void UndoPlan::keepNamedSince(const TableDef& table, std::vector<NetRow>& rows) {
+    planning_ = false;
+    for (const Naming& naming : namingOf(table)) (void)keepNamed(table, naming, rows);
+}
+
+const std::vector<UndoPlan::Naming>& UndoPlan::namingOf(const TableDef& table) {
+    const auto known = namings_.find(table.name);
+    return known != namings_.end() ? known->second : namings_.emplace(table.name, findNaming(table)).first->second;
+}
+
+std::vector<UndoPlan::Naming> UndoPlan::findNaming(const TableDef& table) {
     const std::vector<TableDef> own = companySchema();
     std::vector<Naming> naming;
     const auto take = [&](const Reference& reference, const TableDef& by) {
@@ -266,7 +276,7 @@ bool UndoPlan::keepNamed(int place) {
     bool kept = false;
     for (const UndoStep step : {kRemove, kRestoreKey}) {
         if (net_.next(place, {}, step, 1).empty()) continue;
-        const std::vector<Naming> namings = namingOf(table);
+        const std::vector<Naming>& namings = namingOf(table);
         std::optional<std::int64_t> behind;
         while (!namings.empty()) {
             std::vector<NetRow> rows = net_.next(place, behind, step, kRowsAtOnce);
@@ -300,7 +310,7 @@ bool UndoPlan::keepNamed(const TableDef& table, const Naming& naming, std::vecto
         if (row == rows.end() || !hasComeToName(naming, id, value)) continue;
         KeptRow stays = keptRow(table, *row, Stays::Named);
         stays.by = placeOf(*naming.table, id);
-        --(row->mark == kRemove ? counts_.removed : counts_.changedBack);
+        if (planning_) --(row->mark == kRemove ? counts_.removed : counts_.changedBack);
         keep(*row, std::move(stays));
         net_.put(*row);
         kept = true;

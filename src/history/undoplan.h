@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +34,10 @@ class UndoPlan {
     /// False when it was cancelled.
     bool run(const RunUndo::GoOn& goOn);
 
+    /// While the rows are taken back: keeps those of these, which are to go, that others have come to name since the
+    /// plan. The counts are of what is done then, and stay.
+    void keepNamedSince(const TableDef& table, std::vector<NetRow>& rows);
+
     /// A row that the run added or removed: whether all columns are as the run left it (`after`) or had found it.
     enum class Side { Before, After };
     static std::vector<KeptCell> differences(const TableDef& table, const NetRow& row, Side side,
@@ -52,7 +58,8 @@ class UndoPlan {
     void lookAtRebuilt(const TableDef& table, NetRow& row, const std::vector<Value>& now);
     void lookAtCells(const TableDef& table, NetRow& row, const std::vector<Value>& now, std::span<const int> columns);
     void keep(NetRow& row, KeptRow kept);
-    [[nodiscard]] std::vector<Naming> namingOf(const TableDef& table);
+    [[nodiscard]] const std::vector<Naming>& namingOf(const TableDef& table);
+    [[nodiscard]] std::vector<Naming> findNaming(const TableDef& table);
     bool keepNamed(int place);
     bool keepNamed(const TableDef& table, const Naming& naming, std::vector<NetRow>& rows);
     [[nodiscard]] bool hasComeToName(const Naming& naming, std::int64_t id, const Value& value);
@@ -66,6 +73,8 @@ class UndoPlan {
     UndoCounts& counts_;
     const RunUndo::GoOn* goOn_ = nullptr;
     std::int64_t looked_ = 0;
+    bool planning_ = true;
+    std::map<std::string, std::vector<Naming>, std::less<>> namings_;  ///< by the table that is named
 };
 
 }  // namespace kolmera

@@ -357,6 +357,24 @@ TEST(Undo, IsFinishedByTheNextOne) {
     }
 }
 
+TEST(Undo, WhatHasComeToBeNamedSinceThePlanStays) {
+    World world;
+    const auto database = world.open();
+    const CompanyState before = stateOf(*database);
+    for (const char* number : {"A", "B"}) {
+        database->execute(fmt::format("INSERT INTO Produkt (Nummer) VALUES ('{}')", number));
+    }
+    const auto run = changesBetween(before, stateOf(*database));
+    RunUndo undo(*database, sourceOf(run), lastIdsOf(before));
+    ASSERT_TRUE(undo.plan(always));
+    world.open()->execute("INSERT INTO Levprislista (Produktnr, Leverantör) VALUES ('B', '1010')");
+    EXPECT_TRUE(undo.carryOut(always));
+    ASSERT_EQ(keptBy(undo).size(), 1U);
+    EXPECT_EQ(keptBy(undo)[0].why, Stays::Named);
+    EXPECT_EQ(undo.counts().removed, 1);
+    EXPECT_EQ(world.rows("Produkt", "Nummer"), "B\n");
+}
+
 TEST(UndoOfAFile, AProductThatAnotherProgramsTableNamesStays) {
     World world;
     const auto database = world.open();
