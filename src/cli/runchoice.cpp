@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "lang/keys/history.h"
+#include "lang/keys/runs.h"
 #include "lang/keys/terminal.h"
 
 namespace kolmera::cli {
@@ -38,6 +39,7 @@ std::optional<RunHeader> chosenRun(Session& session, const std::vector<RunHeader
 }
 
 std::string outcomeText(Session& session, const RunHeader& run) {
+    if (run.underWay) return session.text(text::runs::kUnderWay);
     const auto known = std::ranges::find(kOutcomes, run.outcome, [](const auto& row) { return row.outcome; });
     return known == std::end(kOutcomes) ? run.outcome : session.text(known->text);
 }

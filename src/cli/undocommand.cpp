@@ -96,6 +96,7 @@ int UndoCommand::run() {
     const std::optional<RunHeader> run = chosenRun(session_, folder_.list(), arguments_.run, surroundings_.err);
     if (!run) return exitcode::kStopped;
     if (run->kind == RunKind::Preview) return stop(text::history::kPreviewChangedNothing, run->id);
+    if (run->underWay) return stop(text::history::kUnderWay, run->id);
     company_ = run->companyFile;
     try {
         if (companies_.ÖppnaDatabas(company_)) return takeBack(*run);

@@ -13,6 +13,7 @@ namespace kolmera {
 RecordedUndo::RecordedUndo(Database& database, const RunFolder& folder, std::string_view run, RunHeader head)
     : database_(database), folder_(folder), reader_(folder.file(run)), head_(std::move(head)) {
     const RunHeader& of = reader_.header();
+    if (folder_.isUnderWay(of)) throw PlatformError(errors::kLocked, "the run is under way").about(of.id);
     head_.kind = RunKind::Undo;
     head_.of = of.id;
     head_.job = of.job;

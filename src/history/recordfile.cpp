@@ -90,6 +90,7 @@ void writeHeader(SqliteConnection& connection, const RunHeader& header) {
     put(statement, "kind", fmt::format("{}", static_cast<int>(header.kind)));
     put(statement, "lastIds", textOf(header.lastIds));
     put(statement, "priceFileSize", fmt::format("{}", header.priceFile.size));
+    put(statement, "locked", header.locked ? "1" : "0");
     put(statement, "priceFileCopied", header.priceFile.copied ? "1" : "0");
 }
 
@@ -107,6 +108,7 @@ RunHeader readHeader(SqliteConnection& connection) {
         if (key == "kind") header.kind = static_cast<RunKind>(std::clamp<std::int64_t>(query.integer(1), 0, 2));
         if (key == "lastIds") header.lastIds = lastIdsOf(query.text(1));
         if (key == "priceFileSize") header.priceFile.size = query.integer(1);
+        if (key == "locked") header.locked = query.integer(1) != 0;
         if (key == "priceFileCopied") header.priceFile.copied = query.integer(1) != 0;
     }
     return header;

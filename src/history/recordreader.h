@@ -35,7 +35,7 @@ struct RunHeader {
     RunKind kind{};
     std::string of;       ///< Undo: the run that was taken back
     std::string started;  ///< local time, "2026-11-23T08:15:00"
-    std::string ended;    ///< empty: it was ended from outside
+    std::string ended;    ///< empty: it is under way, or was ended from outside
     std::string outcome;  ///< as in the summary file: "completed", "cancelled", "stopped"; empty as `ended`
     std::string user, host, version;
     std::string job;         ///< its name
@@ -43,7 +43,9 @@ struct RunHeader {
     std::string companyName, companyFile;
     LastIds lastIds;  ///< of the company, before the run
     RecordedFile priceFile;
-    std::string counts;  ///< JSON: the counts of the summary file
+    std::string counts;     ///< JSON: the counts of the summary file
+    bool locked = false;    ///< the program that writes it holds its RunLock
+    bool underWay = false;  ///< as RunFolder finds it; not in the record
 };
 
 /// Something of the price file that was passed over or became another value.

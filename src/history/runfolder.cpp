@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <initializer_list>
+#include <optional>
 #include <system_error>
 
 #include "history/recordfile.h"
+#include "history/runlock.h"
 #include "platform/error.h"
 
 namespace kolmera {
@@ -35,21 +38,13 @@ std::int64_t bytesOf(const fs::path& file) {
     return bytes;
 }
 
-bool mayBeUnderWay(const fs::path& file) {
+bool writtenWithinADay(const fs::path& file) {
     constexpr std::chrono::hours kDay(24);
-    std::error_code unknown;
-    for (const char* beside : {"", "-wal"}) {
-        fs::path name = file;
-        name += beside;
-        const fs::file_time_type written = fs::last_write_time(name, unknown);
-        if (unknown || fs::file_time_type::clock::now() - written > kDay) continue;
-        try {
-            return RecordReader(file).header().ended.empty();
-        } catch (const PlatformError&) {
-            return true;
-        }
-    }
-    return false;
+    return std::ranges::any_of(std::initializer_list<const char*>{"", "-wal"}, [&](const char* beside) {
+        std::error_code unknown;
+        const fs::file_time_type written = fs::last_write_time(fs::path(file) += beside, unknown);
+        return !unknown && fs::file_time_type::clock::now() - written <= kDay;
+    });
 }
 
 }  // namespace
@@ -73,6 +68,7 @@ std::vector<RunHeader> RunFolder::list(std::int64_t* unreadable) const {
     for (const std::string& id : ids()) {
         try {
             headers.push_back(RecordReader(file(id)).header());
+            headers.back().underWay = isUnderWay(headers.back());
         } catch (const PlatformError&) {
             if (unreadable != nullptr) ++*unreadable;
         }
@@ -85,6 +81,22 @@ fs::path RunFolder::file(std::string_view id) const {
     std::error_code none;
     if (isId(id) && fs::is_regular_file(fs::symlink_status(file, none))) return file;
     throw PlatformError(errors::kFileNotFound, "there is no record of such a run").about(std::string(id));
+}
+
+bool RunFolder::isUnderWay(const RunHeader& run) const {
+    if (!run.ended.empty()) return false;
+    const std::optional<bool> locked = run.locked ? RunLock::isHeld(path_, run.id) : std::nullopt;
+    return locked.value_or(writtenWithinADay(path_ / (run.id + std::string(kRecordEnding))));
+}
+
+/// A record that cannot be read may be one that is being made.
+bool RunFolder::mayBeUnderWay(const fs::path& file) const {
+    if (!writtenWithinADay(file)) return false;
+    try {
+        return isUnderWay(RecordReader(file).header());
+    } catch (const PlatformError&) {
+        return true;
+    }
 }
 
 void RunFolder::remove(std::string_view id) const { removeRecordFile(file(id)); }

@@ -23,15 +23,18 @@ class RunFolder {
     static RunFolder at(const std::filesystem::path& path) { return RunFolder(path, Exactly{}); }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-    /// The heads of all records that can be read, the newest first. What is no record, or is damaged, is counted in
-    /// `unreadable`.
+    /// The heads of all records that can be read, the newest first, with `underWay`. What is no record, or is damaged,
+    /// is counted in `unreadable`.
     [[nodiscard]] std::vector<RunHeader> list(std::int64_t* unreadable = nullptr) const;
     /// The file of a record; throws kFileNotFound for what names none.
     [[nodiscard]] std::filesystem::path file(std::string_view id) const;
+    /// Whether the program that writes a record is at it. Where files cannot be locked: whether it has no end, and has
+    /// been written to within a day.
+    [[nodiscard]] bool isUnderWay(const RunHeader& run) const;
     /// Throws PlatformError.
     void remove(std::string_view id) const;
     /// Removes the oldest records beyond the limits, and tells how many. The newest one stays, and so do those that are
-    /// under way: that have no end and have been written to within a day.
+    /// under way, or may be.
     std::int64_t thin(const RecordLimits& limits) const;
 
   private:
@@ -39,6 +42,7 @@ class RunFolder {
     RunFolder(std::filesystem::path path, Exactly /*unused*/) : path_(std::move(path)) {}
 
     [[nodiscard]] std::vector<std::string> ids() const;
+    [[nodiscard]] bool mayBeUnderWay(const std::filesystem::path& file) const;
 
     std::filesystem::path path_;
 };

@@ -80,6 +80,7 @@ RunList::Cells RunList::cells(int row) const {
 }
 
 std::string RunList::outcomeOf(const RunHeader& run) const {
+    if (run.underWay) return texts_.ModulText(text::runs::kUnderWay);
     if (run.ended.empty()) return texts_.ModulText(text::runs::kNotEnded);
     for (const auto& known : kOutcomes) {
         if (known.outcome == run.outcome) return texts_.ModulText(known.text);
@@ -87,7 +88,9 @@ std::string RunList::outcomeOf(const RunHeader& run) const {
     return run.outcome;
 }
 
-bool RunList::canUndo(int row) const { return row >= 0 && row < count() && run(row).kind != RunKind::Preview; }
+bool RunList::canUndo(int row) const {
+    return row >= 0 && row < count() && run(row).kind != RunKind::Preview && !run(row).underWay;
+}
 
 bool RunList::canCompare(int row) const {
     return row >= 0 && row < count() && run(row).kind == RunKind::Run && run(row).outcome == "completed";

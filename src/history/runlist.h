@@ -31,7 +31,7 @@ class RunList {
     [[nodiscard]] const RunHeader& run(int row) const { return runs_[shown_.at(static_cast<std::size_t>(row))]; }
     [[nodiscard]] Cells headings() const;
     [[nodiscard]] Cells cells(int row) const;
-    /// Of a run whose record says what it changed; a run that is under way, or was ended from outside, too.
+    /// Of a run whose record says what it changed; a run that was ended from outside, too, but none that is under way.
     [[nodiscard]] bool canUndo(int row) const;
     /// Of a run that read its price file to the end.
     [[nodiscard]] bool canCompare(int row) const;

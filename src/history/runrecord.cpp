@@ -45,6 +45,14 @@ char turnWithin(const fs::path& folder, const std::string& second) {
     return kTurns[std::min(turn, kTurns.size() - 1)];
 }
 
+/// Who may use the folder may read the record, and write it, or SQLite could not let them read it while it is written.
+void share(const fs::path& folder, const Descriptor& record) {
+    struct stat of {};
+    if (stat(folder.c_str(), &of) != 0) return;
+    const bool sameGroup = fchown(record.get(), static_cast<uid_t>(-1), of.st_gid) == 0;
+    (void)fchmod(record.get(), of.st_mode & (sameGroup ? 0666U : 0606U));
+}
+
 }  // namespace
 
 struct RunRecord::File {
@@ -93,8 +101,17 @@ RunRecord::RunRecord(const fs::path& folder, RunHeader header) : header_(std::mo
 
 RunRecord::~RunRecord() { close(); }
 
-void RunRecord::makeFolder(const fs::path& folder) const {
-    if (mkdir(folder.c_str(), S_IRWXU) == 0) return;
+/// Who shares the folder around it shares the records: its group and its rights, as far as the system lets us.
+void RunRecord::makeFolder(const fs::path& folder) {
+    if (mkdir(folder.c_str(), S_IRWXU) == 0) {
+        struct stat around {};
+        const Descriptor made(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        if (stat(folder.parent_path().c_str(), &around) != 0) return;
+        const bool sameGroup = fchown(made.get(), static_cast<uid_t>(-1), around.st_gid) == 0;
+        const mode_t rights = around.st_mode & (S_IRWXU | S_IRWXO | S_ISVTX);
+        (void)fchmod(made.get(), sameGroup ? rights | (around.st_mode & (S_IRWXG | S_ISGID)) : rights);
+        return;
+    }
     if (errno != EEXIST) throwSystemError(errno);
     if (fs::is_directory(fs::symlink_status(folder))) return;
     throw PlatformError(errors::kInvalidPath, "a link, or no folder, is in the way").about(folder.string());
@@ -111,6 +128,9 @@ void RunRecord::makeFile(const fs::path& folder) {
         const int made = open(file_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
         if (made < 0 && errno == EEXIST && attempts > 0) continue;
         const Descriptor descriptor(made);
+        share(folder, descriptor);
+        lock_.emplace(folder, header_.id);
+        header_.locked = lock_->held();
         return;
     }
 }
@@ -135,6 +155,7 @@ void RunRecord::write(const std::function<void()>& statements) noexcept {
 void RunRecord::fail(const PlatformError& error) noexcept {
     failure_ = error;
     open_.reset();
+    lock_.reset();
     try {
         removeRecordFile(file_);
     } catch (const PlatformError&) {
@@ -174,6 +195,7 @@ void RunRecord::close() {
         flushKeys();
     });
     open_.reset();
+    lock_.reset();
 }
 
 std::int64_t RunRecord::place() {

@@ -10,6 +10,7 @@
 
 #include "history/blockbytes.h"
 #include "history/recordreader.h"
+#include "history/runlock.h"
 #include "platform/engine/changelistener.h"
 #include "platform/error.h"
 
@@ -25,7 +26,8 @@ class SqliteConnection;
 /// goes on.
 class RunRecord final : public ChangeListener {
   public:
-    /// Makes a file in this folder, and the folder where it is missing, for its owner alone. `id` and, when it is
+    /// Makes a file in this folder, and the folder where it is missing, for all who may use the folder around it. `id`,
+    /// `locked` and, when it is
     /// empty, `started` of the header are filled in. Throws PlatformError.
     RunRecord(const std::filesystem::path& folder, RunHeader header);
     ~RunRecord() override;
@@ -66,7 +68,7 @@ class RunRecord final : public ChangeListener {
         std::int64_t first = 0, last = 0, written = 0;
     };
 
-    void makeFolder(const std::filesystem::path& folder) const;
+    static void makeFolder(const std::filesystem::path& folder);
     void makeFile(const std::filesystem::path& folder);
     void heard(ChangeKind kind, const ChangedRow& row);
     int labelOf(const TableDef& table);
@@ -79,6 +81,7 @@ class RunRecord final : public ChangeListener {
 
     RunHeader header_;
     std::filesystem::path file_;
+    std::optional<RunLock> lock_;
     std::unique_ptr<File> open_;  ///< none: closed, or failed
     std::optional<PlatformError> failure_;
 

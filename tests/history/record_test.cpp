@@ -174,6 +174,7 @@ TEST_F(Recording, AKilledRunLeavesAllThatItsCompanyHolds) {
     const std::vector<RunHeader> headers = runs.list();
     ASSERT_EQ(headers.size(), 1U);
     EXPECT_TRUE(headers[0].ended.empty());
+    EXPECT_FALSE(headers[0].underWay) << "its program is dead";
     std::int64_t recorded = 0;
     RecordReader(runs.file(headers[0].id)).forEachChange([&](const RowChange& row) { return ++recorded == row.id; });
     const auto database = openFileDatabase(company, {});
@@ -195,11 +196,33 @@ TEST_F(Recording, AFullDiskEndsTheRecordAlone) {
     database->commit();
     record.close();
     ASSERT_TRUE(record.failure());
-    EXPECT_TRUE(fs::is_empty(runs.path()));
+    EXPECT_FALSE(fs::exists(record.file()));
     EXPECT_EQ(openFileDatabase(company, {})
                   ->open("SELECT * FROM Produkt WHERE Text LIKE 'y%'", RecordsetType::Snapshot)
                   ->eof(),
               false);
+}
+
+TEST_F(Recording, ARunIsUnderWayWhileItsProgramWritesIt) {
+    const RunRecord older(runs.path(), {});
+    RunRecord newer(runs.path(), {});
+    EXPECT_TRUE(runs.list().at(0).underWay && runs.list().at(1).underWay);
+    newer.close();
+    EXPECT_FALSE(runs.isUnderWay(newer.header())) << "taken for a run under way for a day";
+    EXPECT_TRUE(runs.isUnderWay(older.header())) << "the end of one run has freed the other";
+    EXPECT_EQ(runs.thin({.number = 0}), 0) << "a record has been removed under its writer";
+}
+
+TEST_F(Recording, WhoSharesTheDataFolderSharesTheRecords) {
+    for (const unsigned rights : {0700U, 0750U, 0770U, 02775U}) {
+        const fs::path data = folder / std::to_string(rights);
+        fs::create_directory(data);
+        fs::permissions(data, fs::perms(rights));
+        const RunRecord record(RunFolder(data).path(), {});
+        EXPECT_EQ(fs::status(RunFolder(data).path()).permissions(), fs::perms(rights));
+        for (const fs::path& file : {record.file(), RunFolder(data).path() / "KOLMERA.LCK"})
+            EXPECT_EQ(fs::status(file).permissions(), fs::perms(rights & 0666U)) << file;
+    }
 }
 
 TEST_F(Recording, ARecordThatCannotBeWrittenEndsAndTheRunDoesNot) {
