@@ -85,6 +85,7 @@ bool CompanyRegister::ÖppnaDatabas(std::string_view name) {
 
 /// A local file with the tables of the server company that is open, as that company has them.
 std::unique_ptr<Database> CompanyRegister::copyOfServer(const std::filesystem::path& copy,
+                                                        std::span<const std::string_view> leftOut,
                                                         const std::function<bool()>& goOn) {
     Database& server = *state_.sql.FtgDB;
     const std::vector<std::string> present = server.tableNames();
@@ -97,17 +98,17 @@ std::unique_ptr<Database> CompanyRegister::copyOfServer(const std::filesystem::p
         attempt(passedOver, table.name, [&] { made.lastId = lastServerId(server, table.name); });
     }
     auto database = makePrivateDatabase(copy, tables, state_.locale);
-    return fetchTables(server, *database, goOn) ? std::move(database) : nullptr;
+    return fetchTables(server, *database, leftOut, goOn) ? std::move(database) : nullptr;
 }
 
 bool CompanyRegister::ÖppnaKopia(std::string_view name, const std::filesystem::path& copy,
-                                 const std::function<bool()>& goOn) {
+                                 std::span<const std::string_view> leftOut, const std::function<bool()>& goOn) {
     try {
         const bool server = openServer(name);
         if (!server && SqlLayer::ÄrSQLDatabas(upperCase(name)) && state_.sql.serverError())
             throw *state_.sql.serverError();
         const auto file = state_.drives.resolve(name, state_.dataFolder());
-        auto copied = server ? copyOfServer(copy, goOn) : openPrivateCopy(file, openOptions(name), copy, goOn);
+        auto copied = server ? copyOfServer(copy, leftOut, goOn) : openPrivateCopy(file, openOptions(name), copy, goOn);
         state_.sql.FtgDB = std::move(copied);
         return state_.sql.FtgDB != nullptr;
     } catch (const PlatformError& error) {

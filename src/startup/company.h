@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,8 +25,10 @@ class CompanyRegister {
     /// company that was open then stays open, unless a server has been tried.
     bool ÖppnaDatabas(std::string_view name);
     /// Opens a private copy of the company, of a server company too, as `state.sql.FtgDB`; `copy` is a new file's name.
-    /// A failure is shown and returns false, as does `goOn`, which is asked again and again.
-    bool ÖppnaKopia(std::string_view name, const std::filesystem::path& copy, const std::function<bool()>& goOn);
+    /// A failure is shown and returns false, as does `goOn`, which is asked again and again. The tables `leftOut` of a
+    /// server company are not fetched, and are empty.
+    bool ÖppnaKopia(std::string_view name, const std::filesystem::path& copy, std::span<const std::string_view> leftOut,
+                    const std::function<bool()>& goOn);
     /// Asked again and again while another session holds a lock; returns false to give up. Set by runs.
     std::function<bool()> waitForLock;
     /// Asked again and again while a server does not answer, with the time that it has been waited for; returns false
@@ -49,7 +52,8 @@ class CompanyRegister {
     std::unique_ptr<Database> openFile(std::string_view name, bool readOnly);
     [[nodiscard]] OpenOptions openOptions(std::string_view name);
     bool openServer(std::string_view name);
-    std::unique_ptr<Database> copyOfServer(const std::filesystem::path& copy, const std::function<bool()>& goOn);
+    std::unique_ptr<Database> copyOfServer(const std::filesystem::path& copy, std::span<const std::string_view> leftOut,
+                                           const std::function<bool()>& goOn);
     std::optional<std::string> registeredName(const std::string& file);
     std::optional<std::string> newCompany(const std::string& file);
     bool openRepaired(std::string_view name);

@@ -270,9 +270,12 @@ class CompanyCopy {
 
 }  // namespace
 
-bool fetchTables(Database& source, Database& target, const std::function<bool()>& goOn) {
+bool fetchTables(Database& source, Database& target, std::span<const std::string_view> leftOut,
+                 const std::function<bool()>& goOn) {
     std::vector<TableDef> tables;
-    for (const std::string& name : target.tableNames()) tables.push_back(target.table(name));
+    for (const std::string& name : target.tableNames()) {
+        if (std::ranges::find(leftOut, name) == leftOut.end()) tables.push_back(target.table(name));
+    }
     return CompanyCopy(source, target, goOn, std::move(tables)).fetch();
 }
 

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/engine/database.h"
@@ -35,8 +37,9 @@ struct CopyResult {
 /// `goOn` is asked between batches; false ends the copy. Throws PlatformError; what is committed then stays.
 CopyResult copyCompany(Database& source, Database& target, const std::function<bool()>& goOn);
 
-/// Copies every row of the tables of `target`, which are empty, without comparing them afterwards. False when `goOn`
-/// has ended it.
-bool fetchTables(Database& source, Database& target, const std::function<bool()>& goOn);
+/// Copies every row of the tables of `target`, which are empty, but of those that are left out, without comparing them
+/// afterwards. False when `goOn` has ended it.
+bool fetchTables(Database& source, Database& target, std::span<const std::string_view> leftOut,
+                 const std::function<bool()>& goOn);
 
 }  // namespace kolmera

@@ -27,6 +27,7 @@ class MaskRun {
   private:
     [[nodiscard]] bool loadMask();
     [[nodiscard]] bool checkMask();
+    [[nodiscard]] std::vector<std::string_view> untouchedTables() const;
     [[nodiscard]] bool checkSupplier();
     void openProducts();
     void checkColumns();
@@ -50,7 +51,7 @@ class MaskRun {
 
 void MaskRun::run() {
     if (!loadMask() || !checkMask()) return;
-    if (!machinery_.openCompany() || !checkSupplier()) return;
+    if (!machinery_.openCompany(untouchedTables()) || !checkSupplier()) return;
     openProducts();
     checkColumns();
     if (!confirm()) return;
@@ -97,6 +98,13 @@ bool MaskRun::checkMask() {
     }
     if (mask_.tooManyRelations) machinery_.warn(texts_.ModulTextMed(text::mask::kRelationsLeftOut, job_.mask), title);
     return true;
+}
+
+std::vector<std::string_view> MaskRun::untouchedTables() const {
+    std::vector<std::string_view> tables = {"Prodaltrubrik", "Prodgrupp"};
+    if (!mask_.document.present()) tables.emplace_back("Proddokument");
+    if (!mask_.UppdatLev) tables.insert(tables.end(), {"Levprislista", "LevrabattBrev"});
+    return tables;
 }
 
 bool MaskRun::checkSupplier() {

@@ -56,6 +56,17 @@ std::uint64_t bytesOf(const StartState& state, const std::string& company) {
     return bytes;
 }
 
+/// A run that empties tables needs the rows of those, whether it reads them otherwise or not.
+std::vector<std::string_view> tablesToLeaveOut(std::span<const std::string_view> untouched, bool emptied) {
+    std::vector<std::string_view> tables(untouched.begin(), untouched.end());
+    if (emptied) {
+        std::erase_if(tables, [](std::string_view table) {
+            return table == "Produkt" || table == "Levprislista" || table == "Prodaltprodnr";
+        });
+    }
+    return tables;
+}
+
 std::string megabytes(std::uint64_t bytes) { return fmt::format("{} MB", (bytes >> 20) + 1); }
 
 void warnNoRoom(LanguageTexts& texts, MessageBoxes& boxes, const std::vector<WorkPlace>& places, std::uint64_t bytes) {
@@ -86,10 +97,11 @@ Preview previewRun(ImportContext& context, std::string_view jobText, const Previ
     RecordKeeping keeping{.folder = result.folder->path() / "record", .kind = RunKind::Preview, .user = state.Signatur};
     PreviewMode mode;
     mode.runsCommand = options.runsCommand;
-    mode.openCopy = [&](std::string_view company) {
+    mode.openCopy = [&](std::string_view company, std::span<const std::string_view> untouched) {
         port.status(context.texts.ModulText(text::preview::kCopying));
         const fs::path copy = result.folder->path() / "company";
-        return companies.ÖppnaKopia(company, copy, [&port] { return !port.cancelled(); });
+        const auto leftOut = tablesToLeaveOut(untouched, options.emptyTables);
+        return companies.ÖppnaKopia(company, copy, leftOut, [&port] { return !port.cancelled(); });
     };
     ImportContext own{.state = state,
                       .texts = context.texts,

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -22,8 +23,9 @@ struct TakenSource;
 
 /// What is different in a run that nothing comes of.
 struct PreviewMode {
-    /// Opens a private copy of the company as `state.sql.FtgDB`. A failure is shown and answers false.
-    std::function<bool(std::string_view company)> openCopy;
+    /// Opens a private copy of the company as `state.sql.FtgDB`; the tables `untouched` may be empty in it, but for
+    /// those that the run empties. A failure is shown and answers false.
+    std::function<bool(std::string_view company, std::span<const std::string_view> untouched)> openCopy;
     bool runsCommand = false;  ///< the preparation command is carried out; else the price file is taken as it is
 };
 

@@ -80,7 +80,7 @@ bool RunMachinery::HämtaKolmeraData() {
     return read;
 }
 
-bool RunMachinery::openCompany() {
+bool RunMachinery::openCompany(std::span<const std::string_view> untouched) {
     companyOpen_ = true;
     context_.companies.waitForLock = [this] {
         port().status(texts().ModulTextMed(text::company::kWaiting, job_.company));
@@ -91,7 +91,7 @@ bool RunMachinery::openCompany() {
         return !port().cancelled();
     };
     if (!context_.preview) return context_.companies.ÖppnaDatabas(job_.company);
-    const bool open = context_.preview->openCopy(job_.company);
+    const bool open = context_.preview->openCopy(job_.company, untouched);
     summary_.cancelled = !open && port().cancelled();
     return open;
 }
@@ -343,7 +343,7 @@ void RunMachinery::beginRecord() {
     header.priceFile.modified = timeText(priceFilePath_);
     record_ = std::make_shared<RecordedRun>(*context_.record, texts());
     PassedOverSilently passedOver;  // taking back is more careful without them
-    attempt(passedOver, "readLastIds", [&] { header.lastIds = readLastIds(*sql().FtgDB); });
+    if (!context_.preview) attempt(passedOver, "readLastIds", [&] { header.lastIds = readLastIds(*sql().FtgDB); });
     if (!record_->begin(std::move(header))) return;
     try {
         sql().FtgDB->listen(record_->listener());

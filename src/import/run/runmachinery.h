@@ -51,7 +51,8 @@ class RunMachinery {
     /// What the run goes by beside its job, for its record.
     void goesBy(WholeMask mask) { definition_.mask = std::move(mask); }
     void goesBy(std::vector<Coupling> couplings) { definition_.couplings = std::move(couplings); }
-    [[nodiscard]] bool openCompany();
+    /// `untouched` are the tables that the run neither reads nor writes, unless it empties them.
+    [[nodiscard]] bool openCompany(std::span<const std::string_view> untouched);
 
     // Confirmation.
     /// "Company name (Ftg1.Mdb)" from the row of Syinställningar.

@@ -157,8 +157,15 @@ bool readsFile(RunMachinery& run, const TradeJob& job, const std::vector<Coupled
     });
 }
 
+std::vector<std::string_view> untouchedTables(const TradeJob& job) {
+    std::vector<std::string_view> tables = {"Prodaltrubrik", "Proddokument"};
+    if (!job.readsGroups) tables.emplace_back("Prodgrupp");
+    if (!job.writesAlternatives) tables.emplace_back("Prodaltprodnr");
+    return tables;
+}
+
 void runTradeFormat(RunMachinery& run, const TradeJob& job) {
-    if (!run.openCompany()) return;
+    if (!run.openCompany(untouchedTables(job))) return;
     CompanyTables company(run);
     const std::string heading = run.heading(*company.settings);
     std::vector<Coupling> couplings;
