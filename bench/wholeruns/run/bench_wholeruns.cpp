@@ -1,5 +1,5 @@
-// Whole runs of kolmera-cli beside hand-written loaders on bare SQLite, or beside themselves without a record, on the
-// same data, in turns.
+// Whole runs of kolmera-cli beside hand-written loaders on bare SQLite, or beside themselves without a record, or
+// previews beside runs, on the same data, in turns.
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -32,6 +32,7 @@ struct Options {
     fs::path programs;  ///< the folder of the built programs
     bool keep = false;
     bool unrecorded = false;  ///< the other of a pair is the same run without a record
+    bool preview = false;     ///< previews, and the other of a pair is the run
 };
 
 struct Case {
@@ -64,11 +65,12 @@ class CaseRunner {
         expectSuccess("bench_data", runProcess(command));
     }
 
-    ProcessCost job() { return jobIn(freshCopy("job")); }
+    ProcessCost job() { return options_.preview ? previewIn(freshCopy("job")) : jobIn(freshCopy("job")); }
 
     /// What the run is compared with.
     ProcessCost floor() {
         const fs::path folder = freshCopy("floor");
+        if (options_.preview) return jobIn(folder);
         if (options_.unrecorded) {
             std::ofstream(folder / "Körningar") << "no folder: no record can be made\n";
             return jobIn(folder);
@@ -87,7 +89,16 @@ class CaseRunner {
         return cost;
     }
 
+    /// With the list of all changes, as text.
+    ProcessCost previewIn(const fs::path& folder) {
+        const ProcessCost cost = runProcess({program("kolmera-cli"), "preview", std::string(case_.format.job), "--data",
+                                             folder.string(), "--save", (options_.work / "changes.txt").string()});
+        expectSuccess("kolmera-cli", cost);
+        return cost;
+    }
+
     [[nodiscard]] std::vector<std::string> differencesOfTables() const {
+        if (options_.preview) return differences(options_.work / "job" / kCompanyFile, master_ / kCompanyFile, 5);
         return differences(options_.work / "job" / kCompanyFile, options_.work / "floor" / kCompanyFile, 5);
     }
     [[nodiscard]] const nlohmann::json& summary() const { return summary_; }
@@ -198,7 +209,7 @@ void measure(const Options& options) {
         }
     }
     printGrowth(costs);
-    if (!options.unrecorded) measureEmptyFiles(options);
+    if (!options.unrecorded && !options.preview) measureEmptyFiles(options);
 }
 
 }  // namespace
@@ -221,6 +232,7 @@ int main(int argc, char** argv) {
     app.add_option("--pairs", options.pairs, "measured pairs of a case")->check(CLI::Range(1, 1000));
     app.add_option("--work", options.work, "folder for the data, on the disk that is measured");
     app.add_flag("--unrecorded", options.unrecorded, "compare with the same run without a record, not with a loader");
+    app.add_flag("--preview", options.preview, "measure previews beside runs");
     app.add_flag("--keep", options.keep, "leave the last case's data in the folder");
     CLI11_PARSE(app, argc, argv);
     try {

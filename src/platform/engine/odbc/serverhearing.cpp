@@ -128,9 +128,10 @@ ServerHearing::Error HeardChanges::after(OdbcConnection& connection, const State
 
 void HeardChanges::tell(ChangeListener& listener) {
     for (const std::vector<Value>& old : before_) {
-        const auto now =
-            std::ranges::find_if(after_, [&](const std::vector<Value>& row) { return idOf(row) == idOf(old); });
-        if (now == after_.end()) continue;
+        // Both were read in the order of their IDs.
+        const auto now = std::ranges::lower_bound(after_, idOf(old), {},
+                                                  [this](const std::vector<Value>& row) { return idOf(row); });
+        if (now == after_.end() || idOf(*now) != idOf(old)) continue;
         std::vector<ChangedCell> cells;
         std::vector<const Value*> known(old.size());
         for (int column = 0; column < table().columns(); ++column) {
