@@ -182,6 +182,7 @@ Rejects writeRejects(const RecordReader& run, const fs::path& target, const std:
     }
     const auto definition = definitionOf(run.header().definition);
     if (!definition) throw PlatformError(errors::kDamaged, "the record of the run has no definition");
+    if (definition->source) return {.outcome = Outcome::Converted};
     const Descriptor file = recorded.copied ? unpacked(run, target) : opened(recorded.path);
     if (!file.isOpen()) return {.outcome = Outcome::NoFile};
     const bool unread = recorded.sha256.empty() && !recorded.copied;  // to its end: only its time tells
@@ -210,6 +211,8 @@ std::string rejectsText(LanguageTexts& texts, const Rejects& rejects, const Reco
             return texts.ModulTextMed(text::rejects::kNoPriceFile, priceFile);
         case Rejects::Outcome::Changed:
             return texts.ModulTextMed(text::rejects::kPriceFileChanged, priceFile);
+        case Rejects::Outcome::Converted:
+            return texts.ModulTextMed(text::rejects::kConverted, priceFile);
         case Rejects::Outcome::PriceFile:
             return texts.ModulTextMed(text::rejects::kIsPriceFile, priceFile);
         case Rejects::Outcome::Cancelled:

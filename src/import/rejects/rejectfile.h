@@ -17,6 +17,7 @@ struct Rejects {
         None,       ///< no record has to be corrected: there is no file now
         NoFile,     ///< the price file is gone, or no file that can be read again, and the record has no copy
         Changed,    ///< the price file is not the one that the run read
+        Converted,  ///< the price file was converted before it was read: its records are not those of the run
         PriceFile,  ///< it would have been written over the price file
         Cancelled,
     };

@@ -124,6 +124,7 @@ std::optional<RunDefinition> definitionOf(const std::string& text) {
         const Json json = Json::parse(text);
         RunDefinition definition{.job = jobOf(json.at("job"))};
         if (json.contains("mask")) definition.mask = maskOf(json.at("mask"));
+        if (json.contains("source")) definition.source = sourceSettingsOf(json.at("source")).value_or(SourceSettings{});
         if (!json.contains("couplings")) return definition;
         for (const Json& coupling : json.at("couplings")) {
             definition.couplings.push_back({.job = coupling.at("job"),
