@@ -76,6 +76,16 @@ std::optional<WholeMask> JobEditor::chosenWholeMask() const {
     return mask;
 }
 
+std::filesystem::path JobEditor::sampleFor(const WholeMask& mask) {
+    if (!source) return priceFile();
+    if (editedMask_ != mask) {
+        editedMask_.reset();
+        editedSample_ = convertSample(priceFile(), *source, mask, state_.dataFolder());
+        editedMask_ = mask;
+    }
+    return editedSample_.path;
+}
+
 /// The job is saved by then; a source that cannot be is told of.
 void JobEditor::saveSource() {
     if (source && !tradeFormat_) {
@@ -203,6 +213,7 @@ std::optional<std::filesystem::path> JobEditor::sampleForMask(bool newMask) {
     }
     if (!openCompany()) return std::nullopt;
     sample_ = {};
+    editedMask_.reset();
     if (!source) return sample;
     try {
         sample_ = convertSample(sample, *source, newMask ? std::nullopt : chosenWholeMask(), state_.dataFolder());

@@ -72,6 +72,9 @@ class JobEditor {
     /// or a `newMask`, is going to read it.
     [[nodiscard]] std::optional<std::filesystem::path> sampleForMask(bool newMask = false);
     [[nodiscard]] const std::vector<std::string>& sampleHeadings() const { return sample_.headings; }
+    /// That sample as it is converted for a mask that is being edited: what is read as a number is made one. Throws
+    /// PlatformError.
+    [[nodiscard]] std::filesystem::path sampleFor(const WholeMask& mask);
     /// Whether the chosen mask is stored as the list shows it; if not, the user is told and the masks are listed anew.
     [[nodiscard]] bool maskIsAsShown();
     /// Lists the masks anew, after the editor saved one, which is chosen.
@@ -126,6 +129,8 @@ class JobEditor {
     Limits begunLimits_;
     std::optional<SourceSettings> begunSource_;
     ConvertedSample sample_;
+    std::optional<WholeMask> editedMask_;  ///< that `editedSample_` is converted for
+    ConvertedSample editedSample_;
     std::string begunMask_;
     std::vector<Company> companies_;
     int companyRow_ = -1;

@@ -248,7 +248,12 @@ void MaskSample::fillValues() {
     for (const TargetSuggestion& suggestion : suggestions_) relations.push_back(relationOf(suggestion));
     // As they are stored: a piece is the source of its own relation.
     for (std::size_t i = 0; hasRuler() && i < relations.size(); ++i) relations[i].Källa = static_cast<int>(i) + 1;
-    values_ = run_(editor_.mask(), relations, editor_.sample(), record_);
+    try {
+        values_ = run_(editor_.mask(), relations, editor_.sample(), record_);
+    } catch (const PlatformError& error) {
+        values_.product = SampleValues::Product::Unknown;
+        values_.whyUnknown = errorText(texts_, error);
+    }
     const auto own = static_cast<int>(editor_.relations().size());
     for (Row& row : rows_) {
         const int relation = row.relation >= 0 ? row.relation : row.suggestion >= 0 ? own + row.suggestion : -1;

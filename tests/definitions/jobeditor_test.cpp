@@ -171,9 +171,16 @@ TEST_F(JobEditorTest, KeepsTheFormatOfThePriceFileAndTheHeadingsOfItsColumns) {
     SourceFormat format;
     format.skip = 1;
     format.headings = true;
+    format.decimalSign = ',';
+    format.thousandsSign = ".";
     editor->takeSource(format, {"Pris", "Artikelnr", "Pris"});
     EXPECT_EQ(linesOfSample(true), "1\tA1\t2\r\n3\tA2\t4\r\n") << "a new mask is shown not all columns";
     EXPECT_THAT(editor->sampleHeadings(), ElementsAre("Pris", "Artikelnr", "Pris"));
+    world.rawPriceFile("Prislista;;\nPris;Artikelnr;Pris\n1.250,00 kr;A1;2,00\n");
+    WholeMask edited = *MaskFile(world.data()).read(1);
+    EXPECT_THAT(readWholeFile(editor->sampleFor(edited)), testing::HasSubstr("1250"));
+    edited.relations.pop_back();
+    EXPECT_THAT(readWholeFile(editor->sampleFor(edited)), testing::HasSubstr("1.250,00 kr")) << "not converted anew";
     EXPECT_TRUE(editor->changed());
     const std::optional<int> number = editor->save().JobbNr;
     ASSERT_TRUE(number);

@@ -90,13 +90,8 @@ void setTextQuietly(QLineEdit& box, const std::string& text) {
 
 }  // namespace
 
-PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier,
-                   std::vector<std::string> headings)
-    : QDialog(parent),
-      program_(program),
-      editor_(editor),
-      supplier_(std::move(supplier)),
-      headings_(std::move(headings)) {
+PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, MaskSurroundings around)
+    : QDialog(parent), program_(program), editor_(editor), around_(std::move(around)) {
     const Hourglass loading(program.boxes.port());
     setObjectName(QStringLiteral("PrisMTyp"));
     setWindowTitle(QStringLiteral("Mask (filtyp)"));
@@ -354,10 +349,15 @@ void PrisMTyp::tryOnSample() {
     SampleRun run;
     if (program_.trySample) {
         run = [this](const Mask& mask, const std::vector<Relation>& relations, const std::filesystem::path& sample,
-                     std::int64_t record) { return program_.trySample(supplier_, mask, relations, sample, record); };
+                     std::int64_t record) {
+            const bool converted = around_.sampleFor != nullptr;
+            return program_.trySample(around_.supplier, mask, relations,
+                                      converted ? around_.sampleFor({.mask = mask, .relations = relations}) : sample,
+                                      record);
+        };
     }
     MaskSample sample = openMaskSample(program_.state.sql, program_.texts, program_.boxes, program_.state.dataFolder(),
-                                       editor_, std::move(run), headings_);
+                                       editor_, std::move(run), around_.headings);
     MaskSampleWindow window(program_, sample, this);
     VisaFormulär(program_, window, true);
     present();
@@ -427,7 +427,7 @@ std::optional<int> visaPrisMTyp(Program& program, QWidget* parent, const MaskSur
     MaskEditor editor(program.texts, program.boxes, program.state.dataFolder(), around.sample, program.misreadSample);
     editor.sampleIsConvertedFrom(around.convertedFrom);
     if (!editor.open(program.state.sql, maskNumber)) return std::nullopt;
-    PrisMTyp form(program, editor, parent, around.supplier, around.headings);
+    PrisMTyp form(program, editor, parent, around);
     VisaFormulär(program, form, true);
     if (form.result() != QDialog::Accepted) return std::nullopt;
     return editor.mask().number;

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 #include "definitions/maskeditor.h"
@@ -19,12 +20,21 @@ class QPushButton;
 
 namespace kolmera {
 
+/// What the mask editor is shown against.
+struct MaskSurroundings {
+    std::filesystem::path sample = {};
+    std::string convertedFrom = {};          ///< the file whose beginning, converted, the sample is
+    std::vector<std::string> headings = {};  ///< of its columns
+    std::string supplier = {};               ///< the job's, whose products the mask is tried on
+    /// The sample as it is converted for the mask as it is edited; unset where nothing is converted.
+    std::function<std::filesystem::path(const WholeMask&)> sampleFor = {};
+};
+
 /// The mask editor's window: a mask is made against the first record of a sample price file.
 class PrisMTyp final : public QDialog {
   public:
-    /// `editor` is open already; it is tried on the job's supplier, and on columns with those headings.
-    PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, std::string supplier = {},
-             std::vector<std::string> headings = {});
+    /// `editor` is open already.
+    PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, MaskSurroundings around = {});
 
     void reject() override;
 
@@ -55,8 +65,7 @@ class PrisMTyp final : public QDialog {
 
     Program& program_;
     MaskEditor& editor_;
-    std::string supplier_;
-    std::vector<std::string> headings_;
+    MaskSurroundings around_;
     QLabel* lblNamn_;
     QLineEdit* namn_;
     QGroupBox *ramFilTyp_, *ramTecken_, *ramSkapaNya_, *positioner_;
@@ -68,14 +77,6 @@ class PrisMTyp final : public QDialog {
     QLineEdit *frånPos_, *längd_;
     QComboBox *typKod_, *division_;
     QPushButton *skapa_, *tabort_, *exempel_, *spara_, *avbryt_;
-};
-
-/// What the mask editor is shown against.
-struct MaskSurroundings {
-    std::filesystem::path sample;
-    std::string convertedFrom = {};          ///< the file whose beginning, converted, the sample is
-    std::vector<std::string> headings = {};  ///< of its columns
-    std::string supplier = {};               ///< the job's, whose products the mask is tried on
 };
 
 /// Edits the mask of that number, 0 for a new one, against a sample file; the company database is open. Answers the

@@ -407,11 +407,14 @@ void PrisStyr::editMask(bool isNew) {
     }
     const int number = isNew ? 0 : job_.masks()[static_cast<std::size_t>(job_.chosenMask())].number;
     const std::string original = job_.foundFile().value_or(*sample).filename().string();
+    std::function<std::filesystem::path(const WholeMask&)> sampleFor;
+    if (job_.source) sampleFor = [this](const WholeMask& mask) { return job_.sampleFor(mask); };
     const auto saved = visaPrisMTyp(program_, this,
                                     {.sample = *sample,
                                      .convertedFrom = job_.source ? original : std::string(),
                                      .headings = job_.sampleHeadings(),
-                                     .supplier = job_.job.supplier},
+                                     .supplier = job_.job.supplier,
+                                     .sampleFor = sampleFor},
                                     number);
     if (!saved) return;
     job_.maskSaved(*saved);
