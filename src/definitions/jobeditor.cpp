@@ -106,16 +106,6 @@ std::optional<std::filesystem::path> JobEditor::foundFile() const {
     return file;
 }
 
-/// The job is saved by then; limits that cannot be are told of.
-void JobEditor::saveLimits() {
-    if (limits == begunLimits_) return;
-    try {
-        JobOptionsFile(state_.dataFolder()).setLimits(job.name, limits);
-    } catch (const PlatformError& error) {
-        tell(error, text::definitions::kImportChangedNothingSaved, job.name);
-    }
-}
-
 std::string JobEditor::caption() const {
     return job.number == 0 ? std::string() : texts_.FormulärSträng(text::prisstyr::kCaption) + job.name;
 }
@@ -343,8 +333,8 @@ JobEditor::Outcome JobEditor::save() {
         }
     }
     try {
-        const int number = JobFile(state_.dataFolder()).save(job, shown_);
-        saveLimits();
+        const std::optional<Limits> changed = limits == begunLimits_ ? std::nullopt : std::optional(limits);
+        const int number = JobFile(state_.dataFolder()).save(job, shown_, changed);
         saveSource();
         return {.JobbNr = number};
     } catch (const PlatformError& error) {

@@ -104,7 +104,6 @@ class JobEditor {
     void readLimits();
     void saveSource();
     [[nodiscard]] std::optional<WholeMask> chosenWholeMask() const;
-    void saveLimits();
     void readHeadings();
     void readMasks();
     [[nodiscard]] std::filesystem::path priceFile() const;

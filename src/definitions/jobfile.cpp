@@ -174,7 +174,7 @@ void JobFile::addTradeJobs(std::string_view company) {
     change.commit();
 }
 
-int JobFile::save(const Job& job, const std::optional<Job>& shown) {
+int JobFile::save(const Job& job, const std::optional<Job>& shown, const std::optional<Limits>& limits) {
     RecordChange change(folder_);
     Records& file = change.file(kLayout);
     if (shown) expectUnchanged(jobOf(shown->number, file.read(shown->number)), *shown, kLayout);
@@ -187,6 +187,7 @@ int JobFile::save(const Job& job, const std::optional<Job>& shown) {
     } else if (!shown) {
         removeJobOptions(change.text(kJobOptionsFile), name);  // of a job that another program has removed
     }
+    if (limits) putLimits(change.text(kJobOptionsFile), name, *limits);
     change.commit();
     return number;
 }

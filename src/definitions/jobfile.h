@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "definitions/joboptions.h"
 #include "platform/recordfile.h"
 
 namespace kolmera {
@@ -52,8 +53,9 @@ class JobFile {
     // For windows. Throws PlatformError, and changes nothing: kChangedElsewhere when the records are no longer those
     // that were shown.
     /// Saves over the job that was shown, or appends a new one. What KOLMERA.JSON holds of it follows a new name.
-    /// kDuplicateKey for a new name that another job has (letter case does not count).
-    int save(const Job& job, const std::optional<Job>& shown);
+    /// kDuplicateKey for a new name that another job has (letter case does not count). `limits` are saved too, where
+    /// they are given: both or nothing.
+    int save(const Job& job, const std::optional<Job>& shown, const std::optional<Limits>& limits = std::nullopt);
     /// Removes the jobs, which were all of one name, and what KOLMERA.JSON holds of them; later ones move down.
     void remove(const std::vector<Job>& shown);
 

@@ -68,18 +68,35 @@ Json optionsOf(const std::filesystem::path& folder, std::string_view job) {
     return jobs.value(std::string(job), Json::object());
 }
 
-/// Changes what the file has of a job.
-void changeOptions(const std::filesystem::path& folder, std::string_view job,
-                   const std::function<void(Json& options)>& edit) {
-    RecordChange change(folder);
-    std::string& content = change.text(kJobOptionsFile);
+/// Changes what the file's text has of a job.
+void editOptions(std::string& content, std::string_view job, const std::function<void(Json& options)>& edit) {
     std::optional<Json> file = parsed(content);
     if (!file) refuse();
     Json& jobs = child(*file, kJobs);
     edit(child(jobs, job));
     removeEmpty(jobs, job);
     content = textOf(*file);
+}
+
+/// The same in a change of its own.
+void changeOptions(const std::filesystem::path& folder, std::string_view job,
+                   const std::function<void(Json& options)>& edit) {
+    RecordChange change(folder);
+    editOptions(change.text(kJobOptionsFile), job, edit);
     change.commit();
+}
+
+void storeLimits(Json& options, const Limits& limits) {
+    Json& stored = child(options, kLimitsMember);
+    for (const LimitKind& kind : kLimits) {
+        const std::optional<double>& value = limits.*kind.value;
+        if (value) {
+            stored[std::string(kind.name)] = *value;
+        } else {
+            stored.erase(std::string(kind.name));
+        }
+    }
+    removeEmpty(options, kLimitsMember);
 }
 
 }  // namespace
@@ -87,18 +104,11 @@ void changeOptions(const std::filesystem::path& folder, std::string_view job,
 Limits JobOptionsFile::limits(std::string_view job) const { return limitsOf(optionsOf(folder_, job)); }
 
 void JobOptionsFile::setLimits(std::string_view job, const Limits& limits) {
-    changeOptions(folder_, job, [&](Json& options) {
-        Json& stored = child(options, kLimitsMember);
-        for (const LimitKind& kind : kLimits) {
-            const std::optional<double>& value = limits.*kind.value;
-            if (value) {
-                stored[std::string(kind.name)] = *value;
-            } else {
-                stored.erase(std::string(kind.name));
-            }
-        }
-        removeEmpty(options, kLimitsMember);
-    });
+    changeOptions(folder_, job, [&](Json& options) { storeLimits(options, limits); });
+}
+
+void putLimits(std::string& content, std::string_view job, const Limits& limits) {
+    editOptions(content, job, [&](Json& options) { storeLimits(options, limits); });
 }
 
 std::optional<SourceSettings> JobOptionsFile::source(std::string_view job) const {

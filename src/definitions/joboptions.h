@@ -64,6 +64,8 @@ class JobOptionsFile {
 // The file within a change of KOLMERA.TXT. `content` is its text, empty for a missing file; one that cannot be
 // understood stays as it is.
 inline constexpr std::string_view kJobOptionsFile = "KOLMERA.JSON";
+/// Throws kDamaged for a file that cannot be understood.
+void putLimits(std::string& content, std::string_view job, const Limits& limits);
 /// `copies` where another job keeps the old name.
 void renameJobOptions(std::string& content, std::string_view from, std::string_view to, bool copies);
 void removeJobOptions(std::string& content, std::string_view job);

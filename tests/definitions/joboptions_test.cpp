@@ -85,6 +85,20 @@ TEST(JobOptions, WhatCannotBeUnderstoodIsLeftAlone) {
     }
 }
 
+TEST(JobOptions, AreSavedWithTheirJobOrNotAtAll) {
+    const TemporaryFolder folder;
+    JobFile jobs(folder.path());
+    Job job;
+    job.name = "Skruv";
+    const Limits limits{.zeroPrices = 3};
+    folder.write("KOLMERA.JSON", "{");
+    EXPECT_EQ(errorOf([&] { jobs.save(job, std::nullopt, limits); }), errors::kDamaged);
+    EXPECT_EQ(jobs.find("Skruv"), std::nullopt) << "saved without its limits";
+    folder.write("KOLMERA.JSON", "");
+    jobs.save(job, std::nullopt, limits);
+    EXPECT_EQ(JobOptionsFile(folder.path()).limits("Skruv"), limits);
+}
+
 TEST(JobOptions, AreNotWrittenThroughALink) {
     const TemporaryFolder folder;
     folder.write("elsewhere", "{}");
