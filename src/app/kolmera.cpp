@@ -11,6 +11,7 @@
 #include "import/window/calculationwindow.h"
 #include "import/window/jobicons.h"
 #include "import/window/prismain.h"
+#include "import/window/rejectssaving.h"
 #include "lang/errortext.h"
 #include "lang/keys/fault.h"
 #include "lang/keys/loggain.h"
@@ -63,6 +64,7 @@ void openWindowsOfOthers(Program& program) {
                                    const std::filesystem::path& sample, std::int64_t record) {
         return readSample(program.state.sql, program.texts, Date::today(), supplier, mask, relations, sample, record);
     };
+    program.saveRejects = [&program](QWidget* parent, const RecordReader& run) { saveRejects(program, parent, run); };
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
 }
 

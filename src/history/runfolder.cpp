@@ -1,5 +1,8 @@
 #include "history/runfolder.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <initializer_list>
@@ -61,6 +64,12 @@ std::vector<std::string> RunFolder::ids() const {
     }
     std::ranges::sort(ids, std::greater());
     return ids;
+}
+
+bool RunFolder::takesRecords() const {
+    std::error_code unknown;
+    const std::filesystem::path folder = std::filesystem::exists(path_, unknown) ? path_ : path_.parent_path();
+    return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
 std::vector<RunHeader> RunFolder::list(std::int64_t* unreadable) const {

@@ -23,6 +23,8 @@ class RunFolder {
     static RunFolder at(const std::filesystem::path& path) { return RunFolder(path, Exactly{}); }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    /// Whether a record can be made here, as far as rights tell; the folder itself is made when it is missing.
+    [[nodiscard]] bool takesRecords() const;
     /// The heads of all records that can be read, the newest first, with `underWay`. What is no record, or is damaged,
     /// is counted in `unreadable`.
     [[nodiscard]] std::vector<RunHeader> list(std::int64_t* unreadable = nullptr) const;

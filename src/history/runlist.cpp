@@ -26,12 +26,14 @@ constexpr struct {
                  {"cancelled", text::runs::kCancelled},
                  {"stopped", text::runs::kStopped}};
 
-std::string countOf(const nlohmann::json& counts, const char* name, const Locale& locale) {
-    const auto found = counts.find(name);
-    return found != counts.end() && found->is_number_integer() ? grouped(found->get<std::int64_t>(), locale) : "";
-}
-
 }  // namespace
+
+std::optional<std::int64_t> countOf(const RunHeader& run, const char* name) {
+    const nlohmann::json counts = nlohmann::json::parse(run.counts, nullptr, false);
+    const auto found = counts.find(name);
+    if (found == counts.end() || !found->is_number_integer()) return std::nullopt;
+    return found->get<std::int64_t>();
+}
 
 std::string RunList::companyOf(const RunHeader& run) {
     return run.companyName.empty() ? run.companyFile : run.companyName;
@@ -64,7 +66,10 @@ RunList::Cells RunList::headings() const {
 
 RunList::Cells RunList::cells(int row) const {
     const RunHeader& run = this->run(row);
-    const nlohmann::json counts = nlohmann::json::parse(run.counts, nullptr, false);
+    const auto count = [&](const char* name) {
+        const auto number = countOf(run, name);
+        return number ? grouped(*number, locale_) : std::string();
+    };
     std::string started = run.started;
     std::ranges::replace(started, 'T', ' ');
     return {started,
@@ -72,9 +77,9 @@ RunList::Cells RunList::cells(int row) const {
             run.job,
             companyOf(run),
             run.priceFile.path,
-            countOf(counts, "records", locale_),
-            countOf(counts, "new", locale_),
-            countOf(counts, "changed", locale_),
+            count("records"),
+            count("new"),
+            count("changed"),
             outcomeOf(run),
             run.user};
 }
@@ -82,10 +87,17 @@ RunList::Cells RunList::cells(int row) const {
 std::string RunList::outcomeOf(const RunHeader& run) const {
     if (run.underWay) return texts_.ModulText(text::runs::kUnderWay);
     if (run.ended.empty()) return texts_.ModulText(text::runs::kNotEnded);
+    std::string outcome = run.outcome;
     for (const auto& known : kOutcomes) {
-        if (known.outcome == run.outcome) return texts_.ModulText(known.text);
+        if (known.outcome == run.outcome) outcome = texts_.ModulText(known.text);
     }
-    return run.outcome;
+    if (run.kind != RunKind::Undo) return outcome;
+    std::int64_t back = 0;
+    for (const char* name : {"changed_back", "removed", "brought_back"}) back += countOf(run, name).value_or(0);
+    outcome += ", " + texts_.ModulTextMed(text::runs::kRowsBack, grouped(back, locale_));
+    const std::int64_t kept = countOf(run, "kept").value_or(0);
+    if (kept > 0) outcome += ", " + texts_.ModulTextMed(text::runs::kRowsKept, grouped(kept, locale_));
+    return outcome;
 }
 
 bool RunList::canUndo(int row) const {

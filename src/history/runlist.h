@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,9 @@
 #include "platform/locale.h"
 
 namespace kolmera {
+
+/// A count of the run's summary; nothing where its record has none.
+std::optional<std::int64_t> countOf(const RunHeader& run, const char* name);
 
 /// The past runs as a list that users read: the newest first, of one company or of all. Knows no window.
 class RunList {

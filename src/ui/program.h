@@ -21,6 +21,7 @@ struct Mask;
 struct Relation;
 struct RunHeader;
 struct SampleValues;
+class RecordReader;
 
 /// What the forms share: made in `main`, handed to every form by reference. The windows that one form opens and another
 /// subsystem owns are members here, and what one asks of a subsystem above its own, so that a test can put its own in
@@ -39,6 +40,8 @@ struct Program {
     /// Shows how the prices of a product came about in a run, or in a preview, from `column` ("Produkt.Inpris") on.
     std::function<void(QWidget* parent, const RunHeader& run, const std::string& product, const std::string& column)>
         explainPrice{};
+    /// Saves the rejected records of a run, or of a preview, where the user wants them.
+    std::function<void(QWidget* parent, const RecordReader& run)> saveRejects{};
     /// What a run through that mask would read wrongly of a sample file, each in a sentence or two.
     std::function<std::vector<std::string>(const Mask&, const std::vector<Relation>&,
                                            const std::filesystem::path& sample)>

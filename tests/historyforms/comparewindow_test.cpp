@@ -10,7 +10,9 @@
 #include <QTableView>
 #include <QTest>
 
+#include "definitions/targetcodes.h"
 #include "history/runrecord.h"
+#include "import/run/runcounts.h"
 #include "platform/spreadsheet/workbook.h"
 #include "platform/tsv.h"
 #include "support/qt/formworld.h"
@@ -53,8 +55,11 @@ class CompareWindowTest : public testing::Test {
         head.started = started;
         head.companyFile = "FTG1.MDB";
         head.priceFile.path = "/prisfiler/höst.txt";
-        head.definition = R"({"job":{"supplier":"3020"},"mask":{"relations":[{"Mål":1,"Division":"I"},)"
-                          R"({"Mål":4,"Division":"S"}]}})";
+        RunDefinition definition;
+        definition.job.supplier = "3020";
+        definition.mask.emplace().relations = {{.Källa = 1, .Mål = target("Nummer"), .Division = 'I'},
+                                               {.Källa = 2, .Mål = target("Levartikelnr"), .Division = 'S'}};
+        head.definition = definitionText(definition);
         RunRecord record(folder.path(), head);
         for (const std::string& key : keys) record.key(key);
         record.change([](RunHeader& header) { header.outcome = "completed"; });

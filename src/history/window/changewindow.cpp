@@ -224,15 +224,18 @@ void ChangeWindow::buildButtons() {
     explain_ = button(*this, "Förklara", "Varför &detta pris?");
     copy_ = button(*this, "Kopiera", "&Kopiera");
     save_ = button(*this, "Spara", "&Spara...");
+    rejects_ = button(*this, "PosterAttRätta", "Poster &att rätta...");
     print_ = button(*this, "SkrivUt", "Skriv &ut...");
     run_ = button(*this, "Utför", "Utfö&r...");
     close_ = button(*this, "Stäng", "S&täng");
-    for (QPushButton* each : {show_, explain_, copy_, save_, print_, run_, close_}) each->setAutoDefault(false);
+    for (QPushButton* each : {show_, explain_, copy_, save_, rejects_, print_, run_, close_})
+        each->setAutoDefault(false);
     run_->setVisible(report_.header().kind == RunKind::Preview);
     connect(show_, &QPushButton::clicked, this, [this] { showInFile(); });
     connect(explain_, &QPushButton::clicked, this, [this] { explain(); });
     connect(copy_, &QPushButton::clicked, this, [this] { copy(); });
     connect(save_, &QPushButton::clicked, this, [this] { save(); });
+    connect(rejects_, &QPushButton::clicked, this, [this] { saveRejects(this); });
     connect(print_, &QPushButton::clicked, this, [this] { print(); });
     connect(run_, &QPushButton::clicked, this, [this] {
         runs_ = true;
@@ -268,7 +271,7 @@ void ChangeWindow::layOut() {
     choices->addWidget(count_);
 
     auto* buttons = new QHBoxLayout;
-    for (QPushButton* each : {show_, explain_, copy_, save_, print_}) buttons->addWidget(each);
+    for (QPushButton* each : {show_, explain_, copy_, save_, rejects_, print_}) buttons->addWidget(each);
     buttons->addStretch(1);
     buttons->addWidget(run_);
     buttons->addWidget(close_);
@@ -349,6 +352,7 @@ void ChangeWindow::present() {
     const bool any = model_->rowCount() > 0;
     show_->setVisible(showRecords != nullptr);
     show_->setEnabled(currentRecord() > 0);
+    rejects_->setVisible(saveRejects != nullptr);
     explain_->setVisible(explainPrice != nullptr);
     explain_->setEnabled(currentPrice() != nullptr);
     for (QPushButton* each : {copy_, save_, print_}) each->setEnabled(any);

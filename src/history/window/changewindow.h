@@ -48,6 +48,9 @@ class ChangeWindow final : public QDialog {
     /// no such button.
     std::function<void(QWidget* parent, const std::string& product, const std::string& column)> explainPrice;
 
+    /// Saves the records that have to be corrected. Without it there is no such button.
+    std::function<void(QWidget* parent)> saveRejects;
+
     /// To be called when the functions above are set.
     void load();
 
@@ -97,7 +100,7 @@ class ChangeWindow final : public QDialog {
     QCheckBox *onlyNew_, *onlyMarked_;
     QLabel* count_;
     QTableView* list_;
-    QPushButton *show_, *explain_, *copy_, *save_, *print_, *run_, *close_;
+    QPushButton *show_, *explain_, *copy_, *save_, *rejects_, *print_, *run_, *close_;
     QTimer* typing_;
 };
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "db/conversions.h"
-#include "history/recordeddefinition.h"
+#include "import/run/recordeddefinition.h"
 
 namespace kolmera {
 namespace {

@@ -1,15 +1,16 @@
 #include "history/window/openrecord.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
 
 #include "history/changereport.h"
 #include "history/fileexcerpt.h"
-#include "history/recordeddefinition.h"
 #include "history/runfolder.h"
 #include "history/warnings.h"
 #include "history/window/changewindow.h"
 #include "history/window/companyproducts.h"
 #include "history/window/excerptwindow.h"
+#include "import/run/recordeddefinition.h"
 #include "import/run/runreport.h"
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
@@ -86,6 +87,10 @@ bool showRecord(Program& program, QWidget* parent, const RecordReader& record, s
             ExcerptWindow excerpt(program, file, placeOf, records, first, over);
             VisaFormulär(program, excerpt, true);
         };
+        const bool remarked = std::ranges::any_of(report.notices(), [](const Notice& each) { return !each.warning; });
+        if (program.saveRejects && remarked) {
+            form.saveRejects = [&](QWidget* over) { program.saveRejects(over, record); };
+        }
         if (program.explainPrice && record.header().kind != RunKind::Undo) {
             form.explainPrice = [&](QWidget* over, const std::string& product, const std::string& column) {
                 program.explainPrice(over, record.header(), product, column);

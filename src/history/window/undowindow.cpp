@@ -9,6 +9,7 @@
 
 #include "history/changetable.h"
 #include "history/recordedundo.h"
+#include "history/runlist.h"
 #include "history/undotexts.h"
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
@@ -43,8 +44,8 @@ class TakingBack {
         const std::string what = undoCountsText(texts, undo_.undo().counts(), program_.state.locale);
         std::string started = undo_.run().started;
         std::ranges::replace(started, 'T', ' ');
-        const std::string question =
-            texts.FormulärSträngMed2(text::runs::kAskToTakeBack, undo_.run().job, started) + "\r\n\r\n" + what;
+        const std::string question = texts.FormulärSträngMed2(text::runs::kAskToTakeBack, undo_.run().job, started) +
+                                     "\r\n\r\n" + productsText() + what;
         return program_.boxes.MeddelandeJaNejNej(question) == Answer::Yes;
     }
 
@@ -69,6 +70,17 @@ class TakingBack {
         head.user = SystemUser::current().login;
         head.version = KOLMERA_VERSION;
         return head;
+    }
+
+    /// The users' count beside the rows'; nothing of a run that was itself taking back.
+    std::string productsText() {
+        const Locale& locale = program_.state.locale;
+        const auto added = countOf(undo_.run(), "new");
+        const auto changed = countOf(undo_.run(), "changed");
+        if (!added || !changed) return {};
+        return program_.texts.FormulärSträngMed2(text::runs::kProductsOfRun, grouped(*added, locale),
+                                                 grouped(*changed, locale)) +
+               "\r\n";
     }
 
     template <typename Step>

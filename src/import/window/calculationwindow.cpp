@@ -13,9 +13,9 @@
 #include <optional>
 
 #include "definitions/jobfile.h"
-#include "history/recordeddefinition.h"
 #include "import/preview/preview.h"
 #include "import/run/pricecalculation.h"
+#include "import/run/recordeddefinition.h"
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
 #include "lang/keys/calculation.h"

@@ -7,7 +7,9 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "history/runfolder.h"
 #include "import/window/jobicons.h"
+#include "lang/keys/prismain.h"
 #include "platform/lettercase.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
@@ -105,7 +107,11 @@ void ConfirmationForm::propose(bool emptyTables) {
 void ConfirmationForm::carryOut() {
     LanguageTexts& texts = program_.texts;
     if (tabort_->isChecked()) {
-        if (program_.boxes.MeddelandeJaNejNej(texts.FormulärSträng(emptying_.question),
+        const RunFolder runs(program_.state.dataFolder());
+        const std::string undoing = runs.takesRecords()
+                                        ? texts.ModulText(text::prismain::kCanBeTakenBack)
+                                        : texts.ModulTextMed(text::prismain::kCannotBeTakenBack, runs.path().string());
+        if (program_.boxes.MeddelandeJaNejNej(texts.FormulärSträngMed1(emptying_.question, undoing),
                                               texts.FormulärSträng(emptying_.title)) != Answer::Yes) {
             return;
         }
