@@ -1,6 +1,7 @@
 #include "history/runlist.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -76,7 +77,7 @@ RunList::Cells RunList::cells(int row) const {
             texts_.ModulText(kKinds[static_cast<std::size_t>(run.kind)]),
             run.job,
             companyOf(run),
-            run.priceFile.path,
+            std::filesystem::path(run.priceFile.path).filename().string(),
             count("records"),
             count("new"),
             count("changed"),

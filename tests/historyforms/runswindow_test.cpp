@@ -111,6 +111,21 @@ TEST_F(RunsWindowTest, ListsShowsAndForgetsRuns) {
     EXPECT_EQ(list().model()->rowCount(), 1);
 }
 
+TEST_F(RunsWindowTest, TellsHowMuchAnUndoGaveBack) {
+    RunHeader head;
+    head.kind = RunKind::Undo;
+    head.started = head.ended = "2026-11-29T08:15:00";
+    head.outcome = "completed";
+    head.counts = R"({"rows":9,"changed_back":3,"removed":1,"brought_back":2,"as_before":1,"kept":2})";
+    head.priceFile.path = "/prisfiler/höst.txt";
+    RunRecord(world.data / "Körningar", head).close();
+    RunsWindow again(world.program, nullptr);
+    const QAbstractItemModel& rows = *control<QTableView>(again, "Lista").model();
+    EXPECT_EQ(rows.index(0, RunList::kOutcome).data().toString(), "Klar, rader tillbaka: 6, står kvar: 2");
+    EXPECT_EQ(rows.index(0, RunList::kPriceFile).data().toString(), "höst.txt");
+    EXPECT_EQ(rows.index(0, RunList::kPriceFile).data(Qt::ToolTipRole).toString(), "/prisfiler/höst.txt");
+}
+
 TEST_F(RunsWindowTest, ShowsTheRecordInItsPriceFile) {
     std::string shown, marked, remark;
     const WhenShown window("ChangeWindow", [&](QDialog& changes) {

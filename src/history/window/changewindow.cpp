@@ -307,7 +307,7 @@ void ChangeWindow::connectKeys() {
 }
 
 void ChangeWindow::setSizes() {
-    constexpr int kWindowLetters = 135, kWindowLines = 42, kNoticeLines = 4, kOverLetters = 6, kColumnLetters = 24;
+    constexpr int kWindowLetters = 165, kWindowLines = 44, kNoticeLines = 4, kOverLetters = 6, kColumnLetters = 24;
     constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 26, 12, 12, 12, 12, 9};
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();

@@ -199,7 +199,7 @@ void CompareWindow::layOut() {
 }
 
 void CompareWindow::setSizes() {
-    constexpr int kWindowLetters = 110, kWindowLines = 32, kArticleLetters = 24;
+    constexpr int kWindowLetters = 130, kWindowLines = 32, kArticleLetters = 24;
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     for (const int column : {ComparisonList::kKind, ComparisonList::kArticle, ComparisonList::kProduct}) {

@@ -81,9 +81,12 @@ bool showRecord(Program& program, QWidget* parent, const RecordReader& record, s
         if (!readReport(program, *parent, report)) return false;
         report.warn(noticesOf(told));
         ChangeWindow form(program, report, parent);
-        RecordedPriceFile file(record.header().priceFile, recordedDefinition(record.header()).codePage);
+        const RecordedDefinition definition = recordedDefinition(record.header());
+        RecordedPriceFile file(record.header().priceFile, definition.codePage);
         form.showRecords = [&](QWidget* over, const std::vector<std::int64_t>& records, std::size_t first) {
-            const auto placeOf = [&](std::int64_t number) { return record.place(number); };
+            const auto placeOf = [&](std::int64_t number) {
+                return definition.converted ? std::nullopt : record.place(number);
+            };
             ExcerptWindow excerpt(program, file, placeOf, records, first, over);
             VisaFormulär(program, excerpt, true);
         };

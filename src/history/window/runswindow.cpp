@@ -45,6 +45,9 @@ class RunsWindow::Model final : public QAbstractTableModel {
             return static_cast<int>(Qt::AlignVCenter | (number ? Qt::AlignRight : Qt::AlignLeft));
         }
         if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+        if (role == Qt::ToolTipRole && index.column() == RunList::kPriceFile) {
+            return toQt(runs_.run(index.row()).priceFile.path);
+        }
         return toQt(runs_.cells(index.row()).at(static_cast<std::size_t>(index.column())));
     }
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
@@ -132,7 +135,7 @@ void RunsWindow::layOut() {
 }
 
 void RunsWindow::setSizes() {
-    constexpr int kWindowLetters = 140, kWindowLines = 26;
+    constexpr int kWindowLetters = 165, kWindowLines = 26;
     const QFontMetrics metrics = fontMetrics();
     for (int column = 0; column < RunList::kColumns; ++column) {
         if (column != RunList::kPriceFile) list_->resizeColumnToContents(column);

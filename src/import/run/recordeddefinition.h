@@ -14,6 +14,7 @@ struct RecordedDefinition {
     Key key = Key::Number;
     std::string supplier;  ///< whose articles they are; empty where the file, or nobody, says
     CodePage codePage = CodePage::Windows1252;
+    bool converted = false;  ///< it was turned into other rows first: the places of records are not those in the file
 };
 
 RecordedDefinition recordedDefinition(const RunHeader& run);
