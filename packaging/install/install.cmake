@@ -48,7 +48,8 @@ endif()
 file(GLOB documents ${PROJECT_SOURCE_DIR}/docs/*.md)
 install(FILES ${documents} ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc
         COMPONENT doc)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/pictures DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc COMPONENT doc)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/pictures DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc COMPONENT doc
+        FILES_MATCHING PATTERN "*.png")
 foreach(language en sv)
   install_link(guide.${language}.md ../../${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc/guide.${language}.md ${home} doc)
 endforeach()
