@@ -1,8 +1,5 @@
 #include "definitions/sourceeditor.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <algorithm>
 #include <charconv>
 
@@ -59,10 +56,16 @@ std::optional<std::vector<std::size_t>> startsOf(const std::string& text) {
     return starts;
 }
 
+std::string joined(const std::vector<std::string>& texts, std::string_view between) {
+    std::string all;
+    for (const std::string& text : texts) all.append(all.empty() ? "" : between).append(text);
+    return all;
+}
+
 std::string startsText(const std::vector<std::size_t>& starts) {
-    std::vector<std::size_t> fromOne = starts;
-    for (std::size_t& start : fromOne) ++start;
-    return fmt::format("{}", fmt::join(fromOne, ", "));
+    std::string text;
+    for (const std::size_t start : starts) text.append(text.empty() ? "" : ", ").append(std::to_string(start + 1));
+    return text;
 }
 
 }  // namespace
@@ -144,7 +147,7 @@ void SourceEditor::readDecodings() {
             all, [&](const auto& rows) { return row < rows.size() && rows[row].cells != all.front()[row].cells; });
         for (std::size_t i = 0; differs && i < all.size(); ++i) {
             const auto& cells = row < all[i].size() ? all[i][row].cells : std::vector<std::string>();
-            decodings_[i].lines.push_back(fmt::format("{}", fmt::join(cells, "  ")));
+            decodings_[i].lines.push_back(joined(cells, "  "));
         }
     }
 }
@@ -330,10 +333,10 @@ std::string SourceEditor::words() const {
         if (!shown || (property.chosen < 0 && property.text.empty())) continue;
         std::string value =
             property.choices.empty() ? property.text : property.choices[static_cast<std::size_t>(property.chosen)];
-        if (!property.sure) value += " " + texts_.ModulText(text::source::kNotSure);
+        if (!property.sure) value.append(" ").append(texts_.ModulText(text::source::kNotSure));
         words.push_back(property.name == Name::Kind ? value : property.caption + ": " + value);
     }
-    return texts_.ModulTextMed(text::sourceeditor::kTheFileIs, fmt::format("{}", fmt::join(words, " – ")));
+    return texts_.ModulTextMed(text::sourceeditor::kTheFileIs, joined(words, " – "));
 }
 
 }  // namespace kolmera

@@ -1,5 +1,7 @@
 #include "definitions/window/sourcewindow.h"
 
+#include <fmt/format.h>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
@@ -152,7 +154,7 @@ void SourceWindow::presentProperties() {
     QWidget* behind = omvandla_;
     for (const Property& property : editor_.properties()) {
         const std::string doubt =
-            property.sure ? std::string() : " " + program_.texts.ModulText(text::source::kNotSure);
+            property.sure ? std::string() : fmt::format(" {}", program_.texts.ModulText(text::source::kNotSure));
         auto* caption = new QLabel(toQt(property.caption + doubt), egenskaper_);
         caption->setWordWrap(true);
         QWidget* value = box(property);
