@@ -17,6 +17,8 @@
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
 #include "cli/showcommand.h"
+#include "cli/sourcecommand.h"
+#include "cli/templatecommand.h"
 #include "cli/undocommand.h"
 #include "lang/keys/help.h"
 
@@ -109,6 +111,7 @@ void describeJob(Command& command, JobArguments& arguments) {
     CLI::Option* strict = command.flag("--strict", arguments.strict, text::help::kStrict);
     command.flag("--force", arguments.force, text::help::kForce)->excludes(strict);
     command.option("--locale", arguments.locale, text::help::kLocale)->check(CLI::IsMember({"sv", "en"}));
+    command.option("--file", arguments.file, text::help::kRunFile);
 }
 
 void describePreparation(Command& command, PreviewArguments& arguments) {
@@ -169,6 +172,46 @@ void addSources(Commands& commands) {
             command.flag("--json", arguments.json, text::help::kJson);
         },
         inspectCommand);
+    commands.add<SourceArguments>(
+        "source", text::help::kSource,
+        [](Command& command, SourceArguments& arguments) {
+            command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
+            CLI::Option* detect = command.flag("--detect", arguments.detect, text::help::kDetect);
+            command.option("--file", arguments.file, text::help::kOtherFile)->needs(detect);
+            command.list("--set", arguments.set, text::help::kSetSource);
+            command.flag("--clear", arguments.clear, text::help::kClearSource);
+        },
+        sourceCommand);
+    commands.add<ConvertArguments>(
+        "convert", text::help::kConvert,
+        [](Command& command, ConvertArguments& arguments) {
+            command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
+            command.option("--output", arguments.output, text::help::kConvertOutput)->required();
+            command.option("--file", arguments.file, text::help::kOtherFile);
+        },
+        convertCommand);
+}
+
+void addTemplates(Commands& commands) {
+    CLI::App* templates = commands.group("template", text::help::kTemplate);
+    commands.add<TemplateArguments>(
+        "export", text::help::kTemplateExport,
+        [](Command& command, TemplateArguments& arguments) {
+            command.argument("JOB", arguments.job, text::help::kJob)
+                .argument("FILE", arguments.file, text::help::kTemplateFile)
+                .data(arguments.dataFolder);
+        },
+        exportTemplateCommand, templates);
+    commands.add<TemplateArguments>(
+        "import", text::help::kTemplateImport,
+        [](Command& command, TemplateArguments& arguments) {
+            command.argument("FILE", arguments.file, text::help::kTemplateFile).data(arguments.dataFolder);
+            command.option("--as", arguments.as, text::help::kTemplateAs);
+            command.option("--supplier", arguments.supplier, text::help::kTemplateSupplier);
+            command.option("--company", arguments.company, text::help::kCompany);
+            command.flag("--replace", arguments.replace, text::help::kTemplateReplace);
+        },
+        importTemplateCommand, templates);
 }
 
 void addHistory(Commands& commands) {
@@ -263,6 +306,7 @@ void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& s
     addHistory(commands);
     addCompanies(commands);
     addDiscounts(commands);
+    addTemplates(commands);
 }
 
 }  // namespace kolmera::cli

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <map>
+#include <nlohmann/json.hpp>
 
 #include "definitions/couplingfile.h"
 #include "definitions/jobfile.h"
@@ -10,7 +11,9 @@
 #include "definitions/maskfile.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
+#include "platform/recordfolder.h"
 #include "platform/tsv.h"
+#include "source/settingsjson.h"
 
 namespace kolmera::cli {
 namespace fs = std::filesystem;
@@ -170,6 +173,12 @@ void addLimits(const fs::path& source, const fs::path& dataFolder) {
     }
 }
 
+void addSources(const fs::path& source, const fs::path& dataFolder) {
+    JobOptionsFile options(dataFolder);
+    const auto jobs = nlohmann::ordered_json::parse(readWholeText(source, "sources.json"));
+    for (const auto& [job, settings] : jobs.items()) options.setSource(job, sourceSettingsOf(settings).value());
+}
+
 void addCouplings(const fs::path& source, const fs::path& dataFolder) {
     CouplingFile couplings(dataFolder);
     const Tsv table = Tsv::read(source / "couplings.tsv");
@@ -193,6 +202,7 @@ void fillDemoCompany(const fs::path& source, const fs::path& dataFolder, const f
     addMasks(source, dataFolder);
     addJobs(source, dataFolder);
     addLimits(source, dataFolder);
+    addSources(source, dataFolder);
     addCouplings(source, dataFolder);
     fs::copy(source / "prisfiler", dataFolder / "Prisfiler", fs::copy_options::recursive);
 }

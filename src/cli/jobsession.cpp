@@ -14,6 +14,7 @@
 #include "lang/keys/limits.h"
 #include "lang/keys/remark.h"
 #include "lang/keys/run.h"
+#include "lang/keys/source.h"
 #include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
 
@@ -121,6 +122,11 @@ void JobSession::carryOut(const Job& job, const std::function<RunSummary(ImportC
                           .Idag = Date::today(),
                           .JobbNr = job.number,
                           .shown = job};
+    context.otherFile = arguments_.file;
+    if (!arguments_.file.empty()) {
+        surroundings_.err << session.text(text::source::kOtherFile, arguments_.file) << '\n';
+        if (!job.command.empty()) surroundings_.err << session.text(text::source::kCommandLeftOut) << '\n';
+    }
     result.summary = work(context);
     result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     result.exitCode = exitCode(result.summary);

@@ -20,6 +20,7 @@ struct JobArguments {
     std::string locale;   ///< "sv" or "en": how numbers are written; empty: as the user writes them
     bool strict = false;  ///< stop before anything is written when the price file is not what it seems
     bool force = false;   ///< read it all the same, also when that writes garbage
+    std::string file{};   ///< another price file, "-" for standard input; empty: the job's
 };
 
 /// The surroundings with the locale that the command line names.

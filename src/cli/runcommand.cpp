@@ -71,7 +71,9 @@ bool TerminalRun::finishSummary() {
     const auto& told = job_.port.messages();
     job_.result.messages.insert(job_.result.messages.end(), told.begin(), told.end());
     try {
-        summaryFile_->finish(summaryJson(job_.session.texts, arguments_.job, job_.result));
+        auto summary = summaryJson(job_.session.texts, arguments_.job, job_.result);
+        if (!arguments_.file.empty()) summary["price_file"] = arguments_.file;
+        summaryFile_->finish(summary);
         return true;
     } catch (const PlatformError& error) {
         sayNotWritten(error);
@@ -97,7 +99,9 @@ void TerminalRun::carryOut() {
 
 bool TerminalRun::rejectsHaveAPlace(const Job& job) {
     const StartState& state = job_.session.state;
-    const auto priceFile = findPriceFile(job.priceFile, state.drives, state.dataFolder(), state.programFolder());
+    const auto priceFile = arguments_.file.empty()
+                               ? findPriceFile(job.priceFile, state.drives, state.dataFolder(), state.programFolder())
+                               : std::filesystem::absolute(arguments_.file);
     if (arguments_.rejectsFile.empty() || !isPriceFile(arguments_.rejectsFile, priceFile)) return true;
     job_.say(job_.session.text(text::rejects::kIsPriceFile, priceFile.string()));
     return false;

@@ -15,7 +15,7 @@ using Json = nlohmann::ordered_json;
 constexpr const char* kJobs = "jobs";
 constexpr const char* kLimitsMember = "limits";
 constexpr const char* kSourceMember = "source";
-constexpr const char* kSourceMembers[] = {"format", "headings", "columns", "leaveOut"};
+constexpr const char* kSourceMembers[] = {"format", "headings", "columns", "leave-out"};
 
 [[noreturn]] void refuse() {
     throw PlatformError(errors::kDamaged, "not the options of jobs").about(std::string(kJobOptionsFile));

@@ -74,11 +74,11 @@ struct TextMember {
     const char* name;
     std::string ValueRule::*value;
 };
-constexpr TextMember kTexts[] = {{"dropPrefix", &ValueRule::dropPrefix},
-                                 {"dropSuffix", &ValueRule::dropSuffix},
-                                 {"addPrefix", &ValueRule::addPrefix},
-                                 {"addSuffix", &ValueRule::addSuffix},
-                                 {"joinedBy", &ValueRule::joinedBy}};
+constexpr TextMember kTexts[] = {{"drop-prefix", &ValueRule::dropPrefix},
+                                 {"drop-suffix", &ValueRule::dropSuffix},
+                                 {"add-prefix", &ValueRule::addPrefix},
+                                 {"add-suffix", &ValueRule::addSuffix},
+                                 {"joined-by", &ValueRule::joinedBy}};
 
 void put(Json& object, const ColumnName& name) {
     if (!name.heading.empty()) object["heading"] = name.heading;
@@ -95,9 +95,9 @@ ColumnName columnName(const Json& object) {
 Json toJson(const ValueRule& rule) {
     Json object = Json::object();
     if (rule.meaning != Meaning::Automatic) object["meaning"] = nameIn(kMeanings, rule.meaning);
-    if (rule.decimalSign) object["decimalSign"] = std::string(1, *rule.decimalSign);
-    if (rule.thousandsSign) object["thousandsSign"] = *rule.thousandsSign;
-    if (rule.dateOrder) object["dateOrder"] = nameIn(kOrders, *rule.dateOrder);
+    if (rule.decimalSign) object["decimal-sign"] = std::string(1, *rule.decimalSign);
+    if (rule.thousandsSign) object["thousands-sign"] = *rule.thousandsSign;
+    if (rule.dateOrder) object["date-order"] = nameIn(kOrders, *rule.dateOrder);
     if (!rule.trim) object["trim"] = false;
     if (rule.zeros != Zeros::Kept) object["zeros"] = nameIn(kZeros, rule.zeros);
     if (rule.width != 0) object["width"] = rule.width;
@@ -113,13 +113,13 @@ Json toJson(const ValueRule& rule) {
 ValueRule valueRule(const Json& object) {
     ValueRule rule;
     member(object, "meaning", [&](const Json& value) { rule.meaning = named<Meaning>(value, kMeanings); });
-    member(object, "decimalSign", [&](const Json& value) {
+    member(object, "decimal-sign", [&](const Json& value) {
         const std::string sign = text(value);
         if (sign != "." && sign != ",") throw Refused();
         rule.decimalSign = sign.front();
     });
-    member(object, "thousandsSign", [&](const Json& value) { rule.thousandsSign = text(value); });
-    member(object, "dateOrder", [&](const Json& value) { rule.dateOrder = named<DateOrder>(value, kOrders); });
+    member(object, "thousands-sign", [&](const Json& value) { rule.thousandsSign = text(value); });
+    member(object, "date-order", [&](const Json& value) { rule.dateOrder = named<DateOrder>(value, kOrders); });
     member(object, "trim", [&](const Json& value) { rule.trim = truth(value); });
     member(object, "zeros", [&](const Json& value) { rule.zeros = named<Zeros>(value, kZeros); });
     member(object, "width", [&](const Json& value) { rule.width = number(value); });
@@ -168,7 +168,7 @@ Json toJson(const SourceSettings& settings) {
     for (const LeftOutRows& rows : settings.leaveOut) {
         Json left = {{"pattern", rows.pattern}};
         put(left, rows.column);
-        object["leaveOut"].push_back(std::move(left));
+        object["leave-out"].push_back(std::move(left));
     }
     return object;
 }
@@ -187,7 +187,7 @@ std::optional<SourceSettings> sourceSettingsOf(const Json& object) {
         member(object, "columns", [&](const Json& value) {
             for (const Json& column : list(value)) settings.columns.push_back(sourceColumn(column));
         });
-        member(object, "leaveOut", [&](const Json& value) {
+        member(object, "leave-out", [&](const Json& value) {
             for (const Json& rows : list(value)) settings.leaveOut.push_back(leftOutRows(rows));
         });
     } catch (const Refused&) {

@@ -29,6 +29,8 @@ constexpr DemoJob kDemoJobs[] = {
     {"Pärmnäs kontor", 3, 214, 207, 5, 0, 0, 0, 0, 0, 2},
     {"Direktimport", 3, 293, 286, 6, 0, 293, 0, 0, 3, 1},
     {"Fjordhamna prisjustering", 3, 209, 0, 156, 48, 161, 0, 0, 2, 1},
+    {"Ekhult semikolonlista", 3, 20, 20, 0, 0, 0, 0, 0, 0, 1},
+    {"Granlid arbetsbok", 0, 20, 20, 0, 0, 0, 0, 0, 0, 0},
 };
 
 double price(Recordset& product, const char* column) { return std::get<double>(product.value(column)); }

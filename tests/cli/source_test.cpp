@@ -1,0 +1,140 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "cli/climachine.h"
+#include "definitions/joboptions.h"
+#include "platform/tsv.h"
+
+namespace kolmera::test {
+namespace {
+
+constexpr const char* kJob = "Ekhult semikolonlista";
+
+class SourceMachine : public DemoMachine {
+  public:
+    int source(std::vector<std::string> options) {
+        options.insert(options.begin(), {"source", kJob, "--data", data()});
+        return run(options);
+    }
+    int convert(std::vector<std::string> options) {
+        options.insert(options.begin(), {"convert", kJob, "--data", data(), "--output", "-"});
+        return run(options);
+    }
+    std::string write(const char* name, std::string_view bytes) {
+        std::ofstream(file(name), std::ios::binary) << bytes;
+        return file(name);
+    }
+};
+
+TEST(SourceOfTheTerminal, IsShownDetectedChangedAndRemoved) {
+    SourceMachine machine;
+    EXPECT_EQ(machine.source({}), 0) << machine.err();
+    const std::string stored = machine.out();
+    EXPECT_NE(stored.find("\"heading\": \"Nettopris\""), std::string::npos) << stored;
+    for (const char* wrong : {"format/kind=cvs", "format", "formt/kind=xlsx", "columns/0/number=-1",
+                              "columns/99999999=1", "columns/x/number=1", "format/skip=\"2\""})
+        EXPECT_EQ(machine.source({"--set", wrong}), 2) << wrong;
+    EXPECT_EQ(machine.source({}), 0);
+    EXPECT_EQ(machine.out(), stored) << "a refused change is kept";
+    EXPECT_EQ(machine.source({"--set", "columns/0/value/zeros=filled", "columns/0/value/width=9", "leave-out="}), 0);
+    const SourceSettings settings = *JobOptionsFile(machine.data()).source(kJob);
+    EXPECT_EQ(settings.columns[0].rule.width, 9);
+    EXPECT_TRUE(settings.leaveOut.empty());
+    EXPECT_EQ(machine.source({"--clear"}), 0);
+    EXPECT_FALSE(JobOptionsFile(machine.data()).source(kJob));
+    EXPECT_EQ(machine.convert({}), 1);
+
+    const std::string file =
+        machine.write("ny.csv", "Nummer|Text|Pris|Enhet\n1|Skruv|1 250,50 kr|st\n2|Bult|12,00|st\n");
+    EXPECT_EQ(machine.source({"--detect", "--file", file}), 0) << machine.err();
+    EXPECT_EQ(machine.convert({"--file", file}), 0) << machine.err();
+    EXPECT_EQ(machine.out(), "1\tSkruv\t1250.50\tst\r\n2\tBult\t12.00\tst\r\n");
+}
+
+TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
+    SourceMachine machine;
+    const std::string file = machine.write(
+        "ny.csv", "EAN;Nettopris;Artikelnr;Ny;Benämning;Enhet\n;5,50;EK-1000;;Lampa;st\n;x;EK-1007;;Lampa 2;st\n");
+    EXPECT_EQ(machine.convert({"--file", file}), 3);
+    EXPECT_EQ(machine.out(), "EK-1000\tLampa\t5.50\tst\r\nEK-1007\tLampa 2\tx\tst\r\n");
+    EXPECT_NE(machine.err().find("post 3, EK-1007: \"x\" (Nettopris)"), std::string::npos) << machine.err();
+    EXPECT_EQ(
+        machine.runJob(kJob, {"--file", file, "--summary", machine.file("s.json"), "--rejects", machine.file("r")}), 1);
+    EXPECT_FALSE(std::filesystem::exists(machine.file("r"))) << "rejects of what was converted";
+    const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
+    EXPECT_EQ(summary["price_file"], file);
+    EXPECT_EQ(summary["new"], 2);
+
+    const int kept = dup(STDIN_FILENO);
+    const int input = open(file.c_str(), O_RDONLY);
+    dup2(input, STDIN_FILENO);
+    EXPECT_EQ(machine.runJob(kJob, {"--file", "-"}), 3) << machine.err();
+    dup2(kept, STDIN_FILENO);
+    close(input);
+    close(kept);
+
+    EXPECT_EQ(machine.runJob(kJob, {"--file", machine.write("x.csv", "Artikelnr;Pris\n1;2\n")}), 1);
+    EXPECT_NE(machine.err().find("\"Benämning\", \"Nettopris\", \"Enhet\""), std::string::npos) << machine.err();
+}
+
+TEST(TemplateOfTheTerminal, GoesToAnotherFolderAndAsksBeforeItWritesOver) {
+    SourceMachine machine;
+    const std::string file = machine.file("t.json");
+    const auto imported = [&](const std::string& data, std::vector<std::string> options) {
+        options.insert(options.begin(), {"template", "import", file, "--data", data});
+        return machine.run(options);
+    };
+    const std::string other = machine.file("other");
+    ASSERT_EQ(machine.run({"new", other}), 0);
+    ASSERT_EQ(machine.run({"template", "export", kJob, file, "--data", machine.data()}), 0) << machine.err();
+    EXPECT_EQ(imported(machine.data(), {}), 1) << "a job is written over unasked";
+    EXPECT_EQ(imported(machine.data(), {"--as", "Kopia"}), 0) << machine.err();
+    EXPECT_EQ(JobOptionsFile(machine.data()).source("Kopia"), JobOptionsFile(machine.data()).source(kJob));
+    EXPECT_EQ(machine.runJob("Kopia"), 3) << machine.err();
+
+    ASSERT_EQ(machine.run({"template", "export", "Bruknäs höstlista", file, "--data", machine.data()}), 0);
+    EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 1) << "a supplier who is not there";
+    EXPECT_EQ(imported(machine.data(), {"--replace"}), 0) << machine.err();
+    EXPECT_TRUE(JobOptionsFile(machine.data()).limits("Bruknäs höstlista").any());
+}
+
+TEST(TemplateOfTheTerminal, HostileOnesAreRefused) {
+    SourceMachine machine;
+    const std::string file = machine.file("t.json");
+    ASSERT_EQ(machine.run({"template", "export", kJob, file, "--data", machine.data()}), 0);
+    const auto sound = nlohmann::ordered_json::parse(readWholeFile(file));
+    const struct {
+        const char* fault;
+        const char* member;
+        nlohmann::ordered_json value;
+    } cases[] = {{"a name too long", "/job/name", std::string(101, 'x')},
+                 {"a line end in a name", "/job/name", "a\r\nb"},
+                 {"a number that does not fit", "/mask/relations/0/Mål", 1000},
+                 {"a negative one", "/mask/relations/0/Längd", -1},
+                 {"an unknown structure", "/mask/FilTyp", "X"},
+                 {"another version", "/kolmeraTemplate", 2},
+                 {"a source that is none", "/source/format/kind", "cvs"},
+                 {"a text for a number", "/mask/AntalKolumner", "4"},
+                 {"relations without end", "/mask/relations",
+                  std::vector<nlohmann::ordered_json>(101, sound["mask"]["relations"][0])}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        auto changed = sound;
+        changed[nlohmann::ordered_json::json_pointer(c.member)] = c.value;
+        machine.write("t.json", changed.dump());
+        EXPECT_EQ(
+            machine.run({"template", "import", file, "--data", machine.data(), "--as", c.member[1] == 'j' ? "" : "Ny"}),
+            1);
+    }
+    machine.write("t.json", std::string(100000, '['));
+    EXPECT_EQ(machine.run({"template", "import", file, "--data", machine.data()}), 1);
+    machine.write("t.json", std::string(5 << 20, ' '));
+    EXPECT_EQ(machine.run({"template", "import", file, "--data", machine.data()}), 1);
+}
+
+}  // namespace
+}  // namespace kolmera::test
