@@ -146,7 +146,8 @@ TEST_F(ChangeWindowTest, ShowsTheRecordsOfANotice) {
     key(Qt::Key_Down);
     EXPECT_EQ(cell(0, ChangeTable::kProduct), "E7");
     key(Qt::Key_Return);
-    EXPECT_EQ(std::pair(shownRecord, shownRecords), std::pair(std::int64_t{7}, std::size_t{2})) << "not from the notice";
+    EXPECT_EQ(std::pair(shownRecord, shownRecords), std::pair(std::int64_t{7}, std::size_t{2}))
+        << "not from the notice";
     control<QComboBox>(*form, "Grupp").setCurrentIndex(1);
     EXPECT_EQ(cell(0, ChangeTable::kColumn), "ändringar: 2");
     takePicture(*form, "changewindow_grouped");
