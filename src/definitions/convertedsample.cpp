@@ -21,19 +21,6 @@ std::size_t columnsOf(const std::filesystem::path& file, const SourceFormat& for
     return columns;
 }
 
-/// All columns, those that the mask does not read as they stand.
-TargetLayout layoutOf(const std::optional<WholeMask>& mask, std::size_t columns) {
-    TargetLayout layout;
-    layout.records = TargetLayout::Records::Tabs;
-    if (mask) layout = targetLayout(*mask);
-    if (layout.records != TargetLayout::Records::Tabs) return layout;
-    layout.columns.resize(std::max(layout.columns.size(), columns));
-    for (TargetLayout::Column& column : layout.columns) {
-        if (column.use == ColumnUse::Nothing) column.use = ColumnUse::Text;
-    }
-    return layout;
-}
-
 const SourceColumn* named(const SourceSettings& settings, int column) {
     const auto found = std::ranges::find(settings.columns, column, &SourceColumn::column);
     return found == settings.columns.end() ? nullptr : &*found;
@@ -41,9 +28,22 @@ const SourceColumn* named(const SourceSettings& settings, int column) {
 
 }  // namespace
 
+TargetLayout sampleLayout(const std::optional<WholeMask>& mask, std::size_t columns) {
+    TargetLayout layout;
+    layout.records = TargetLayout::Records::Tabs;
+    if (mask) layout = targetLayout(*mask);
+    if (layout.records != TargetLayout::Records::Tabs) return layout;
+    layout.columns.resize(std::max(layout.columns.size(), columns));
+    for (TargetLayout::Column& column : layout.columns) {
+        // What the mask does not read is shown as it stands.
+        if (column.use == ColumnUse::Nothing) column.use = ColumnUse::Text;
+    }
+    return layout;
+}
+
 ConvertedSample convertSample(const std::filesystem::path& file, SourceSettings settings,
                               const std::optional<WholeMask>& mask, const std::filesystem::path& dataFolder) {
-    const TargetLayout layout = layoutOf(mask, columnsOf(file, settings.format));
+    const TargetLayout layout = sampleLayout(mask, columnsOf(file, settings.format));
     ConvertedSample sample{.content = workFile(workPlaces(dataFolder), kRoom), .path = {}, .headings = {}};
     auto converter = std::make_unique<SourceConverter>(openRows(file, settings.format), settings, layout);
     if (converter->fault().any()) {

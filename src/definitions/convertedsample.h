@@ -7,6 +7,7 @@
 
 #include "definitions/maskfile.h"
 #include "platform/descriptor.h"
+#include "source/conversion/targetlayout.h"
 #include "source/sourcesettings.h"
 
 namespace kolmera {
@@ -17,6 +18,9 @@ struct ConvertedSample {
     std::filesystem::path path;
     std::vector<std::string> headings;  ///< of the columns, in their order
 };
+
+/// What a mask reads, with at least so many tab columns; without a mask, all of them as texts.
+TargetLayout sampleLayout(const std::optional<WholeMask>& mask, std::size_t columns);
 
 /// Of a mask of tab columns, and of a new one, all columns of the source; of another mask its own. Headings that the
 /// source has lost are not looked for: the columns come from their old places. Throws PlatformError.

@@ -62,11 +62,10 @@ void JobEditor::readLimits() {
     begunSource_ = source;
 }
 
-void JobEditor::takeSource(const std::optional<SourceFormat>& format, std::vector<std::string> headings) {
-    if (!format) return source.reset();
-    if (!source) source.emplace();
-    source->format = *format;
-    source->headings = std::move(headings);
+TargetLayout JobEditor::target(std::size_t columns) const {
+    TargetLayout layout = sampleLayout(chosenWholeMask(), columns);
+    layout.decimalSign = state_.locale.decimalSign();
+    return layout;
 }
 
 std::optional<WholeMask> JobEditor::chosenWholeMask() const {

@@ -40,8 +40,8 @@ class JobEditor {
     /// How the price file is converted before the mask reads it; nothing: the mask reads it as it is. `save` writes it
     /// too, with the mask's columns bound to the headings.
     std::optional<SourceSettings> source;
-    /// Takes another format of the price file, or none. What is kept of columns and rows stays.
-    void takeSource(const std::optional<SourceFormat>& format, std::vector<std::string> headings);
+    /// What is read of so many columns of the price file.
+    [[nodiscard]] TargetLayout target(std::size_t columns) const;
     /// The price file, where there is one.
     [[nodiscard]] std::optional<std::filesystem::path> foundFile() const;
 

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <charconv>
 
+#include "definitions/signnames.h"
 #include "lang/errortext.h"
 #include "lang/keys/source.h"
 #include "lang/keys/sourceeditor.h"
 #include "platform/lettercase.h"
+#include "source/conversion/headings.h"
 
 namespace kolmera {
 namespace {
@@ -20,8 +22,6 @@ constexpr CharacterSet kCharacterSets[] = {CharacterSet::Utf8,        CharacterS
                                            CharacterSet::Oem850};
 constexpr char kDelimiters[] = {';', ',', '\t', '|'};
 constexpr char kQuotes[] = {'"', '\'', '\0'};
-constexpr char kDecimalSigns[] = {',', '.'};
-const std::vector<std::string> kThousandsSigns = {"", " ", "\u00A0", "\u202F", ".", ",", "'"};
 constexpr DateOrder kDateOrders[] = {DateOrder::Unknown, DateOrder::YearMonthDay, DateOrder::DayMonthYear,
                                      DateOrder::MonthDayYear};
 
@@ -70,9 +70,28 @@ std::string startsText(const std::vector<std::size_t>& starts) {
 
 }  // namespace
 
-SourceEditor::SourceEditor(LanguageTexts& texts, std::filesystem::path file, const std::optional<SourceFormat>& stored)
+SourceEditor::SourceEditor(LanguageTexts& texts, std::filesystem::path file,
+                           const std::optional<SourceSettings>& stored)
     : texts_(texts), file_(std::move(file)) {
-    if (stored) keep(*stored);
+    if (!stored) return;
+    keep(stored->format);
+    columns_ = stored->columns;
+    leaveOut_ = stored->leaveOut;
+}
+
+/// Without headings, nothing is found by one.
+SourceSettings SourceEditor::settings() const {
+    SourceSettings settings{.format = format(), .headings = headings(), .columns = columns_, .leaveOut = leaveOut_};
+    if (!settings.headings.empty()) return settings;
+    const auto byNumber = [](ColumnName& name) {
+        if (name.number != 0) name.heading.clear();
+    };
+    for (SourceColumn& column : settings.columns) {
+        byNumber(column.from);
+        byNumber(column.rule.join);
+    }
+    for (LeftOutRows& rows : settings.leaveOut) byNumber(rows.column);
+    return settings;
 }
 
 void SourceEditor::keep(const SourceFormat& format) {
@@ -162,19 +181,10 @@ bool SourceEditor::maskMayReadIt() const {
     return found_.members.empty() && (guess || (format.delimiter == '\t' && oneByte));
 }
 
-std::string SourceEditor::signName(const std::string& sign) const {
-    if (sign.empty() || sign == std::string(1, '\0')) return texts_.ModulText(text::source::kNone);
-    if (sign == "\t") return texts_.ModulText(text::source::kTab);
-    if (sign == " ") return texts_.ModulText(text::source::kBlank);
-    if (sign == "\u00A0") return texts_.ModulText(text::source::kHardBlank);
-    if (sign == "\u202F") return texts_.ModulText(text::sourceeditor::kNarrowBlank);
-    return sign;
-}
-
 std::vector<std::string> SourceEditor::names(const std::vector<std::string>& signs) const {
     std::vector<std::string> names;
     names.reserve(signs.size());
-    for (const std::string& sign : signs) names.push_back(signName(sign));
+    for (const std::string& sign : signs) names.push_back(signName(texts_, sign));
     return names;
 }
 
@@ -325,6 +335,24 @@ std::vector<std::string> SourceEditor::headings() const {
     return named && !rows_.empty() ? rows_.front().cells : std::vector<std::string>();
 }
 
+/// Those that the job names, and which the file has no more.
+std::string SourceEditor::aboutHeadings() const {
+    const SourceSettings shown = settings();
+    ColumnFinder finder(shown.headings);
+    for (const SourceColumn& column : shown.columns) {
+        finder.find(column.from);
+        finder.find(column.rule.join);
+    }
+    for (const LeftOutRows& rows : shown.leaveOut) finder.find(rows.column);
+    std::string text;
+    const auto add = [&](ModuleKey what, const std::vector<std::string>& headings) {
+        if (!headings.empty()) text.append("\n").append(texts_.ModulTextMed(what, joined(headings, ", ")));
+    };
+    add(text::source::kHeadingsMissing, finder.fault().missing);
+    add(text::source::kHeadingsDoubled, finder.fault().doubled);
+    return text;
+}
+
 std::string SourceEditor::words() const {
     if (!error_.empty()) return error_;
     std::vector<std::string> words;
@@ -336,7 +364,7 @@ std::string SourceEditor::words() const {
         if (!property.sure) value.append(" ").append(texts_.ModulText(text::source::kNotSure));
         words.push_back(property.name == Name::Kind ? value : property.caption + ": " + value);
     }
-    return texts_.ModulTextMed(text::sourceeditor::kTheFileIs, joined(words, " – "));
+    return texts_.ModulTextMed(text::sourceeditor::kTheFileIs, joined(words, " – ")) + aboutHeadings();
 }
 
 }  // namespace kolmera

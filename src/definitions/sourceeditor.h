@@ -5,51 +5,51 @@
 #include <string>
 #include <vector>
 
+#include "definitions/property.h"
 #include "lang/languagetexts.h"
 #include "source/detection/detection.h"
+#include "source/sourcesettings.h"
 
 namespace kolmera {
+
+enum class SourceProperty {
+    Kind,
+    Member,
+    Characters,
+    Delimiter,
+    Quote,
+    Starts,
+    Sheet,
+    Record,
+    Skip,
+    Headings,
+    DecimalSign,
+    ThousandsSign,
+    DateOrder
+};
 
 /// What a price file is, as it was found and as the user corrects it, without its window. `detect` first, and after
 /// each change what is shown is read anew.
 class SourceEditor {
   public:
     /// `stored` is what the job keeps already, which then counts as said by the user.
-    SourceEditor(LanguageTexts& texts, std::filesystem::path file, const std::optional<SourceFormat>& stored);
+    SourceEditor(LanguageTexts& texts, std::filesystem::path file, const std::optional<SourceSettings>& stored);
 
     /// Looks at the file. False when it cannot be read: `error` says why.
     bool detect();
     [[nodiscard]] const std::string& error() const { return error_; }
     [[nodiscard]] const SourceFormat& format() const { return found_.format; }
+    [[nodiscard]] const std::filesystem::path& file() const { return file_; }
+    /// What the job is to keep: the format, and beside it what it keeps of columns and rows.
+    [[nodiscard]] SourceSettings settings() const;
+    void takeColumns(std::vector<SourceColumn> columns) { columns_ = std::move(columns); }
+    void takeLeftOut(std::vector<LeftOutRows> leaveOut) { leaveOut_ = std::move(leaveOut); }
     /// The file is one that a mask may read as it is: fixed positions or tabs, in a set of one byte a character.
     /// Nothing is to be asked of the user then.
     [[nodiscard]] bool maskMayReadIt() const;
     [[nodiscard]] std::string words() const;  ///< what was found, in a sentence
 
-    /// One property, for a box with choices.
-    struct Property {
-        enum class Name {
-            Kind,
-            Member,
-            Characters,
-            Delimiter,
-            Quote,
-            Starts,
-            Sheet,
-            Record,
-            Skip,
-            Headings,
-            DecimalSign,
-            ThousandsSign,
-            DateOrder
-        };
-        Name name;
-        std::string caption;
-        std::vector<std::string> choices;  ///< none: what is typed
-        int chosen = -1;
-        std::string text;  ///< typed
-        bool sure = true;
-    };
+    using Property = kolmera::Property<SourceProperty>;
     /// Those that the kind of file has.
     [[nodiscard]] const std::vector<Property>& properties() const { return properties_; }
     void choose(Property::Name name, int choice);
@@ -77,15 +77,17 @@ class SourceEditor {
     void apply();
     void readRows();
     void readDecodings();
+    [[nodiscard]] std::string aboutHeadings() const;
     void buildProperties();
     void add(Name name, ModuleKey caption, double confidence, std::vector<std::string> choices, int chosen);
     void addTyped(Name name, ModuleKey caption, double confidence, std::string text);
     void addTextProperties();
-    [[nodiscard]] std::string signName(const std::string& sign) const;
     [[nodiscard]] std::vector<std::string> names(const std::vector<std::string>& signs) const;
 
     LanguageTexts& texts_;
     std::filesystem::path file_;
+    std::vector<SourceColumn> columns_;
+    std::vector<LeftOutRows> leaveOut_;
     KnownOfSource known_;
     struct Said {
         std::optional<std::vector<std::size_t>> starts;

@@ -173,7 +173,7 @@ TEST_F(JobEditorTest, KeepsTheFormatOfThePriceFileAndTheHeadingsOfItsColumns) {
     format.headings = true;
     format.decimalSign = ',';
     format.thousandsSign = ".";
-    editor->takeSource(format, {"Pris", "Artikelnr", "Pris"});
+    editor->source = SourceSettings{.format = format, .headings = {"Pris", "Artikelnr", "Pris"}};
     EXPECT_EQ(linesOfSample(true), "1\tA1\t2\r\n3\tA2\t4\r\n") << "a new mask is shown not all columns";
     EXPECT_THAT(editor->sampleHeadings(), ElementsAre("Pris", "Artikelnr", "Pris"));
     world.rawPriceFile("Prislista;;\nPris;Artikelnr;Pris\n1.250,00 kr;A1;2,00\n");
@@ -192,7 +192,7 @@ TEST_F(JobEditorTest, KeepsTheFormatOfThePriceFileAndTheHeadingsOfItsColumns) {
     EXPECT_EQ(editor->source->columns[0].from, (ColumnName{.heading = "Artikelnr", .number = 2}));
     world.rawPriceFile("Prislista;;\nArtikelnr;Pris;Rabatt\nA1;1;2\n");
     EXPECT_THAT(linesOfSample(false), testing::HasSubstr("\tA1\t")) << "a column that moved is not followed";
-    editor->takeSource(std::nullopt, {});
+    editor->source.reset();
     EXPECT_EQ(*editor->sampleForMask(), world.data() / "pris.txt");
     EXPECT_TRUE(editor->save().JobbNr);
     EXPECT_FALSE(JobOptionsFile(world.data()).source("Semikolon"));

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 
 class SourceEditorTest : public testing::Test {
   protected:
-    SourceEditor& open(std::string_view bytes, const std::optional<SourceFormat>& stored = std::nullopt) {
+    SourceEditor& open(std::string_view bytes, const std::optional<SourceSettings>& stored = std::nullopt) {
         world.rawPriceFile(bytes);
         editor.emplace(world.texts(), world.data() / "pris.txt", stored);
         EXPECT_TRUE(editor->detect()) << editor->error();
@@ -75,9 +75,25 @@ TEST_F(SourceEditorTest, KeepsWhatTheJobHas) {
     stored.delimiter = ',';
     stored.skip = 3;
     stored.thousandsSign = " ";
-    open(kSemicolons, stored);
+    SourceSettings settings{.format = stored};
+    settings.columns = {{.column = 1, .from = {.heading = "Artikelnr", .number = 1}}};
+    settings.leaveOut = {{.column = {.heading = "Pris", .number = 3}, .pattern = "Summa*"}};
+    open(kSemicolons, settings);
     EXPECT_EQ(editor->format(), stored);
+    EXPECT_EQ(editor->settings().leaveOut.front().column.heading, "")
+        << "a job without headings looks for one, and stops";
+    EXPECT_EQ(editor->settings().columns.front().from, (ColumnName{.heading = "", .number = 1}));
     for (const auto& each : editor->properties()) EXPECT_TRUE(each.sure || each.name == Name::Record) << each.caption;
+}
+
+TEST_F(SourceEditorTest, NamesHeadingsThatAreGone) {
+    SourceSettings settings;
+    settings.columns = {{.column = 1, .from = {.heading = "Art.nr", .number = 1}}};
+    settings.format.skip = 1;
+    settings.format.headings = true;
+    open(kSemicolons, settings);
+    EXPECT_THAT(editor->words(), HasSubstr("Art.nr"));
+    EXPECT_EQ(editor->settings().columns, settings.columns);
 }
 
 TEST_F(SourceEditorTest, LetsTheMaskReadFilesThatItCan) {

@@ -263,7 +263,7 @@ void PrisStyr::editSource(bool onlyWhenNeeded) {
             program_.texts.FormulärSträng(text::prisstyr::kNoSampleTitle));
         return;
     }
-    SourceEditor editor(program_.texts, *file, job_.source ? std::optional(job_.source->format) : std::nullopt);
+    SourceEditor editor(program_.texts, *file, job_.source);
     bool read = false;
     {
         const Hourglass looking(program_.boxes.port());
@@ -271,10 +271,12 @@ void PrisStyr::editSource(bool onlyWhenNeeded) {
     }
     if (onlyWhenNeeded && (!read || editor.maskMayReadIt())) return;
     const bool converts = job_.source.has_value() || (read && !editor.maskMayReadIt());
-    SourceWindow form(program_, editor, converts, this);
+    SourceWindow form(
+        program_, editor, converts, [this](std::size_t columns) { return job_.target(columns); }, this);
     VisaFormulär(program_, form, true);
     if (form.result() != QDialog::Accepted) return;
-    job_.takeSource(form.converts() ? std::optional(editor.format()) : std::nullopt, editor.headings());
+    job_.source.reset();
+    if (form.converts()) job_.source = editor.settings();
 }
 
 // Esc and the window's own button; "Avbryt" says what it does.

@@ -1,34 +1,28 @@
 #include "definitions/window/sourcewindow.h"
 
-#include <fmt/format.h>
-
 #include <QCheckBox>
-#include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QTableWidget>
 #include <QTimer>
 
-#include "lang/keys/source.h"
+#include "definitions/leftouteditor.h"
+#include "definitions/window/columnswindow.h"
+#include "definitions/window/leftoutwindow.h"
+#include "definitions/window/propertygrid.h"
+#include "lang/errortext.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
-#include "ui/keys.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
 namespace {
 
-using Property = SourceEditor::Property;
-
 constexpr int kMostColumns = 256;
-
-/// The name of a property's box, under which it finds the focus again when all boxes are made anew.
-QString nameOfBox(Property::Name name) { return QStringLiteral("Egenskap_%1").arg(static_cast<int>(name)); }
 
 void removeAll(QLayout& layout) {
     while (QLayoutItem* item = layout.takeAt(0)) {
@@ -39,8 +33,9 @@ void removeAll(QLayout& layout) {
 
 }  // namespace
 
-SourceWindow::SourceWindow(Program& program, SourceEditor& editor, bool converts, QWidget* parent)
-    : QDialog(parent), program_(program), editor_(editor) {
+SourceWindow::SourceWindow(Program& program, SourceEditor& editor, bool converts,
+                           std::function<TargetLayout(std::size_t columns)> target, QWidget* parent)
+    : QDialog(parent), program_(program), editor_(editor), target_(std::move(target)) {
     constexpr int kWidth = 960, kHeight = 600;
     setObjectName(QStringLiteral("SourceWindow"));
     setWindowTitle(QStringLiteral("Prisfilens format"));
@@ -49,7 +44,21 @@ SourceWindow::SourceWindow(Program& program, SourceEditor& editor, bool converts
     loadForm(program_, *this);
     omvandla_->setChecked(converts);
     connect(omvandla_, &QCheckBox::toggled, this, [this] { present(); });
-    connect(ok_, &QPushButton::clicked, this, [this] { accept(); });
+    egenskaper_->changed = [this](int name, int choice, const std::string& typed) {
+        change([&] {
+            if (choice >= 0) {
+                editor_.choose(static_cast<SourceProperty>(name), choice);
+            } else {
+                editor_.type(static_cast<SourceProperty>(name), typed);
+            }
+        });
+    };
+    connect(kolumner_, &QPushButton::clicked, this, [this] { editColumns(); });
+    connect(utelämnade_, &QPushButton::clicked, this, [this] { editLeftOut(); });
+    connect(ok_, &QPushButton::clicked, this, [this] {
+        egenskaper_->commit();
+        accept();
+    });
     connect(avbryt_, &QPushButton::clicked, this, [this] { reject(); });
     resize(kWidth, kHeight);
     present();
@@ -62,8 +71,7 @@ void SourceWindow::build() {
     ord_->setWordWrap(true);
     ord_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     omvandla_ = named(new QCheckBox(QStringLiteral("O&mvandla filen så här innan masken läser den"), this), "Omvandla");
-    egenskaper_ = new QWidget;
-    new QGridLayout(egenskaper_);
+    egenskaper_ = new PropertyGrid(program_, this);
     lblRader_ = label(*this, "Lbl_Rader", "&Rader i tabellen");
     rader_ = named(new QTableWidget(this), "Rader");
     rader_->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -74,6 +82,8 @@ void SourceWindow::build() {
     tolkningar_ = named(new QGroupBox(QStringLiteral("Teckenuppsättningen är osäker: välj den som läser rätt"), this),
                         "Tolkningar");
     new QHBoxLayout(tolkningar_);
+    kolumner_ = button(*this, "Kolumner", "&Kolumner och värden...");
+    utelämnade_ = button(*this, "Utelämnade", "Rader som &utelämnas...");
     ok_ = button(*this, "OK", "&OK");
     ok_->setDefault(true);
     avbryt_ = button(*this, "Avbryt", "&Avbryt");
@@ -95,6 +105,8 @@ void SourceWindow::layOut() {
     middle->addWidget(scrolled);
     middle->addLayout(table, 1);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(kolumner_);
+    buttons->addWidget(utelämnade_);
     buttons->addStretch(1);
     buttons->addWidget(ok_);
     buttons->addWidget(avbryt_);
@@ -109,73 +121,46 @@ void SourceWindow::layOut() {
 // The one place that fills, enables and hides.
 void SourceWindow::present() {
     ord_->setText(toQt(editor_.words()));
-    omvandla_->setEnabled(editor_.error().empty());
-    presentProperties();
+    const bool readable = editor_.error().empty();
+    omvandla_->setEnabled(readable);
+    egenskaper_->show(editor_.properties(), omvandla_->isChecked(), *omvandla_, *rader_);
+    for (QPushButton* more : {kolumner_, utelämnade_}) more->setEnabled(readable && omvandla_->isChecked());
     presentRows();
     presentDecodings();
 }
 
-/// The box that was changed goes with the others, so not before it has done.
-void SourceWindow::later(std::function<void()> change) {
-    QTimer::singleShot(0, this, [this, change = std::move(change)] {
-        {
-            const Hourglass reading(program_.boxes.port());
-            change();
-        }
-        present();
-    });
+void SourceWindow::change(const std::function<void()>& change) {
+    {
+        const Hourglass reading(program_.boxes.port());
+        change();
+    }
+    present();
 }
 
-QWidget* SourceWindow::box(const Property& property) {
-    const Property::Name name = property.name;
-    if (property.choices.empty()) {
-        auto* field = new QLineEdit(toQt(property.text), egenskaper_);
-        connect(field, &QLineEdit::editingFinished, this, [this, field, name, before = field->text()] {
-            if (field->text() == before) return;
-            later([this, name, typed = fromQt(field->text())] { editor_.type(name, typed); });
-        });
-        return field;
+void SourceWindow::editColumns() {
+    egenskaper_->commit();
+    try {
+        ColumnEditor columns(program_.texts, editor_.file(), editor_.settings(), target_(editor_.columns()));
+        ColumnsWindow form(program_, columns, this);
+        VisaFormulär(program_, form, true);
+        if (form.result() == QDialog::Accepted) editor_.takeColumns(columns.settings().columns);
+    } catch (const PlatformError& error) {
+        program_.boxes.MeddelandeVarning(errorText(program_.texts, error));
     }
-    auto* choices = new QComboBox(egenskaper_);
-    for (const std::string& choice : property.choices) choices->addItem(toQt(choice));
-    choices->setCurrentIndex(property.chosen);
-    choices->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    connect(choices, &QComboBox::activated, this,
-            [this, name](int choice) { later([this, name, choice] { editor_.choose(name, choice); }); });
-    return choices;
+    present();
 }
 
-void SourceWindow::presentProperties() {
-    const QWidget* focused = focusWidget();
-    const QString before = focused == nullptr ? QString() : focused->objectName();
-    auto& grid = dynamic_cast<QGridLayout&>(*egenskaper_->layout());
-    removeAll(grid);
-    int line = 0;
-    QWidget* behind = omvandla_;
-    for (const Property& property : editor_.properties()) {
-        const std::string doubt =
-            property.sure ? std::string() : fmt::format(" {}", program_.texts.ModulText(text::source::kNotSure));
-        auto* caption = new QLabel(toQt(property.caption + doubt), egenskaper_);
-        caption->setWordWrap(true);
-        QWidget* value = box(property);
-        value->setObjectName(nameOfBox(property.name));
-        value->setEnabled(omvandla_->isChecked());
-        value->setAccessibleName(caption->text());
-        caption->setBuddy(value);
-        SättTypsnittKontroll(*caption, program_.state.TypsnittTahoma);
-        SättTypsnittKontroll(*value, program_.state.TypsnittTahoma);
-        grid.addWidget(caption, line, 0);
-        grid.addWidget(value, line++, 1);
-        setTabOrder(behind, value);
-        behind = value;
-        installEnterSomTabOn(*value);
-        value->show();
-        if (value->objectName() == before) value->setFocus();
+void SourceWindow::editLeftOut() {
+    egenskaper_->commit();
+    try {
+        LeftOutEditor rows(program_.texts, editor_.file(), editor_.settings());
+        LeftOutWindow form(program_, rows, this);
+        VisaFormulär(program_, form, true);
+        if (form.result() == QDialog::Accepted) editor_.takeLeftOut(rows.patterns());
+    } catch (const PlatformError& error) {
+        program_.boxes.MeddelandeVarning(errorText(program_.texts, error));
     }
-    grid.setRowStretch(line, 1);
-    grid.setColumnStretch(0, 2);
-    grid.setColumnStretch(1, 3);
-    setTabOrder(behind, rader_);
+    present();
 }
 
 void SourceWindow::presentRows() {
@@ -218,8 +203,10 @@ void SourceWindow::presentDecodings() {
         choice->setObjectName("Tolkning_" + toQt(decoding.name));
         choice->setStyleSheet(QStringLiteral("text-align: left"));
         choice->setAutoDefault(false);
-        connect(choice, &QPushButton::clicked, this,
-                [this, set = decoding.characters] { later([this, set] { editor_.chooseCharacters(set); }); });
+        // The button goes with the others, so not before it has done.
+        connect(choice, &QPushButton::clicked, this, [this, set = decoding.characters] {
+            QTimer::singleShot(0, this, [this, set] { change([&] { editor_.chooseCharacters(set); }); });
+        });
         layout.addWidget(choice);
     }
 }
