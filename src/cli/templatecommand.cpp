@@ -18,6 +18,7 @@
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 #include "platform/outputfile.h"
+#include "platform/recordfolder.h"
 #include "source/settingsjson.h"
 
 namespace kolmera::cli {
@@ -226,25 +227,19 @@ bool TemplateCommand::knowsSupplier(JobTemplate& wanted) {
     return same;
 }
 
+/// All of it or nothing.
 void TemplateCommand::save(const JobTemplate& wanted) {
     const RunDefinition& definition = wanted.definition;
-    if (definition.mask) {
-        MaskFile masks(folder());
-        Mask mask = definition.mask->mask;
-        const auto existing = masks.find(mask.Namn);
-        mask.number = existing ? existing->mask.number : 0;
-        masks.save(mask, definition.mask->relations);
-    }
-    JobFile(folder()).save(definition.job);
-    CouplingFile couplings(folder());
+    RecordChange change(folder());
+    if (definition.mask) putMask(change, *definition.mask);
+    putJob(change, definition.job);
     for (Coupling coupling : definition.couplings) {
-        coupling.number = 0;
         coupling.job = definition.job.name;
-        couplings.save(coupling);
+        putCoupling(change, coupling);
     }
-    JobOptionsFile options(folder());
-    options.setLimits(definition.job.name, wanted.limits);
-    options.setSource(definition.job.name, definition.source);
+    putOptions(change.text(kJobOptionsFile), definition.job.name,
+               {.limits = wanted.limits, .source = definition.source});
+    change.commit();
 }
 
 int TemplateCommand::importJob() {

@@ -70,6 +70,11 @@ int CouplingFile::save(const Coupling& coupling) {
     return number;
 }
 
+void putCoupling(RecordChange& change, const Coupling& coupling) {
+    const std::string_view code = trimmed(coupling.code);
+    if (!code.empty()) put(change.file(kLayout), coupling, code);
+}
+
 void CouplingFile::save(const Coupling& coupling, const std::vector<Coupling>& shown) {
     RecordChange change(folder_);
     Records& file = change.file(kLayout);

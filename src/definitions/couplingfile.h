@@ -9,6 +9,8 @@
 
 namespace kolmera {
 
+class RecordChange;
+
 /// One supplier coupling of a trade-format job (record of PRISLEV.TXT): which supplier of the company a supplier code
 /// in the price file stands for.
 struct Coupling {
@@ -43,5 +45,8 @@ class CouplingFile {
   private:
     std::filesystem::path folder_;
 };
+
+/// The first `save` within a change of several files; a coupling without a code is left out.
+void putCoupling(RecordChange& change, const Coupling& coupling);
 
 }  // namespace kolmera

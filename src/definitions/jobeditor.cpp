@@ -85,17 +85,14 @@ std::filesystem::path JobEditor::sampleFor(const WholeMask& mask) {
     return editedSample_.path;
 }
 
-/// The job is saved by then; a source that cannot be is told of.
-void JobEditor::saveSource() {
+JobOptionsChange JobEditor::changedOptions() {
     if (source && !tradeFormat_) {
         if (const auto mask = chosenWholeMask()) bindToHeadings(*source, *mask);
     }
-    if (source == begunSource_) return;
-    try {
-        JobOptionsFile(state_.dataFolder()).setSource(job.name, source);
-    } catch (const PlatformError& error) {
-        tell(error, text::definitions::kImportChangedNothingSaved, job.name);
-    }
+    JobOptionsChange change;
+    if (limits != begunLimits_) change.limits = limits;
+    if (source != begunSource_) change.source = source;
+    return change;
 }
 
 std::optional<std::filesystem::path> JobEditor::foundFile() const {
@@ -332,10 +329,7 @@ JobEditor::Outcome JobEditor::save() {
         }
     }
     try {
-        const std::optional<Limits> changed = limits == begunLimits_ ? std::nullopt : std::optional(limits);
-        const int number = JobFile(state_.dataFolder()).save(job, shown_, changed);
-        saveSource();
-        return {.JobbNr = number};
+        return {.JobbNr = JobFile(state_.dataFolder()).save(job, shown_, changedOptions())};
     } catch (const PlatformError& error) {
         tell(error, text::definitions::kImportChangedNothingSaved,
              error.number() == errors::kDuplicateKey ? job.name : begun_.name);

@@ -102,7 +102,7 @@ class JobEditor {
   private:
     void readCompany();
     void readLimits();
-    void saveSource();
+    JobOptionsChange changedOptions();
     [[nodiscard]] std::optional<WholeMask> chosenWholeMask() const;
     void readHeadings();
     void readMasks();

@@ -174,7 +174,7 @@ void JobFile::addTradeJobs(std::string_view company) {
     change.commit();
 }
 
-int JobFile::save(const Job& job, const std::optional<Job>& shown, const std::optional<Limits>& limits) {
+int JobFile::save(const Job& job, const std::optional<Job>& shown, const JobOptionsChange& options) {
     RecordChange change(folder_);
     Records& file = change.file(kLayout);
     if (shown) expectUnchanged(jobOf(shown->number, file.read(shown->number)), *shown, kLayout);
@@ -187,9 +187,17 @@ int JobFile::save(const Job& job, const std::optional<Job>& shown, const std::op
     } else if (!shown) {
         removeJobOptions(change.text(kJobOptionsFile), name);  // of a job that another program has removed
     }
-    if (limits) putLimits(change.text(kJobOptionsFile), name, *limits);
+    if (options.limits || options.source) putOptions(change.text(kJobOptionsFile), name, options);
     change.commit();
     return number;
+}
+
+int putJob(RecordChange& change, Job job) {
+    Records& file = change.file(kLayout);
+    const std::vector<Job> jobs = jobsOf(file);
+    const auto same = std::ranges::find(jobs, job.name, &Job::name);
+    job.number = same == jobs.end() ? 0 : same->number;
+    return put(file, job);
 }
 
 void JobFile::remove(const std::vector<Job>& shown) {

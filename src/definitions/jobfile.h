@@ -11,6 +11,8 @@
 
 namespace kolmera {
 
+class RecordChange;
+
 /// One import job (inläsning): a record of KOLMERA.TXT.
 struct Job {
     int number = 0;  ///< JobbNr: record number, 0 for a new job
@@ -53,9 +55,9 @@ class JobFile {
     // For windows. Throws PlatformError, and changes nothing: kChangedElsewhere when the records are no longer those
     // that were shown.
     /// Saves over the job that was shown, or appends a new one. What KOLMERA.JSON holds of it follows a new name.
-    /// kDuplicateKey for a new name that another job has (letter case does not count). `limits` are saved too, where
-    /// they are given: both or nothing.
-    int save(const Job& job, const std::optional<Job>& shown, const std::optional<Limits>& limits = std::nullopt);
+    /// kDuplicateKey for a new name that another job has (letter case does not count). What changes of KOLMERA.JSON is
+    /// saved with it: both or nothing.
+    int save(const Job& job, const std::optional<Job>& shown, const JobOptionsChange& options = {});
     /// Removes the jobs, which were all of one name, and what KOLMERA.JSON holds of them; later ones move down.
     void remove(const std::vector<Job>& shown);
 
@@ -64,6 +66,9 @@ class JobFile {
 
     std::filesystem::path folder_;
 };
+
+/// Within a change of several files: writes the job over the first one of its name, or appends it. Returns the number.
+int putJob(RecordChange& change, Job job);
 
 /// The trade-format jobs that a list lacks.
 std::vector<std::string> missingTradeJobs(const std::vector<Job>& jobs);

@@ -18,7 +18,7 @@ constexpr const char* kSourceMember = "source";
 constexpr const char* kSourceMembers[] = {"format", "headings", "columns", "leave-out"};
 
 [[noreturn]] void refuse() {
-    throw PlatformError(errors::kDamaged, "not the options of jobs").about(std::string(kJobOptionsFile));
+    throw PlatformError(errors::kUnreadableOptions, "not the options of jobs").about(std::string(kJobOptionsFile));
 }
 
 /// The file; an object whose member "jobs", where it has one, is an object of objects. Nothing where it is not.
@@ -61,11 +61,34 @@ Limits limitsOf(const Json& job) {
 }
 
 /// What the file has of a job; an empty object where it has nothing.
-Json optionsOf(const std::filesystem::path& folder, std::string_view job) {
-    const std::optional<Json> file = parsed(readWholeText(folder, kJobOptionsFile));
+Json optionsOf(const std::string& content, std::string_view job) {
+    const std::optional<Json> file = parsed(content);
     if (!file) refuse();
     const Json jobs = file->value(kJobs, Json::object());
     return jobs.value(std::string(job), Json::object());
+}
+
+/// Whether the brackets that are opened are closed, and nothing is open at the end.
+bool isWhole(const std::string& content) {
+    int open = 0;
+    bool quoted = false;
+    for (std::size_t i = 0; i < content.size(); ++i) {
+        const char c = content[i];
+        if (c == '"') quoted = !quoted;
+        if (quoted && c == '\\') ++i;
+        if (quoted) continue;
+        if (c == '{' || c == '[') ++open;
+        if (c == '}' || c == ']') --open;
+    }
+    return open == 0 && !quoted;
+}
+
+/// Whether a file that cannot be understood shows that it has nothing of a job: a price file must never be read without
+/// the source that its job had. One that is cut may have lost it. Else its name would stand there, unless letters are
+/// written in another way.
+bool hasNothingOf(const std::string& content, std::string_view job) {
+    return isWhole(content) && content.find("\\u") == std::string::npos &&
+           content.find(Json(std::string(job)).dump()) == std::string::npos;
 }
 
 /// Changes what the file's text has of a job.
@@ -99,20 +122,38 @@ void storeLimits(Json& options, const Limits& limits) {
     removeEmpty(options, kLimitsMember);
 }
 
+void storeSource(Json& options, const std::optional<SourceSettings>& source) {
+    if (!source) {
+        options.erase(kSourceMember);
+        return;
+    }
+    Json& stored = child(options, kSourceMember);
+    for (const char* member : kSourceMembers) stored.erase(member);
+    stored.update(toJson(*source));
+}
+
 }  // namespace
 
-Limits JobOptionsFile::limits(std::string_view job) const { return limitsOf(optionsOf(folder_, job)); }
+Limits JobOptionsFile::limits(std::string_view job) const {
+    return limitsOf(optionsOf(readWholeText(folder_, kJobOptionsFile), job));
+}
 
 void JobOptionsFile::setLimits(std::string_view job, const Limits& limits) {
     changeOptions(folder_, job, [&](Json& options) { storeLimits(options, limits); });
 }
 
-void putLimits(std::string& content, std::string_view job, const Limits& limits) {
-    editOptions(content, job, [&](Json& options) { storeLimits(options, limits); });
+void putOptions(std::string& content, std::string_view job, const JobOptionsChange& change) {
+    if (!change.limits && !change.source) return;
+    editOptions(content, job, [&](Json& options) {
+        if (change.limits) storeLimits(options, *change.limits);
+        if (change.source) storeSource(options, *change.source);
+    });
 }
 
 std::optional<SourceSettings> JobOptionsFile::source(std::string_view job) const {
-    const Json options = optionsOf(folder_, job);
+    const std::string content = readWholeText(folder_, kJobOptionsFile);
+    if (!parsed(content) && hasNothingOf(content, job)) return std::nullopt;
+    const Json options = optionsOf(content, job);
     const auto stored = options.find(kSourceMember);
     if (stored == options.end()) return std::nullopt;
     auto settings = sourceSettingsOf(*stored);
@@ -121,15 +162,7 @@ std::optional<SourceSettings> JobOptionsFile::source(std::string_view job) const
 }
 
 void JobOptionsFile::setSource(std::string_view job, const std::optional<SourceSettings>& source) {
-    changeOptions(folder_, job, [&](Json& options) {
-        if (!source) {
-            options.erase(kSourceMember);
-            return;
-        }
-        Json& stored = child(options, kSourceMember);
-        for (const char* member : kSourceMembers) stored.erase(member);
-        stored.update(toJson(*source));
-    });
+    changeOptions(folder_, job, [&](Json& options) { storeSource(options, source); });
 }
 
 void renameJobOptions(std::string& content, std::string_view from, std::string_view to, bool copies) {

@@ -45,7 +45,7 @@ inline constexpr LimitKind kLimits[] = {
 };
 
 /// What is kept of a job beside its fixed record: KOLMERA.JSON of the data folder, by the job's name. Members that this
-/// version does not know stay. Throws PlatformError: kDamaged for a file that cannot be understood.
+/// version does not know stay. Throws PlatformError: kUnreadableOptions for a file that cannot be understood.
 class JobOptionsFile {
   public:
     explicit JobOptionsFile(std::filesystem::path dataFolder) : folder_(std::move(dataFolder)) {}
@@ -53,7 +53,8 @@ class JobOptionsFile {
     /// None where there is no file, or nothing in it about the job.
     [[nodiscard]] Limits limits(std::string_view job) const;
     void setLimits(std::string_view job, const Limits& limits);
-    /// How the job's price file is turned into what its mask reads; nothing: the mask reads the file as it is.
+    /// How the job's price file is turned into what its mask reads; nothing: the mask reads the file as it is. Nothing,
+    /// too, where the file cannot be understood, but shows that it has nothing of the job.
     [[nodiscard]] std::optional<SourceSettings> source(std::string_view job) const;
     void setSource(std::string_view job, const std::optional<SourceSettings>& source);
 
@@ -64,8 +65,13 @@ class JobOptionsFile {
 // The file within a change of KOLMERA.TXT. `content` is its text, empty for a missing file; one that cannot be
 // understood stays as it is.
 inline constexpr std::string_view kJobOptionsFile = "KOLMERA.JSON";
-/// Throws kDamaged for a file that cannot be understood.
-void putLimits(std::string& content, std::string_view job, const Limits& limits);
+/// What a change of a job writes of them. What is not set stays; a source that is set to nothing is taken away.
+struct JobOptionsChange {
+    std::optional<Limits> limits = {};
+    std::optional<std::optional<SourceSettings>> source = {};
+};
+/// Throws kUnreadableOptions for a file that cannot be understood.
+void putOptions(std::string& content, std::string_view job, const JobOptionsChange& change);
 /// `copies` where another job keeps the old name.
 void renameJobOptions(std::string& content, std::string_view from, std::string_view to, bool copies);
 void removeJobOptions(std::string& content, std::string_view job);

@@ -14,7 +14,8 @@ namespace kolmera {
 namespace {
 
 /// How rows of sums begin.
-constexpr std::string_view kSums[] = {"summa*", "delsumma*", "totalt*", "total *", "total", "total:*", "subtotal*"};
+constexpr std::string_view kSums[] = {"summa*",  "delsumma*", "totalt*", "total *", "total",
+                                      "total:*", "subtotal*", "sum",     "sum *",   "grand total*"};
 
 }  // namespace
 

@@ -10,6 +10,8 @@
 
 namespace kolmera {
 
+class RecordChange;
+
 inline constexpr int kMaskNameLength = 100;  ///< characters
 inline constexpr int kMostRelations = 100;
 inline constexpr int kMostMasks = 999;  ///< three digits in PRISMPOS.TXT
@@ -74,5 +76,8 @@ class MaskFile {
   private:
     std::filesystem::path folder_;
 };
+
+/// Within a change of several files: writes the mask over the first one of its name, or appends it.
+void putMask(RecordChange& change, const WholeMask& mask);
 
 }  // namespace kolmera

@@ -48,6 +48,9 @@ constexpr Sentence kByNumber[] = {
     {errors::kUnreadableXml, text::fault::kUnreadableXml},
     {errors::kNoSuchSheet, text::fault::kNoSuchSheet},
     {errors::kUnknownSource, text::fault::kUnknownSource},
+    {errors::kIsWorkbook, text::fault::kIsWorkbook},
+    {errors::kIsNoWorkbook, text::fault::kIsNoWorkbook},
+    {errors::kUnreadableOptions, text::fault::kUnreadableOptions},
 };
 
 constexpr Sentence kBySystemError[] = {

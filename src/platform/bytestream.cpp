@@ -1,6 +1,5 @@
 #include "platform/bytestream.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 #define ZLIB_CONST  // zlib does not change what it reads
@@ -14,7 +13,7 @@
 
 #include "platform/error.h"
 #include "platform/pricefile.h"
-#include "platform/privatefile.h"
+#include "platform/workplaces.h"
 
 namespace kolmera {
 
@@ -119,14 +118,7 @@ std::size_t PrefixedStream::read(char* bytes, std::size_t count) {
     return got;
 }
 
-Descriptor namelessFile() {
-    const std::filesystem::path folder = std::filesystem::temp_directory_path();
-    const int unnamed = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, PrivateFile::kForOwner);
-    if (unnamed >= 0) return Descriptor(unnamed);
-    // Some file systems have no files without names.
-    const PrivateFile named(folder / "kolmera", "");
-    return Descriptor(fcntl(named.descriptor().get(), F_DUPFD_CLOEXEC, 0));
-}
+Descriptor namelessFile() { return workFile(workPlaces(std::filesystem::temp_directory_path()), 0); }
 
 Descriptor keptInNamelessFile(ByteStream& stream) {
     Descriptor file = namelessFile();

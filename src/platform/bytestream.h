@@ -79,7 +79,7 @@ class PrefixedStream final : public ByteStream {
     std::unique_ptr<ByteStream> rest_;
 };
 
-/// A file without a name in the folder for temporary files, gone when it is closed.
+/// A file without a name in the first place for work (platform/workplaces) that can be written, gone when it is closed.
 Descriptor namelessFile();
 /// The rest of a stream in such a file.
 Descriptor keptInNamelessFile(ByteStream& stream);

@@ -43,6 +43,9 @@ inline constexpr int kUnpacksTooLarge = 3508;
 inline constexpr int kUnreadableXml = 3509;
 inline constexpr int kNoSuchSheet = 3510;
 inline constexpr int kUnknownSource = 3511;  ///< nothing that a table can be read from
+inline constexpr int kIsWorkbook = 3512;     ///< where another kind of file is expected
+inline constexpr int kIsNoWorkbook = 3513;
+inline constexpr int kUnreadableOptions = 3514;  ///< what is kept of jobs beside their records
 }  // namespace errors
 
 /// The one exception that the platform layer throws: a number of `errors`, a description in English for developers

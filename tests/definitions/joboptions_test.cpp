@@ -77,7 +77,8 @@ TEST(JobOptions, WhatCannotBeUnderstoodIsLeftAlone) {
         job.name = "Skruv";
         job.number = jobs.save(job);
         folder.write("KOLMERA.JSON", content);
-        EXPECT_EQ(errorOf([&] { static_cast<void>(JobOptionsFile(folder.path()).limits("Skruv")); }), errors::kDamaged);
+        EXPECT_EQ(errorOf([&] { static_cast<void>(JobOptionsFile(folder.path()).limits("Skruv")); }),
+                  errors::kUnreadableOptions);
         Job other = job;
         other.supplier.assign(1, '1');
         jobs.save(other, job);
@@ -91,12 +92,41 @@ TEST(JobOptions, AreSavedWithTheirJobOrNotAtAll) {
     Job job;
     job.name = "Skruv";
     const Limits limits{.zeroPrices = 3};
+    SourceSettings source;
+    source.format.delimiter = '|';
+    const JobOptionsChange both{.limits = limits, .source = source};
     folder.write("KOLMERA.JSON", "{");
-    EXPECT_EQ(errorOf([&] { jobs.save(job, std::nullopt, limits); }), errors::kDamaged);
+    EXPECT_EQ(errorOf([&] { jobs.save(job, std::nullopt, both); }), errors::kUnreadableOptions);
     EXPECT_EQ(jobs.find("Skruv"), std::nullopt) << "saved without its limits";
     folder.write("KOLMERA.JSON", "");
-    jobs.save(job, std::nullopt, limits);
-    EXPECT_EQ(JobOptionsFile(folder.path()).limits("Skruv"), limits);
+    job.number = jobs.save(job, std::nullopt, both);
+    const JobOptionsFile options(folder.path());
+    EXPECT_EQ(options.limits("Skruv"), limits);
+    EXPECT_EQ(options.source("Skruv"), source);
+    jobs.save(job, job, {.source = std::optional<SourceSettings>()});
+    EXPECT_EQ(options.limits("Skruv"), limits) << "limits go with the source";
+    EXPECT_EQ(options.source("Skruv"), std::nullopt);
+}
+
+TEST(JobOptions, NoJobLosesItsSourceWithTheFile) {
+    const struct {
+        const char* fault;
+        const char* content;
+        int error;
+    } cases[] = {
+        {"a job that is not in it stops", R"({"jobs": {"Bult" {"source": {}}}})", 0},
+        {"a job that is in it runs", R"({"jobs": {"Bult" {}, "Skruv": {"source": {}}}})", errors::kUnreadableOptions},
+        {"what was cut off is not missed", R"({"jobs": {"Bult": {"limits": {}})", errors::kUnreadableOptions},
+        {"cut within a text", R"({"jobs": {"Bult": {}, "Skr)", errors::kUnreadableOptions},
+        {"another spelling", R"({"jobs": {"Bult" {}, "Skruv": {"source": {}}}})", errors::kUnreadableOptions},
+        {"another job's member has no sense", R"({"jobs": {"Bult": 1}})", 0},
+    };
+    for (const auto& c : cases) {
+        const TemporaryFolder folder;
+        folder.write("KOLMERA.JSON", c.content);
+        const JobOptionsFile options(folder.path());
+        EXPECT_EQ(errorOf([&] { EXPECT_EQ(options.source("Skruv"), std::nullopt); }), c.error) << c.fault;
+    }
 }
 
 TEST(JobOptions, AreNotWrittenThroughALink) {

@@ -1,7 +1,9 @@
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "platform/error.h"
+#include "platform/spreadsheet/sheetrows.h"
 #include "spreadsheet/workbookparts.h"
 #include "support/errorof.h"
 #include "support/sourcerows.h"
@@ -110,9 +112,44 @@ TEST(OpenDocumentSheets, GiveTheirCells) {
          R"(<t:table-cell o:value-type="string" c:value-type="error"><x:p>#N/A</x:p></t:table-cell>)"
          R"(<t:table-cell o:value-type="float" o:value="42"><x:p>00042</x:p></t:table-cell></t:table-row>)",
          "1|@2026-11-23|?1||00042\n"},
+        {"a time of day as text",
+         R"(<t:table-row><t:table-cell o:value-type="time" o:time-value="PT06H30M36S"><x:p>06:30:36</x:p></t:table-cell>)"
+         R"(<t:table-cell o:value-type="time" o:time-value="PT6X"><x:p>6 h</x:p></t:table-cell></t:table-row>)",
+         "1|#0.27125|6 h\n"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(rowsOfOds(fmt::format(R"(<t:table t:name="A">{}</t:table>)", c.rows)), c.expected) << c.fault;
+}
+
+TEST(OpenDocumentSheets, AreHiddenByTheirStyle) {
+    const TemporaryFolder folder;
+    writeZip(folder / "zip",
+             {{"mimetype", "application/vnd.oasis.opendocument.spreadsheet"},
+              {"content.xml",
+               R"(<o:document-content xmlns:o="office" xmlns:t="table" xmlns:s="style"><o:automatic-styles>)"
+               R"(<s:style s:name="a" s:family="table"><s:table-properties t:display="true"/></s:style>)"
+               R"(<s:style s:name="b" s:family="table"><s:table-properties t:display="false"/></s:style>)"
+               R"(</o:automatic-styles><o:body><o:spreadsheet><t:table t:name="Gömt" t:style-name="b"/>)"
+               R"(<t:table t:name="Priser" t:style-name="a"/></o:spreadsheet></o:body></o:document-content>)"}});
+    const std::vector<SheetName> sheets = odsSheets(Descriptor(folder / "zip", O_RDONLY));
+    ASSERT_EQ(sheets.size(), 2U);
+    EXPECT_TRUE(sheets[0].isHidden);
+    EXPECT_FALSE(sheets[1].isHidden);
+}
+
+TEST(Readers, SayThatAFileIsOfAnotherKind) {
+    const struct {
+        SourceKind kind;
+        std::string bytes;
+        int error;
+    } cases[] = {
+        {SourceKind::Delimited, savedBytes("letter.xlsx"), errors::kIsWorkbook},
+        {SourceKind::Fixed, savedBytes("letter.xls"), errors::kIsWorkbook},
+        {SourceKind::Xml, savedBytes("letter.xls"), errors::kIsWorkbook},
+        {SourceKind::Xlsx, "Artikelnr;Pris\n", errors::kIsNoWorkbook},
+        {SourceKind::Ods, "", errors::kIsNoWorkbook},
+    };
+    for (const auto& c : cases) EXPECT_EQ(errorOf([&] { rowsOf(c.bytes, of(c.kind)); }), c.error) << nameOf(c.kind);
 }
 
 TEST(Xml, GivesTheFieldsOfItsRecords) {

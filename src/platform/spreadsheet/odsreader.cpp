@@ -2,6 +2,7 @@
 #include <cmath>
 #include <functional>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "platform/error.h"
@@ -62,9 +63,36 @@ class TableNames final : public TablesPart {
 
   private:
     void tableBegun(const XmlAttributes& attributes) override {
-        names.push_back({std::string(attributes["name"]), false});
+        names.push_back({std::string(attributes["name"]), hidden_.contains(attributes["style-name"])});
     }
+    /// Styles stand before the tables. It is a table's style that hides it.
+    void element(std::string_view name, const XmlAttributes& attributes) override {
+        if (name == "style") {
+            style_ = attributes.has("family", "table") ? attributes["name"] : std::string_view();
+        } else if (name == "table-properties" && attributes.has("display", "false")) {
+            hidden_.emplace(style_);
+        }
+    }
+
+    std::string style_;
+    std::set<std::string, std::less<>> hidden_;
 };
+
+/// "PT08H30M00S" as part of a day, as other workbooks store a time of day.
+std::optional<double> partOfDay(std::string_view text) {
+    constexpr std::pair<char, double> kUnits[] = {{'H', 24}, {'M', 24 * 60}, {'S', 24 * 60 * 60}};
+    if (!text.starts_with("PT")) return std::nullopt;
+    text.remove_prefix(2);
+    double days = 0;
+    for (const auto& [unit, ofDay] : kUnits) {
+        double number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (error != std::errc() || end == text.data() + text.size() || *end != unit) continue;
+        days += number / ofDay;
+        text.remove_prefix(static_cast<std::size_t>(end - text.data()) + 1);
+    }
+    return text.empty() && std::isfinite(days) ? std::optional(days) : std::nullopt;
+}
 
 /// The cells of a table; `rowEnded` is called when a row is whole, and says how often it stands there.
 class TableCells final : public TablesPart {
@@ -119,6 +147,7 @@ class TableCells final : public TablesPart {
         isError_ = attributes.has("value-type", "error");
         type_ = attributes["value-type"];
         stored_ = attributes[type_ == "date"      ? "date-value"
+                             : type_ == "time"    ? "time-value"
                              : type_ == "boolean" ? "boolean-value"
                              : type_ == "string"  ? "string-value"
                                                   : "value"];
@@ -152,6 +181,9 @@ class TableCells final : public TablesPart {
         if (type_ == "boolean") return stored_ == "true";
         if (type_ == "date") {
             if (const auto date = Date::fromIso(std::string_view(stored_).substr(0, 10))) return *date;
+        }
+        if (type_ == "time") {
+            if (const auto days = partOfDay(stored_)) return *days;
         }
         if (type_ == "float" || type_ == "percentage" || type_ == "currency") {
             if (const auto number = this->number()) return *number;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/error.h"
+#include "platform/filesample.h"
 #include "source/readers/readers.h"
 #include "source/sourcefile.h"
 
@@ -26,10 +27,21 @@ constexpr ReaderOfKind kReaders[] = {
     {SourceKind::Xml, readXml},
 };
 
+/// A supplier who sends another kind of file is told of as that, not as what its bytes happen to be.
+void expectKind(const SourceFile& source, SourceKind kind) {
+    const Signature signature = signatureOf(source.beginning());
+    const bool isWorkbook = signature == Signature::Zip || signature == Signature::Compound;
+    const bool expected = kind == SourceKind::Xlsx || kind == SourceKind::Xls || kind == SourceKind::Ods;
+    if (isWorkbook == expected) return;
+    const std::string name(nameOf(kind));
+    throw PlatformError(isWorkbook ? errors::kIsWorkbook : errors::kIsNoWorkbook, "not of this kind: " + name);
+}
+
 }  // namespace
 
 std::unique_ptr<RowReader> openRows(Descriptor file, const SourceFormat& format, const SourceLimits& limits) {
     SourceFile source = SourceFile::of(std::move(file), format.member, limits);
+    expectKind(source, format.kind);
     for (const ReaderOfKind& reader : kReaders) {
         if (reader.kind == format.kind) return reader.open(std::move(source), format, limits);
     }
