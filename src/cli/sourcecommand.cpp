@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
@@ -96,6 +97,17 @@ SourceSettings JobSource::detected(const std::optional<SourceSettings>& before) 
     return settings;
 }
 
+/// Members of other names are passed over, so that no value of theirs is refused.
+bool isMember(const Json& settings, const std::string& path) {
+    const Json::json_pointer member("/" + path);
+    if (settings.at(member).is_structured()) return true;
+    return std::ranges::any_of(std::array{Json(nullptr), Json(-1.5), Json("\x01")}, [&](const Json& odd) {
+        Json changed = settings;
+        changed[member] = odd;
+        return !sourceSettingsOf(changed);
+    });
+}
+
 /// Nothing when there is no such member, or it cannot have that value.
 std::optional<SourceSettings> JobSource::changed(const SourceSettings& before, const std::string& wanted) {
     constexpr std::size_t kLongestNumber = 5;  // of a place in a list
@@ -125,8 +137,8 @@ std::optional<SourceSettings> JobSource::changed(const SourceSettings& before, c
         return std::nullopt;
     }
     auto settings = sourceSettingsOf(object);
-    // A member of another name is passed over: nothing changes then.
-    if (settings && *settings == before && !value.empty() && toJson(before) != object) return std::nullopt;
+    const bool changesNothing = settings && *settings == before && !value.empty() && toJson(before) != object;
+    if (changesNothing && !isMember(object, wanted.substr(0, sign))) return std::nullopt;
     return settings;
 }
 

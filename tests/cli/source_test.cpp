@@ -47,6 +47,10 @@ TEST(SourceOfTheTerminal, IsShownDetectedChangedAndRemoved) {
     EXPECT_EQ(machine.source({"--clear"}), 0);
     EXPECT_FALSE(JobOptionsFile(machine.data()).source(kJob));
     EXPECT_EQ(machine.convert({}), 1);
+    EXPECT_EQ(machine.source({"--set", "formt=1"}), 2);
+    EXPECT_EQ(machine.source({"--set", "format/kind=delimited", "format/delimiter=\"\"", "format/characters=utf-8"}), 0)
+        << "what is so without being said cannot be said";
+    EXPECT_EQ(machine.source({"--clear"}), 0);
 
     const std::string file =
         machine.write("ny.csv", "Nummer|Text|Pris|Enhet\n1|Skruv|1 250,50 kr|st\n2|Bult|12,00|st\n");
