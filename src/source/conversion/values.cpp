@@ -292,7 +292,7 @@ void ValueReader::interpret(Cell::Kind kind, SourceValue& value) const {
 void ValueReader::misfit(SourceValue& value) const {
     value.fits = false;
     if (use_ == ColumnUse::Date) value.text.clear();
-    if (use_ == ColumnUse::Number && looksLikeNumber(value.text)) value.text.insert(0, "?");
+    if (use_ == ColumnUse::Number && looksLikeNumber(value.text)) value.text.insert(value.text.begin(), '?');
 }
 
 void ValueReader::affixAndFill(std::string& text) const {
