@@ -109,13 +109,17 @@ char byteOf(std::optional<char32_t> character, const Table& table) {
 }  // namespace
 
 std::size_t asciiRun(std::string_view text) {
-    constexpr std::uint64_t kHighBits = 0x8080808080808080;
+    constexpr std::size_t kBlock = sizeof(std::uint64_t);
+    const auto isAscii = [](const char* block) {
+        constexpr std::uint64_t kHighBits = 0x8080808080808080;
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, block, kBlock);
+        return (bytes & kHighBits) == 0;
+    };
     std::size_t at = 0;
-    for (; at + 8 <= text.size(); at += 8) {
-        std::uint64_t block = 0;
-        std::memcpy(&block, text.data() + at, 8);
-        if ((block & kHighBits) != 0) break;
-    }
+    while (at + kBlock <= text.size() && isAscii(text.data() + at)) at += kBlock;
+    // What is left is looked at with some of what was.
+    if (at > 0 && at + kBlock > text.size() && isAscii(text.data() + text.size() - kBlock)) return text.size();
     while (at < text.size() && static_cast<std::uint8_t>(text[at]) < 0x80) ++at;
     return at;
 }

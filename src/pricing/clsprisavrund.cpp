@@ -190,12 +190,9 @@ bool ClsPrisAvrund::canBeRecomputed(int index) const {
     return (!BoolPFaktorValuta && foreign(index)) || tellWhyNot(index, PriceStep::NoMarkup);
 }
 
-bool ClsPrisAvrund::tellWhyNot(int index, PriceStep reason) const {
-    if (trace) {
-        trace->column(columnOf(index));
-        trace->step({.step = reason});
-    }
-    return false;
+void ClsPrisAvrund::tellReason(int index, PriceStep reason) const {
+    trace->column(columnOf(index));
+    trace->step({.step = reason});
 }
 
 bool ClsPrisAvrund::recompute(int index) {

@@ -106,7 +106,12 @@ class ClsPrisAvrund {
     void tellRounding(int range, std::uint8_t decimals, double rounded) const;
     [[nodiscard]] std::string baseColumn(int index) const;
     [[nodiscard]] bool canBeRecomputed(int index) const;
-    bool tellWhyNot(int index, PriceStep reason) const;  ///< always false
+    /// Always false.
+    bool tellWhyNot(int index, PriceStep reason) const {
+        if (trace != nullptr) tellReason(index, reason);
+        return false;
+    }
+    void tellReason(int index, PriceStep reason) const;
     [[nodiscard]] double baseOf(int index);
     [[nodiscard]] double homePrice(int index);
     [[nodiscard]] double newPrice(int index, double base);

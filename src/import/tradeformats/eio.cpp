@@ -1,6 +1,14 @@
 #include "import/tradeformats/eio.h"
 
 namespace kolmera {
+namespace {
+
+void tellNoMarkup(PriceTrace& trace, const Column& price) {
+    trace.column(price.statement);
+    trace.step({.step = PriceStep::NoMarkup});
+}
+
+}  // namespace
 
 Eio::Eio(const TradeFormatParts& parts)
     : EioRsk(parts, CodePage::Windows1252,
@@ -16,18 +24,11 @@ void Eio::takeArticle(std::string_view line) {
     priceDate_ = date(line, columns(kEioArticle, "prisdatum"));
 }
 
-void Eio::tellNoMarkup(const Column& price) {
-    PriceTrace* trace = tables().trace();
-    if (!trace) return;
-    trace->column(price.statement);
-    trace->step({.step = PriceStep::NoMarkup});
-}
-
 void Eio::writePriceLevels(ProductRows& products, double price) {
     const double net = products.netCost(price);
     for (int level = 1; level <= kPriceLists; ++level) {
         if (products.row.number(products.Pålägg(level)) == 0) {
-            tellNoMarkup(products.Utpris(level));
+            if (PriceTrace* const trace = tables().trace()) tellNoMarkup(*trace, products.Utpris(level));
             continue;
         }
         products.row.write(products.Utpris(level), tables().roundedUtpris(products.markedUp(net, level), level));

@@ -22,7 +22,6 @@ class Eio final : public EioRsk {
     void writePriceLevels(ProductRows& products, double price) override;
 
   private:
-    void tellNoMarkup(const Column& price);
 };
 
 }  // namespace kolmera
