@@ -54,6 +54,26 @@ foreach(language en sv)
   install_link(guide.${language}.md ../../${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc/guide.${language}.md ${home} doc)
 endforeach()
 
+# The guide to be read in a browser.
+find_program(PANDOC pandoc)
+if(PANDOC)
+  foreach(language en sv)
+    set(page ${CMAKE_BINARY_DIR}/html/guide.${language}.html)
+    add_custom_command(
+      OUTPUT ${page}
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/html
+      COMMAND ${PANDOC} --from gfm --to html5 --standalone --toc --toc-depth=3 --css guide.css --metadata lang=${language}
+              --metadata pagetitle=Kolmera ${PROJECT_SOURCE_DIR}/docs/guide.${language}.md --output ${page}
+      DEPENDS ${PROJECT_SOURCE_DIR}/docs/guide.${language}.md
+      COMMENT "Making a page of the guide (${language})")
+    list(APPEND html_pages ${page})
+  endforeach()
+  add_custom_target(html DEPENDS ${html_pages})
+  set(html_folder ${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc/html)
+  install(FILES ${html_pages} ${install_folder}/guide.css DESTINATION ${html_folder} COMPONENT doc OPTIONAL)
+  install_link(pictures ../pictures ${html_folder} doc)
+endif()
+
 # Manual pages, from what the programs say of themselves, so that they hold; in both languages.
 set(pages ${CMAKE_BINARY_DIR}/man)
 add_custom_target(manual
@@ -65,9 +85,11 @@ foreach(component cli window)
   install(DIRECTORY ${pages}/${component}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT ${component} OPTIONAL)
 endforeach()
 add_custom_target(package-files DEPENDS manual)
-if(TARGET icons)
-  add_dependencies(package-files icons)
-endif()
+foreach(files icons html)
+  if(TARGET ${files})
+    add_dependencies(package-files ${files})
+  endif()
+endforeach()
 
 # Debian packages: "./test --package" makes and tries them.
 set(maintainer "The Kolmera developers <kolmera@packages.invalid>")

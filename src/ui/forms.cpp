@@ -58,8 +58,9 @@ void loadForm(Program& program, QWidget& form) {
     nameForScreenReaders(form);
     SättTypsnitt(form, program.state.TypsnittTahoma);
     auto* help = new QShortcut(QKeySequence(QKeySequence::HelpContents), &form);
-    QObject::connect(help, &QShortcut::activated, &form,
-                     [&] { openGuide(&form, program.texts, program.state.programFolder()); });
+    QObject::connect(help, &QShortcut::activated, &form, [&] {
+        openGuide(&form, program.texts, program.state.programFolder(), form.objectName().toStdString());
+    });
 }
 
 bool VisaFormulär(Program& program, QWidget& form, bool modal) {

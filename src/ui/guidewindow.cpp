@@ -1,6 +1,11 @@
 #include "ui/guidewindow.h"
 
+#include <fmt/format.h>
+
+#include <QAbstractTextDocumentLayout>
 #include <QDialog>
+#include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -12,19 +17,44 @@
 namespace kolmera {
 namespace {
 
-void layOut(QDialog& window, const std::string& guide) {
+constexpr const char* kWindow = "Handbok";
+
+/// The guide's text in its window, new or there already.
+QTextBrowser* textIn(QDialog& window) {
     constexpr int kLetters = 110, kLines = 40;
-    window.setObjectName(QStringLiteral("Handbok"));
+    if (auto* text = window.findChild<QTextBrowser*>()) return text;
+    window.setObjectName(QString::fromUtf8(kWindow));
     window.setAttribute(Qt::WA_DeleteOnClose);
     auto* text = new QTextBrowser(&window);
     text->setObjectName(QStringLiteral("Text"));
     text->setAccessibleName(window.windowTitle());
     text->setOpenExternalLinks(true);
-    text->setMarkdown(toQt(guide));
     auto* layout = new QVBoxLayout(&window);
     layout->addWidget(text);
     const QFontMetrics metrics = window.fontMetrics();
     window.resize(kLetters * metrics.averageCharWidth(), kLines * metrics.lineSpacing());
+    return text;
+}
+
+/// The line of a mark, "<!-- PrisMTyp, MaskSample -->", names `topic`.
+bool names(std::string_view line, std::string_view topic) {
+    constexpr std::string_view kBegin = "<!-- ", kEnd = " -->";
+    if (topic.empty() || !line.starts_with(kBegin) || !line.ends_with(kEnd)) return false;
+    const std::string marks =
+        fmt::format(", {},", line.substr(kBegin.size(), line.size() - kBegin.size() - kEnd.size()));
+    return marks.find(fmt::format(", {},", topic)) != std::string::npos;
+}
+
+/// Puts the heading with this number, from 1, at the top.
+void scrollTo(QTextBrowser& text, int heading) {
+    int number = 0;
+    for (QTextBlock block = text.document()->begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().headingLevel() == 0 || ++number != heading) continue;
+        text.setTextCursor(QTextCursor(block));
+        const double top = text.document()->documentLayout()->blockBoundingRect(block).top();
+        text.verticalScrollBar()->setValue(static_cast<int>(top));
+        return;
+    }
 }
 
 }  // namespace
@@ -39,15 +69,37 @@ std::filesystem::path guideFile(const std::filesystem::path& programFolder, std:
     return {};
 }
 
-bool openGuide(QWidget* parent, LanguageTexts& texts, const std::filesystem::path& programFolder) {
+int guideHeading(std::string_view guide, std::string_view topic) {
+    int headings = 0;
+    bool marked = false;
+    while (!guide.empty()) {
+        const std::string_view line = guide.substr(0, guide.find('\n'));
+        guide.remove_prefix(std::min(line.size() + 1, guide.size()));
+        marked = marked || names(line, topic);
+        if (!line.starts_with('#')) continue;
+        ++headings;
+        if (marked) return headings;
+    }
+    return 0;
+}
+
+bool openGuide(QWidget* parent, LanguageTexts& texts, const std::filesystem::path& programFolder,
+               std::string_view topic) {
     const auto file = guideFile(programFolder, texts.language());
     if (file.empty()) return false;
     try {
         const std::string guide = readWholeFile(file);
-        auto* window = new QDialog(parent);
+        auto* window = parent->findChild<QDialog*>(QString::fromUtf8(kWindow), Qt::FindDirectChildrenOnly);
+        if (window == nullptr) window = new QDialog(parent);
         window->setWindowTitle(toQt(texts.ModulText(text::boxes::kGuide)));
-        layOut(*window, guide);
+        QTextBrowser* const text = textIn(*window);
+        // An installed guide is a link to where its pictures are, too.
+        text->setSearchPaths({toQt(std::filesystem::canonical(file).parent_path().string())});
+        text->setMarkdown(toQt(guide));
         window->show();
+        window->raise();
+        window->activateWindow();
+        scrollTo(*text, guideHeading(guide, topic));
         return true;
     } catch (const PlatformError&) {
         return false;

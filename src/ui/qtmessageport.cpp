@@ -95,7 +95,9 @@ void QtMessagePort::addHelp(QMessageBox& box, const Message& message) {
 void QtMessagePort::openHelp(const Message& message, QMessageBox& box) {
     const QString file = toQt(message.helpFile);
     if (QFileInfo::exists(file) && QDesktopServices::openUrl(QUrl::fromLocalFile(file))) return;
-    if (openGuide(&box, texts_, std::filesystem::path(message.helpFile).parent_path())) return;
+    const QWidget* const asker = box.parentWidget();
+    const std::string topic = asker == nullptr ? std::string() : asker->window()->objectName().toStdString();
+    if (openGuide(&box, texts_, std::filesystem::path(message.helpFile).parent_path(), topic)) return;
     QMessageBox missing(QMessageBox::Warning, box.windowTitle(),
                         toQt(texts_.ModulTextMed(text::boxes::kHelpFileMissing, message.helpFile)),
                         QMessageBox::NoButton, &box);

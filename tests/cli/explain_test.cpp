@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -149,6 +150,26 @@ TEST(Explain, TellsEveryStep) {
     EXPECT_EQ(lastStep("Produkt.1Utpris"), nlohmann::json({{"step", "written"}, {"value", 65.5}}));
     EXPECT_EQ(lastStep("Produkt.5Utpris"), nlohmann::json({{"step", "not_coupled"}}));
     EXPECT_EQ(lastStep("LevrabattBrev 3020 SKRUV-FZB").at("operand"), 5);
+}
+
+// Both guides explain the prices of one product of the demo.
+TEST(Explain, SaysWhatTheGuidesShow) {
+    DemoMachine machine;
+    for (const std::string language : {"sv", "en"}) {
+        SCOPED_TRACE(language);
+        std::ofstream(machine.file("settings.ini")) << "[Start]\nLang=" << (language == "en" ? "EN" : "SE") << '\n';
+        std::istringstream guide(readWholeFile(KOLMERA_SOURCE_DIR "/docs/guide." + language + ".md"));
+        std::string line;
+        const std::string kCommand = "    kolmera-cli explain Direktimport DI60010 ";
+        while (std::getline(guide, line) && !line.starts_with(kCommand)) {
+        }
+        std::string shown;
+        std::getline(guide, line);  // blank
+        while (std::getline(guide, line) && line.starts_with("    ")) shown += line.substr(4) + '\n';
+        ASSERT_NE(shown, "");
+        machine.run({"explain", "Direktimport", "DI60010", "--data", machine.data()});
+        EXPECT_EQ(machine.out().substr(0, shown.size()), shown);
+    }
 }
 
 }  // namespace kolmera::test

@@ -3,8 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
+#include <sstream>
 
+#include "platform/tsv.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera::test {
@@ -26,10 +30,45 @@ TEST(GuideWindow, OpensTheGuideInTheProgramsLanguage) {
         LanguageTexts texts;
         texts.InitSpråkOrd(c.language);
         QWidget form;
-        EXPECT_EQ(openGuide(&form, texts, folder.path()), *c.expected != '\0');
+        EXPECT_EQ(openGuide(&form, texts, folder.path(), {}), *c.expected != '\0');
         const auto* text = form.findChild<QTextBrowser*>("Text");
         EXPECT_EQ(text == nullptr ? "" : text->toPlainText().toStdString(), c.expected);
     }
+}
+
+TEST(GuideWindow, OpensWhereTheGuideTellsOfTheWindow) {
+    const TemporaryFolder folder;
+    std::string guide = "# Guide\n\n";
+    for (int i = 0; i < 200; ++i) guide += "Words.\n\n";
+    folder.write("guide.en.md", guide + "<!-- PrisMTyp, MaskSample -->\n## Masks\n\nOf masks.\n\n## Other\n\n" + guide);
+    LanguageTexts texts;
+    texts.InitSpråkOrd("EN");
+    QWidget form;
+    openGuide(&form, texts, folder.path(), "MaskSampl");
+    const auto* text = form.findChild<QTextBrowser*>("Text");
+    ASSERT_NE(text, nullptr);
+    EXPECT_FALSE(text->toPlainText().contains("PrisMTyp")) << "marks are shown";
+    EXPECT_EQ(text->verticalScrollBar()->value(), 0) << "half a name";
+    openGuide(&form, texts, folder.path(), "MaskSample");
+    EXPECT_EQ(form.findChildren<QTextBrowser*>().size(), 1) << "a second guide";
+    EXPECT_EQ(text->cursorForPosition({20, 20}).block().text(), "Masks");
+}
+
+TEST(GuideWindow, EveryWindowHasAChapter) {
+    const std::string swedish = readWholeFile(KOLMERA_SOURCE_DIR "/docs/guide.sv.md");
+    const std::string english = readWholeFile(KOLMERA_SOURCE_DIR "/docs/guide.en.md");
+    std::istringstream rows(readWholeFile(KOLMERA_SOURCE_DIR "/data/lang/texts.tsv"));
+    int windows = 0;
+    for (std::string row; std::getline(rows, row);) {
+        constexpr std::string_view kTitle = "SP_FRM_";
+        const std::string name = row.substr(0, row.find('\t'));
+        if (!name.starts_with(kTitle) || name.find('_', kTitle.size()) != std::string::npos) continue;
+        const std::string window = name.substr(kTitle.size());
+        EXPECT_GT(guideHeading(swedish, window), 0) << window;
+        EXPECT_EQ(guideHeading(swedish, window), guideHeading(english, window)) << window;
+        ++windows;
+    }
+    EXPECT_GT(windows, 0);
 }
 
 }  // namespace
