@@ -75,5 +75,16 @@ TEST_F(SampleRunTest, ShowsWhatARunThenWrites) {
               "A2 Mutter 0 0\n");
 }
 
+TEST_F(SampleRunTest, ShowsThePricesThatSavingCouples) {
+    world.setting("PAutoUppdatUtpris", true);
+    world.setting("PFaktor1", 25.0);
+    world.priceFile("B\tMutter\t8000\t7\t260131\t\r\n");
+    EXPECT_THAT(texts(read(0)), ElementsAre("B|B||B", "Mutter|Mutter||Mutter", "8000|80||80", "7|7||100",
+                                            "260131|2026-01-31||2026-11-22", "|||"));
+    EXPECT_EQ(world.rows("Produkt", "Nummer"), "A1\n") << "saved";
+    world.run();
+    EXPECT_EQ(world.rows("Produkt", "Inpris, Prisändrdat, 1Utpris"), "7.5 - 0\n80 2026-11-22 100\n");
+}
+
 }  // namespace
 }  // namespace kolmera

@@ -2,8 +2,11 @@
 
 #include "db/conversions.h"
 #include "import/masks/columnwriter.h"
+#include "import/masks/draftrecord.h"
+#include "import/masks/productcoupling.h"
 #include "import/masks/productmatcher.h"
 #include "import/masks/recordreader.h"
+#include "import/rows/defaults.h"
 #include "import/rows/fieldconversion.h"
 #include "lang/errortext.h"
 #include "platform/attempt.h"
@@ -21,11 +24,11 @@ class SampleProduct {
           Idag_(Idag),
           mask_(mask),
           products_(sql.SQLÖppnaTabell("Produkt", ProductMatcher::index(mask.keyTarget), 0, false)),
-          prices_(sql, report_, Idag),
+          syinställningar_(sql.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly)),
+          syinställningar2_(sql.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly)),
+          settings_(columnSettings(*syinställningar_, *syinställningar2_, Idag, sql.locale(), report_)),
+          prices_(sql, report_, Idag, settings_.PPrisDatumBM),
           matcher_(mask, supplier, sql, products_, report_) {
-        const auto settings = sql.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
-        const auto settings2 = sql.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
-        settings_ = columnSettings(*settings, *settings2, Idag, sql.locale(), report_);
         prices_.Init();
     }
 
@@ -45,7 +48,7 @@ class SampleProduct {
                 &SampleValues::Value::present);
         }
         added ? products_->addNew() : products_->edit();
-        ColumnWriter(mask_, *products_, settings_, prices_, report_).write(*products_, entries, added);
+        write(entries, added);
         if (added) shown.number = text(ordinal(kProdukt, "Nummer"));
         each(
             shown, [&](const Relation& relation) { return written(relation, entries, shown.number); },
@@ -54,6 +57,23 @@ class SampleProduct {
     }
 
   private:
+    /// As `RecordImport` saves a product, but for saving.
+    void write(const EntryList& entries, bool added) {
+        ColumnWriter columns(mask_, *products_, settings_, prices_, report_);
+        const bool setPriceDate = columns.write(*products_, entries, added).setPriceDate;
+        if (added) {
+            NewProductDefaults(*syinställningar_, *syinställningar2_, sql_.locale(), report_)
+                .SättNyProduktStandard(*products_);
+            const int weighted = products_->ordinal("Vägtinpris");
+            if (mask_.hasPurchasePrice() && TillDbl(products_->value(weighted), sql_.locale()) == 0)
+                products_->set(weighted, products_->value(ordinal(kProdukt, "Inpris")));
+        }
+        if (setPriceDate) products_->set(products_->ordinal("Prisändrdat"), Idag_);
+        if (!columns.changesPrices()) return;
+        DraftRecord draft(*products_);
+        ProductCoupling(mask_.hasPurchasePrice(), sql_, prices_, report_).couple(draft);
+    }
+
     static Product productOf(ProductMatch::Outcome outcome) {
         switch (outcome) {
             case ProductMatch::Outcome::Edit:
@@ -139,9 +159,10 @@ class SampleProduct {
     const LoadedMask& mask_;
     RunReport report_;
     std::unique_ptr<Recordset> products_;
+    std::unique_ptr<Recordset> syinställningar_, syinställningar2_;
+    ColumnSettings settings_;
     PrisClsRoundInprisOUtpris prices_;
     ProductMatcher matcher_;
-    ColumnSettings settings_;
 };
 
 }  // namespace
