@@ -72,6 +72,7 @@ std::string ValueRule::*typedText(ColumnProperty name) {
 ColumnEditor::ColumnEditor(LanguageTexts& texts, const std::filesystem::path& file, SourceSettings settings,
                            TargetLayout target)
     : texts_(texts), settings_(std::move(settings)), target_(std::move(target)) {
+    hasColumns_ = target_.records == TargetLayout::Records::Tabs;
     readRows(file);
     for (std::size_t place = target_.columns.size(); place-- > 0;) {
         const auto named = std::ranges::find(settings_.columns, static_cast<int>(place) + 1, &SourceColumn::column);
@@ -118,6 +119,13 @@ void ColumnEditor::chooseColumn(int place) {
     if (place < 0 || place >= static_cast<int>(target_.columns.size())) return;
     chosen_ = place;
     refresh();
+}
+
+void ColumnEditor::addColumn() {
+    if (!canAddColumn()) return;
+    target_.columns.push_back({.use = ColumnUse::Text});
+    settings_.columns.push_back({.column = static_cast<int>(target_.columns.size())});
+    chooseColumn(static_cast<int>(target_.columns.size()) - 1);
 }
 
 const SourceColumn* ColumnEditor::stored() const {
@@ -270,7 +278,9 @@ std::string ColumnEditor::remarks() const {
     std::string text;
     if (unfit_ > 0) text = counted(text::sourcecolumns::kUnfit, unfit_);
     if (lacking_ > 0) text.append(text.empty() ? "" : " ").append(counted(text::sourcecolumns::kLacking, lacking_));
-    return text.empty() ? texts_.ModulText(text::sourcecolumns::kAllFit) : text;
+    if (!text.empty()) return text;
+    // Nothing is read as a number then.
+    return texts_.ModulText(target_.key == 0 ? text::sourcecolumns::kNoMask : text::sourcecolumns::kAllFit);
 }
 
 void ColumnEditor::add(Name name, ModuleKey caption, std::vector<std::string> choices, int chosen, bool enabled) {

@@ -47,6 +47,9 @@ class ColumnEditor {
     [[nodiscard]] std::vector<std::string> columns() const;
     [[nodiscard]] int chosen() const { return chosen_; }
     void chooseColumn(int place);
+    /// One behind the last, for what the file has no column for: a fixed value, or another part of one. It is chosen.
+    void addColumn();
+    [[nodiscard]] bool canAddColumn() const { return hasColumns_; }
 
     using Property = kolmera::Property<ColumnProperty>;
     [[nodiscard]] const std::vector<Property>& properties() const { return properties_; }
@@ -97,6 +100,7 @@ class ColumnEditor {
     LanguageTexts& texts_;
     SourceSettings settings_;
     TargetLayout target_;
+    bool hasColumns_ = false;
     std::vector<KeptRow> rows_;
     std::size_t columnsOfFile_ = 0;
     int chosen_ = 0;

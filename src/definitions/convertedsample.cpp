@@ -41,9 +41,17 @@ TargetLayout sampleLayout(const std::optional<WholeMask>& mask, std::size_t colu
     return layout;
 }
 
+std::size_t columnsNamed(const std::vector<SourceColumn>& columns) {
+    constexpr int kMost = 999;
+    int last = 0;
+    for (const SourceColumn& column : columns) last = std::max(last, std::min(column.column, kMost));
+    return static_cast<std::size_t>(last);
+}
+
 ConvertedSample convertSample(const std::filesystem::path& file, SourceSettings settings,
                               const std::optional<WholeMask>& mask, const std::filesystem::path& dataFolder) {
-    const TargetLayout layout = sampleLayout(mask, columnsOf(file, settings.format));
+    const TargetLayout layout =
+        sampleLayout(mask, std::max(columnsOf(file, settings.format), columnsNamed(settings.columns)));
     ConvertedSample sample{.content = workFile(workPlaces(dataFolder), kRoom), .path = {}, .headings = {}};
     auto converter = std::make_unique<SourceConverter>(openRows(file, settings.format), settings, layout);
     if (converter->fault().any()) {

@@ -22,6 +22,9 @@ struct ConvertedSample {
 /// What a mask reads, with at least so many tab columns; without a mask, all of them as texts.
 TargetLayout sampleLayout(const std::optional<WholeMask>& mask, std::size_t columns);
 
+/// The highest number of a column that is named.
+std::size_t columnsNamed(const std::vector<SourceColumn>& columns);
+
 /// Of a mask of tab columns, and of a new one, all columns of the source; of another mask its own. Headings that the
 /// source has lost are not looked for: the columns come from their old places. Throws PlatformError.
 ConvertedSample convertSample(const std::filesystem::path& file, SourceSettings settings,

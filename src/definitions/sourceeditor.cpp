@@ -206,6 +206,22 @@ void SourceEditor::addTyped(Name name, ModuleKey caption, double confidence, std
                            .sure = confidence >= kSureEnough});
 }
 
+/// The names, and patterns that only one of them matches: next month's file has another name. What the job has is one
+/// of them.
+std::vector<std::string> SourceEditor::memberChoices() const {
+    std::vector<std::string> choices = found_.members;
+    const auto endingOf = [](const std::string& name) { return name.substr(std::min(name.rfind('.'), name.size())); };
+    for (const std::string& name : found_.members) {
+        const std::string ending = endingOf(name);
+        if (ending.empty() || std::ranges::count(found_.members, ending, endingOf) != 1) continue;
+        std::string pattern = "*";
+        choices.push_back(pattern.append(ending));
+    }
+    const std::string& stored = found_.format.member;
+    if (!stored.empty() && std::ranges::find(choices, stored) == choices.end()) choices.push_back(stored);
+    return choices;
+}
+
 void SourceEditor::buildProperties() {
     properties_.clear();
     const SourceFormat& format = found_.format;
@@ -214,8 +230,9 @@ void SourceEditor::buildProperties() {
     for (const ModuleKey& name : kKindNames) kinds.push_back(texts_.ModulText(name));
     add(Name::Kind, text::source::kKind, confidence.kind, std::move(kinds), placeIn(kKinds, format.kind));
     if (!found_.members.empty()) {
-        const int member = format.member.empty() ? 0 : placeIn(found_.members, format.member);
-        add(Name::Member, text::source::kMember, confidence.member, found_.members, member);
+        const std::vector<std::string> members = memberChoices();
+        const int member = format.member.empty() ? 0 : placeIn(members, format.member);
+        add(Name::Member, text::source::kMember, confidence.member, members, member);
     }
     if (!found_.sheets.empty()) {
         const int sheet = format.sheet.empty() ? 0 : placeIn(found_.sheets, format.sheet);
@@ -271,11 +288,13 @@ void SourceEditor::choose(Name name, int choice) {
             forget();
             known_.kind = at(kKinds, choice);
             break;
-        case Name::Member:
+        case Name::Member: {
             known_.member.reset();
             forget();
-            if (place < found_.members.size()) known_.member = found_.members[place];
+            const std::vector<std::string> members = memberChoices();
+            if (place < members.size()) known_.member = members[place];
             break;
+        }
         case Name::Sheet:
             if (place < found_.sheets.size()) known_.sheet = found_.sheets[place];
             said_ = {};

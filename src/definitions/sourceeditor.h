@@ -79,6 +79,7 @@ class SourceEditor {
     void readDecodings();
     [[nodiscard]] std::string aboutHeadings() const;
     void buildProperties();
+    [[nodiscard]] std::vector<std::string> memberChoices() const;
     void add(Name name, ModuleKey caption, double confidence, std::vector<std::string> choices, int chosen);
     void addTyped(Name name, ModuleKey caption, double confidence, std::string text);
     void addTextProperties();

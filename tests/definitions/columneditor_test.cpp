@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include "definitions/convertedsample.h"
 #include "definitions/editorworld.h"
 #include "definitions/leftouteditor.h"
+#include "platform/tsv.h"
 
 namespace kolmera {
 namespace {
@@ -95,6 +97,20 @@ TEST_F(ColumnEditorTest, BindsByHeadingUnlessToldOtherwise) {
     EXPECT_EQ(editor->settings().columns, settings.columns) << "what is gone can be chosen anew";
     editor->choose(Name::From, 2);
     EXPECT_EQ(editor->settings().columns.front().from.heading, "Pris");
+}
+
+TEST_F(ColumnEditorTest, AddsAColumnThatTheFileHasNot) {
+    open(0).addColumn();
+    EXPECT_EQ(editor->chosen(), 3);
+    EXPECT_THAT(after(), ElementsAre("", ""));
+    editor->type(Name::Fixed, "3020");
+    EXPECT_THAT(after(), ElementsAre("3020", "3020"));
+    const ConvertedSample sample =
+        convertSample(world.data() / "pris.txt", editor->settings(), std::nullopt, world.data());
+    EXPECT_THAT(readWholeFile(sample.path), HasSubstr("\t3020\r\n"));
+    target.records = TargetLayout::Records::Lines;
+    open(0).addColumn();
+    EXPECT_EQ(editor->columns().size(), 3U) << "a line of its own";
 }
 
 TEST_F(ColumnEditorTest, LeavesOutRowsByPattern) {

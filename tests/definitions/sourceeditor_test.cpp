@@ -6,6 +6,7 @@
 
 #include "definitions/editorworld.h"
 #include "platform/encodings.h"
+#include "spreadsheet/workbookparts.h"
 
 namespace kolmera {
 namespace {
@@ -84,6 +85,20 @@ TEST_F(SourceEditorTest, KeepsWhatTheJobHas) {
         << "a job without headings looks for one, and stops";
     EXPECT_EQ(editor->settings().columns.front().from, (ColumnName{.heading = "", .number = 1}));
     for (const auto& each : editor->properties()) EXPECT_TRUE(each.sure || each.name == Name::Record) << each.caption;
+}
+
+TEST_F(SourceEditorTest, OffersPatternsForTheFilesOfAnArchive) {
+    test::writeZip(world.data() / "pris.txt",
+                   {{"oktober.csv", std::string(kSemicolons)}, {"villkor.txt", "Priser"}, {"mer.txt", "text"}});
+    editor.emplace(world.texts(), world.data() / "pris.txt", std::nullopt);
+    ASSERT_TRUE(editor->detect()) << editor->error();
+    ASSERT_NE(property(Name::Member), nullptr);
+    const std::vector<std::string> choices = property(Name::Member)->choices;
+    EXPECT_THAT(choices, testing::UnorderedElementsAre("oktober.csv", "villkor.txt", "mer.txt", "*.csv"));
+    editor->choose(Name::Member, static_cast<int>(choices.size()) - 1);
+    EXPECT_EQ(editor->format().member, "*.csv");
+    EXPECT_EQ(rows().front(), "Artikelnr|Benämning|Pris");
+    EXPECT_EQ(property(Name::Member)->chosen, static_cast<int>(choices.size()) - 1);
 }
 
 TEST_F(SourceEditorTest, NamesHeadingsThatAreGone) {

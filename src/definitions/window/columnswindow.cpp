@@ -47,6 +47,12 @@ ColumnsWindow::ColumnsWindow(Program& program, ColumnEditor& editor, QWidget* pa
         editor_.chooseColumn(row);
         present();
     });
+    connect(läggTill_, &QPushButton::clicked, this, [this] {
+        egenskaper_->commit();
+        editor_.addColumn();
+        present();
+        kolumner_->setFocus();
+    });
     connect(ersätt_, &QTableWidget::cellChanged, this, [this] { takeReplacements(); });
     egenskaper_->changed = [this](int name, int choice, const std::string& typed) {
         if (choice >= 0) {
@@ -86,6 +92,8 @@ void ColumnsWindow::build() {
     ersätt_ = table(*this, "Ersätt", {text(text::sourcecolumns::kReplaced), text(text::sourcecolumns::kReplacedBy)});
     ersätt_->verticalHeader()->hide();
     lblErsätt_->setBuddy(ersätt_);
+    läggTill_ = button(*this, "LäggTill", "&Lägg till kolumn");
+    läggTill_->setEnabled(editor_.canAddColumn());
     ok_ = button(*this, "OK", "&OK");
     ok_->setDefault(true);
     avbryt_ = button(*this, "Avbryt", "&Avbryt");
@@ -97,6 +105,7 @@ void ColumnsWindow::layOut() {
     auto* list = new QVBoxLayout;
     list->addWidget(lblKolumner_);
     list->addWidget(kolumner_, 1);
+    list->addWidget(läggTill_);
     kolumner_->setFixedWidth(kListLetters * letter);
     auto* scrolled = new QScrollArea(this);
     scrolled->setWidget(egenskaper_);
@@ -131,7 +140,8 @@ void ColumnsWindow::layOut() {
 // The one place that fills, enables and hides.
 void ColumnsWindow::present() {
     presentColumns();
-    egenskaper_->show(editor_.properties(), true, *kolumner_, *värden_);
+    setTabOrder(kolumner_, läggTill_);
+    egenskaper_->show(editor_.properties(), true, *läggTill_, *värden_);
     presentShown();
     presentReplacements();
     anmärkning_->setText(toQt(editor_.remarks()));

@@ -35,7 +35,7 @@ class ColumnsWindow final : public QDialog {
     QListWidget* kolumner_;
     PropertyGrid* egenskaper_;
     QTableWidget *värden_, *ersätt_;
-    QPushButton *ok_, *avbryt_;
+    QPushButton *läggTill_, *ok_, *avbryt_;
 };
 
 }  // namespace kolmera

@@ -10,6 +10,7 @@
 #include <QTableWidget>
 #include <QTimer>
 
+#include "definitions/convertedsample.h"
 #include "definitions/leftouteditor.h"
 #include "definitions/window/columnswindow.h"
 #include "definitions/window/leftoutwindow.h"
@@ -140,7 +141,9 @@ void SourceWindow::change(const std::function<void()>& change) {
 void SourceWindow::editColumns() {
     egenskaper_->commit();
     try {
-        ColumnEditor columns(program_.texts, editor_.file(), editor_.settings(), target_(editor_.columns()));
+        const SourceSettings settings = editor_.settings();
+        const std::size_t count = std::max(editor_.columns(), columnsNamed(settings.columns));
+        ColumnEditor columns(program_.texts, editor_.file(), settings, target_(count));
         ColumnsWindow form(program_, columns, this);
         VisaFormulär(program_, form, true);
         if (form.result() == QDialog::Accepted) editor_.takeColumns(columns.settings().columns);
