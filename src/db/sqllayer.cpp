@@ -221,12 +221,54 @@ bool SqlLayer::SQLSökIngenTräff(std::unique_ptr<Recordset>& recordset, std::st
         recordset->seek(comparison, keys);
         return recordset->noMatch();
     }
+    if (const Seek* const seek = comparison == "=" ? seekOf(*recordset, keys) : nullptr) {
+        lastStatement_ = seek->statement;
+        recordset = database().openWith(seek->statement, keys.first(seek->types.size()));
+        return recordset->recordCount() == 0;
+    }
     const auto& [table, order] =
         SQLDelaSelect(recordset->name()).value_or(std::pair(recordset->name(), recordset->sort()));
     lastStatement_ =
         fmt::format("SELECT * FROM {} WHERE {} ORDER BY {}", table, SQLVillkor(table, comparison, order, keys), order);
     recordset = SQLÖppnaRs(lastStatement_, RecordsetType::Dynaset);
     return recordset->recordCount() == 0;
+}
+
+/// Where every record seeks by the same columns, the statement is made once. nullptr for keys that have to be made
+/// fit for their columns first, and where it brings nothing.
+const SqlLayer::Seek* SqlLayer::seekOf(const Recordset& recordset, Keys keys) {
+    constexpr std::int64_t kLargestSmall = 32767;  // larger numbers are written with their types
+    if (!database().hasWindows()) return nullptr;
+    std::string name = recordset.name();
+    name.append(1, '\0').append(recordset.sort()).append(1, static_cast<char>(keys.size()));
+    auto known = seeks_.find(name);
+    if (known == seeks_.end()) {
+        const auto& [table, order] =
+            SQLDelaSelect(recordset.name()).value_or(std::pair(recordset.name(), recordset.sort()));
+        Seek seek;
+        std::string criteria;
+        const TableDef& definition = database().table(table);
+        for (const std::string& column : split(order, kColumnSeparator)) {
+            const int ordinal = definition.ordinal(column);
+            if (ordinal < 0 || seek.types.size() >= std::min(keys.size(), kMaxKeys)) break;
+            criteria += fmt::format("{}{} = ?", criteria.empty() ? "" : " AND ", column);
+            seek.types.push_back(definition.fields[static_cast<std::size_t>(ordinal)].type);
+        }
+        if (!seek.types.empty()) {
+            seek.statement = fmt::format("SELECT * FROM {} WHERE {} ORDER BY {}", table, criteria, order);
+        }
+        known = seeks_.emplace(std::move(name), std::move(seek)).first;
+    }
+    const Seek& seek = known->second;
+    if (seek.types.size() != keys.size()) return nullptr;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const auto* const whole = std::get_if<std::int64_t>(&keys[i]);
+        const bool text = seek.types[i] == FieldType::Text && std::holds_alternative<std::string>(keys[i]);
+        const bool small = whole != nullptr && *whole >= 0 && *whole <= kLargestSmall;
+        const bool number = seek.types[i] == FieldType::Long || seek.types[i] == FieldType::Integer;
+        if (!text && !(small && number)) return nullptr;
+    }
+    return &seek;
 }
 
 std::optional<std::pair<std::string, std::string>> SqlLayer::SQLDelaSelect(std::string_view statement) {

@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -92,13 +93,21 @@ class SqlLayer {
     const Locale& locale() const { return locale_; }
 
   private:
+    /// A seek by "=" whose keys are parameters.
+    struct Seek {
+        std::string statement;
+        std::vector<FieldType> types;  ///< of the keys
+    };
+
     Database& database();  ///< FtgDB, or PlatformError when no company is open
     std::string indexFields(std::string_view table, std::string_view index);
     bool tryServer(const ServerOptions& options);
+    const Seek* seekOf(const Recordset& recordset, Keys keys);
 
     Locale locale_;
     std::string connectString_;
     std::string lastStatement_;
+    std::unordered_map<std::string, Seek> seeks_;  ///< by name and order of the recordset, and number of keys
     std::optional<PlatformError> serverError_;
 };
 

@@ -24,6 +24,13 @@ class ColumnSet {
         for (std::size_t i = 0; i < words_.size(); ++i) common |= words_[i] & other.words_[i];
         return common != 0;
     }
+    /// How many columns of the set stand before this one.
+    [[nodiscard]] std::size_t rank(int column) const {
+        const auto place = static_cast<std::size_t>(column) / 64;
+        int before = std::popcount(words_[place] & (bit(column) - 1));
+        for (std::size_t i = 0; i < place; ++i) before += std::popcount(words_[i]);
+        return static_cast<std::size_t>(before);
+    }
     ColumnSet& operator|=(const ColumnSet& other) {
         for (std::size_t i = 0; i < words_.size(); ++i) words_[i] |= other.words_[i];
         return *this;

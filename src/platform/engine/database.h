@@ -17,6 +17,17 @@
 
 namespace kolmera {
 
+/// How a window of records has ended.
+enum class WindowEnd {
+    Kept,   ///< its records are committed
+    Again,  ///< nothing of it has happened; done once more from its first record, it will be told more
+    Alone,  ///< it has been rolled back: its records have to be done without a window
+};
+
+/// Ends the work in a window at once, for `endWindow` to say how it goes on. No PlatformError: it is nobody's to pass
+/// over.
+struct WindowBroken {};
+
 /// An open database of one of the two kinds: a file (SQLite) or a database server (ODBC). Recordsets must be gone
 /// before their database. Errors are PlatformError.
 class Database {
@@ -29,6 +40,12 @@ class Database {
 
     /// Opens a table (by name) or a SELECT statement. A table-type recordset takes a table name only.
     virtual std::unique_ptr<Recordset> open(std::string_view source, RecordsetType type, std::int32_t options = 0) = 0;
+
+    /// Opens a SELECT statement on one table whose only values are "?", as a dynaset: the same text again costs no
+    /// second look at it. Only where there are windows (`hasWindows`).
+    virtual std::unique_ptr<Recordset> openWith(std::string_view select, std::span<const Value> /*parameters*/) {
+        return open(select, RecordsetType::Dynaset);
+    }
 
     /// Runs one action statement, with "?" parameters; returns the number of rows it touched.
     virtual std::int64_t execute(std::string_view statement, std::span<const Value> parameters = {},
@@ -62,6 +79,16 @@ class Database {
     [[nodiscard]] virtual bool inTransaction() const = 0;
     /// Commits physically what `commitJoined` left waiting. Call before the program waits, asks, reports or ends.
     virtual void settle() = 0;
+
+    /// Begins a transaction for the work of many records, which a server is asked little for: what they look up is
+    /// gathered and asked together, and what they write waits. So the work has to be fit for being done several times,
+    /// each time from the same state: a first time nearly nothing is found, and what is written then is forgotten. Any
+    /// call may throw WindowBroken. Only where there are windows; a file has none.
+    virtual void beginWindow() { begin(); }
+    [[nodiscard]] virtual bool hasWindows() const { return false; }
+    /// Call when the work is done, or was broken off (not `complete`). `again` allows another time; then the window is
+    /// open still. Otherwise no transaction is open any more.
+    virtual WindowEnd endWindow(bool /*complete*/, bool /*again*/) { return WindowEnd::Alone; }
 
     /// Changes whenever somebody else may have changed the database, and with every write to `table` through
     /// this object: what was remembered under another stamp must be read anew.

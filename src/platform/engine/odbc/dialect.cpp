@@ -34,6 +34,11 @@ constexpr std::array<Dialect, 3> kDialects = {{
      .utf8Texts = false,
      .storesNul = false,
      .nullsLast = true,
+     .rowsAs = Dialect::RowsAs::Arrays,
+     .columns =
+         "SELECT attname, format_type(atttypid, -1), (SELECT quote_ident(nspname) || '.' || quote_ident(collname) "
+         "FROM pg_collation c JOIN pg_namespace n ON n.oid = c.collnamespace WHERE c.oid = attcollation) "
+         "FROM pg_attribute WHERE attrelid = to_regclass('\"{}\"') AND attnum > 0 AND NOT attisdropped",
      .echo = "SELECT CAST(? AS text)",
      .lastId = "SELECT pg_sequence_last_value(pg_get_serial_sequence('\"{}\"', 'ID')::regclass)",
      .emptyRow = " DEFAULT VALUES",
@@ -51,6 +56,9 @@ constexpr std::array<Dialect, 3> kDialects = {{
      .utf8Texts = true,   // a unit with the low byte D8 to DB, as of Ø, is half a character to it
      .storesNul = false,  // the server does; its driver cuts a text at NUL when it is read
      .nullsLast = false,
+     .rowsAs = Dialect::RowsAs::Json,
+     .columns = "SELECT COLUMN_NAME, DATA_TYPE, COLLATION_NAME FROM information_schema.COLUMNS "
+                "WHERE TABLE_SCHEMA = DATABASE() AND TABLE_NAME = '{}'",
      .echo = "SELECT ?",
      .lastId = "SELECT AUTO_INCREMENT - 1 FROM information_schema.TABLES WHERE TABLE_SCHEMA = DATABASE() AND "
                "TABLE_NAME = '{}'",
@@ -69,6 +77,8 @@ constexpr std::array<Dialect, 3> kDialects = {{
      .utf8Texts = false,
      .storesNul = true,
      .nullsLast = false,
+     .rowsAs = Dialect::RowsAs::Nothing,
+     .columns = {},
      .echo = "SELECT CAST(? AS nvarchar(20))",
      .lastId = "SELECT IDENT_CURRENT('{}')",
      .emptyRow = " DEFAULT VALUES",

@@ -51,6 +51,9 @@ struct Dialect {
     enum class GivenIds { Nothing, MoveSequence, IdentityInsert };
     /// After which errors of a statement the transaction goes on, all other statements kept.
     enum class Survives { Nothing, RefusedRows, MostErrors };
+    /// How many rows go as a few parameters: an array for each column, or all as one JSON text. Without, records are
+    /// not taken in windows.
+    enum class RowsAs { Nothing, Arrays, Json };
 
     std::string_view name;  ///< as the driver calls its server
     char openQuote, closeQuote;
@@ -58,11 +61,13 @@ struct Dialect {
     Limit limit;
     GivenIds givenIds;
     Survives survives;
-    bool textNumbers;            ///< numbers go and come as texts: the driver prints doubles with too few digits
-    bool sendsBegin;             ///< the driver begins a transaction with a statement of its own
-    bool utf8Texts;              ///< texts go and come as UTF-8: the driver miscounts UTF-16
-    bool storesNul;              ///< texts may hold NUL
-    bool nullsLast;              ///< ORDER BY puts Null last unless told otherwise
+    bool textNumbers;  ///< numbers go and come as texts: the driver prints doubles with too few digits
+    bool sendsBegin;   ///< the driver begins a transaction with a statement of its own
+    bool utf8Texts;    ///< texts go and come as UTF-8: the driver miscounts UTF-16
+    bool storesNul;    ///< texts may hold NUL
+    bool nullsLast;    ///< ORDER BY puts Null last unless told otherwise
+    RowsAs rowsAs;
+    std::string_view columns;    ///< SELECT of the columns of a table: name, type, collation; "{}" is the table's name
     std::string_view echo;       ///< a statement that gives its text parameter back
     std::string_view lastId;     ///< SELECT of the last ID that a table has given; "{}" is its name
     std::string_view emptyRow;   ///< behind the table's name in an INSERT without columns

@@ -6,6 +6,7 @@
 #include <memory>
 #include <numeric>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/engine/fieldlookup.h"
@@ -15,6 +16,7 @@
 #include "platform/engine/odbc/serverdynaset.h"
 #include "platform/engine/odbc/serversession.h"
 #include "platform/engine/odbc/servertable.h"
+#include "platform/engine/odbc/serverwindow.h"
 #include "platform/engine/selectstatement.h"
 #include "platform/engine/statementtext.h"
 #include "platform/error.h"
@@ -42,6 +44,7 @@ class ServerDatabase final : public Database {
         return names_;
     }
     std::unique_ptr<Recordset> open(std::string_view source, RecordsetType type, std::int32_t options) override;
+    std::unique_ptr<Recordset> openWith(std::string_view select, std::span<const Value> parameters) override;
     std::int64_t execute(std::string_view statement, std::span<const Value> parameters, std::int32_t options) override;
     void insertRows(std::string_view table, std::span<const int> columns,
                     std::span<const std::vector<Value>> rows) override {
@@ -57,11 +60,20 @@ class ServerDatabase final : public Database {
     void rollback() override { session_.rollback(); }
     [[nodiscard]] bool inTransaction() const override { return session_.inTransaction(); }
     void settle() override {}
+    [[nodiscard]] bool hasWindows() const override { return session_.dialect().rowsAs != Dialect::RowsAs::Nothing; }
+    void beginWindow() override { window_.begin(); }
+    WindowEnd endWindow(bool complete, bool again) override { return window_.end(complete, again); }
     [[nodiscard]] std::uint64_t stamp(std::string_view table) override { return serverTable(table).version(); }
     std::int64_t lastId(std::string_view table);
 
   private:
     using Tables = std::vector<ServerTable*>;
+    /// A statement that has been taken apart.
+    struct Select {
+        ServerTable* table;
+        std::shared_ptr<const ServerDynaset::Columns> columns;
+        ServerSelectRest rest;
+    };
 
     void readNames();
     ServerTable* findTable(std::string_view name);
@@ -79,9 +91,11 @@ class ServerDatabase final : public Database {
                                      ServerStatement& action, std::vector<FieldType>& types);
 
     ServerSession session_;
+    ServerWindow window_{session_};
     std::vector<std::string> names_;
     bool namesRead_ = false;
     std::vector<std::unique_ptr<ServerTable>> tables_;
+    std::unordered_map<std::string, Select> selects_;
 };
 
 void ServerDatabase::readNames() {
@@ -96,7 +110,7 @@ ServerTable* ServerDatabase::findTable(std::string_view name) {
     if (!namesRead_) readNames();
     const auto exact = std::ranges::find_if(names_, [&](const std::string& known) { return equalNoCase(known, name); });
     if (exact == names_.end()) return nullptr;
-    tables_.push_back(std::make_unique<ServerTable>(session_, readServerTable(session_, *exact)));
+    tables_.push_back(std::make_unique<ServerTable>(session_, window_, readServerTable(session_, *exact)));
     return tables_.back().get();
 }
 
@@ -161,13 +175,36 @@ std::unique_ptr<Recordset> ServerDatabase::openTable(ServerTable& table, std::st
     // Rows that are equal in the order asked for come by their IDs, as from a file.
     if (table.hasKey()) rest.order = orderWithKey(rest.order, table.quotedKey());
     if (table.hasKey() && type != RecordsetType::Snapshot) {
-        return std::make_unique<ServerDynaset>(table, source, std::move(columns), std::move(rest), readOnly);
+        return std::make_unique<ServerDynaset>(table, source,
+                                               std::make_shared<ServerDynaset::Columns>(table, std::move(columns)),
+                                               std::move(rest), readOnly);
     }
     std::vector<FieldDef> fields;
     fields.reserve(columns.size());
     for (const int column : columns) fields.push_back(table.field(column));
     return std::make_unique<MemoryRecordset>(source, type, std::move(fields),
                                              table.readAll(columns, rest.where, rest.order), session_.locale());
+}
+
+std::unique_ptr<Recordset> ServerDatabase::openWith(std::string_view select, std::span<const Value> parameters) {
+    const std::string text(select);
+    auto known = selects_.find(text);
+    if (known == selects_.end()) {
+        const auto single = parseSingleTableSelect(select);
+        if (!single || !single->columns.empty()) throw PlatformError(errors::kInternal, "not on one table: " + text);
+        ServerTable& table = serverTable(single->table);
+        ServerSelectRest rest = serverSelectRest(
+            session_.dialect(), single->rest, session_.locale(),
+            [&](std::string_view name) { return exactName({&table}, name); }, parameters);
+        rest.order = orderWithKey(rest.order, table.quotedKey());
+        rest.where.parameters.clear();
+        auto columns =
+            std::make_shared<ServerDynaset::Columns>(table, std::vector<int>(table.all().begin(), table.all().end()));
+        known = selects_.emplace(text, Select{&table, std::move(columns), std::move(rest)}).first;
+    }
+    ServerSelectRest rest = known->second.rest;
+    rest.where.parameters.assign(parameters.begin(), parameters.end());
+    return std::make_unique<ServerDynaset>(*known->second.table, select, known->second.columns, std::move(rest), false);
 }
 
 /// A column of a result with the name of a table's column is of its type; drivers call a Boolean a text, for instance.
@@ -186,6 +223,7 @@ void ServerDatabase::takeKnownType(StatementResult& result, std::size_t column, 
 std::unique_ptr<Recordset> ServerDatabase::openStatement(std::string_view source, std::string_view text,
                                                          RecordsetType type) {
     const Tables tables = mentioned(text);
+    for (ServerTable* table : tables) window_.settle(*table);
     StatementResult result = session_.read(translated(text, {}, tables), {});
     for (std::size_t i = 0; i < result.fields.size(); ++i) takeKnownType(result, i, tables);
     return std::make_unique<MemoryRecordset>(source, type, std::move(result.fields), std::move(result.rows),
@@ -198,6 +236,8 @@ std::int64_t ServerDatabase::execute(std::string_view statement, std::span<const
         throw PlatformError(errors::kInternal, "not an action statement: " + std::string(statement));
     }
     const Tables tables = mentioned(statement);
+    window_.writeAtOnce();
+    for (ServerTable* table : tables) window_.written(*table);
     ServerStatement action = translated(statement, parameters, tables);
     ServerSession::Hearing hearing;
     std::vector<FieldType> types;  // of what comes back

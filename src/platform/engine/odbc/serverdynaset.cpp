@@ -16,15 +16,20 @@ constexpr std::size_t kRowsAhead = 64;
 
 }  // namespace
 
-ServerDynaset::ServerDynaset(ServerTable& table, std::string_view source, std::vector<int> columns,
-                             ServerSelectRest rest, bool readOnly)
-    : table_(table), name_(source), columns_(std::move(columns)), rest_(std::move(rest)), row_(table, readOnly) {
-    for (const int column : columns_) fields_.push_back(table.field(column));
+ServerDynaset::Columns::Columns(const ServerTable& table, std::vector<int> itsOrdinals)
+    : ordinals(std::move(itsOrdinals)) {
+    for (const int column : ordinals) fields.push_back(table.field(column));
 }
 
-int ServerDynaset::ordinal(std::string_view field) const { return requiredOrdinal(fields_, field); }
+ServerDynaset::ServerDynaset(ServerTable& table, std::string_view source, std::shared_ptr<const Columns> columns,
+                             ServerSelectRest rest, bool readOnly)
+    : table_(table), name_(source), columns_(std::move(columns)), rest_(std::move(rest)), row_(table, readOnly) {}
 
-int ServerDynaset::tableOrdinal(int ordinal) const { return columns_[requiredPlace(ordinal, columns_.size())]; }
+int ServerDynaset::ordinal(std::string_view field) const { return requiredOrdinal(columns_->fields, field); }
+
+int ServerDynaset::tableOrdinal(int ordinal) const {
+    return columns_->ordinals[requiredPlace(ordinal, columns_->ordinals.size())];
+}
 
 // The list of records.
 
@@ -43,9 +48,13 @@ void ServerDynaset::loadAll() const {
     if (complete_) return;
     // What has been seen keeps its place, whatever other sessions have done to the table since.
     const std::size_t known = ids_.size();
+    const std::vector<std::int64_t> all = table_.readIds(rest_.where, rest_.order);
+    for (auto* ids : {&ids_, &added_}) {
+        for (std::int64_t& id : *ids) id = table_.knownId(id);
+    }
     std::vector<std::int64_t> seen(ids_);
     std::ranges::sort(seen);
-    for (const std::int64_t id : table_.readIds(rest_.where, rest_.order)) {
+    for (const std::int64_t id : all) {
         if (!std::ranges::binary_search(seen, id)) ids_.push_back(id);
     }
     complete_ = true;
@@ -144,7 +153,7 @@ void ServerDynaset::seek(std::string_view /*comparison*/, std::span<const Value>
 }
 
 ServerStatement ServerDynaset::condition(std::string_view criteria) const {
-    const Criteria parsed = Criteria::parse(criteria, fields_, table_.session().locale());
+    const Criteria parsed = Criteria::parse(criteria, columns_->fields, table_.session().locale());
     ServerStatement condition;
     for (const Criteria::Term& term : parsed.terms()) {
         if (!condition.text.empty()) condition.text += " AND ";

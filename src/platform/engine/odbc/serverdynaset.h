@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -19,13 +20,21 @@ namespace kolmera {
 /// the row that it finds and leaves open where it stands.
 class ServerDynaset final : public Recordset {
   public:
-    /// `columns` are ordinals of the table; `rest` is the condition and the order, which tells equal rows apart.
-    ServerDynaset(ServerTable& table, std::string_view source, std::vector<int> columns, ServerSelectRest rest,
-                  bool readOnly);
+    /// The columns of a dynaset, which many may share.
+    struct Columns {
+        Columns(const ServerTable& table, std::vector<int> itsOrdinals);
+
+        std::vector<int> ordinals;  ///< of the table
+        std::vector<FieldDef> fields;
+    };
+
+    /// `rest` is the condition and the order, which tells equal rows apart.
+    ServerDynaset(ServerTable& table, std::string_view source, std::shared_ptr<const Columns> columns,
+                  ServerSelectRest rest, bool readOnly);
 
     [[nodiscard]] const std::string& name() const override { return name_; }
     [[nodiscard]] RecordsetType type() const override { return RecordsetType::Dynaset; }
-    [[nodiscard]] const std::vector<FieldDef>& fields() const override { return fields_; }
+    [[nodiscard]] const std::vector<FieldDef>& fields() const override { return columns_->fields; }
     [[nodiscard]] int ordinal(std::string_view field) const override;
 
     [[nodiscard]] bool bof() const override;
@@ -70,8 +79,7 @@ class ServerDynaset final : public Recordset {
 
     ServerTable& table_;
     std::string name_;
-    std::vector<int> columns_;
-    std::vector<FieldDef> fields_;
+    std::shared_ptr<const Columns> columns_;
     ServerSelectRest rest_;
     ServerRow row_;
     std::string sort_;

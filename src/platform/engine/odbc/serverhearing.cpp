@@ -73,14 +73,10 @@ void ServerHearing::tellWhole(ChangeListener& listener, const std::vector<Value>
 }
 
 HeardUpdate::HeardUpdate(const ServerTable& table, std::int64_t place, std::int64_t id, const ColumnSet& columns,
-                         const ColumnSet& loaded, std::vector<Value> values, const std::vector<Value>& after)
-    : ServerHearing(table, place),
-      id_(id),
-      columns_(columns),
-      loaded_(loaded),
-      values_(std::move(values)),
-      after_(values_.size()) {
-    columns_.forEach([&](int column) { after_[at(column)] = after[at(column)]; });
+                         const ColumnSet& loaded, const std::vector<Value>& values, const std::vector<Value>& after)
+    : ServerHearing(table, place), id_(id) {
+    values_.set(loaded, values);
+    after_.set(columns, after);
 }
 
 ServerHearing::Error HeardUpdate::before(OdbcConnection& connection, ChangeListener& /*listener*/, bool again) {
@@ -89,21 +85,23 @@ ServerHearing::Error HeardUpdate::before(OdbcConnection& connection, ChangeListe
     Error error = readRows(connection, {table().quotedKey() + " = ?", {id_}}, 0, rows);
     there_ = !rows.empty();
     if (!there_) return error;
-    values_ = std::move(rows.front());
-    for (int column = 0; column < table().columns(); ++column) loaded_.add(column);
+    for (int column = 0; column < table().columns(); ++column) {
+        values_.set(column, std::move(rows.front()[at(column)]));
+    }
     return error;
 }
 
 void HeardUpdate::tell(ChangeListener& listener) {
     std::vector<ChangedCell> cells;
-    columns_.forEach([&](int column) {
-        if (values_[at(column)] == after_[at(column)]) return;
-        cells.push_back({.column = column, .before = &values_[at(column)], .after = &after_[at(column)]});
+    after_.columns().forEach([&](int column) {
+        const Value* const before = values_.find(column);
+        const Value* const after = after_.find(column);
+        if (*before != *after) cells.push_back({.column = column, .before = before, .after = after});
     });
     if (!there_ || cells.empty()) return;
-    std::vector<const Value*> known(values_.size());
-    loaded_.forEach([&](int column) {
-        if (!columns_.has(column)) known[at(column)] = &values_[at(column)];
+    std::vector<const Value*> known(at(table().columns()));
+    values_.columns().forEach([&](int column) {
+        if (after_.find(column) == nullptr) known[at(column)] = values_.find(column);
     });
     listener.changed({.table = table().definition(), .id = id_, .cells = cells, .known = known, .place = place()});
 }

@@ -11,6 +11,7 @@
 #include "platform/engine/columnset.h"
 #include "platform/engine/odbc/odbcconnection.h"
 #include "platform/engine/odbc/servertext.h"
+#include "platform/engine/sparserow.h"
 
 namespace kolmera {
 
@@ -56,15 +57,14 @@ class HeardUpdate final : public ServerHearing {
   public:
     /// `values` are the row's by ordinal: of `columns` the new ones are in `after`; `loaded` are those that are known.
     HeardUpdate(const ServerTable& table, std::int64_t place, std::int64_t id, const ColumnSet& columns,
-                const ColumnSet& loaded, std::vector<Value> values, const std::vector<Value>& after);
+                const ColumnSet& loaded, const std::vector<Value>& values, const std::vector<Value>& after);
 
     Error before(OdbcConnection& connection, ChangeListener& listener, bool again) override;
     void tell(ChangeListener& listener) override;
 
   private:
     std::int64_t id_;
-    ColumnSet columns_, loaded_;
-    std::vector<Value> values_, after_;
+    SparseRow values_, after_;
     bool there_ = true;
 };
 

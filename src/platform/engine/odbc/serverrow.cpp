@@ -8,7 +8,12 @@
 namespace kolmera {
 
 ServerRow::ServerRow(ServerTable& table, bool readOnly)
-    : table_(table), readOnly_(readOnly), current_(at(table.columns())), edited_(at(table.columns())) {}
+    : table_(table), readOnly_(readOnly), current_(table.takeValues()), edited_(table.takeValues()) {}
+
+ServerRow::~ServerRow() {
+    table_.giveBack(std::move(current_));
+    table_.giveBack(std::move(edited_));
+}
 
 void ServerRow::take(const ServerTable::Rows& rows, std::size_t place) {
     loaded_.clear();
@@ -22,7 +27,7 @@ void ServerRow::take(const ServerTable::Rows& rows, std::size_t place) {
 }
 
 bool ServerRow::read(std::int64_t id) {
-    const ServerTable::Rows found = table_.readRows({table_.quotedKey() + " = ?", {id}}, {}, 0);
+    const ServerTable::Rows found = table_.readRow(id);
     present_ = !found.ids.empty();
     if (present_) take(found, 0);
     return present_;
@@ -43,9 +48,11 @@ void ServerRow::refresh() {
 /// Reads a column that was not read with the row: with all the others, because the next one asked for is seldom far.
 void ServerRow::load(int ordinal) {
     if (table_.field(ordinal).counter) {
+        id_ = table_.realId(id_);
         current_[at(ordinal)] = id_;
         return loaded_.add(ordinal);
     }
+    id_ = table_.knownId(id_);
     std::vector<Value> whole = table_.readWhole(id_);
     present_ = !whole.empty();
     requirePresent();
@@ -109,6 +116,7 @@ void ServerRow::update() {
 }
 
 void ServerRow::writeChanged() {
+    id_ = table_.knownId(id_);
     ServerSession::Hearing hearing;
     if (ChangeListener* const listener = table_.session().listener())
         hearing = std::make_shared<HeardUpdate>(table_, listener->place(), id_, changed_, loaded_, current_, edited_);
@@ -145,10 +153,10 @@ void ServerRow::takeLastSaved() {
     for (int column = 0; column < table_.columns(); ++column) {
         if (changed_.has(column)) {
             std::swap(current_[at(column)], edited_[at(column)]);
-        } else if (table_.info().otherDefaults.has(column)) {
+        } else if (table_.info().otherDefaults.has(column) || table_.field(column).counter) {
             continue;
         } else {
-            current_[at(column)] = table_.field(column).counter ? Value(lastSaved_) : table_.defaults()[at(column)];
+            current_[at(column)] = table_.defaults()[at(column)];
         }
         loaded_.add(column);
     }

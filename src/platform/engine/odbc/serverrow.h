@@ -14,6 +14,9 @@ namespace kolmera {
 class ServerRow {
   public:
     ServerRow(ServerTable& table, bool readOnly);
+    ServerRow(const ServerRow&) = delete;
+    ServerRow& operator=(const ServerRow&) = delete;
+    ~ServerRow();
 
     [[nodiscard]] bool present() const { return present_; }
     [[nodiscard]] std::int64_t id() const { return id_; }

@@ -160,12 +160,13 @@ StatementResult ServerSession::writeOnce(const ServerStatement& statement, const
 }
 
 void ServerSession::keep(Kept kept) {
-    if (open_) kept_.push_back(std::move(kept));
+    if (open_ && !breaksOff_) kept_.push_back(std::move(kept));
 }
 
 /// Runs until it succeeds or an error is no lock to be waited for.
 StatementResult ServerSession::run(const Attempt& attempt) {
     requireConnection();
+    if (breaksOff_) return runOrBreakOff(attempt);
     LockPatience patience(options_.wait);
     for (;;) {
         StatementResult result;
@@ -184,6 +185,15 @@ StatementResult ServerSession::run(const Attempt& attempt) {
         }
         throw PlatformError(number, error->description, endsRun).quoted();
     }
+}
+
+StatementResult ServerSession::runOrBreakOff(const Attempt& attempt) {
+    StatementResult result;
+    Error error = startOnServer();
+    if (!error) error = attempt(result);
+    if (!error) return result;
+    if (connectionLost(*error, failureOf(*error))) lose(*error);
+    throw WindowBroken();
 }
 
 ServerSession::Error ServerSession::tryOnce(const Attempt& attempt, StatementResult& result) {
@@ -283,6 +293,29 @@ void ServerSession::rollback() {
     end();
     tellUndone();
     if (error) lose(*error);
+}
+
+bool ServerSession::commitUnlessRefused() {
+    requireConnection();
+    requireTransaction();
+    const bool nothing = !onServer_;
+    const Error error = nothing ? std::nullopt : commitOnServer();
+    if (error && connectionLost(*error, failureOf(*error))) lose(*error);
+    committing_ = false;
+    if (error) return false;
+    end();
+    if (listener_ != nullptr && !nothing) listener_->stands();
+    return true;
+}
+
+void ServerSession::forgetHeard() {
+    startEpoch();
+    tellUndone();
+}
+
+void ServerSession::hear(const Hearing& hearing, const StatementResult& answer) {
+    run([&](StatementResult&) { return hearing->after(connection_, answer); });
+    tell(hearing);
 }
 
 void ServerSession::end() {

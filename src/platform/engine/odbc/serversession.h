@@ -54,6 +54,17 @@ class ServerSession {
     void begin();
     void commit();
     void rollback();
+
+    // For a window of records.
+    /// While it is on, an error of the server is told as WindowBroken, unless the connection is lost, and nothing is
+    /// kept to be run again.
+    void breakOffOnErrors(bool on) { breaksOff_ = on; }
+    /// False when the server refuses; its transaction then waits to be rolled back.
+    bool commitUnlessRefused();
+    /// What was heard since the last commit has not happened, without anything to be rolled back.
+    void forgetHeard();
+    /// Tells of a row that another statement has written, which has answered so.
+    void hear(const Hearing& hearing, const StatementResult& answer);
     [[nodiscard]] bool inTransaction() const { return open_; }
 
     /// Changes with everything that may have changed rows behind the back of those who hold copies: transactions that
@@ -85,6 +96,7 @@ class ServerSession {
     class Own;
 
     StatementResult run(const Attempt& attempt);
+    StatementResult runOrBreakOff(const Attempt& attempt);
     StatementResult runStatement(const ServerStatement& statement, std::span<const FieldType> types, bool once = false);
     StatementResult runHeard(const ServerStatement& statement, std::span<const FieldType> types, bool once,
                              const Hearing& hearing);
@@ -108,6 +120,7 @@ class ServerSession {
     bool open_ = false;        ///< a transaction of the program
     bool onServer_ = false;    ///< a statement of it has been run
     bool rolledBack_ = false;  ///< its statements are not on the server at the moment
+    bool breaksOff_ = false;   ///< a window of records is open
     bool repeating_ = false;   ///< the error at hand comes from a kept statement
     bool committing_ = false;  ///< if the connection is lost now, nobody knows what the server has kept
     ChangeListener* listener_ = nullptr;

@@ -1,9 +1,12 @@
 #include "platform/engine/odbc/servertable.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "platform/engine/fieldvalue.h"
+#include "platform/engine/odbc/serverwindow.h"
 #include "platform/error.h"
 
 namespace kolmera {
@@ -25,8 +28,9 @@ ServerStatement both(const ServerStatement& a, const ServerStatement& b) {
     return joint;
 }
 
-ServerTable::ServerTable(ServerSession& session, ServerTableInfo info)
+ServerTable::ServerTable(ServerSession& session, ServerWindow& window, ServerTableInfo info)
     : session_(session),
+      window_(window),
       info_(std::move(info)),
       quotedName_(kolmera::quotedName(session.dialect(), info_.definition.name)) {
     if (info_.definition.fields.size() > ColumnSet::kCapacity) {
@@ -62,9 +66,41 @@ void ServerTable::learn(int ordinal) {
     learned_.push_back(ordinal);
 }
 
+std::vector<Value> ServerTable::takeValues() {
+    if (spare_.empty()) return std::vector<Value>(quotedColumns_.size());
+    std::vector<Value> values = std::move(spare_.back());
+    spare_.pop_back();
+    return values;
+}
+
+const ServerColumnType& ServerTable::stored(int ordinal) {
+    if (stored_.empty()) {
+        stored_.resize(quotedColumns_.size());
+        const std::vector<FieldType> texts(3, FieldType::Text);
+        const ServerStatement select{fmt::format(fmt::runtime(session_.dialect().columns), definition().name)};
+        for (const std::vector<Value>& row : session_.read(select, texts).rows) {
+            const int column = definition().ordinal(textOf(row[0]));
+            if (column >= 0) {
+                stored_[static_cast<std::size_t>(column)] = {std::string(textOf(row[1])), std::string(textOf(row[2]))};
+            }
+        }
+    }
+    return stored_[static_cast<std::size_t>(ordinal)];
+}
+
 // Reading.
 
+ServerTable::Rows ServerTable::readRow(std::int64_t id) {
+    if (auto known = window_.row(*this, id)) return *std::move(known);
+    return readFromServer(byId(knownId(id)), {}, 0);
+}
+
 ServerTable::Rows ServerTable::readRows(const ServerStatement& where, std::string_view order, int limit) {
+    if (auto known = window_.rows(*this, where, order, limit)) return *std::move(known);
+    return readFromServer(where, order, limit);
+}
+
+ServerTable::Rows ServerTable::readFromServer(const ServerStatement& where, std::string_view order, int limit) {
     std::vector<std::string> names = quoted(learned_);
     names.push_back(quotedKey());
     std::vector<FieldType> kinds = types(learned_);
@@ -78,15 +114,17 @@ ServerTable::Rows ServerTable::readRows(const ServerStatement& where, std::strin
         const auto* id = std::get_if<std::int64_t>(&row.back());
         found.ids.push_back(id != nullptr ? *id : 0);
         row.pop_back();
+        window_.learnRow(*this, found.ids.back(), found.columns, row);
     }
     return found;
 }
 
 ServerTable::Rows ServerTable::readRows(std::span<const std::int64_t> ids) {
-    ServerStatement where{quotedKey() + " IN (?", {ids.front()}};
+    window_.settle(*this);
+    ServerStatement where{quotedKey() + " IN (?", {knownId(ids.front())}};
     for (std::size_t i = 1; i < kIdsAtOnce; ++i) {
         where.text += ", ?";
-        where.parameters.emplace_back(ids[std::min(i, ids.size() - 1)]);
+        where.parameters.emplace_back(knownId(ids[std::min(i, ids.size() - 1)]));
     }
     where.text += ")";
     return readRows(where, {}, 0);
@@ -105,13 +143,40 @@ std::vector<std::int64_t> ServerTable::readIds(const ServerStatement& where, std
 }
 
 std::vector<Value> ServerTable::readWhole(std::int64_t id) {
-    std::vector<std::vector<Value>> rows = readAll(all_, byId(id), {});
-    return rows.empty() ? std::vector<Value>() : std::move(rows.front());
+    if (auto known = window_.whole(*this, id)) return *std::move(known);
+    id = knownId(id);  // a row that waited has been written
+    std::vector<std::vector<Value>> rows = session_.read(select(all_, byId(id), {}, 0), types(all_)).rows;
+    if (rows.empty()) return {};
+    window_.learnRow(*this, id, all_, rows.front());
+    return std::move(rows.front());
 }
 
 std::vector<std::vector<Value>> ServerTable::readAll(std::span<const int> columns, const ServerStatement& where,
                                                      std::string_view order, int limit) {
+    if (auto known = readKnown(columns, where, order, limit)) return *std::move(known);
+    window_.settle(*this);
     return session_.read(select(columns, where, order, limit), types(columns)).rows;
+}
+
+/// As far as a window of records knows the rows, with these columns.
+std::optional<std::vector<std::vector<Value>>> ServerTable::readKnown(std::span<const int> columns,
+                                                                      const ServerStatement& where,
+                                                                      std::string_view order, int limit) {
+    if (!window_.open()) return std::nullopt;
+    for (const int column : columns) learn(column);
+    const auto known = window_.rows(*this, where, order, limit);
+    if (!known) return std::nullopt;
+    std::vector<std::vector<Value>> rows;
+    for (std::size_t i = 0; i < known->ids.size(); ++i) {
+        std::vector<Value>& row = rows.emplace_back();
+        for (const int column : columns) {
+            const auto place = std::ranges::find(known->columns, column);
+            if (column != key_ && place == known->columns.end()) return std::nullopt;
+            row.push_back(column == key_ ? Value(known->ids[i])
+                                         : known->values[i][static_cast<std::size_t>(place - known->columns.begin())]);
+        }
+    }
+    return rows;
 }
 
 ServerStatement ServerTable::select(std::span<const int> columns, const ServerStatement& where, std::string_view order,
@@ -131,7 +196,12 @@ ServerStatement ServerTable::rowStatement(std::int64_t id) const {
 
 // Writing.
 
+std::int64_t ServerTable::knownId(std::int64_t id) { return window_.knownId(*this, id); }
+
+std::int64_t ServerTable::realId(std::int64_t id) { return window_.realId(*this, id); }
+
 std::int64_t ServerTable::insert(const ColumnSet& columns, const std::vector<Value>& values) {
+    if (window_.open()) return window_.add(*this, columns, values);
     std::vector<int> written;
     columns.forEach([&](int column) { written.push_back(column); });
     ServerStatement statement{insertText(session_.dialect(), quotedName_, quoted(written), quotedKey())};
@@ -152,6 +222,7 @@ std::int64_t ServerTable::insert(const ColumnSet& columns, const std::vector<Val
 
 bool ServerTable::update(std::int64_t id, const ColumnSet& columns, const std::vector<Value>& values,
                          const ServerSession::Hearing& hearing) {
+    if (window_.open() && window_.change(*this, id, columns, values, hearing)) return true;
     std::vector<std::string> names;
     ServerStatement statement;
     columns.forEach([&](int column) {
@@ -160,14 +231,19 @@ bool ServerTable::update(std::int64_t id, const ColumnSet& columns, const std::v
     });
     statement.text = updateText(quotedName_, names, quotedKey());
     statement.parameters.emplace_back(id);
-    return session_.writeRow(statement, rowStatement(id), hearing);
+    const bool found = session_.writeRow(statement, rowStatement(id), hearing);
+    if (found) window_.changedAtOnce(*this, id, columns, values);
+    return found;
 }
 
 void ServerTable::remove(std::int64_t id) {
+    id = realId(id);
+    window_.writeAtOnce();
     ServerSession::Hearing hearing;
     if (ChangeListener* const listener = session_.listener())
         hearing = std::make_shared<HeardRemoval>(*this, listener->place(), byId(id));
     session_.write({deleteText(quotedName_, quotedKey()), {id}}, {}, hearing);
+    window_.removed(*this, id);
 }
 
 ServerStatement ServerTable::rowsStatement(std::span<const int> columns,
@@ -193,6 +269,8 @@ ServerSession::Hearing ServerTable::hearingOf(std::span<const int> columns, std:
 }
 
 void ServerTable::insertRows(std::span<const int> columns, std::span<const std::vector<Value>> rows) {
+    window_.writeAtOnce();
+    window_.written(*this);
     const std::size_t fitting = session_.dialect().mostParameters / std::max<std::size_t>(columns.size(), 1);
     const std::size_t atOnce = std::clamp<std::size_t>(fitting, 1, kMostRowsAtOnce);
     while (!rows.empty()) {

@@ -1,15 +1,20 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/engine/columnset.h"
+#include "platform/engine/odbc/rowstext.h"
 #include "platform/engine/odbc/serversession.h"
 #include "platform/engine/schema.h"
 
 namespace kolmera {
+
+class ServerWindow;
 
 /// What the server's catalogue says of a table, brought together with what the program knows of it.
 struct ServerTableInfo {
@@ -30,7 +35,7 @@ class ServerTable {
         std::uint64_t version = 0;
     };
 
-    ServerTable(ServerSession& session, ServerTableInfo info);
+    ServerTable(ServerSession& session, ServerWindow& window, ServerTableInfo info);
     ServerTable(const ServerTable&) = delete;
     ServerTable& operator=(const ServerTable&) = delete;
     ~ServerTable() = default;
@@ -62,9 +67,17 @@ class ServerTable {
     void noteWrite() { ++writes_; }
 
     void learn(int ordinal);
+    [[nodiscard]] std::span<const int> learned() const { return learned_; }
+    /// A value for each column, whatever it holds. They are used again, because every seek makes a row.
+    [[nodiscard]] std::vector<Value> takeValues();
+    void giveBack(std::vector<Value> values) { spare_.push_back(std::move(values)); }
+    /// How the server stores a column.
+    [[nodiscard]] const ServerColumnType& stored(int ordinal);
     /// Whether rows read earlier have every column that they would be read with now.
     [[nodiscard]] bool hasAllLearned(const Rows& rows) const { return rows.columns.size() == learned_.size(); }
 
+    /// The row of this ID, if it is there.
+    Rows readRow(std::int64_t id);
     /// Rows with the learned columns that meet a condition, in an order; `limit` 0 reads all.
     Rows readRows(const ServerStatement& where, std::string_view order, int limit);
     /// The rows of these IDs, as far as they are there, in any order.
@@ -77,27 +90,36 @@ class ServerTable {
     std::vector<std::vector<Value>> readAll(std::span<const int> columns, const ServerStatement& where,
                                             std::string_view order, int limit = 0);
 
-    /// Returns the new row's ID.
+    /// Returns the new row's ID, in a window of records one below 0 that stands for it.
     std::int64_t insert(const ColumnSet& columns, const std::vector<Value>& values);
     /// False when the row is not there.
     bool update(std::int64_t id, const ColumnSet& columns, const std::vector<Value>& values,
                 const ServerSession::Hearing& hearing);
     void remove(std::int64_t id);
+    /// The ID that a row is known by now; `realId` is the server's.
+    [[nodiscard]] std::int64_t knownId(std::int64_t id);
+    [[nodiscard]] std::int64_t realId(std::int64_t id);
     void insertRows(std::span<const int> columns, std::span<const std::vector<Value>> rows);
 
   private:
+    std::optional<std::vector<std::vector<Value>>> readKnown(std::span<const int> columns, const ServerStatement& where,
+                                                             std::string_view order, int limit);
+    Rows readFromServer(const ServerStatement& where, std::string_view order, int limit);
     [[nodiscard]] ServerStatement byId(std::int64_t id) const;
     [[nodiscard]] ServerStatement rowStatement(std::int64_t id) const;
     ServerSession::Hearing hearingOf(std::span<const int> columns, std::span<const Value> values);
     ServerStatement rowsStatement(std::span<const int> columns, std::span<const std::vector<Value>> rows) const;
 
     ServerSession& session_;
+    ServerWindow& window_;
     ServerTableInfo info_;
     std::string quotedName_;
     std::vector<std::string> quotedColumns_;
     std::vector<Value> defaults_;
     std::vector<int> all_;  ///< every ordinal
     int key_ = -1;
+    std::vector<ServerColumnType> stored_;
+    std::vector<std::vector<Value>> spare_;
     ColumnSet learnedSet_;
     std::vector<int> learned_;  ///< in the order in which they were asked for
     std::uint64_t writes_ = 0;
