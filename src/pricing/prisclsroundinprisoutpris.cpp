@@ -122,4 +122,16 @@ void PrisClsRoundInprisOUtpris::saveCoupledPrices(Recordset& ProdTabell, const P
     attempt(passedOver_, "Produkt", [&] { ProdTabell.update(); });
 }
 
+PrisClsRoundInprisOUtpris::Currency PrisClsRoundInprisOUtpris::currency() const {
+    if (!avrund_ || !avrund_->Valuta) return {};
+    return {.known = true, .Kurs = avrund_->Valuta->Kurs, .Faktor = avrund_->Valuta->Faktor};
+}
+
+void PrisClsRoundInprisOUtpris::currency(const Currency& currency) {
+    if (!avrund_ || !avrund_->Valuta) return;
+    if (!currency.known) return avrund_->Valuta.reset();
+    avrund_->Valuta->Kurs = currency.Kurs;
+    avrund_->Valuta->Faktor = currency.Faktor;
+}
+
 }  // namespace kolmera

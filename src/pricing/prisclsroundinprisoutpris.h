@@ -48,6 +48,15 @@ class PrisClsRoundInprisOUtpris {
     /// automatically. What the engine refuses is noted and passed over.
     void Priskoppling(Recordset& ProdTabell, double DblIPEfterRabatt);
 
+    /// The currency that was looked up last, which stands for those that the company does not have.
+    struct Currency {
+        bool known = false;
+        double Kurs = 1.0;
+        std::int32_t Faktor = 1;
+    };
+    [[nodiscard]] Currency currency() const;
+    void currency(const Currency& currency);
+
   private:
     struct ProductColumns {
         int Vägtinpris;

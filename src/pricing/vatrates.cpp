@@ -12,14 +12,15 @@ std::optional<double> VatRates::of(int momskod) {
     constexpr std::array<std::string_view, 3> kColumns = {"1OMomsproc", "2OMomsproc", "3OMomsproc"};
     if (momskod < 1 || momskod > static_cast<int>(kColumns.size())) return std::nullopt;
     if (!rates_) {
-        rates_.emplace();
-        attempt(passedOver_, "Syinställningar", [this, &kColumns] {
+        std::array<double, kColumns.size()> rates{};
+        attempt(passedOver_, "Syinställningar", [&] {
             const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
             for (std::size_t place = 0; place < kColumns.size(); ++place) {
                 attempt(passedOver_, fmt::format("Syinställningar.{}", kColumns[place]),
-                        [&] { (*rates_)[place] = TillDbl(settings->value(kColumns[place]), sql_.locale()); });
+                        [&] { rates[place] = TillDbl(settings->value(kColumns[place]), sql_.locale()); });
             }
         });
+        rates_ = rates;
     }
     return (*rates_)[static_cast<std::size_t>(momskod - 1)];
 }

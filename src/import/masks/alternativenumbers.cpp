@@ -10,10 +10,11 @@ namespace {
 
 constexpr std::size_t kLongestAlternative = 50;
 
-/// In a file: a row is found by the index on product and heading, and changed where it is found.
-class FileAlternatives final : public StoredAlternatives {
+/// In a file, and on a server that is asked for many records at once: a row is found by product and heading, and
+/// changed where it is found.
+class FoundAlternatives final : public StoredAlternatives {
   public:
-    FileAlternatives(SqlLayer& sql, AlternativeRows& rows) : StoredAlternatives(rows), sql_(sql) {}
+    FoundAlternatives(SqlLayer& sql, AlternativeRows& rows) : StoredAlternatives(rows), sql_(sql) {}
 
     std::optional<std::string> find(std::string_view productNumber, int heading) override {
         if (!rows_.row.find(productNumber, std::int64_t{heading})) return std::nullopt;
@@ -30,10 +31,11 @@ class FileAlternatives final : public StoredAlternatives {
     SqlLayer& sql_;
 };
 
-/// On a server: the rows of a product are read once and kept until another product comes; changes are statements.
-class ServerAlternatives final : public StoredAlternatives {
+/// On any other server: the rows of a product are read once and kept until another product comes; changes are
+/// statements.
+class ReadAlternatives final : public StoredAlternatives {
   public:
-    ServerAlternatives(SqlLayer& sql, AlternativeRows& rows, PassedOver& passedOver)
+    ReadAlternatives(SqlLayer& sql, AlternativeRows& rows, PassedOver& passedOver)
         : StoredAlternatives(rows), sql_(sql), passedOver_(passedOver) {}
 
     std::optional<std::string> find(std::string_view productNumber, int heading) override {
@@ -105,10 +107,13 @@ class ServerAlternatives final : public StoredAlternatives {
     std::vector<Row> known_;
 };
 
+/// Whether all rows of a product are read together.
+bool readsProducts(SqlLayer& sql) { return sql.ÄrSQLFöretag && !sql.FtgDB->hasWindows(); }
+
 /// The way to the stored alternatives that suits the open company.
 std::unique_ptr<StoredAlternatives> storedAlternatives(SqlLayer& sql, AlternativeRows& rows, PassedOver& passedOver) {
-    if (sql.ÄrSQLFöretag) return std::make_unique<ServerAlternatives>(sql, rows, passedOver);
-    return std::make_unique<FileAlternatives>(sql, rows);
+    if (readsProducts(sql)) return std::make_unique<ReadAlternatives>(sql, rows, passedOver);
+    return std::make_unique<FoundAlternatives>(sql, rows);
 }
 
 }  // namespace
@@ -121,7 +126,7 @@ void StoredAlternatives::add(std::string_view productNumber, int heading, std::s
 }
 
 std::unique_ptr<Recordset> openAlternatives(SqlLayer& sql) {
-    if (sql.ÄrSQLFöretag) return sql.SQLÖppnaRs("Prodaltprodnr", RecordsetType::Dynaset);
+    if (readsProducts(sql)) return sql.SQLÖppnaRs("Prodaltprodnr", RecordsetType::Dynaset);
     return sql.SQLÖppnaTabell("Prodaltprodnr", "Produktnr", 0, false);
 }
 

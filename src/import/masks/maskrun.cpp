@@ -1,6 +1,9 @@
 #include "import/masks/maskrun.h"
 
+#include <cstddef>
+#include <exception>
 #include <utility>
+#include <vector>
 
 #include "db/batchtransaction.h"
 #include "definitions/maskfile.h"
@@ -8,6 +11,7 @@
 #include "import/masks/masklook.h"
 #include "import/masks/recordimport.h"
 #include "import/masks/recordreader.h"
+#include "import/run/recordwindows.h"
 #include "import/run/runmachinery.h"
 #include "lang/keys/mask.h"
 #include "lang/keys/prismain.h"
@@ -183,11 +187,106 @@ bool MaskRun::emptyTables() {
     return machinery_.TömTabeller(*tables_.products, *tables_.priceList, *tables_.alternatives);
 }
 
+constexpr int kBatch = 25;
+
+/// The records of a price file on their way to a server, many at a time.
+class WindowLoop {
+  public:
+    WindowLoop(RunMachinery& run, RecordImport& import, MaskRecordReader& reader)
+        : run_(run), import_(import), reader_(reader) {}
+
+    void read() {
+        while (!stopped_ && readAhead()) {
+            const RecordImport::Memory memory = import_.memory();
+            if (windows_.carryOut([this] { importAhead(); }, [&] { import_.remember(memory); })) {
+                run_.noteKept(ahead_.back().place.record);
+            } else {
+                importSingly();
+            }
+            run_.summary().cancelled = run_.summary().cancelled || stopped_;
+            if (unreadable_ && !stopped_) std::rethrow_exception(unreadable_);
+        }
+    }
+
+  private:
+    struct Ahead {
+        EntryList entries;
+        std::int64_t count;
+        RecordPlace place;
+        bool uneven;
+    };
+
+    /// What has been read is imported, also when the next record cannot be.
+    bool readAhead() {
+        ahead_.clear();
+        try {
+            takeRecords();
+        } catch (const PlatformError&) {
+            if (ahead_.empty()) throw;
+            unreadable_ = std::current_exception();
+        }
+        return !ahead_.empty();
+    }
+    void takeRecords() {
+        std::int64_t bytes = 0;
+        while (bytes < RecordWindows::kMostBytes && ahead_.size() < windows_.size() && reader_.next()) {
+            bytes += reader_.length();
+            const RecordPlace place{
+                .record = run_.numberOf(reader_.count()), .offset = reader_.offset(), .length = reader_.length()};
+            ahead_.push_back(
+                {.entries = reader_.entries(), .count = reader_.count(), .place = place, .uneven = reader_.uneven()});
+        }
+    }
+    void import(const Ahead& record) {
+        import_.import(record.entries, record.place.record);
+        if (record.uneven) run_.report().remark(Remark::UnevenRecord);
+    }
+    bool goesOn(const Ahead& record) {
+        if (record.count % kBatch != 0) return true;
+        return run_.progressAt(record.count, static_cast<std::uint64_t>(record.place.offset + record.place.length));
+    }
+    /// The records of a window; those behind a Cancel are left out every time.
+    void importAhead() {
+        for (std::size_t i = 0; i < ahead_.size(); ++i) {
+            const bool tells = windows_.at(ahead_[i].place);
+            import(ahead_[i]);
+            if (!tells || goesOn(ahead_[i])) continue;
+            stopped_ = true;
+            ahead_.erase(ahead_.begin() + static_cast<std::ptrdiff_t>(i) + 1, ahead_.end());
+        }
+    }
+    void importSingly() {
+        BatchTransaction transaction(*run_.sql().FtgDB);
+        std::int64_t last = 0;
+        for (const Ahead& record : ahead_) {
+            last = record.place.record;
+            run_.at(record.place);
+            import(record);
+            if (record.count % kBatch != 0) continue;
+            transaction.next();
+            run_.noteKept(last);
+            if (goesOn(record) || stopped_) continue;
+            stopped_ = true;
+            break;
+        }
+        transaction.end();
+        run_.noteKept(last);
+    }
+
+    RunMachinery& run_;
+    RecordImport& import_;
+    MaskRecordReader& reader_;
+    RecordWindows windows_{run_};
+    std::vector<Ahead> ahead_;
+    std::exception_ptr unreadable_;
+    bool stopped_ = false;  ///< by Cancel
+};
+
 void MaskRun::readRecords() {
-    constexpr int kBatch = 25;
     machinery_.port().status(texts_.FormulärSträng(text::prismain::kReading));
     RecordImport import(mask_, job_.supplier, machinery_.context(), tables_, machinery_.summary());
     MaskRecordReader reader(machinery_.priceFile(), mask_);
+    if (sql_.FtgDB->hasWindows()) return WindowLoop(machinery_, import, reader).read();
     BatchTransaction transaction(*sql_.FtgDB);
     while (reader.next()) {
         const std::int64_t number = machinery_.numberOf(reader.count());

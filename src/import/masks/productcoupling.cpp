@@ -33,7 +33,7 @@ double ProductCoupling::netPurchasePrice(Recordset& product) {
     const auto number = [&](int column) { return TillDbl(product.value(column), sql_.locale()); };
     lookUpCurrency(textOf(product.value(ordinal(kProdukt, "Valutakod"))));
     const double purchasePrice = number(ordinal(kProdukt, "Inpris"));
-    const double inHomeCurrency = purchasePrice * rate_ / factor_;
+    const double inHomeCurrency = purchasePrice * currency_.rate / currency_.factor;
     const double percent = number(ordinal(kProdukt, "InprisProc"));
     const double net = inHomeCurrency - inHomeCurrency * percent / 100;
     const double purchaseFactor = number(ordinal(kProdukt, "Inköpsfaktor"));
@@ -42,9 +42,9 @@ double ProductCoupling::netPurchasePrice(Recordset& product) {
         startFrom(*trace_, PriceTrace::kNetCost, "Produkt.Inpris", purchasePrice);
         trace_->step({.step = PriceStep::Rate,
                       .value = inHomeCurrency,
-                      .operand = rate_,
-                      .second = static_cast<double>(factor_),
-                      .text = currency_});
+                      .operand = currency_.rate,
+                      .second = static_cast<double>(currency_.factor),
+                      .text = currency_.code});
         trace_->step({.step = PriceStep::Deduction, .value = net, .operand = percent});
         if (purchaseFactor != 0) trace_->step({.step = PriceStep::Factor, .value = result, .operand = purchaseFactor});
     }
@@ -52,16 +52,16 @@ double ProductCoupling::netPurchasePrice(Recordset& product) {
 }
 
 void ProductCoupling::lookUpCurrency(std::string_view code) {
-    if (code == currency_) return;
-    currency_ = code;
+    if (code == currency_.code) return;
+    currency_.code = code;
     sql_.SQLSök(*currencies_, "=", keys_.of(code), passedOver_);
     if (currencies_->noMatch()) return;
     attempt(passedOver_, "Syvaluta", [&] {
-        rate_ = TillDbl(currencies_->value("Levreskontra"), sql_.locale());
-        factor_ = TillLng(currencies_->value("Faktor"), sql_.locale());
+        currency_.rate = TillDbl(currencies_->value("Levreskontra"), sql_.locale());
+        currency_.factor = TillLng(currencies_->value("Faktor"), sql_.locale());
     });
-    if (rate_ == 0) rate_ = 1;
-    if (factor_ == 0) factor_ = 1;
+    if (currency_.rate == 0) currency_.rate = 1;
+    if (currency_.factor == 0) currency_.factor = 1;
 }
 
 }  // namespace kolmera

@@ -22,6 +22,15 @@ class ProductCoupling {
     /// Recomputes the current product when it is coupled.
     void couple(Recordset& product);
 
+    /// The last currency.
+    struct Currency {
+        std::string code = {};
+        double rate = 1;
+        std::int32_t factor = 1;
+    };
+    [[nodiscard]] const Currency& currency() const { return currency_; }
+    void currency(const Currency& currency) { currency_ = currency; }
+
   private:
     [[nodiscard]] bool coupled(Recordset& product);
     [[nodiscard]] double netPurchasePrice(Recordset& product);
@@ -34,9 +43,7 @@ class ProductCoupling {
     PriceTrace* trace_;
     std::unique_ptr<Recordset> currencies_;
     SeekKeys keys_;
-    std::string currency_;
-    double rate_ = 1;
-    std::int32_t factor_ = 1;
+    Currency currency_;
 };
 
 }  // namespace kolmera

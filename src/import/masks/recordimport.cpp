@@ -51,6 +51,12 @@ void RecordImport::import(const EntryList& entries, std::int64_t number) {
     ++summary_.used;
 }
 
+void RecordImport::remember(const Memory& memory) {
+    productNumber_ = memory.productNumber;
+    coupling_.currency(memory.currency);
+    prices_.currency(memory.listCurrency);
+}
+
 ProductMatch RecordImport::match(const EntryList& entries) {
     ProductMatch found;
     found.skipped = Remark::NotSaved;

@@ -37,6 +37,15 @@ class RecordImport {
     /// `number` is that by which the user knows the record.
     void import(const EntryList& entries, std::int64_t number);
 
+    /// What one record leaves to the next, beside the database and the counts.
+    struct Memory {
+        std::string productNumber;
+        ProductCoupling::Currency currency;
+        PrisClsRoundInprisOUtpris::Currency listCurrency;
+    };
+    [[nodiscard]] Memory memory() const { return {productNumber_, coupling_.currency(), prices_.currency()}; }
+    void remember(const Memory& memory);
+
   private:
     [[nodiscard]] ProductMatch match(const EntryList& entries);
     [[nodiscard]] bool write(const ProductMatch& match, const EntryList& entries);

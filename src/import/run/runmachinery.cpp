@@ -399,8 +399,8 @@ bool RunMachinery::emptyTable(Recordset& table, std::string_view name, int every
     return true;
 }
 
-bool RunMachinery::progress(std::int64_t count) {
-    port().progress(priceFile_->position(), priceFile_->size());
+bool RunMachinery::progressAt(std::int64_t count, std::uint64_t position) {
+    port().progress(position, priceFile_->size());
     return progress(progressLabel_, count);
 }
 

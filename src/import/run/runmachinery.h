@@ -96,7 +96,9 @@ class RunMachinery {
     /// Deletes every row of the three tables, in transactions of its own. False when cancelled.
     [[nodiscard]] bool TömTabeller(Recordset& products, Recordset& supplierPriceList, Recordset& alternativeNumbers);
     /// Shows how many records (lines) are read and lets events run. False, and noted in the summary, when cancelled.
-    [[nodiscard]] bool progress(std::int64_t count);
+    [[nodiscard]] bool progress(std::int64_t count) { return progressAt(count, priceFile_->position()); }
+    /// The same where more of the price file has been read than that.
+    [[nodiscard]] bool progressAt(std::int64_t count, std::uint64_t position);
     /// `progress` for a step with its own label and no price file position.
     [[nodiscard]] bool progress(std::string_view label, std::int64_t count);
 

@@ -122,6 +122,7 @@ class RunReport final : public PassedOver {
 
     /// The listener has to stay until another one, or nullptr, takes its place.
     void tellTo(RemarkListener* listener) { listener_ = listener; }
+    [[nodiscard]] RemarkListener* listener() const { return listener_; }
     void at(std::int64_t record) {
         record_ = record;
         product_.clear();

@@ -24,10 +24,33 @@ std::uint64_t hashOf(std::string_view number) {
 }  // namespace
 
 bool SavedProducts::add(std::string_view number) {
+    const std::uint64_t hash = hashOf(number);
+    if (holding_) return !holds(hash) && held_.insert(hash).second;
     if (used_ * 2 >= slots_.size()) grow();
-    const bool added = place(hashOf(number));
+    const bool added = place(hash);
     if (added) ++used_;
     return added;
+}
+
+bool SavedProducts::holds(std::uint64_t hash) const {
+    if (slots_.empty()) return false;
+    const std::size_t last = slots_.size() - 1;
+    std::size_t slot = hash & last;
+    while (slots_[slot] != 0 && slots_[slot] != hash) slot = (slot + 1) & last;
+    return slots_[slot] == hash;
+}
+
+void SavedProducts::keepHeld() {
+    for (const std::uint64_t hash : std::exchange(held_, {})) {
+        if (used_ * 2 >= slots_.size()) grow();
+        if (place(hash)) ++used_;
+    }
+    holding_ = false;
+}
+
+void SavedProducts::dropHeld() {
+    held_.clear();
+    holding_ = false;
 }
 
 bool SavedProducts::place(std::uint64_t hash) {

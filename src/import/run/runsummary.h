@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "import/run/runreport.h"
@@ -14,12 +15,20 @@ class SavedProducts {
     /// True for a number that was not there.
     bool add(std::string_view number);
 
+    /// What is added from now on counts only if it is kept.
+    void hold() { holding_ = true; }
+    void keepHeld();
+    void dropHeld();
+
   private:
+    [[nodiscard]] bool holds(std::uint64_t hash) const;
     bool place(std::uint64_t hash);
     void grow();
 
     std::vector<std::uint64_t> slots_;  ///< 0: free
     std::size_t used_ = 0;
+    bool holding_ = false;
+    std::unordered_set<std::uint64_t> held_;
 };
 
 /// How the preparation command of a run went.

@@ -16,6 +16,8 @@ class Eio final : public EioRsk {
   public:
     explicit Eio(const TradeFormatParts& parts);
 
+    [[nodiscard]] std::unique_ptr<TradeFormat> copy() const override { return std::make_unique<Eio>(*this); }
+
   protected:
     LineUse takeHeader(std::string_view line) override { return otherLine(line); }
     void takeArticle(std::string_view line) override;

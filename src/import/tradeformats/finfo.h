@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,6 +33,7 @@ class Finfo final : public TradeFormat {
     explicit Finfo(const TradeFormatParts& parts) : parts_(parts) {}
 
     LineUse takeLine(std::string_view line) override;
+    [[nodiscard]] std::unique_ptr<TradeFormat> copy() const override { return std::make_unique<Finfo>(*this); }
 
   private:
     /// What the steps of a record share.

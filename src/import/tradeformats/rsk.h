@@ -17,6 +17,8 @@ class Rsk final : public EioRsk {
   public:
     explicit Rsk(const TradeFormatParts& parts);
 
+    [[nodiscard]] std::unique_ptr<TradeFormat> copy() const override { return std::make_unique<Rsk>(*this); }
+
   protected:
     LineUse takeHeader(std::string_view line) override;
     void takeArticle(std::string_view line) override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string_view>
 
 #include "definitions/jobfile.h"
@@ -24,6 +25,13 @@ class TradeFormat {
   public:
     virtual ~TradeFormat() = default;
     virtual LineUse takeLine(std::string_view line) = 0;
+    /// The same with what it remembers of the lines so far.
+    [[nodiscard]] virtual std::unique_ptr<TradeFormat> copy() const = 0;
+
+  protected:
+    TradeFormat() = default;
+    TradeFormat(const TradeFormat&) = default;
+    TradeFormat& operator=(const TradeFormat&) = default;
 };
 
 /// What a format works with; all of it outlives the format.

@@ -1,6 +1,7 @@
 #include "import/tradeformats/traderun.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -10,6 +11,7 @@
 
 #include "db/batchtransaction.h"
 #include "definitions/couplingfile.h"
+#include "import/run/recordwindows.h"
 #include "import/run/runmachinery.h"
 #include "import/tradeformats/eio.h"
 #include "import/tradeformats/finfo.h"
@@ -67,47 +69,152 @@ bool emptyTables(RunMachinery& run, ProductRows& products, SupplierPriceRows& su
     return run.TömTabeller(products.row.rows(), supplierPrices.row.rows(), opened.row.rows());
 }
 
-/// Whether the run goes on behind a line.
-bool goesOn(RunMachinery& run, std::int64_t lines) {
-    constexpr std::int64_t kLinesPerStatus = 50;
-    if (lines % kLinesPerStatus == 0) return run.progress(lines);
-    // Cancel is heard behind every line: over a slow line to a server, fifty of them take long.
-    if (!run.port().cancelled()) return true;
-    run.summary().cancelled = true;
-    return false;
-}
-
 std::int64_t rowsWritten(const RunSummary& summary) { return summary.saved + summary.priceList + summary.alternatives; }
 
-void readLines(RunMachinery& run, TradeFormat& format) {
-    constexpr std::int64_t kRecordsPerBatch = 25;
-    RunSummary& summary = run.summary();
-    PriceFile& file = run.priceFile();
-    BatchTransaction transaction(*run.sql().FtgDB);
-    std::int64_t written = 0;
-    while (!file.atEnd()) {
-        const std::int64_t before = rowsWritten(summary);
-        const std::int64_t number = run.numberOf(++summary.records);
-        summary.report.at(number);
-        if (PriceTrace* trace = run.context().trace) trace->record(number);
-        const auto offset = static_cast<std::int64_t>(file.position());
-        const std::string_view line = file.line();
-        run.at({.record = number, .offset = offset, .length = static_cast<std::int64_t>(file.position()) - offset});
-        if (format.takeLine(line) == LineUse::Written) {
-            if (rowsWritten(summary) > before) {
-                ++summary.used;
-            } else {
-                summary.report.remark(Remark::NotSaved);
-            }
-            if (++written % kRecordsPerBatch == 0) {
-                transaction.next();
-                run.noteKept(number);
-            }
+/// Takes the lines of the price file to the format.
+class LineLoop {
+  public:
+    LineLoop(RunMachinery& run, std::unique_ptr<TradeFormat> format)
+        : run_(run), summary_(run.summary()), file_(run.priceFile()), format_(std::move(format)) {}
+
+    void read() {
+        if (run_.sql().FtgDB->hasWindows()) return readInWindows();
+        BatchTransaction transaction(*run_.sql().FtgDB);
+        while (!file_.atEnd()) {
+            if (!takeInBatch(nextLine(), transaction)) break;
         }
-        if (!goesOn(run, summary.records)) break;
+        transaction.end();
     }
-    transaction.end();
-}
+
+  private:
+    struct Line {
+        std::string_view text;
+        std::uint64_t offset, end;
+        std::int64_t number;  ///< by which the user knows it
+    };
+    struct KeptLine {
+        std::string text;
+        std::uint64_t offset, end;
+        std::int64_t number;
+
+        [[nodiscard]] Line line() const { return {text, offset, end, number}; }
+    };
+
+    Line nextLine() {
+        const std::uint64_t offset = file_.position();
+        const std::string_view text = file_.line();
+        return {text, offset, file_.position(), run_.numberOf(++read_)};
+    }
+
+    /// Whether the line wrote a price record.
+    bool take(const Line& line) {
+        const std::int64_t before = rowsWritten(summary_);
+        if (format_->takeLine(line.text) != LineUse::Written) return false;
+        if (rowsWritten(summary_) > before) {
+            ++summary_.used;
+        } else {
+            summary_.report.remark(Remark::NotSaved);
+        }
+        return true;
+    }
+    RecordPlace begin(const Line& line) {
+        ++summary_.records;
+        summary_.report.at(line.number);
+        if (PriceTrace* trace = run_.context().trace) trace->record(line.number);
+        return {.record = line.number,
+                .offset = static_cast<std::int64_t>(line.offset),
+                .length = static_cast<std::int64_t>(line.end - line.offset)};
+    }
+
+    /// Whether the run goes on behind the line.
+    bool takeInBatch(const Line& line, BatchTransaction& transaction) {
+        constexpr std::int64_t kRecordsPerBatch = 25;
+        run_.at(begin(line));
+        if (take(line) && ++written_ % kRecordsPerBatch == 0) {
+            transaction.next();
+            run_.noteKept(line.number);
+        }
+        return goesOn(line);
+    }
+
+    bool goesOn(const Line& line) {
+        constexpr std::int64_t kLinesPerStatus = 50;
+        if (summary_.records % kLinesPerStatus == 0) return run_.progressAt(summary_.records, line.end);
+        // Cancel is heard behind every line: over a slow line to a server, fifty of them take long.
+        if (!run_.port().cancelled()) return true;
+        summary_.cancelled = true;
+        return false;
+    }
+
+    // On a server.
+
+    void readInWindows() {
+        while (!stopped_ && !file_.atEnd()) {
+            readAhead();
+            const auto before = format_->copy();
+            const bool kept = windows_.carryOut([this] { takeAhead(); }, [&] { format_ = before->copy(); });
+            if (kept) {
+                run_.noteKept(ahead_.back().number);
+            } else {
+                takeSingly();
+            }
+            summary_.cancelled = summary_.cancelled || stopped_;
+            if (unreadable_ && !stopped_) std::rethrow_exception(unreadable_);
+        }
+    }
+
+    /// What has been read is imported, also when the next line cannot be.
+    void readAhead() {
+        ahead_.clear();
+        try {
+            for (std::int64_t bytes = 0; bytes < RecordWindows::kMostBytes && ahead_.size() < windows_.size();) {
+                if (file_.atEnd()) break;
+                const Line line = nextLine();
+                ahead_.push_back({std::string(line.text), line.offset, line.end, line.number});
+                bytes += static_cast<std::int64_t>(line.text.size());
+            }
+        } catch (const PlatformError&) {
+            if (ahead_.empty()) throw;
+            unreadable_ = std::current_exception();
+        }
+    }
+
+    /// The lines of a window; those behind a Cancel are left out every time.
+    void takeAhead() {
+        for (std::size_t i = 0; i < ahead_.size(); ++i) {
+            const Line line = ahead_[i].line();
+            const bool tells = windows_.at(begin(line));
+            if (take(line)) ++written_;
+            if (!tells || goesOn(line)) continue;
+            stopped_ = true;
+            ahead_.resize(i + 1);
+        }
+    }
+
+    void takeSingly() {
+        BatchTransaction transaction(*run_.sql().FtgDB);
+        std::int64_t last = 0;
+        for (const KeptLine& line : ahead_) {
+            last = line.number;
+            const bool goesOn = takeInBatch(line.line(), transaction);
+            if (goesOn || stopped_) continue;
+            stopped_ = true;
+            break;
+        }
+        transaction.end();
+        run_.noteKept(last);
+    }
+
+    RunMachinery& run_;
+    RunSummary& summary_;
+    PriceFile& file_;
+    std::unique_ptr<TradeFormat> format_;
+    std::int64_t read_ = 0, written_ = 0;
+    RecordWindows windows_{run_};
+    std::vector<KeptLine> ahead_;
+    std::exception_ptr unreadable_;
+    bool stopped_ = false;  ///< by Cancel
+};
 
 /// The part of the run that shows itself in run mode. Left early when cancelled.
 void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products, CompanyTables& company,
@@ -139,13 +246,13 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
                         .Idag = Idag,
                         .trace = trace});
     SupplierLookup lookup(std::move(suppliers), job.page);
-    const auto format = job.format({.tables = tables,
-                                    .report = run.report(),
-                                    .suppliers = lookup,
-                                    .job = run.job(),
-                                    .locale = sql.locale(),
-                                    .Idag = Idag});
-    readLines(run, *format);
+    auto format = job.format({.tables = tables,
+                              .report = run.report(),
+                              .suppliers = lookup,
+                              .job = run.job(),
+                              .locale = sql.locale(),
+                              .Idag = Idag});
+    LineLoop(run, std::move(format)).read();
 }
 
 bool readsFile(RunMachinery& run, const TradeJob& job, const std::vector<CoupledSupplier>& suppliers) {

@@ -1,0 +1,155 @@
+#include "import/run/recordwindows.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "db/sqllayer.h"
+
+namespace kolmera {
+namespace {
+
+constexpr std::size_t kMostRecords = 2000;
+constexpr double kWanted = 250;  // milliseconds that the server takes for a window
+constexpr int kMostTimes = 5;
+constexpr std::size_t kBatch = 25;  // whole batches, as without windows
+
+using Clock = std::chrono::steady_clock;
+
+/// The run's counts as they were before a window.
+class CountsBefore {
+  public:
+    explicit CountsBefore(RunSummary& summary) : summary_(summary) {
+        SavedProducts products = std::move(summary_.products);
+        before_ = summary_;
+        summary_.products = std::move(products);
+        summary_.products.hold();
+    }
+    void keep() { summary_.products.keepHeld(); }
+    /// `again`: for another time.
+    void restore(bool again) {
+        SavedProducts products = std::move(summary_.products);
+        products.dropHeld();
+        summary_ = before_;
+        summary_.products = std::move(products);
+        if (again) summary_.products.hold();
+    }
+
+  private:
+    RunSummary& summary_;
+    RunSummary before_;
+};
+
+}  // namespace
+
+void HeldRemarks::hold(const Remarked& remarked, std::optional<PlatformError> error) {
+    held_.push_back({.place = place_,
+                     .kind = std::string(remarked.kind),
+                     .product = std::string(remarked.product),
+                     .column = std::string(remarked.column),
+                     .text = std::string(remarked.text),
+                     .record = remarked.record,
+                     .error = std::move(error)});
+}
+
+void HeldRemarks::about(std::string_view product) {
+    Remarked about;
+    about.product = product;
+    hold(about, std::nullopt);
+}
+
+void HeldRemarks::remark(const Remarked& remarked) { hold(remarked, std::nullopt); }
+
+void HeldRemarks::failed(const Remarked& remarked, const PlatformError& error) { hold(remarked, error); }
+
+void HeldRemarks::tell(RunMachinery& run, RemarkListener& listener) {
+    for (const Held& held : std::exchange(held_, {})) {
+        run.at(held.place);
+        if (held.kind.empty()) {
+            listener.about(held.product);
+            continue;
+        }
+        const Remarked remarked{.kind = held.kind,
+                                .record = held.record,
+                                .product = held.product,
+                                .column = held.column,
+                                .text = held.text};
+        if (held.error) {
+            listener.failed(remarked, *held.error);
+        } else {
+            listener.remark(remarked);
+        }
+    }
+}
+
+bool RecordWindows::at(const RecordPlace& place) {
+    run_.at(place);
+    remarks_.at(place);
+    if (!tried_ || place.record <= told_) return false;
+    told_ = place.record;
+    return true;
+}
+
+bool RecordWindows::carryOut(const std::function<void()>& work, const std::function<void()>& restore) {
+    Database& database = *run_.sql().FtgDB;
+    RunReport& report = run_.report();
+    RemarkListener* const listener = report.listener();
+    CountsBefore counts(run_.summary());
+    const auto putBack = [&](bool again) {
+        counts.restore(again);
+        restore();
+        remarks_.drop();
+        report.tellTo(again && listener != nullptr ? &remarks_ : listener);
+    };
+    if (listener != nullptr) report.tellTo(&remarks_);
+    tried_ = false;
+    database.beginWindow();
+    Clock::duration waited{};
+    auto end = WindowEnd::Again;
+    for (int times = 1; end == WindowEnd::Again; ++times) {
+        bool complete = false;
+        try {
+            work();
+            complete = true;
+        } catch (const WindowBroken&) {
+            complete = false;
+        } catch (const PlatformError&) {
+            // What the records before it have written counts, and is written when it comes again without a window.
+            putBack(false);
+            end = database.endWindow(false, false);
+            adapt(false, 0);
+            return false;
+        }
+        const auto begin = Clock::now();
+        try {
+            end = database.endWindow(complete, times < kMostTimes);
+        } catch (const PlatformError&) {
+            putBack(false);  // the connection is lost
+            throw;
+        }
+        waited += Clock::now() - begin;
+        if (end != WindowEnd::Kept) putBack(end == WindowEnd::Again);
+        tried_ = true;
+    }
+    const bool kept = end == WindowEnd::Kept;
+    if (kept) {
+        counts.keep();
+        report.tellTo(listener);
+        if (listener != nullptr) remarks_.tell(run_, *listener);
+    }
+    adapt(kept, std::chrono::duration<double, std::milli>(waited).count());
+    return kept;
+}
+
+/// Part of the time does not depend on the number of records, so that a step may be too short, never too long.
+void RecordWindows::adapt(bool kept, double milliseconds) {
+    if (!kept) {
+        size_ = kFirstSize;
+        return;
+    }
+    const double factor = std::clamp(kWanted / std::max(milliseconds, 1.0), 0.5, 2.0);
+    const auto wanted = static_cast<std::size_t>(static_cast<double>(size_) * factor);
+    size_ = std::clamp(wanted / kBatch * kBatch, kFirstSize, kMostRecords);
+}
+
+}  // namespace kolmera
