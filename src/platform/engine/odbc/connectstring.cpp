@@ -1,5 +1,6 @@
 #include "platform/engine/odbc/connectstring.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "platform/lettercase.h"
@@ -41,6 +42,17 @@ ConnectString::ConnectString(std::string_view text) {
             forDriver += part;
         }
         text.remove_prefix(std::min(length + 1, text.size()));
+    }
+}
+
+void forEachPart(std::string_view connectString,
+                 const std::function<void(std::string_view key, std::string_view value)>& part) {
+    while (!connectString.empty()) {
+        const std::size_t length = partLength(connectString);
+        const std::string_view text = connectString.substr(0, length);
+        const std::size_t equals = text.find('=');
+        if (equals != std::string_view::npos) part(trimmed(text.substr(0, equals)), trimmed(text.substr(equals + 1)));
+        connectString.remove_prefix(std::min(length + 1, connectString.size()));
     }
 }
 

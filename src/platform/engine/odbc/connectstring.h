@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -16,5 +17,9 @@ struct ConnectString {
     std::chrono::seconds login{10};   ///< until the connection is there
     std::chrono::seconds answer{60};  ///< of one statement, with all its rows
 };
+
+/// The parts "key=value" of a connect string; a value in braces, which stay, may hold semicolons.
+void forEachPart(std::string_view connectString,
+                 const std::function<void(std::string_view key, std::string_view value)>& part);
 
 }  // namespace kolmera

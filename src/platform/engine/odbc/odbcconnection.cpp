@@ -6,6 +6,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/engine/odbc/driversettings.h"
 #include "platform/engine/odbc/widetext.h"
 #include "platform/error.h"
 
@@ -112,12 +113,22 @@ void OdbcConnection::connect() {
                        SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, number(SQL_OV_ODBC3), 0)) &&
                        SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &handle_));
     if (!ready) refuse("the ODBC driver manager cannot be used");
-    std::u16string text = toWide(connectString_.forDriver);
-    const SQLRETURN code =
-        SQLDriverConnectW(handle_, nullptr, wideText(text), length(text), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
-    if (!SQL_SUCCEEDED(code)) refuseBy(odbcError(SQL_HANDLE_DBC, handle_));
+    constexpr int kNoEncryption = 2026;  // MariaDB's
+    const DriverSettings settings(connectString_.forDriver);
+    Error error = connectBy(settings.connectString);
+    if (error && error->native == kNoEncryption && !settings.unencrypted.empty())
+        error = connectBy(settings.unencrypted);
+    if (error) refuseBy(*error);
     connected_ = true;
     count();
+}
+
+OdbcConnection::Error OdbcConnection::connectBy(const std::string& connectString) {
+    std::u16string text = toWide(connectString);
+    const SQLRETURN code =
+        SQLDriverConnectW(handle_, nullptr, wideText(text), length(text), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+    if (SQL_SUCCEEDED(code)) return std::nullopt;
+    return odbcError(SQL_HANDLE_DBC, handle_);
 }
 
 void OdbcConnection::findDialect() {

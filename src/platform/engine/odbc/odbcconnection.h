@@ -65,6 +65,7 @@ class OdbcConnection {
     [[nodiscard]] std::string silence(DriverThread::End end, std::chrono::seconds limit) const;
     void open();
     void connect();
+    Error connectBy(const std::string& connectString);
     void findDialect();
     void findCatalogue();
     void prepareSession();
