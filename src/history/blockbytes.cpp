@@ -158,4 +158,26 @@ Value BlockReader::value() {
     throwDamaged();
 }
 
+void BlockReader::skipValue() {
+    constexpr std::uint64_t kNumberBytes = 8;
+    switch (static_cast<Stored>(byte())) {
+        case Stored::Null:
+        case Stored::No:
+        case Stored::Yes:
+            return;
+        case Stored::Whole:
+        case Stored::Decimals:
+        case Stored::Date:
+            (void)number();
+            return;
+        case Stored::Number:
+            (void)take(kNumberBytes);
+            return;
+        case Stored::Text:
+            (void)text();
+            return;
+    }
+    throwDamaged();
+}
+
 }  // namespace kolmera

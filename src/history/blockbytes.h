@@ -53,6 +53,8 @@ class BlockReader {
     std::string_view text();
     const std::string& word();
     Value value();
+    /// Goes past a value.
+    void skipValue();
 
   private:
     std::string_view take(std::uint64_t count);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,9 +21,9 @@ struct NetRow {
     std::int64_t id = 0;
     std::int64_t record = 0;  ///< as in RowChange; of the last change that names one
     std::string label;
-    std::vector<CellChange> cells;
-    bool rebuilt = false;  ///< removed and added again: a column that is not among the cells was Null
-    int mark = 0;          ///< free for whoever goes through the rows
+    std::vector<CellChange> cells;  ///< by column
+    bool rebuilt = false;           ///< removed and added again: a column that is not among the cells was Null
+    int mark = 0;                   ///< free for whoever goes through the rows
 };
 
 /// The net changes of a run, row by row, with all values as they are (NetChanges has what is shown of them). They are
@@ -47,15 +48,27 @@ class NetRows {
     [[nodiscard]] std::optional<NetRow> find(int table, std::int64_t id);
     /// The rows of a table with this mark, by ID, `count` at most, behind that ID.
     [[nodiscard]] std::vector<NetRow> next(int table, std::optional<std::int64_t> behind, int mark, int count);
+    /// The same with the cells of these columns alone: of many columns few are unique numbers. Such a row is only to be
+    /// marked, or filled.
+    [[nodiscard]] std::optional<NetRow> find(int table, std::int64_t id, std::span<const int> columns);
+    [[nodiscard]] std::vector<NetRow> next(int table, std::optional<std::int64_t> behind, int mark, int count,
+                                           std::span<const int> columns);
+    /// Reads all cells of a row.
+    void fill(NetRow& row);
     /// Puts a row in the place of the one that has its ID.
     void put(const NetRow& row);
+    /// Puts its mark alone.
+    void putMark(const NetRow& row);
+    /// Gives all rows of one mark another; how many there are.
+    std::int64_t remark(int from, int to);
 
   private:
-    void merge(NetRow& row, const RowChange& change);
+    static void merge(NetRow& row, const RowChange& change, std::vector<CellChange> cells);
+    void fill(NetRow& row, std::span<const int> columns);
     void drop(const NetRow& row);
 
     SqliteConnection file_;
-    SqliteStatement find_, next_, put_, drop_;
+    SqliteStatement find_, next_, cells_, put_, putCells_, mark_, drop_, dropCells_;
     std::vector<std::string> tables_;
     std::int64_t rows_ = 0;
 };

@@ -17,8 +17,8 @@ using PresentRows = std::map<std::int64_t, std::vector<Value>>;
 /// The column that holds the rows' IDs.
 int idColumn(const TableDef& table);
 
-/// "SELECT * FROM table WHERE ID IN (...)". At most kRowsAtOnce IDs, always as many values: one statement to a server.
-inline constexpr int kRowsAtOnce = 64;
+/// The rows with these IDs, kRowsAtOnce at most; others between them may be among them.
+inline constexpr int kRowsAtOnce = 256;
 std::string rowsStatement(const TableDef& table, std::span<const std::int64_t> ids);
 
 /// The rows with these IDs, as far as they are there: the values of `columns` (ordinals), in that order.

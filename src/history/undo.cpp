@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 #include "db/batchtransaction.h"
 #include "history/keptrows.h"
@@ -44,12 +45,16 @@ struct RunUndo::Impl {
     void restoreRows(const TableDef& table, std::vector<NetRow>& rows);
     void restoreRow(const TableDef& table, NetRow& row, Recordset& records);
     static std::vector<KeptCell> takeChanged(NetRow& row, Recordset& records);
-    static void write(NetRow& row, Recordset& records, bool vacate);
+    static void write(const NetRow& row, Recordset& records);
+    void keepGone(const TableDef& table, NetRow& row);
     void insertRows(const TableDef& table, std::vector<NetRow>& rows);
     void insertOneByOne(const TableDef& table, std::vector<NetRow>& rows);
 
+    template <typename Write>
+    void forEachExchanged(Write&& write);
     void exchange();
-    void exchangeAll(bool vacate);
+    void giveNumbersUp();
+    void takeOldNumbers();
     void exchangeOneByOne();
 
     std::optional<UndoPlan> again_;  ///< looks once more at what comes to name rows that go
@@ -60,7 +65,8 @@ struct RunUndo::Impl {
 
 namespace {
 
-constexpr UndoStep kRestoring[] = {kRestore, kRestoreKey};
+/// Written between two looks at whether to go on, and in one transaction on a server.
+constexpr int kRowsInBatch = 64;
 
 std::vector<std::int64_t> idsOf(std::span<const NetRow> rows) {
     std::vector<std::int64_t> ids;
@@ -107,14 +113,18 @@ bool RunUndo::Impl::forEachBatch(UndoStep step, WriteRows writeRows) {
         const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
         std::optional<std::int64_t> behind;
         for (;;) {
-            std::vector<NetRow> rows = net.next(place, behind, step, kRowsAtOnce);
+            std::vector<NetRow> rows = net.next(place, behind, step, kRowsInBatch);
             if (rows.empty()) break;
             behind = rows.back().id;
             if (!(*goOn_)(done_, all_)) return false;
             (this->*writeRows)(table, rows);
             for (NetRow& row : rows) {
                 if (row.mark == step) settle(row, counts.asBefore);  // it is gone, as it is to be
-                net.put(row);
+                if (row.mark == kExchange) {
+                    net.put(row);  // without the cells that stay
+                } else {
+                    net.putMark(row);
+                }
             }
             done_ += static_cast<std::int64_t>(rows.size());
             batch_->next();
@@ -152,8 +162,9 @@ void RunUndo::Impl::walk(const TableDef& table, std::vector<NetRow>& rows, Write
     const auto records = database.open(rowsStatement(table, idsOf(rows)), RecordsetType::Dynaset);
     const int id = idColumn(table);
     for (; !records->eof(); records->moveNext()) {
-        const auto row = std::ranges::find(rows, std::get<std::int64_t>(records->value(id)), &NetRow::id);
-        if (row != rows.end()) write(*row, *records);
+        const auto found = std::get<std::int64_t>(records->value(id));
+        const auto row = std::ranges::lower_bound(rows, found, {}, &NetRow::id);
+        if (row != rows.end() && row->id == found) write(*row, *records);
     }
 }
 
@@ -185,9 +196,9 @@ std::vector<KeptCell> RunUndo::Impl::takeChanged(NetRow& row, Recordset& records
     return changed;
 }
 
-void RunUndo::Impl::write(NetRow& row, Recordset& records, bool vacate) {
+void RunUndo::Impl::write(const NetRow& row, Recordset& records) {
     records.edit();
-    for (const CellChange& cell : row.cells) records.set(cell.column, vacate ? Value() : cell.before);
+    for (const CellChange& cell : row.cells) records.set(cell.column, cell.before);
     records.update();
 }
 
@@ -201,7 +212,7 @@ void RunUndo::Impl::restoreRow(const TableDef& table, NetRow& row, Recordset& re
         return;
     }
     try {
-        write(row, records, false);
+        write(row, records);
         settle(row, counts.changedBack);
     } catch (const PlatformError& error) {
         const bool waits = error.number() == errors::kDuplicateKey && !error.endsRun() && step == kRestoreKey;
@@ -214,81 +225,114 @@ void RunUndo::Impl::restoreRow(const TableDef& table, NetRow& row, Recordset& re
 }
 
 void RunUndo::Impl::restoreRows(const TableDef& table, std::vector<NetRow>& rows) {
-    std::vector<KeptRow> gone;
-    std::vector<bool> met(rows.size());
-    walk(table, rows, [&](NetRow& row, Recordset& records) {
-        met[static_cast<std::size_t>(&row - rows.data())] = true;
-        restoreRow(table, row, records);
-    });
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (met[i]) continue;
-        std::vector<KeptCell> cells;
-        for (const CellChange& cell : rows[i].cells) cells.push_back({cell.column, cell.before, cell.after, Null{}});
-        keep(table, rows[i], Stays::Removed, std::move(cells));
+    const int step = rows.front().mark;
+    walk(table, rows, [&](NetRow& row, Recordset& records) { restoreRow(table, row, records); });
+    for (NetRow& row : rows) {
+        if (row.mark == step) keepGone(table, row);
     }
+}
+
+void RunUndo::Impl::keepGone(const TableDef& table, NetRow& row) {
+    std::vector<KeptCell> cells;
+    for (const CellChange& cell : row.cells) cells.push_back({cell.column, cell.before, cell.after, Null{}});
+    keep(table, row, Stays::Removed, std::move(cells));
 }
 
 // Rows that get back numbers which others of them still have: first they give theirs up, then all get the old ones. In
 // one transaction, so that no row is ever seen, or left by a crash, without its number.
 
+template <typename Write>
+void RunUndo::Impl::forEachExchanged(Write&& write) {
+    for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
+        const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
+        std::optional<std::int64_t> behind;
+        for (;;) {
+            std::vector<NetRow> rows = net.next(place, behind, kExchange, kRowsInBatch);
+            if (rows.empty()) break;
+            behind = rows.back().id;
+            write(table, rows);
+        }
+    }
+}
+
 void RunUndo::Impl::exchange() {
     bool any = false;
     for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
-        any = any || !net.next(place, {}, kExchange, 1).empty();
+        any = any || !net.next(place, {}, kExchange, 1, {}).empty();
     }
     if (!any) return;
     batch_->end();
     batch_.reset();
     database.begin();
     try {
-        exchangeAll(true);
-        exchangeAll(false);
+        giveNumbersUp();
+        takeOldNumbers();
         database.commit();
+        counts.changedBack += net.remark(kExchanged, kSettled);
     } catch (const PlatformError& error) {
         if (database.inTransaction()) database.rollback();
         if (error.endsRun()) throw;
+        (void)net.remark(kExchanged, kExchange);
     }
     batch_.emplace(database);
     exchangeOneByOne();
 }
 
-void RunUndo::Impl::exchangeAll(bool vacate) {
-    for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
-        const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
-        std::optional<std::int64_t> behind;
-        for (;;) {
-            std::vector<NetRow> rows = net.next(place, behind, kExchange, kRowsAtOnce);
-            if (rows.empty()) break;
-            behind = rows.back().id;
-            walk(table, rows, [&](NetRow& row, Recordset& records) { write(row, records, vacate); });
-        }
-    }
-}
-
-/// After an exchange every row has its old values, and is counted; without it each one gets what it can.
-void RunUndo::Impl::exchangeOneByOne() {
-    for (int place = 0; place < static_cast<int>(net.tables().size()); ++place) {
-        const TableDef& table = database.table(net.tables()[static_cast<std::size_t>(place)]);
-        std::optional<std::int64_t> behind;
-        for (;;) {
-            std::vector<NetRow> rows = net.next(place, behind, kExchange, kRowsAtOnce);
-            if (rows.empty()) break;
-            behind = rows.back().id;
-            walk(table, rows, [&](NetRow& row, Recordset& records) {
-                const auto isBack = [&](const CellChange& cell) { return records.value(cell.column) == cell.before; };
-                if (std::ranges::all_of(row.cells, isBack)) {
-                    settle(row, counts.changedBack);
-                } else {
-                    restoreRow(table, row, records);
-                }
-            });
-            for (NetRow& row : rows) {
-                if (row.mark == kExchange) keep(table, row, Stays::Removed, {});
+void RunUndo::Impl::giveNumbersUp() {
+    forEachExchanged([&](const TableDef& table, std::vector<NetRow>& rows) {
+        std::set<int> unique;
+        for (const UndoPlan::Key& key : again_->keysOf(table)) unique.insert(key.begin(), key.end());
+        std::vector<bool> met(rows.size());
+        walk(table, rows, [&](NetRow& row, Recordset& records) {
+            met[static_cast<std::size_t>(&row - rows.data())] = true;
+            std::vector<KeptCell> changed = takeChanged(row, records);
+            if (!changed.empty()) {
+                keep(table, row, Stays::Changed, std::move(changed));
+                row.mark = row.cells.empty() ? kSettled : kExchange;
                 net.put(row);
             }
-            batch_->next();
+            if (row.cells.empty()) return;
+            records.edit();
+            for (const CellChange& cell : row.cells) {
+                if (unique.contains(cell.column)) records.set(cell.column, Null{});
+            }
+            records.update();
+        });
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (met[i]) continue;
+            keepGone(table, rows[i]);
+            net.putMark(rows[i]);
         }
-    }
+    });
+}
+
+void RunUndo::Impl::takeOldNumbers() {
+    forEachExchanged([&](const TableDef& table, std::vector<NetRow>& rows) {
+        walk(table, rows, [&](NetRow& row, Recordset& records) {
+            write(row, records);
+            row.mark = kExchanged;
+            net.putMark(row);
+        });
+    });
+}
+
+/// Where the exchange was refused each one gets what it can.
+void RunUndo::Impl::exchangeOneByOne() {
+    forEachExchanged([&](const TableDef& table, std::vector<NetRow>& rows) {
+        walk(table, rows, [&](NetRow& row, Recordset& records) {
+            const auto isBack = [&](const CellChange& cell) { return records.value(cell.column) == cell.before; };
+            if (std::ranges::all_of(row.cells, isBack)) {
+                settle(row, counts.changedBack);  // the answer to the commit was lost
+            } else {
+                restoreRow(table, row, records);
+            }
+        });
+        for (NetRow& row : rows) {
+            if (row.mark == kExchange) keep(table, row, Stays::Removed, {});
+            net.putMark(row);
+        }
+        batch_->next();
+    });
 }
 
 void RunUndo::Impl::insertRows(const TableDef& table, std::vector<NetRow>& rows) {

@@ -18,8 +18,8 @@ namespace {
 const FieldDef& fieldOf(const TableDef& table, int column) { return table.fields[static_cast<std::size_t>(column)]; }
 
 const CellChange* cellOf(const NetRow& row, int column) {
-    const auto found = std::ranges::find(row.cells, column, &CellChange::column);
-    return found == row.cells.end() ? nullptr : &*found;
+    const auto found = std::ranges::lower_bound(row.cells, column, {}, &CellChange::column);
+    return found == row.cells.end() || found->column != column ? nullptr : &*found;
 }
 
 std::vector<std::int64_t> idsOf(std::span<const NetRow> rows) {
@@ -34,24 +34,15 @@ std::vector<int> allColumns(const TableDef& table) {
     return columns;
 }
 
-/// The columns that have to be read to know what the rows are now.
-std::vector<int> columnsOf(const TableDef& table, std::span<const NetRow> rows) {
+/// Whether it takes a whole row to know what became of it.
+bool needsAll(const NetRow& row) { return row.kind != ChangeKind::Changed || row.rebuilt; }
+
+std::vector<int> columnsOf(std::span<const NetRow> rows) {
     std::set<int> columns;
     for (const NetRow& row : rows) {
-        if (row.kind != ChangeKind::Changed || row.rebuilt) return allColumns(table);
         for (const CellChange& cell : row.cells) columns.insert(cell.column);
     }
     return {columns.begin(), columns.end()};
-}
-
-/// The unique indexes whose columns are values of the user's.
-std::vector<IndexDef> keysOf(const TableDef& table) {
-    std::vector<IndexDef> keys;
-    for (const IndexDef& index : table.indexes) {
-        const auto isId = [&](const std::string& column) { return fieldOf(table, table.ordinal(column)).counter; };
-        if (index.unique && std::ranges::none_of(index.columns(), isId)) keys.push_back(index);
-    }
-    return keys;
 }
 
 std::vector<int> ordinalsOf(const TableDef& table, const IndexDef& index) {
@@ -73,6 +64,12 @@ std::vector<Value> keyBack(const NetRow& row, std::span<const int> columns, cons
     }
     return key;
 }
+
+struct InOrder {
+    bool operator()(const Value& a, const Value& b) const { return compareValues(a, b) < 0; }
+};
+
+bool restoresKey(const NetRow& row) { return row.mark == kRestoreKey || row.mark == kExchange; }
 
 std::string placeOf(const TableDef& table, std::int64_t id) {
     const bool hasId = std::ranges::count(table.fields, true, &FieldDef::counter) > 0;
@@ -124,15 +121,25 @@ bool UndoPlan::look(int place) {
     const TableDef& table = database_.table(net_.tables()[static_cast<std::size_t>(place)]);
     std::optional<std::int64_t> behind;
     for (;;) {
-        std::vector<NetRow> rows = net_.next(place, behind, kUnseen, kRowsAtOnce);
+        std::vector<NetRow> rows = net_.next(place, behind, kUnseen, kRowsAtOnce, {});
         if (rows.empty()) return true;
         behind = rows.back().id;
-        const std::vector<int> columns = columnsOf(table, rows);
+        const bool whole = std::ranges::any_of(rows, needsAll);
+        if (!whole) std::ranges::for_each(rows, [&](NetRow& row) { net_.fill(row); });
+        const std::vector<int> columns = whole ? allColumns(table) : columnsOf(rows);
         const PresentRows present = readRows(database_, table, columns, idsOf(rows));
         for (NetRow& row : rows) {
-            const auto now = present.find(row.id);
-            lookAt(table, row, now == present.end() ? nullptr : &now->second, columns);
-            net_.put(row);
+            const auto found = present.find(row.id);
+            const std::vector<Value>* now = found == present.end() ? nullptr : &found->second;
+            // A row that was removed and is not there needs no look at its cells.
+            if (whole && (now != nullptr || row.kind == ChangeKind::Changed)) net_.fill(row);
+            const std::size_t cells = row.cells.size();
+            lookAt(table, row, now, columns);
+            if (row.cells.size() == cells) {
+                net_.putMark(row);
+            } else {
+                net_.put(row);
+            }
         }
         looked_ += static_cast<std::int64_t>(rows.size());
         if (!(*goOn_)(looked_, net_.count())) return false;
@@ -142,10 +149,11 @@ bool UndoPlan::look(int place) {
 std::vector<KeptCell> UndoPlan::differences(const TableDef& table, const NetRow& row, Side side,
                                             const std::vector<Value>& now) {
     std::vector<KeptCell> cells;
+    const Value none = Null{};
+    auto next = row.cells.begin();
     for (int column = 0; column < static_cast<int>(table.fields.size()); ++column) {
+        const CellChange* cell = next != row.cells.end() && next->column == column ? &*next++ : nullptr;
         if (fieldOf(table, column).counter) continue;
-        const CellChange* cell = cellOf(row, column);
-        const Value none = Null{};
         const Value& before = cell != nullptr ? cell->before : none;
         const Value& left = cell != nullptr ? cell->after : none;
         const Value& present = now[static_cast<std::size_t>(column)];
@@ -165,10 +173,22 @@ KeptRow UndoPlan::keptRow(const TableDef& table, const NetRow& row, Stays why) {
             .cells = {}};
 }
 
+/// The unique indexes whose columns are values of the user's.
+const std::vector<UndoPlan::Key>& UndoPlan::keysOf(const TableDef& table) {
+    const auto known = keys_.find(table.name);
+    if (known != keys_.end()) return known->second;
+    std::vector<Key> keys;
+    for (const IndexDef& index : table.indexes) {
+        Key key = ordinalsOf(table, index);
+        const auto isId = [&](int column) { return fieldOf(table, column).counter; };
+        if (index.unique && std::ranges::none_of(key, isId)) keys.push_back(std::move(key));
+    }
+    return keys_.emplace(table.name, std::move(keys)).first->second;
+}
+
 bool UndoPlan::writesKey(const TableDef& table, const NetRow& row) {
-    return std::ranges::any_of(keysOf(table), [&](const IndexDef& index) {
-        return std::ranges::any_of(ordinalsOf(table, index),
-                                   [&](int column) { return cellOf(row, column) != nullptr; });
+    return std::ranges::any_of(keysOf(table), [&](const Key& key) {
+        return std::ranges::any_of(key, [&](int column) { return cellOf(row, column) != nullptr; });
     });
 }
 
@@ -218,7 +238,7 @@ void UndoPlan::lookAtCells(const TableDef& table, NetRow& row, const std::vector
                            std::span<const int> columns) {
     KeptRow kept = keptRow(table, row, Stays::Changed);
     std::erase_if(row.cells, [&](const CellChange& cell) {
-        const auto at = static_cast<std::size_t>(std::ranges::find(columns, cell.column) - columns.begin());
+        const auto at = static_cast<std::size_t>(std::ranges::lower_bound(columns, cell.column) - columns.begin());
         if (cell.before == cell.after || now[at] == cell.before) return true;
         if (now[at] == cell.after) return false;
         kept.cells.push_back({cell.column, cell.before, cell.after, now[at]});
@@ -273,46 +293,47 @@ std::vector<UndoPlan::Naming> UndoPlan::findNaming(const TableDef& table) {
 
 bool UndoPlan::keepNamed(int place) {
     const TableDef& table = database_.table(net_.tables()[static_cast<std::size_t>(place)]);
+    if (net_.next(place, {}, kRemove, 1, {}).empty()) return false;
+    const std::vector<Naming>& namings = namingOf(table);
+    std::vector<int> columns;
+    for (const Naming& naming : namings) columns.push_back(naming.byColumn);
     bool kept = false;
-    for (const UndoStep step : {kRemove, kRestoreKey}) {
-        if (net_.next(place, {}, step, 1).empty()) continue;
-        const std::vector<Naming>& namings = namingOf(table);
-        std::optional<std::int64_t> behind;
-        while (!namings.empty()) {
-            std::vector<NetRow> rows = net_.next(place, behind, step, kRowsAtOnce);
-            if (rows.empty()) break;
-            behind = rows.back().id;
-            for (const Naming& naming : namings) kept = keepNamed(table, naming, rows) || kept;
-        }
+    std::optional<std::int64_t> behind;
+    while (!namings.empty()) {
+        std::vector<NetRow> rows = net_.next(place, behind, kRemove, kRowsAtOnce, columns);
+        if (rows.empty()) break;
+        behind = rows.back().id;
+        for (const Naming& naming : namings) kept = keepNamed(table, naming, rows) || kept;
     }
     return kept;
 }
 
 bool UndoPlan::keepNamed(const TableDef& table, const Naming& naming, std::vector<NetRow>& rows) {
-    // The name that a row loses.
-    const auto nameOf = [&](const NetRow& row) -> Value {
-        if (row.mark != kRemove && (row.mark != kRestoreKey || !row.rebuilt)) return Null{};
-        if (naming.byColumn == idColumn(table)) return row.mark == kRemove ? Value(row.id) : Value();
+    const auto nameOf = [&](const NetRow& row) {
+        if (naming.byColumn == idColumn(table)) return Value(row.id);
         const CellChange* cell = cellOf(row, naming.byColumn);
         return cell != nullptr ? cell->after : Value();
     };
     std::vector<Value> names;
-    for (const NetRow& row : rows) {
-        const Value name = nameOf(row);
-        if (!isNull(name) && name != Value(std::string())) names.push_back(name);
+    std::map<Value, NetRow*, InOrder> named;
+    for (NetRow& row : rows) {
+        Value name = row.mark == kRemove ? nameOf(row) : Value();
+        if (isNull(name) || name == Value(std::string())) continue;
+        names.push_back(name);
+        named.emplace(std::move(name), &row);
     }
     bool kept = false;
     for (const auto& [id, values] :
          readRowsWith(database_, *naming.table, std::span(&naming.column, 1), naming.column, names)) {
         const Value& value = values.front();
-        const auto row = std::ranges::find_if(
-            rows, [&](const NetRow& one) { return one.mark == kRemove && compareValues(nameOf(one), value) == 0; });
-        if (row == rows.end() || !hasComeToName(naming, id, value)) continue;
-        KeptRow stays = keptRow(table, *row, Stays::Named);
+        const auto found = named.find(value);
+        if (found == named.end() || found->second->mark != kRemove || !hasComeToName(naming, id, value)) continue;
+        NetRow& row = *found->second;
+        KeptRow stays = keptRow(table, row, Stays::Named);
         stays.by = placeOf(*naming.table, id);
-        if (planning_) --(row->mark == kRemove ? counts_.removed : counts_.changedBack);
-        keep(*row, std::move(stays));
-        net_.put(*row);
+        if (planning_) --counts_.removed;
+        keep(row, std::move(stays));
+        net_.putMark(row);
         kept = true;
     }
     return kept;
@@ -321,12 +342,12 @@ bool UndoPlan::keepNamed(const TableDef& table, const Naming& naming, std::vecto
 /// Whether a row names another one that goes: not when it goes too, and not when it did so before the run had added it.
 bool UndoPlan::hasComeToName(const Naming& naming, std::int64_t id, const Value& value) {
     const int place = net_.place(naming.table->name);
-    const std::optional<NetRow> row = place >= 0 ? net_.find(place, id) : std::nullopt;
+    const std::optional<NetRow> row = place >= 0 ? net_.find(place, id, std::span(&naming.column, 1)) : std::nullopt;
     const auto last = lastIds_.find(naming.table->name);
     const bool isNew = last == lastIds_.end() || id > last->second;
     if (!row) return isNew;
     if (row->mark == kRemove) return false;
-    if (row->mark == kRestore || row->mark == kRestoreKey) {
+    if (row->mark == kRestore || restoresKey(*row)) {
         const CellChange* cell = cellOf(*row, naming.column);
         if (cell != nullptr) return compareValues(cell->before, value) == 0;
     }
@@ -338,65 +359,83 @@ bool UndoPlan::hasComeToName(const Naming& naming, std::int64_t id, const Value&
 bool UndoPlan::keepWithoutKey(int place) {
     const TableDef& table = database_.table(net_.tables()[static_cast<std::size_t>(place)]);
     bool kept = false;
-    for (const IndexDef& index : keysOf(table)) {
-        for (const UndoStep step : {kRestoreKey, kInsert}) {
+    for (const Key& key : keysOf(table)) {
+        for (const UndoStep step : {kExchange, kRestoreKey, kInsert}) {
             std::optional<std::int64_t> behind;
             for (;;) {
-                std::vector<NetRow> rows = net_.next(place, behind, step, kRowsAtOnce);
+                std::vector<NetRow> rows = net_.next(place, behind, step, kRowsAtOnce, key);
                 if (rows.empty()) break;
                 behind = rows.back().id;
-                kept = keepWithoutKey(table, index, rows) || kept;
+                kept = keepWithoutKey(table, key, step, rows) || kept;
             }
         }
     }
     return kept;
 }
 
-bool UndoPlan::keepWithoutKey(const TableDef& table, const IndexDef& index, std::vector<NetRow>& rows) {
-    const std::vector<int> columns = ordinalsOf(table, index);
-    const PresentRows present = readRows(database_, table, columns, idsOf(rows));
-    const auto nowOf = [&](const NetRow& row) {
-        const auto now = present.find(row.id);
-        return now == present.end() ? nullptr : &now->second;
-    };
+bool UndoPlan::keepWithoutKey(const TableDef& table, const Key& key, UndoStep step, std::vector<NetRow>& rows) {
+    if (step != kInsert) std::erase_if(rows, [](const NetRow& row) { return row.cells.empty(); });
+    const auto isPart = [&](const NetRow& row) { return row.cells.size() < key.size(); };
+    const bool needsOthers = step != kInsert && std::ranges::any_of(rows, isPart);
+    const PresentRows present = needsOthers ? readRows(database_, table, key, idsOf(rows)) : PresentRows();
+    std::vector<std::vector<Value>> backs;
     std::vector<Value> firsts;
     for (const NetRow& row : rows) {
-        const std::vector<Value> key = keyBack(row, columns, nowOf(row));
-        if (!isNull(key.front())) firsts.push_back(key.front());
+        const auto now = present.find(row.id);
+        backs.push_back(keyBack(row, key, now == present.end() ? nullptr : &now->second));
+        if (std::ranges::none_of(backs.back(), isNull)) firsts.push_back(backs.back().front());
     }
-    const PresentRows holders = readRowsWith(database_, table, columns, columns.front(), firsts);
+    const PresentRows holders = readRowsWith(database_, table, key, key.front(), firsts);
+    std::multimap<Value, const PresentRows::value_type*, InOrder> byFirst;
+    for (const auto& holder : holders) byFirst.emplace(holder.second.front(), &holder);
     bool kept = false;
-    for (NetRow& row : rows) {
-        const auto writes = [&](int column) { return cellOf(row, column) != nullptr; };
-        if (row.mark == kRestoreKey && std::ranges::none_of(columns, writes)) continue;
-        const std::vector<Value> key = keyBack(row, columns, nowOf(row));
-        if (std::ranges::any_of(key, isNull)) continue;
-        const auto inTheWay = [&](const auto& holder) {
-            if (holder.first == row.id || !sameKey(holder.second, key)) return false;
-            const std::optional<NetRow> other = net_.find(row.table, holder.first);
-            if (!other || other->mark == kSettled || other->mark == kInsert) return true;
-            return other->mark != kRemove && sameKey(keyBack(*other, columns, &holder.second), key);
-        };
-        const auto holder = std::ranges::find_if(holders, inTheWay);
-        if (holder == holders.end()) continue;
-        kept = true;
-        KeptRow stays = keptRow(table, row, Stays::KeyTaken);
-        stays.by = placeOf(table, holder->first);
-        const bool comesBack = row.mark == kInsert;
-        for (const int column : columns) {
-            const CellChange* cell = cellOf(row, column);
-            if (cell == nullptr) continue;
-            stays.cells.push_back({column, cell->before, cell->after, comesBack ? Value() : cell->after});
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        NetRow& row = rows[i];
+        if (std::ranges::any_of(backs[i], isNull)) continue;
+        const auto [first, last] = byFirst.equal_range(backs[i].front());
+        for (auto at = first; at != last; ++at) {
+            const auto& [id, holds] = *at->second;
+            const Holder holder = holderOf(key, row, backs[i], id, holds);
+            if (holder == Holder::Stays) {
+                keepWithoutKey(table, key, *net_.find(row.table, row.id), id);
+                kept = true;
+                break;
+            }
+            // It would be refused as long as that row has not moved on.
+            if (holder == Holder::MovesOn && row.mark == kRestoreKey) {
+                row.mark = kExchange;
+                net_.putMark(row);
+            }
         }
-        if (!comesBack)
-            std::erase_if(row.cells,
-                          [&](const CellChange& cell) { return std::ranges::count(columns, cell.column) > 0; });
-        kept_.add(stays);
-        row.mark = comesBack || row.cells.empty() ? kSettled : writesKey(table, row) ? kRestoreKey : kRestore;
-        if (row.mark == kSettled) --(comesBack ? counts_.broughtBack : counts_.changedBack);
-        net_.put(row);
     }
     return kept;
+}
+
+/// Who has a number that a row gets back: whether it is gone by then, or gets another one back, or stays.
+UndoPlan::Holder UndoPlan::holderOf(const Key& key, const NetRow& row, const std::vector<Value>& back, std::int64_t id,
+                                    const std::vector<Value>& holds) {
+    if (id == row.id || !sameKey(holds, back)) return Holder::Leaves;
+    const std::optional<NetRow> other = net_.find(row.table, id, key);
+    if (!other || other->mark == kSettled || other->mark == kInsert) return Holder::Stays;
+    if (other->mark == kRemove) return Holder::Leaves;
+    return sameKey(keyBack(*other, key, &holds), back) ? Holder::Stays : Holder::MovesOn;
+}
+
+void UndoPlan::keepWithoutKey(const TableDef& table, const Key& key, NetRow row, std::int64_t holder) {
+    KeptRow stays = keptRow(table, row, Stays::KeyTaken);
+    stays.by = placeOf(table, holder);
+    const bool comesBack = row.mark == kInsert;
+    for (const int column : key) {
+        const CellChange* cell = cellOf(row, column);
+        if (cell == nullptr) continue;
+        stays.cells.push_back({column, cell->before, cell->after, comesBack ? Value() : cell->after});
+    }
+    if (!comesBack)
+        std::erase_if(row.cells, [&](const CellChange& cell) { return std::ranges::count(key, cell.column) > 0; });
+    kept_.add(stays);
+    row.mark = comesBack || row.cells.empty() ? kSettled : writesKey(table, row) ? kRestoreKey : kRestore;
+    if (row.mark == kSettled) --(comesBack ? counts_.broughtBack : counts_.changedBack);
+    net_.put(row);
 }
 
 }  // namespace kolmera

@@ -22,7 +22,8 @@ enum UndoStep : int {
     kRestoreKey,  ///< the same, and one of them is unique in the table
     kInsert,      ///< a removed row comes back
     kSettled,     ///< nothing
-    kExchange,    ///< another row still has the number that this one gets back
+    kExchange,    ///< as kRestoreKey, but another row still has the number that this one gets back
+    kExchanged,   ///< the same, written, but not committed yet
 };
 
 /// Works out what taking back does with every row, from the rows as they are now. Only reads.
@@ -43,7 +44,9 @@ class UndoPlan {
     static std::vector<KeptCell> differences(const TableDef& table, const NetRow& row, Side side,
                                              const std::vector<Value>& now);
     static KeptRow keptRow(const TableDef& table, const NetRow& row, Stays why);
-    static bool writesKey(const TableDef& table, const NetRow& row);
+    /// The columns that are unique in the table.
+    using Key = std::vector<int>;
+    [[nodiscard]] const std::vector<Key>& keysOf(const TableDef& table);
 
   private:
     /// Columns of another table by which its rows name rows of one that the run added to.
@@ -64,7 +67,12 @@ class UndoPlan {
     bool keepNamed(const TableDef& table, const Naming& naming, std::vector<NetRow>& rows);
     [[nodiscard]] bool hasComeToName(const Naming& naming, std::int64_t id, const Value& value);
     bool keepWithoutKey(int place);
-    bool keepWithoutKey(const TableDef& table, const IndexDef& index, std::vector<NetRow>& rows);
+    bool keepWithoutKey(const TableDef& table, const Key& key, UndoStep step, std::vector<NetRow>& rows);
+    enum class Holder { Leaves, MovesOn, Stays };
+    [[nodiscard]] Holder holderOf(const Key& key, const NetRow& row, const std::vector<Value>& back, std::int64_t id,
+                                  const std::vector<Value>& holds);
+    void keepWithoutKey(const TableDef& table, const Key& key, NetRow row, std::int64_t holder);
+    [[nodiscard]] bool writesKey(const TableDef& table, const NetRow& row);
 
     Database& database_;
     NetRows& net_;
@@ -75,6 +83,7 @@ class UndoPlan {
     std::int64_t looked_ = 0;
     bool planning_ = true;
     std::map<std::string, std::vector<Naming>, std::less<>> namings_;  ///< by the table that is named
+    std::map<std::string, std::vector<Key>, std::less<>> keys_;        ///< by table
 };
 
 }  // namespace kolmera
