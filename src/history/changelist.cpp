@@ -140,14 +140,17 @@ ChangeList::ChangeList(NetChanges& changes, LanguageTexts& texts, const Locale& 
     filter_->registerAt(changes_.connection().handle());
     changes_.connection().run(
         "CREATE TABLE IF NOT EXISTS mark(mark INTEGER, record INTEGER, PRIMARY KEY(record, mark)) WITHOUT ROWID");
-    cell_ = SqliteStatement(changes_.connection(),
-                            fmt::format("SELECT row.tab, row.id, row.kind, row.product, row.name, before, after, "
-                                        "percent, record FROM cell JOIN row ON row.n = cell.n >> {} WHERE cell.n = ?1",
-                                        NetChanges::kColumnBits));
+    const std::string select = fmt::format(
+        "SELECT row.tab, row.id, row.kind, row.product, row.name, before, after, percent, record, cell.n FROM cell "
+        "CROSS JOIN row ON row.n = cell.n >> {} WHERE ",
+        NetChanges::kColumnBits);
+    cell_ = SqliteStatement(changes_.connection(), select + "cell.n = ?1");
+    stretch_ = SqliteStatement(changes_.connection(), select + "cell.n BETWEEN ?1 AND ?2 ORDER BY cell.n");
 }
 
 ChangeList::~ChangeList() {
     cell_ = SqliteStatement();
+    stretch_ = SqliteStatement();
     sqlite3* connection = changes_.connection().handle();
     sqlite3_create_function(connection, "columnrank", 2, SQLITE_UTF8, nullptr, nullptr, nullptr, nullptr);
     sqlite3_create_function(connection, "fits", 6, SQLITE_UTF8, nullptr, nullptr, nullptr, nullptr);
@@ -195,6 +198,8 @@ std::string ChangeList::statementOf(const ChangeQuery& query) const {
     const std::string_view key = query.group == ChangeQuery::Group::Product ? "row.product"
                                  : group.empty()                            ? "0"
                                                                             : group;
+    if (where.empty() && query.group == ChangeQuery::Group::None && sort.empty())
+        return fmt::format("SELECT cell.n, 0 FROM cell{}", order);
     return fmt::format("SELECT cell.n, {} FROM cell JOIN row ON row.n = cell.n >> {}{}{}", key, NetChanges::kColumnBits,
                        where, order);
 }
@@ -220,6 +225,9 @@ void ChangeList::show(const ChangeQuery& query) {
 std::vector<ChangeRow> ChangeList::rows(std::int64_t first, std::int64_t most) {
     std::vector<ChangeRow> rows;
     const std::int64_t end = std::min(count(), first + most);
+    if (query_ == ChangeQuery() && first < end) {
+        return stretch(order_[static_cast<std::size_t>(first)], order_[static_cast<std::size_t>(end - 1)]);
+    }
     for (std::int64_t place = first; place < end; ++place) rows.push_back(rowAt(static_cast<std::size_t>(place)));
     return rows;
 }
@@ -243,27 +251,40 @@ ChangeRow ChangeList::rowAt(std::size_t place) {
 ChangeRow ChangeList::cell(std::int64_t number) {
     const StatementUse use(cell_);
     cell_.bind(1, number);
-    if (!cell_.step()) return {};
+    return cell_.step() ? cellOf(cell_) : ChangeRow();
+}
+
+/// In the order of the file the cells stand one behind the other.
+std::vector<ChangeRow> ChangeList::stretch(std::int64_t first, std::int64_t last) {
+    const StatementUse use(stretch_);
+    stretch_.bind(1, first);
+    stretch_.bind(2, last);
+    std::vector<ChangeRow> rows;
+    while (stretch_.step()) rows.push_back(cellOf(stretch_));
+    return rows;
+}
+
+ChangeRow ChangeList::cellOf(const SqliteStatement& statement) const {
     ChangeRow row;
-    row.table = static_cast<int>(cell_.integer(0));
-    row.column = NetChanges::columnOf(number);
-    row.id = cell_.integer(1);
-    row.kind = static_cast<ChangeKind>(cell_.integer(2));
-    row.product = cell_.text(3);
-    row.name = cell_.text(4);
+    row.table = static_cast<int>(statement.integer(0));
+    row.column = NetChanges::columnOf(statement.integer(9));
+    row.id = statement.integer(1);
+    row.kind = static_cast<ChangeKind>(statement.integer(2));
+    row.product = statement.text(3);
+    row.name = statement.text(4);
     row.caption = captionOf(row.table, row.column);
     const FieldType type = changes_.typeOf(row.table, row.column);
-    cell_.read(5, type, row.before);
-    cell_.read(6, type, row.after);
+    statement.read(5, type, row.before);
+    statement.read(6, type, row.after);
     row.beforeText = text(row.before, row.table, row.column);
     row.afterText = text(row.after, row.table, row.column);
     Value percent;
-    cell_.read(7, FieldType::Double, percent);
+    statement.read(7, FieldType::Double, percent);
     if (const auto* value = std::get_if<double>(&percent)) {
         row.fromZero = !std::isfinite(*value);
         if (!row.fromZero) row.percent = *value;
     }
-    row.record = cell_.integer(8);
+    row.record = statement.integer(8);
     return row;
 }
 

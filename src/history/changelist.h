@@ -38,6 +38,7 @@ struct ChangeQuery {
     Group group = Group::None;
     Sort sort = Sort::File;
     bool descending = false;
+    bool operator==(const ChangeQuery&) const = default;
 };
 
 /// A row of the list: a cell that was changed, or the heading of a group.
@@ -81,6 +82,8 @@ class ChangeList {
     [[nodiscard]] std::string statementOf(const ChangeQuery& query) const;
     [[nodiscard]] ChangeRow rowAt(std::size_t place);
     [[nodiscard]] ChangeRow cell(std::int64_t number);
+    [[nodiscard]] std::vector<ChangeRow> stretch(std::int64_t first, std::int64_t last);
+    [[nodiscard]] ChangeRow cellOf(const SqliteStatement& statement) const;
     [[nodiscard]] std::string text(const Value& value, int table, int column) const;
     [[nodiscard]] const std::string& captionOf(int table, int column) const;
 
@@ -91,7 +94,7 @@ class ChangeList {
     ChangeQuery query_;
     std::vector<std::int64_t> order_;    ///< numbers of cells; a heading is kHeading
     std::vector<std::size_t> headings_;  ///< their places
-    SqliteStatement cell_;
+    SqliteStatement cell_, stretch_;
 };
 
 }  // namespace kolmera

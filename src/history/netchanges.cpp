@@ -44,13 +44,34 @@ std::string percentTerm(std::string_view before, std::string_view after) {
         before, after);
 }
 
+std::string addCellText() {
+    return fmt::format("INSERT INTO cell(n, before, after, record, percent) VALUES (?1, ?2, ?3, ?4, {})",
+                       percentTerm("?2", "?3"));
+}
+
+/// For a row that has changed before: the cell may be there.
 std::string putCellText() {
     return fmt::format(
-        "INSERT INTO cell(n, before, after, record, percent) VALUES (?1, ?2, ?3, ?4, {}) "
-        "ON CONFLICT(n) DO UPDATE SET after = excluded.after, record = excluded.record, percent = {}, "
+        "{} ON CONFLICT(n) DO UPDATE SET after = excluded.after, record = excluded.record, percent = {}, "
         "again = CASE WHEN record > 0 AND excluded.record > 0 AND record <> excluded.record "
         "AND after IS NOT excluded.after THEN record ELSE again END",
-        percentTerm("?2", "?3"), percentTerm("before", "excluded.after"));
+        addCellText(), percentTerm("before", "excluded.after"));
+}
+
+struct Naming {
+    std::string product;
+    Value name;
+};
+
+/// Of which product a changed row is, as far as the change tells.
+Naming namingOf(const RowChange& change, const NetChanges::Table& table) {
+    Naming naming{.product = change.label, .name = {}};
+    for (const CellChange& cell : change.cells) {
+        const Value& value = change.kind == ChangeKind::Removed ? cell.before : cell.after;
+        if (cell.column == table.productColumn && !textOf(value).empty()) naming.product = textOf(value);
+        if (cell.column == table.nameColumn) naming.name = value;
+    }
+    return naming;
 }
 
 }  // namespace
@@ -65,12 +86,14 @@ NetChanges::NetChanges() : connection_("", {.create = true}), schema_(companySch
     connection_.run(
         "CREATE TABLE cell(n INTEGER PRIMARY KEY, before, after, record INTEGER, percent REAL, again INTEGER)");
     findRow_ = SqliteStatement(connection_, "SELECT n, kind FROM row WHERE tab = ?1 AND id = ?2");
-    addRow_ = SqliteStatement(connection_, "INSERT INTO row(n, tab, id, kind, product) VALUES (?1, ?2, ?3, ?4, '')");
+    addRow_ = SqliteStatement(connection_,
+                              "INSERT INTO row(n, tab, id, kind, product, name) VALUES (?1, ?2, ?3, ?4, ?5, ?6)");
     setKind_ = SqliteStatement(connection_, "UPDATE row SET kind = ?2 WHERE n = ?1");
     nameRow_ = SqliteStatement(connection_,
                                "UPDATE row SET product = CASE WHEN ?2 = '' THEN product ELSE ?2 END, "
                                "name = coalesce(?3, name) WHERE n = ?1");
     putCell_ = SqliteStatement(connection_, putCellText());
+    addCell_ = SqliteStatement(connection_, addCellText());
     emptyCells_ =
         SqliteStatement(connection_, "UPDATE cell SET after = NULL, percent = NULL WHERE n BETWEEN ?1 AND ?2");
     connection_.begin();
@@ -105,7 +128,7 @@ void NetChanges::add(const RowChange& change) {
         emptyCells_.run();
     }
     addCells(change, table, row);
-    nameRow(change, table, row);
+    if (!row.isNew) nameAgain(change, table, row);
 }
 
 NetChanges::Row NetChanges::rowFor(const RowChange& change, int table) {
@@ -114,10 +137,13 @@ NetChanges::Row NetChanges::rowFor(const RowChange& change, int table) {
     findRow_.bind(2, change.id);
     const StatementUse use(findRow_);
     if (!findRow_.step()) {
+        const Naming naming = namingOf(change, tables_[static_cast<std::size_t>(table)]);
         addRow_.bind(1, ++lastRow_);
         addRow_.bind(2, std::int64_t{table});
         addRow_.bind(3, change.id);
         addRow_.bind(4, std::int64_t{kind});
+        addRow_.bind(5, std::string_view(naming.product));
+        addRow_.bind(6, naming.name);
         addRow_.run();
         return {lastRow_, kind, true};
     }
@@ -134,6 +160,7 @@ NetChanges::Row NetChanges::rowFor(const RowChange& change, int table) {
 }
 
 void NetChanges::addCells(const RowChange& change, int table, const Row& row) {
+    SqliteStatement& statement = row.isNew ? addCell_ : putCell_;
     for (const CellChange& cell : change.cells) {
         if (cell.column < 0 || cell.column >= 1 << kColumnBits) continue;
         // A later change of the row tells what stood there.
@@ -142,29 +169,21 @@ void NetChanges::addCells(const RowChange& change, int table, const Row& row) {
         }
         tables_[static_cast<std::size_t>(table)].changed[static_cast<std::size_t>(cell.column)] = true;
         const bool withPercent = row.kind == kChanged && isFractional(typeOf(table, cell.column));
-        putCell_.bind(1, cellNumber(row.number, cell.column));
-        putCell_.bind(2, row.kind == kAdded ? kNothing : cell.before);
-        putCell_.bind(3, cell.after);
-        putCell_.bind(4, change.record);
-        putCell_.bind(5, std::int64_t{withPercent});
-        putCell_.run();
+        statement.bind(1, cellNumber(row.number, cell.column));
+        statement.bind(2, row.kind == kAdded ? kNothing : cell.before);
+        statement.bind(3, cell.after);
+        statement.bind(4, change.record);
+        statement.bind(5, std::int64_t{withPercent});
+        statement.run();
     }
 }
 
-void NetChanges::nameRow(const RowChange& change, int table, const Row& row) {
-    const Table& about = tables_[static_cast<std::size_t>(table)];
-    std::string product = change.label;
-    Value name;
-    for (const CellChange& cell : change.cells) {
-        const Value& value = change.kind == ChangeKind::Removed ? cell.before : cell.after;
-        if (cell.column == about.productColumn && !textOf(value).empty()) product = textOf(value);
-        if (cell.column == about.nameColumn) name = value;
-    }
-    if (!row.isNew && isNull(name)) return;
-    const Value number(std::move(product));
+void NetChanges::nameAgain(const RowChange& change, int table, const Row& row) {
+    const Naming naming = namingOf(change, tables_[static_cast<std::size_t>(table)]);
+    if (isNull(naming.name)) return;
     nameRow_.bind(1, row.number);
-    nameRow_.bind(2, number);
-    nameRow_.bind(3, name);
+    nameRow_.bind(2, std::string_view(naming.product));
+    nameRow_.bind(3, naming.name);
     nameRow_.run();
 }
 

@@ -69,14 +69,14 @@ class NetChanges {
     int tableNumber(const std::string& name);
     Row rowFor(const RowChange& change, int table);
     void addCells(const RowChange& change, int table, const Row& row);
-    void nameRow(const RowChange& change, int table, const Row& row);
+    void nameAgain(const RowChange& change, int table, const Row& row);
 
     SqliteConnection connection_;
     std::vector<TableDef> schema_;
     std::vector<Table> tables_;
     std::int64_t lastRow_ = 0;
     bool again_ = false;  ///< some row was changed more than once
-    SqliteStatement findRow_, addRow_, setKind_, nameRow_, putCell_, emptyCells_;
+    SqliteStatement findRow_, addRow_, setKind_, nameRow_, addCell_, putCell_, emptyCells_;
 };
 
 }  // namespace kolmera
