@@ -11,6 +11,7 @@
 #include "platform/encodings.h"
 #include "platform/error.h"
 #include "platform/sha256.h"
+#include "source/readers/opensource.h"
 
 namespace kolmera {
 namespace {
@@ -47,6 +48,20 @@ void dropHalfLines(std::string& before, bool fromStart, std::string& after, bool
         before.erase(before.begin(), std::find_if_not(first, before.end(), isLineEnd));
     const auto last = std::find_if(after.rbegin(), after.rend(), isLineEnd);
     if (!toEnd && last != after.rend()) after.erase(last.base(), after.end());
+}
+
+/// A row in a line of its own, in which its cells have no line breaks and tabs.
+std::string lineOf(const Row& row) {
+    std::string line;
+    for (const Cell& cell : row.cells) {
+        if (&cell != row.cells.data()) line += '\t';
+        const std::size_t begin = line.size();
+        line += cell.text;
+        std::replace_if(
+            line.begin() + static_cast<std::ptrdiff_t>(begin), line.end(),
+            [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    }
+    return line += '\n';
 }
 
 std::string modifiedText(const struct stat& file) {
@@ -87,12 +102,29 @@ bool RecordedPriceFile::isAsRecorded(const Descriptor& file, const struct stat& 
     return same_;
 }
 
+/// The record's row, with some rows around it.
+void RecordedPriceFile::showRows(std::int64_t record, FileExcerpt& excerpt) const {
+    constexpr std::uint64_t kRows = 20;
+    const auto wanted = static_cast<std::uint64_t>(record);
+    const auto rows = openRows(recorded_.path, *source_);
+    for (Row row; rows->next(row) && row.number <= wanted + kRows;) {
+        if (row.number + kRows < wanted) continue;
+        (row.number < wanted ? excerpt.before : row.number == wanted ? excerpt.record : excerpt.after) += lineOf(row);
+    }
+    if (excerpt.record.empty()) excerpt = {.file = FileExcerpt::File::Shorter, .before = {}, .record = {}, .after = {}};
+}
+
 FileExcerpt RecordedPriceFile::excerpt(const RecordPlace& place) {
     FileExcerpt excerpt;
     try {
         const Descriptor file(recorded_.path, O_RDONLY | O_NONBLOCK);
         struct stat now {};
         if (fstat(file.get(), &now) != 0 || !S_ISREG(now.st_mode)) return excerpt;
+        if (source_) {
+            excerpt.file = isAsRecorded(file, now) ? FileExcerpt::File::Same : FileExcerpt::File::Changed;
+            showRows(place.record, excerpt);
+            return excerpt;
+        }
         const std::int64_t begin = place.offset;
         const std::int64_t end = begin + std::min(place.length, kMost);
         if (end > now.st_size) {

@@ -82,10 +82,10 @@ bool showRecord(Program& program, QWidget* parent, const RecordReader& record, s
         report.warn(noticesOf(told));
         ChangeWindow form(program, report, parent);
         const RecordedDefinition definition = recordedDefinition(record.header());
-        RecordedPriceFile file(record.header().priceFile, definition.codePage);
+        RecordedPriceFile file(record.header().priceFile, definition.codePage, definition.source);
         form.showRecords = [&](QWidget* over, const std::vector<std::int64_t>& records, std::size_t first) {
             const auto placeOf = [&](std::int64_t number) {
-                return definition.converted ? std::nullopt : record.place(number);
+                return definition.source ? RecordPlace{.record = number} : record.place(number);
             };
             ExcerptWindow excerpt(program, file, placeOf, records, first, over);
             VisaFormulär(program, excerpt, true);

@@ -29,7 +29,7 @@ RecordedDefinition recordedDefinition(const RunHeader& run) {
     const std::optional<RunDefinition> definition = definitionOf(run.definition);
     if (!definition) return result;
     result.supplier = definition->job.supplier;
-    result.converted = definition->source.has_value();
+    if (definition->source) result.source = definition->source->format;
     if (!definition->mask) {
         // Of the trade formats only EIO's files are not written in the code page of DOS.
         if (definition->job.name != "(EIO)") result.codePage = CodePage::Oem850;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "history/recordreader.h"
 #include "platform/encodings.h"
+#include "source/sourceformat.h"
 
 namespace kolmera {
 
@@ -14,7 +16,8 @@ struct RecordedDefinition {
     Key key = Key::Number;
     std::string supplier;  ///< whose articles they are; empty where the file, or nobody, says
     CodePage codePage = CodePage::Windows1252;
-    bool converted = false;  ///< it was turned into other rows first: the places of records are not those in the file
+    /// What the file was, where its rows were converted first: the places of records are not those in the file.
+    std::optional<SourceFormat> source = std::nullopt;
 };
 
 RecordedDefinition recordedDefinition(const RunHeader& run);
