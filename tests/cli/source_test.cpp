@@ -7,6 +7,7 @@
 
 #include "cli/climachine.h"
 #include "definitions/joboptions.h"
+#include "platform/lettercase.h"
 #include "platform/tsv.h"
 
 namespace kolmera::test {
@@ -59,6 +60,34 @@ TEST(SourceOfTheTerminal, IsShownDetectedChangedAndRemoved) {
     EXPECT_EQ(machine.out(), "1\tSkruv\t1250.50\tst\r\n2\tBult\t12.00\tst\r\n");
 }
 
+TEST(SourceOfTheTerminal, RejectsRunWhenTheyAreCorrected) {
+    const struct {
+        const char* fault;
+        std::string file, rejects, right;
+    } cases[] = {
+        {"what stands above the table, a row of two lines or the line ends lost",
+         "Prislista 2026;;;\r\n;;;\r\nNummer;Text;Pris;Enhet\r\nA1;Skruv;5,50;st\r\nA2;\"Bult,\nl\xC3\xA5ng\";x;st\r\n"
+         "A3;Mutter;7,50;st\r\n",
+         "Prislista 2026;;;\r\n;;;\r\nNummer;Text;Pris;Enhet\r\nA2;\"Bult,\nl\xC3\xA5ng\";x;st\r\n", ";6,50;"},
+        {"XML written as what its job cannot read",
+         "<Lista><Vara><Nummer>B1</Nummer><Text>Skruv; lös</Text><Pris>5.50</Pris><Enhet>st</Enhet></Vara>"
+         "<Vara><Nummer>B2</Nummer><Text>Bult; lös</Text><Pris>x</Pris><Enhet>st</Enhet></Vara></Lista>",
+         "\xEF\xBB\xBFNummer;Text;Pris;Enhet\r\nB2;\"Bult; lös\";x;st\r\n", ";6.50;"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        SourceMachine machine;
+        const std::string file = machine.write("ny", c.file);
+        const std::string rejects = machine.file("r");
+        ASSERT_EQ(machine.source({"--clear"}), 0);
+        ASSERT_EQ(machine.source({"--detect", "--file", file}), 0) << machine.err();
+        EXPECT_EQ(machine.runJob(kJob, {"--file", file, "--rejects", rejects}), 3) << machine.err();
+        EXPECT_EQ(readWholeFile(rejects), c.rejects);
+        machine.write("r", replaceAll(c.rejects, ";x;", c.right));
+        EXPECT_EQ(machine.runJob(kJob, {"--file", rejects}), 0) << machine.err();
+        EXPECT_NE(machine.out().find(": 1\n"), std::string::npos) << machine.out();
+    }
+}
+
 TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
     SourceMachine machine;
     const std::string file = machine.write(
@@ -67,8 +96,8 @@ TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
     EXPECT_EQ(machine.out(), "EK-1000\tLampa\t5.50\tst\r\nEK-1007\tLampa 2\tx\tst\r\n");
     EXPECT_NE(machine.err().find("post 3, EK-1007: \"x\" (Nettopris)"), std::string::npos) << machine.err();
     EXPECT_EQ(
-        machine.runJob(kJob, {"--file", file, "--summary", machine.file("s.json"), "--rejects", machine.file("r")}), 1);
-    EXPECT_FALSE(std::filesystem::exists(machine.file("r"))) << "rejects of what was converted";
+        machine.runJob(kJob, {"--file", file, "--summary", machine.file("s.json"), "--rejects", machine.file("r")}), 3);
+    EXPECT_EQ(readWholeFile(machine.file("r")), "EAN;Nettopris;Artikelnr;Ny;Benämning;Enhet\n;x;EK-1007;;Lampa 2;st\n");
     const auto summary = nlohmann::json::parse(readWholeFile(machine.file("s.json")));
     EXPECT_EQ(summary["price_file"], file);
     EXPECT_EQ(summary["new"], 2);

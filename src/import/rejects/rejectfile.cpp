@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "import/rejects/pricerecords.h"
+#include "import/rejects/sourcerejects.h"
 #include "import/run/recordedrun.h"
 #include "import/run/runreport.h"
 #include "lang/keys/rejects.h"
@@ -19,6 +20,8 @@
 #include "platform/outputfile.h"
 #include "platform/privatefile.h"
 #include "platform/sha256.h"
+#include "platform/workplaces.h"
+#include "source/readers/opensource.h"
 
 namespace kolmera {
 
@@ -30,7 +33,9 @@ using Numbers = std::vector<std::int64_t>;
 
 /// Remarks about other files than the price file have no place.
 bool rejects(const RecordRemark& remark) {
-    return remark.record > 0 && remark.offset >= 0 && rejectsRecord(remark.kind);
+    const auto isItself = [&](const RemarkKind& row) { return row.ofSource && row.name == remark.kind; };
+    const bool ofPriceFile = remark.offset >= 0 || std::ranges::any_of(kRemarks, isItself);
+    return remark.record > 0 && ofPriceFile && rejectsRecord(remark.kind);
 }
 
 /// The rejected records by number.
@@ -151,6 +156,23 @@ class Rejecting {
     std::int64_t written_ = 0;
 };
 
+std::string digestOf(const Descriptor& file) {
+    Sha256 digest;
+    std::array<char, 65536> piece;
+    for (std::size_t at = 0;;) {
+        const std::size_t count = file.readAt(at, piece.data(), piece.size());
+        if (count == 0) return digest.hexadecimal();
+        digest.add({piece.data(), count});
+        at += count;
+    }
+}
+
+/// Of a workbook or XML another file is written than the user may expect.
+bool isAnotherText(const RecordReader& run) {
+    const auto definition = definitionOf(run.header().definition);
+    return definition && definition->source && !isText(definition->source->format.kind);
+}
+
 void removeOlder(const fs::path& target) {
     std::error_code failed;
     if (fs::is_regular_file(fs::symlink_status(target, failed))) fs::remove(target, failed);
@@ -182,16 +204,24 @@ Rejects writeRejects(const RecordReader& run, const fs::path& target, const std:
     }
     const auto definition = definitionOf(run.header().definition);
     if (!definition) throw PlatformError(errors::kDamaged, "the record of the run has no definition");
-    if (definition->source) return {.outcome = Outcome::Converted};
     const Descriptor file = recorded.copied ? unpacked(run, target) : opened(recorded.path);
     if (!file.isOpen()) return {.outcome = Outcome::NoFile};
     const bool unread = recorded.sha256.empty() && !recorded.copied;  // to its end: only its time tells
     if (unread && timeText(recorded.path) != recorded.modified) return {.outcome = Outcome::Changed};
     OutputFile output(target);
-    Rejecting rejecting(run, *definition, file, output);
-    const auto written = rejecting.write(rejected, goesOn);
+    bool isSame = true;
+    std::optional<std::int64_t> written;
+    if (definition->source) {
+        isSame = recorded.sha256.empty() || digestOf(file) == recorded.sha256;
+        const auto places = workPlaces(target.parent_path());
+        if (isSame) written = writeSourceRejects(file, *definition, rejected, places, output, goesOn);
+    } else {
+        Rejecting rejecting(run, *definition, file, output);
+        written = rejecting.write(rejected, goesOn);
+        isSame = !written || rejecting.isSame();
+    }
+    if (!isSame) return {.outcome = Outcome::Changed};
     if (!written) return {.outcome = Outcome::Cancelled};
-    if (!rejecting.isSame()) return {.outcome = Outcome::Changed};
     if (*written == 0) {
         removeOlder(target);
         return {.outcome = Outcome::None};
@@ -204,15 +234,14 @@ std::string rejectsText(LanguageTexts& texts, const Rejects& rejects, const Reco
     const std::string& priceFile = run.header().priceFile.path;
     switch (rejects.outcome) {
         case Rejects::Outcome::Written:
-            return texts.ModulTextMed(text::rejects::kWritten, target.string()) + fmt::format(" {}", rejects.records);
+            return texts.ModulTextMed(text::rejects::kWritten, target.string()) + fmt::format(" {}", rejects.records) +
+                   (isAnotherText(run) ? ". " + texts.ModulText(text::rejects::kAsText) : std::string());
         case Rejects::Outcome::None:
             return texts.ModulTextMed(text::rejects::kNone, target.string());
         case Rejects::Outcome::NoFile:
             return texts.ModulTextMed(text::rejects::kNoPriceFile, priceFile);
         case Rejects::Outcome::Changed:
             return texts.ModulTextMed(text::rejects::kPriceFileChanged, priceFile);
-        case Rejects::Outcome::Converted:
-            return texts.ModulTextMed(text::rejects::kConverted, priceFile);
         case Rejects::Outcome::PriceFile:
             return texts.ModulTextMed(text::rejects::kIsPriceFile, priceFile);
         case Rejects::Outcome::Cancelled:

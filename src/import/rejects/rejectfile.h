@@ -17,7 +17,6 @@ struct Rejects {
         None,       ///< no record has to be corrected: there is no file now
         NoFile,     ///< the price file is gone, or no file that can be read again, and the record has no copy
         Changed,    ///< the price file is not the one that the run read
-        Converted,  ///< the price file was converted before it was read: its records are not those of the run
         PriceFile,  ///< it would have been written over the price file
         Cancelled,
     };
@@ -35,8 +34,9 @@ bool hasRejects(const RecordReader& run);
 bool isPriceFile(const std::filesystem::path& target, const std::filesystem::path& priceFile);
 
 /// Writes the rejected records to a file that runs as the price file did when they have been corrected: byte for byte,
-/// in their order, each behind the header and the article that it goes by. The file takes its place whole; without
-/// rejects there is none, and an older one of that name is removed. `goesOn` is asked now and then. Throws
+/// in their order, each behind the header and the article that it goes by; of a price file that was converted, its own
+/// rows (see `writeSourceRejects`). The file takes its place whole; without rejects there is none, and an older one of
+/// that name is removed. `goesOn` is asked now and then. Throws
 /// PlatformError.
 Rejects writeRejects(const RecordReader& run, const std::filesystem::path& target,
                      const std::function<bool()>& goesOn = {});

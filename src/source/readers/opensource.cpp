@@ -37,10 +37,19 @@ void expectKind(const SourceFile& source, SourceKind kind) {
     throw PlatformError(isWorkbook ? errors::kIsWorkbook : errors::kIsNoWorkbook, "not of this kind: " + name);
 }
 
+/// XML may begin with the mark too.
+bool isSemicolonText(std::string_view beginning) {
+    if (!beginning.starts_with(kTextMark)) return false;
+    const std::size_t first = beginning.find_first_not_of(" \t\r\n", kTextMark.size());
+    return first == std::string_view::npos || beginning[first] != '<';
+}
+
 }  // namespace
 
 std::unique_ptr<RowReader> openRows(Descriptor file, const SourceFormat& format, const SourceLimits& limits) {
     SourceFile source = SourceFile::of(std::move(file), format.member, limits);
+    if (!isText(format.kind) && isSemicolonText(source.beginning()))
+        return readDelimited(std::move(source), SourceFormat{}, limits);
     expectKind(source, format.kind);
     for (const ReaderOfKind& reader : kReaders) {
         if (reader.kind == format.kind) return reader.open(std::move(source), format, limits);

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/descriptor.h"
@@ -10,6 +11,12 @@
 #include "source/sourceformat.h"
 
 namespace kolmera {
+
+/// Whether a file of this kind is a text whose lines are its rows.
+constexpr bool isText(SourceKind kind) { return kind == SourceKind::Delimited || kind == SourceKind::Fixed; }
+
+/// What begins a semicolon text in UTF-8 that is read in the place of a workbook or XML: its lines are the rows.
+inline constexpr std::string_view kTextMark = "\xEF\xBB\xBF";
 
 /// Opens a price file as what `format` says. Of the signs of numbers and dates it takes no notice: cells come as they
 /// stand (see Cell). Throws PlatformError.
