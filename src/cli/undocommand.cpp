@@ -13,11 +13,11 @@
 #include "history/recordedundo.h"
 #include "history/runfolder.h"
 #include "history/undotexts.h"
+#include "import/run/recordkeeping.h"
 #include "lang/errortext.h"
 #include "lang/keys/company.h"
 #include "lang/keys/history.h"
 #include "lang/keys/terminal.h"
-#include "platform/systemuser.h"
 #include "startup/company.h"
 #include "startup/startup.h"
 
@@ -108,7 +108,7 @@ int UndoCommand::run() {
 
 int UndoCommand::takeBack(const RunHeader& run) {
     RunHeader head;
-    head.user = SystemUser::current().login;
+    head.user = keptInDataFolder(session_.state).user;
     head.version = KOLMERA_VERSION;
     RecordedUndo recorded(database(), folder_, run.id, std::move(head));
     if (run.ended.empty()) surroundings_.err << session_.text(text::history::kNotEnded, run.id) << '\n';

@@ -11,12 +11,12 @@
 #include "history/recordedundo.h"
 #include "history/runlist.h"
 #include "history/undotexts.h"
+#include "import/run/recordkeeping.h"
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
 #include "lang/keys/history.h"
 #include "lang/keys/runs.h"
 #include "platform/error.h"
-#include "platform/systemuser.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/lockwait.h"
@@ -65,9 +65,9 @@ class TakingBack {
     }
 
   private:
-    static RunHeader head() {
+    [[nodiscard]] RunHeader head() const {
         RunHeader head;
-        head.user = SystemUser::current().login;
+        head.user = keptInDataFolder(program_.state).user;
         head.version = KOLMERA_VERSION;
         return head;
     }
