@@ -136,9 +136,13 @@ void RunsWindow::layOut() {
 
 void RunsWindow::setSizes() {
     constexpr int kWindowLetters = 165, kWindowLines = 26;
+    constexpr int kColumnLetters = 26;  // a long outcome must leave room for the price file
     const QFontMetrics metrics = fontMetrics();
     for (int column = 0; column < RunList::kColumns; ++column) {
-        if (column != RunList::kPriceFile) list_->resizeColumnToContents(column);
+        if (column == RunList::kPriceFile) continue;
+        list_->resizeColumnToContents(column);
+        list_->setColumnWidth(column,
+                              std::min(list_->columnWidth(column), kColumnLetters * metrics.averageCharWidth()));
     }
     const QSize size(kWindowLetters * metrics.averageCharWidth(), kWindowLines * metrics.lineSpacing());
     resize(size.boundedTo(screen()->availableSize() - QSize(2, 4) * metrics.averageCharWidth()));
