@@ -1,5 +1,5 @@
 // Whole runs of kolmera-cli beside hand-written loaders on bare SQLite, or beside themselves without a record, or
-// previews beside runs, on the same data, in turns.
+// previews or the taking back of runs beside runs, on the same data, in turns.
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -33,6 +33,9 @@ struct Options {
     bool keep = false;
     bool unrecorded = false;  ///< the other of a pair is the same run without a record
     bool preview = false;     ///< previews, and the other of a pair is the run
+    bool list = false;        ///< of a preview the list of all changes is saved, too
+    bool undo = false;        ///< the taking back of a run, and the other of a pair is the run
+    bool empty = false;       ///< the runs remove all products first
 };
 
 struct Case {
@@ -65,12 +68,17 @@ class CaseRunner {
         expectSuccess("bench_data", runProcess(command));
     }
 
-    ProcessCost job() { return options_.preview ? previewIn(freshCopy("job")) : jobIn(freshCopy("job")); }
+    ProcessCost job() {
+        if (options_.preview) return previewIn(freshCopy("job"));
+        const fs::path folder = freshCopy("job");
+        const ProcessCost run = jobIn(folder);
+        return options_.undo ? undoIn(folder) : run;
+    }
 
     /// What the run is compared with.
     ProcessCost floor() {
         const fs::path folder = freshCopy("floor");
-        if (options_.preview) return jobIn(folder);
+        if (options_.preview || options_.undo) return jobIn(folder);
         if (options_.unrecorded) {
             std::ofstream(folder / "Körningar") << "no folder: no record can be made\n";
             return jobIn(folder);
@@ -82,24 +90,39 @@ class CaseRunner {
 
     ProcessCost jobIn(const fs::path& folder) {
         const fs::path summary = options_.work / "summary.json";
-        const ProcessCost cost = runProcess({program("kolmera-cli"), "run", std::string(case_.format.job), "--data",
-                                             folder.string(), "--summary", summary.string()});
+        std::vector<std::string> command = {
+            program("kolmera-cli"), "run", std::string(case_.format.job), "--data", folder.string(), "--summary",
+            summary.string()};
+        if (options_.empty) command.emplace_back("--empty");
+        const ProcessCost cost = runProcess(command);
         // A price file without records is a remark.
         expectEnd("kolmera-cli", cost, case_.records == 0 ? 3 : 0);
         summary_ = nlohmann::json::parse(std::ifstream(summary));
         return cost;
     }
 
-    /// With the list of all changes, as text.
     ProcessCost previewIn(const fs::path& folder) {
-        const ProcessCost cost = runProcess({program("kolmera-cli"), "preview", std::string(case_.format.job), "--data",
-                                             folder.string(), "--save", (options_.work / "changes.txt").string()});
+        std::vector<std::string> command = {program("kolmera-cli"), "preview", std::string(case_.format.job), "--data",
+                                            folder.string()};
+        if (options_.empty) command.emplace_back("--empty");
+        if (options_.list) {
+            command.emplace_back("--save");
+            command.push_back((options_.work / "changes.txt").string());
+        }
+        const ProcessCost cost = runProcess(command);
+        expectSuccess("kolmera-cli", cost);
+        return cost;
+    }
+
+    ProcessCost undoIn(const fs::path& folder) {
+        const ProcessCost cost = runProcess({program("kolmera-cli"), "undo", "last", "--data", folder.string()});
         expectSuccess("kolmera-cli", cost);
         return cost;
     }
 
     [[nodiscard]] std::vector<std::string> differencesOfTables() const {
-        if (options_.preview) return differences(options_.work / "job" / kCompanyFile, master_ / kCompanyFile, 5);
+        if (options_.preview || options_.undo)
+            return differences(options_.work / "job" / kCompanyFile, master_ / kCompanyFile, 5);
         return differences(options_.work / "job" / kCompanyFile, options_.work / "floor" / kCompanyFile, 5);
     }
     [[nodiscard]] const nlohmann::json& summary() const { return summary_; }
@@ -211,7 +234,7 @@ void measure(const Options& options) {
         }
     }
     printGrowth(costs);
-    if (!options.unrecorded && !options.preview) measureEmptyFiles(options);
+    if (!options.unrecorded && !options.preview && !options.undo) measureEmptyFiles(options);
 }
 
 }  // namespace
@@ -235,6 +258,9 @@ int main(int argc, char** argv) {
     app.add_option("--work", options.work, "folder for the data, on the disk that is measured");
     app.add_flag("--unrecorded", options.unrecorded, "compare with the same run without a record, not with a loader");
     app.add_flag("--preview", options.preview, "measure previews beside runs");
+    app.add_flag("--list", options.list, "previews that save the list of all changes");
+    app.add_flag("--undo", options.undo, "measure the taking back of runs beside the runs");
+    app.add_flag("--empty", options.empty, "runs that remove all products first");
     app.add_flag("--keep", options.keep, "leave the last case's data in the folder");
     CLI11_PARSE(app, argc, argv);
     try {
