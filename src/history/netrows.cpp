@@ -24,6 +24,7 @@ std::int64_t idOf(std::int64_t key) { return key % kIdsOfTable - kIdsOfTable / 2
 
 BlockWriter bytesOf(const std::vector<CellChange>& cells) {
     BlockWriter bytes;
+    bytes.number(cells.size());
     for (const CellChange& cell : cells) {
         bytes.signedNumber(cell.column);
         bytes.value(cell.before);
@@ -33,9 +34,9 @@ BlockWriter bytesOf(const std::vector<CellChange>& cells) {
 }
 
 std::vector<CellChange> cellsOf(std::string_view block) {
-    std::vector<CellChange> cells;
-    for (BlockReader bytes(block); !bytes.atEnd();) {
-        CellChange& cell = cells.emplace_back();
+    BlockReader bytes(block);
+    std::vector<CellChange> cells(bytes.number());
+    for (CellChange& cell : cells) {
         cell.column = static_cast<int>(bytes.signedNumber());
         cell.before = bytes.value();
         cell.after = bytes.value();
@@ -45,7 +46,8 @@ std::vector<CellChange> cellsOf(std::string_view block) {
 
 std::vector<CellChange> cellsOf(std::string_view block, std::span<const int> columns) {
     std::vector<CellChange> cells;
-    for (BlockReader bytes(block); cells.size() < columns.size() && !bytes.atEnd();) {
+    BlockReader bytes(block);
+    for (std::uint64_t left = bytes.number(); left > 0 && cells.size() < columns.size(); --left) {
         const auto column = static_cast<int>(bytes.signedNumber());
         if (std::ranges::count(columns, column) > 0) {
             CellChange& cell = cells.emplace_back();
