@@ -7,6 +7,7 @@
 #include <ostream>
 #include <utility>
 
+#include "cli/printablelines.h"
 #include "cli/texttable.h"
 #include "history/changereport.h"
 #include "history/changetable.h"
@@ -131,7 +132,7 @@ class Output {
 };
 
 void Output::printHead() {
-    std::ostream& out = surroundings_.out;
+    PrintableStream out(surroundings_.out);
     out << report_.header().id << ' ' << report_.title() << '\n' << report_.origin() << "\n\n";
     for (const Notice& notice : report_.notices()) {
         out << (notice.warning ? "! " : "") << report_.lineOf(notice);

@@ -7,6 +7,7 @@
 
 #include "cli/commands.h"
 #include "cli/nearnames.h"
+#include "cli/printablelines.h"
 #include "lang/errortext.h"
 #include "lang/keys/help.h"
 #include "lang/keys/terminal.h"
@@ -119,7 +120,14 @@ int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& 
 
 }  // namespace
 
-int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
+int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& machine) {
+    PrintableStream err(machine.err);
+    const Surroundings surroundings{.out = machine.out,
+                                    .err = err,
+                                    .programFolder = machine.programFolder,
+                                    .settingsFile = machine.settingsFile,
+                                    .locale = machine.locale,
+                                    .cancel = machine.cancel};
     const int code = carryOutLine(arguments, surroundings);
     if (surroundings.out.flush().good()) return code;
     if (surroundings.cancel.load(std::memory_order_relaxed)) return exitcode::kCancelled;

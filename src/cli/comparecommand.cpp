@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "cli/printablelines.h"
 #include "cli/runchoice.h"
 #include "cli/session.h"
 #include "history/comparison.h"
@@ -57,7 +58,8 @@ class Comparison {
     const RunHeader& now_;
 };
 
-void Comparison::print(std::ostream& out) {
+void Comparison::print(std::ostream& terminal) {
+    PrintableStream out(terminal);
     out << before_.id << " > " << now_.id << " (" << now_.job << ")\n"
         << fmt::format("{}: {}\n", kind(true), comparison_.added())
         << fmt::format("{}: {}\n", kind(false), comparison_.gone());

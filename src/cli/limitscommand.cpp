@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "cli/jobsession.h"
+#include "cli/printablelines.h"
 #include "definitions/joboptions.h"
 #include "definitions/limitseditor.h"
 
@@ -20,7 +21,8 @@ bool set(LimitsEditor& editor, const std::string& wanted) {
     return !editor.unreadable();
 }
 
-void print(const LimitsEditor& editor, Session& session, const std::string& job, std::ostream& out) {
+void print(const LimitsEditor& editor, Session& session, const std::string& job, std::ostream& terminal) {
+    PrintableStream out(terminal);
     const auto isSet = [](const LimitsEditor::Row& row) { return !row.text.empty(); };
     if (std::ranges::none_of(editor.rows, isSet)) out << session.text(text::limits::kNone, job) << '\n';
     for (const LimitsEditor::Row& row : editor.rows) {

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "cli/printablelines.h"
 #include "cli/session.h"
 #include "cli/terminalport.h"
 #include "lang/errortext.h"
@@ -23,7 +24,7 @@ int repaired(Session& session, CompanyRegister& companies, const std::string& co
         return exitcode::kDone;
     }
     const RepairReport report = companies.repair(company);
-    for (const auto& [table, rows] : report.rows) surroundings.out << table << ": " << rows << '\n';
+    for (const auto& [table, rows] : report.rows) PrintableStream(surroundings.out) << table << ": " << rows << '\n';
     surroundings.err << replaceAll(repairText(session.texts, report), "\r\n", "\n") << '\n';
     return exitcode::kPassedOver;
 }

@@ -9,6 +9,7 @@
 #include <ostream>
 
 #include "cli/jobsession.h"
+#include "cli/printablelines.h"
 #include "definitions/joboptions.h"
 #include "definitions/maskfile.h"
 #include "definitions/masktarget.h"
@@ -157,7 +158,7 @@ int JobSource::detectAndSet(const SourceArguments& arguments) {
     }
     if (settings != stored || arguments.clear) options.setSource(job_->name, settings);
     if (!settings) {
-        surroundings_.out << session.text(text::source::kNoSource, job_->name) << '\n';
+        PrintableStream(surroundings_.out) << session.text(text::source::kNoSource, job_->name) << '\n';
     } else {
         surroundings_.out << toJson(*settings).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     }

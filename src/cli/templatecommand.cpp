@@ -8,6 +8,7 @@
 #include <ostream>
 
 #include "cli/jobsession.h"
+#include "cli/printablelines.h"
 #include "definitions/joboptions.h"
 #include "definitions/maskfile.h"
 #include "definitions/supplierlist.h"
@@ -254,7 +255,7 @@ int TemplateCommand::importJob() {
     if (job.company.empty()) return refuse(text::jobtemplate::kWhichCompany, job.name);
     if (!replaces(*wanted, existing) || !knowsSupplier(*wanted)) return exitcode::kStopped;
     save(*wanted);
-    surroundings_.out << session_.session.text(text::jobtemplate::kRead, job.name) << '\n';
+    PrintableStream(surroundings_.out) << session_.session.text(text::jobtemplate::kRead, job.name) << '\n';
     return exitcode::kDone;
 }
 

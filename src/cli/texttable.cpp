@@ -1,11 +1,18 @@
 #include "cli/texttable.h"
 
 #include <algorithm>
+#include <limits>
 #include <ostream>
 
 #include "platform/encodings.h"
+#include "platform/printable.h"
 
 namespace kolmera::cli {
+
+void TextTable::add(std::vector<std::string> row) {
+    for (std::string& text : row) text = printable(text, std::numeric_limits<std::size_t>::max());
+    rows_.push_back(std::move(row));
+}
 
 void TextTable::print(std::ostream& out) const {
     std::vector<std::size_t> widths(rows_.front().size());

@@ -18,6 +18,7 @@
 #include "platform/descriptor.h"
 #include "platform/engine/sqlite/sqliteconnection.h"
 #include "platform/engine/sqlite/sqlitestatement.h"
+#include "platform/privatefile.h"
 #include "platform/privatename.h"
 
 namespace kolmera {
@@ -91,11 +92,6 @@ RunRecord::RunRecord(const fs::path& folder, RunHeader header) : header_(std::mo
     try {
         open_ = std::make_unique<File>(file_);
         SqliteConnection& connection = open_->connection;
-        transaction([&] {
-            makeRecordTables(connection);
-            writeHeader(connection, header_);
-            connection.run("INSERT INTO header VALUES ('kept', 0)");
-        });
         open_->addBlock =
             SqliteStatement(connection, "INSERT INTO block (number, data, first, last) VALUES (?, ?, ?, ?)");
         open_->addRemarks = SqliteStatement(connection, "INSERT INTO remark (number, data) VALUES (?, ?)");
@@ -133,14 +129,31 @@ void RunRecord::makeFile(const fs::path& folder) {
         header_.id = second + turnWithin(folder, second) + privateDigits().substr(0, kLetters - 1);
         if (header_.started.empty()) header_.started = fmt::format("{:%Y-%m-%dT%H:%M:%S}", now);
         file_ = folder / (header_.id + std::string(kRecordEnding));
-        const int made = open(file_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
-        if (made < 0 && errno == EEXIST && attempts > 0) continue;
-        const Descriptor descriptor(made);
-        share(folder, descriptor);
         lock_.emplace(folder, header_.id);
-        header_.locked = lock_->held();
-        return;
+        std::error_code none;
+        if (!fs::exists(fs::symlink_status(file_, none))) {
+            header_.locked = lock_->held();
+            return fill(folder);
+        }
+        if (attempts == 0) throwSystemError(EEXIST);
     }
+}
+
+/// A record has its head from the moment it has its name, whenever the program or the machine stops.
+void RunRecord::fill(const fs::path& folder) {
+    PrivateFile unfinished(file_, ".new");
+    share(folder, unfinished.descriptor());
+    {
+        SqliteConnection connection(unfinished.path(), recordOptions(unfinished.path(), false));
+        connection.run("PRAGMA journal_mode=OFF");
+        connection.run("PRAGMA synchronous=OFF");
+        connection.begin();
+        makeRecordTables(connection);
+        writeHeader(connection, header_);
+        connection.run("INSERT INTO header VALUES ('kept', 0)");
+        connection.commit();
+    }
+    unfinished.moveTo(file_);
 }
 
 void RunRecord::transaction(const std::function<void()>& statements) {

@@ -70,6 +70,7 @@ class RunRecord final : public ChangeListener {
 
     static void makeFolder(const std::filesystem::path& folder);
     void makeFile(const std::filesystem::path& folder);
+    void fill(const std::filesystem::path& folder);
     void heard(ChangeKind kind, const ChangedRow& row);
     int labelOf(const TableDef& table);
     void flushChanges();

@@ -114,7 +114,7 @@ void Descriptor::copyRights(const Descriptor& other) const {
 }
 
 void Descriptor::sync() const {
-    if (fsync(descriptor_) != 0) throwSystemError(errno);
+    retried([&] { return fsync(descriptor_); });
 }
 
 void moveOver(const Descriptor& finished, const std::filesystem::path& from, const std::filesystem::path& to) {
