@@ -28,17 +28,23 @@ namespace {
 
 using Numbers = std::vector<std::int64_t>;
 
-/// Remarks about other files than the price file have no place.
-bool rejects(const RecordRemark& remark) {
-    return remark.record > 0 && remark.offset >= 0 && rejectsRecord(remark.kind);
+/// Remarks about other files than the price file have no place. Nor have those of a file that was converted.
+bool rejects(const RecordRemark& remark, bool converted) {
+    return remark.record > 0 && (converted || remark.offset >= 0) && rejectsRecord(remark.kind);
+}
+
+bool isConverted(const RecordReader& run) {
+    const auto definition = definitionOf(run.header().definition);
+    return definition && definition->source;
 }
 
 /// The rejected records by number.
 Numbers rejectedRecords(const RecordReader& run) {
     Numbers numbers;
+    const bool converted = isConverted(run);
     run.forEachRemark([&](const RecordRemark& remark) {
         const bool again = !numbers.empty() && numbers.back() == remark.record;
-        if (!again && rejects(remark)) numbers.push_back(remark.record);
+        if (!again && rejects(remark, converted)) numbers.push_back(remark.record);
         return true;
     });
     std::ranges::sort(numbers);
@@ -161,7 +167,8 @@ void removeOlder(const fs::path& target) {
 
 bool hasRejects(const RecordReader& run) {
     bool found = false;
-    run.forEachRemark([&](const RecordRemark& remark) { return !(found = rejects(remark)); });
+    const bool converted = isConverted(run);
+    run.forEachRemark([&](const RecordRemark& remark) { return !(found = rejects(remark, converted)); });
     return found;
 }
 
