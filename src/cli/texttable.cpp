@@ -4,8 +4,14 @@
 #include <ostream>
 
 #include "platform/encodings.h"
+#include "platform/printable.h"
 
 namespace kolmera::cli {
+
+void TextTable::add(std::vector<std::string> row) {
+    for (std::string& cell : row) cell = printable(cell, cell.size());
+    rows_.push_back(std::move(row));
+}
 
 void TextTable::print(std::ostream& out) const {
     std::vector<std::size_t> widths(rows_.front().size());

@@ -6,11 +6,11 @@
 
 namespace kolmera::cli {
 
-/// Rows of texts whose columns stand below each other.
+/// Rows of texts whose columns stand below each other. What would act on a terminal is written out, see `printable`.
 class TextTable {
   public:
     explicit TextTable(std::vector<std::string> headings) { add(std::move(headings)); }
-    void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+    void add(std::vector<std::string> row);
     void print(std::ostream& out) const;
     /// Prints them, and begins a next page under the same headings.
     void printAndEmpty(std::ostream& out);

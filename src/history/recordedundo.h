@@ -15,7 +15,7 @@ namespace kolmera {
 /// `plan`, then `carryOut`. Throws PlatformError.
 class RecordedUndo {
   public:
-    /// `head` tells who does it: user, host, version.
+    /// `head` tells who does it: user and version.
     RecordedUndo(Database& database, const RunFolder& folder, std::string_view run, RunHeader head);
     RecordedUndo(const RecordedUndo&) = delete;
     RecordedUndo& operator=(const RecordedUndo&) = delete;

@@ -4,8 +4,10 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <ctime>
@@ -30,6 +32,11 @@ constexpr std::int64_t kRemarksWait = 250;  // milliseconds
 std::int64_t milliseconds() {
     using namespace std::chrono;
     return duration_cast<std::chrono::milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+std::string hostName() {
+    std::array<char, 256> name{};
+    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : std::string();
 }
 
 /// Runs of one second stand in their order by name.
@@ -78,6 +85,7 @@ struct RunRecord::File {
 };
 
 RunRecord::RunRecord(const fs::path& folder, RunHeader header) : header_(std::move(header)) {
+    header_.host = hostName();
     makeFolder(folder);
     makeFile(folder);
     try {

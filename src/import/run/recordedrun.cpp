@@ -3,9 +3,7 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
 #include <ctime>
 #include <utility>
 
@@ -16,11 +14,6 @@ namespace kolmera {
 namespace {
 
 std::string timeText(std::time_t time) { return fmt::format("{:%Y-%m-%dT%H:%M:%S}", fmt::localtime(time)); }
-
-std::string hostName() {
-    std::array<char, 256> name{};
-    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : std::string();
-}
 
 }  // namespace
 
@@ -41,7 +34,6 @@ bool RecordedRun::begin(RunHeader header) {
     keeping_.notThinned.reset();
     header.kind = keeping_.kind;
     header.user = keeping_.user;
-    header.host = hostName();
     header.version = KOLMERA_VERSION;
     header.priceFile.copied = keeping_.copiesPriceFile;
     try {
