@@ -24,17 +24,6 @@ constexpr const char* kKindNames[] = {"run", "preview", "undo"};
 constexpr const char* kChangeNames[] = {"added", "changed", "removed"};
 constexpr std::size_t kRecordsShown = 10;  ///< of a notice, for people
 
-std::string dumped(const Json& json) { return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace); }
-
-Json jsonOf(const Value& value) {
-    if (const auto* yes = std::get_if<bool>(&value)) return *yes;
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole;
-    if (const auto* number = std::get_if<double>(&value)) return *number;
-    if (const auto* date = std::get_if<Date>(&value)) return date->iso();
-    if (isNull(value)) return nullptr;
-    return std::string(textOf(value));
-}
-
 std::string remarkText(Session& session, std::string_view name) {
     if (name == kFailedStatement) return session.text(text::terminal::kFailedStatements);
     const auto kind = std::ranges::find(kRemarks, name, &RemarkKind::name);
@@ -204,6 +193,17 @@ bool Output::save() {
 }
 
 }  // namespace
+
+std::string dumped(const Json& json) { return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace); }
+
+Json jsonOf(const Value& value) {
+    if (const auto* yes = std::get_if<bool>(&value)) return *yes;
+    if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole;
+    if (const auto* number = std::get_if<double>(&value)) return *number;
+    if (const auto* date = std::get_if<Date>(&value)) return date->iso();
+    if (isNull(value)) return nullptr;
+    return std::string(textOf(value));
+}
 
 Json runJson(const RunHeader& run) {
     const Json counts = Json::parse(run.counts, nullptr, false);

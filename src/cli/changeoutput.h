@@ -14,6 +14,10 @@ struct ChangeOutput {
     std::string file;  ///< where the changes are saved instead of printed: .xlsx, or text; empty: nowhere
 };
 
+/// On one line; what is no UTF-8 is replaced.
+std::string dumped(const nlohmann::ordered_json& json);
+/// A value of a company: a date as "2026-11-23", Null as null.
+nlohmann::ordered_json jsonOf(const Value& value);
 /// The head of a record.
 nlohmann::ordered_json runJson(const RunHeader& run);
 

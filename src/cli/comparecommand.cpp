@@ -8,6 +8,7 @@
 #include "cli/printablelines.h"
 #include "cli/runchoice.h"
 #include "cli/session.h"
+#include "history/changetable.h"
 #include "history/comparison.h"
 #include "history/runfolder.h"
 #include "history/warnings.h"
@@ -16,6 +17,7 @@
 #include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
 #include "platform/outputfile.h"
+#include "platform/printable.h"
 #include "platform/spreadsheet/workbook.h"
 
 namespace kolmera::cli {
@@ -63,12 +65,12 @@ void Comparison::print(std::ostream& terminal) {
     out << before_.id << " > " << now_.id << " (" << now_.job << ")\n"
         << fmt::format("{}: {}\n", kind(true), comparison_.added())
         << fmt::format("{}: {}\n", kind(false), comparison_.gone());
-    forEach([&](bool isNew, std::string_view key) { out << (isNew ? "+ " : "- ") << key << '\n'; });
+    forEach(
+        [&](bool isNew, std::string_view key) { out << (isNew ? "+ " : "- ") << printable(key, key.size()) << '\n'; });
 }
 
 /// An article has a line of its own.
 void Comparison::printJson(std::ostream& out) {
-    const auto dumped = [](const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); };
     out << "{\"before\":" << dumped(runJson(before_)) << ",\n\"run\":" << dumped(runJson(now_)) << ",\n\"new\":[";
     bool inNew = true;
     const char* separator = "\n";
@@ -88,9 +90,8 @@ void Comparison::save(const std::filesystem::path& file) {
     if (lowerCase(file.extension().string()) != ".xlsx") {
         OutputFile output(file);
         forEach([&](bool isNew, std::string_view key) {
-            // A spreadsheet program would take such an article number for a formula.
-            const bool formula = std::string_view("=+-@").find(key.substr(0, 1)) != std::string_view::npos;
-            output.write(fmt::format("{}\t{}{}\r\n", kind(isNew), !key.empty() && formula ? "'" : "", key));
+            const std::string cells[] = {kind(isNew), std::string(key)};
+            output.write(tabbedLine(cells, session_.state.locale) + "\r\n");
         });
         return output.finish();
     }
@@ -112,7 +113,7 @@ int compareCommand(const CompareArguments& arguments, const Surroundings& surrou
     Session session(surroundings, arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const RunFolder folder(session.state.dataFolder());
-    const std::vector<RunHeader> runs = folder.list();
+    const std::vector<RunHeader> runs = listedRuns(session, folder, surroundings.err);
     const std::optional<RunHeader> now = chosenRun(session, runs, arguments.run, surroundings.err);
     if (!now) return exitcode::kStopped;
     std::optional<RunHeader> before;

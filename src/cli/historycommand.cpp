@@ -11,6 +11,7 @@
 #include "cli/session.h"
 #include "cli/texttable.h"
 #include "history/runfolder.h"
+#include "history/runlist.h"
 #include "lang/keys/changes.h"
 #include "lang/keys/history.h"
 #include "lang/keys/terminal.h"
@@ -22,11 +23,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::string countText(const RunHeader& run, const char* name) {
-    const Json counts = Json::parse(run.counts, nullptr, false);
-    if (!counts.is_object()) return {};
-    const auto found = counts.find(name);
-    if (found == counts.end() || !found->is_number_integer()) return {};
-    return fmt::format("{}", found->get<std::int64_t>());
+    const auto count = countOf(run, name);
+    return count ? fmt::format("{}", *count) : std::string();
 }
 
 std::vector<std::string> asRow(Session& session, const RunHeader& run) {

@@ -40,10 +40,12 @@ int previewCommand(const PreviewArguments& arguments, const Surroundings& machin
         return preview.summary;
     });
     tellAbout(preview, arguments, session, surroundings.err);
+    if (preview.summary.completed && !preview.summary.cancelled && !preview.record)
+        command.result.exitCode = exitcode::kStopped;
     const int code = command.result.exitCode;
-    if (!preview.summary.completed || preview.summary.cancelled || !preview.record) {
+    if (!preview.record || code == exitcode::kCancelled || code == exitcode::kStopped) {
         command.tellOutcome();
-        return code == exitcode::kDone ? exitcode::kStopped : code;
+        return code;
     }
     if (!arguments.output.json) command.printSummary();
     const bool wanted = arguments.output.json || !arguments.output.file.empty();

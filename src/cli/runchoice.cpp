@@ -1,5 +1,7 @@
 #include "cli/runchoice.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <ostream>
 
@@ -19,6 +21,13 @@ constexpr struct {
                  {"stopped", text::history::kStopped}};
 
 }  // namespace
+
+std::vector<RunHeader> listedRuns(Session& session, const RunFolder& folder, std::ostream& err) {
+    std::int64_t unreadable = 0;
+    std::vector<RunHeader> runs = folder.list(&unreadable);
+    if (unreadable > 0) err << session.text(text::history::kUnreadable, fmt::format("{}", unreadable)) << '\n';
+    return runs;
+}
 
 std::optional<RunHeader> chosenRun(Session& session, const std::vector<RunHeader>& runs, std::string_view name,
                                    std::ostream& err) {

@@ -12,6 +12,7 @@
 #include "lang/errortext.h"
 #include "lang/keys/rejects.h"
 #include "lang/keys/terminal.h"
+#include "platform/systemuser.h"
 
 namespace kolmera::cli {
 namespace {
@@ -91,6 +92,7 @@ void TerminalRun::carryOut() {
     if (!job || !rejectsHaveAPlace(*job)) return;
     job_.carryOut(*job, [&](ImportContext& context) {
         context.record = &record_.emplace(keptInDataFolder(context.state));
+        if (std::string login = SystemUser::current().login; !login.empty()) record_->user = std::move(login);
         return runWithinLimits(context, job->name);
     });
     if (job_.result.summary.completed) job_.printSummary();

@@ -12,7 +12,7 @@ int showCommand(const ShowArguments& arguments, const Surroundings& surroundings
     Session session(surroundings, arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     const RunFolder folder(session.state.dataFolder());
-    const std::vector<RunHeader> runs = folder.list();
+    const std::vector<RunHeader> runs = listedRuns(session, folder, surroundings.err);
     const std::optional<RunHeader> run = chosenRun(session, runs, arguments.run, surroundings.err);
     if (!run) return exitcode::kStopped;
     if (!arguments.rejectsFile.empty()) {

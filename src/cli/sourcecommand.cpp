@@ -30,6 +30,17 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+/// A line of a trade format is a record, whatever stands in it; so is the first one.
+void keepLines(SourceFormat& format) {
+    if (format.kind == SourceKind::Fixed) format.kind = SourceKind::Delimited;
+    if (format.kind != SourceKind::Delimited) return;
+    format.delimiter = '\0';
+    format.quote = '\0';
+    format.starts.clear();
+    format.headings = false;
+    format.skip = 0;
+}
+
 /// What both commands know of a job. Errors are told.
 class JobSource {
   public:
@@ -71,9 +82,10 @@ fs::path JobSource::priceFile() {
 
 /// Of a trade format, or a mask that is not there, a line a record.
 TargetLayout JobSource::layout() {
-    const auto mask = MaskFile(session_.session.state.dataFolder()).find(job_->mask);
+    const bool trade = ÄrStandardFormat(job_->name);
+    const auto mask = trade ? std::nullopt : MaskFile(session_.session.state.dataFolder()).find(job_->mask);
     TargetLayout layout = mask ? targetLayout(*mask) : TargetLayout{};
-    if (job_->kind == "R" || job_->kind == "F") layout.page = CodePage::Oem850;
+    if (trade && job_->name != "(EIO)") layout.page = CodePage::Oem850;
     layout.decimalSign = session_.session.state.locale.decimalSign();
     return layout;
 }
@@ -84,6 +96,7 @@ SourceSettings JobSource::detected(const std::optional<SourceSettings>& before) 
     SourceLimits limits;
     limits.cancelled = [this] { return surroundings_.cancel.load(); };
     settings.format = detectSource(priceFile(), {}, limits).format;
+    if (layout().records == TargetLayout::Records::Whole) keepLines(settings.format);
     settings.headings = SourceTable(openRows(priceFile(), settings.format, limits), settings.format).headings();
     if (!settings.columns.empty()) return settings;
     const TargetLayout target = layout();

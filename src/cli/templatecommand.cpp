@@ -41,7 +41,8 @@ struct JobTemplate {
 /// What fits into a record of the folder's files.
 bool fits(const std::string& text, int characters) {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
-    return characterCount(text) <= static_cast<std::size_t>(characters) && std::ranges::none_of(text, isControl);
+    return characterCount(text) <= static_cast<std::size_t>(characters) && std::ranges::none_of(text, isControl) &&
+           lackingCharacters(composed(text), CodePage::Windows1252).empty();
 }
 
 bool within(int number, int most) { return number >= 0 && number <= most; }
@@ -58,8 +59,9 @@ bool isSound(const RunDefinition& definition) {
     constexpr std::size_t kMostCouplings = 1000;
     const Job& job = definition.job;
     bool sound = !trimmed(job.name).empty() && fits(job.name, kJobTextLength) && fits(job.priceFile, kJobTextLength) &&
-                 fits(job.supplier, kCouplingTextLength) && fits(job.kind, 1) && fits(job.fromGroup, kJobGroupLength) &&
-                 fits(job.toGroup, kJobGroupLength) && within(job.heading1, kColumns) && within(job.heading2, kColumns);
+                 fits(job.mask, kJobTextLength) && fits(job.supplier, kCouplingTextLength) && fits(job.kind, 1) &&
+                 fits(job.fromGroup, kJobGroupLength) && fits(job.toGroup, kJobGroupLength) &&
+                 within(job.heading1, kColumns) && within(job.heading2, kColumns);
     if (definition.mask) {
         const auto& [mask, relations] = *definition.mask;
         sound = sound && !trimmed(mask.Namn).empty() && fits(mask.Namn, kMaskNameLength) &&
@@ -119,6 +121,7 @@ class TemplateCommand {
     [[nodiscard]] std::optional<JobTemplate> read();
     [[nodiscard]] std::vector<SupplierRow> suppliersOf(const std::string& company);
     [[nodiscard]] std::string companyHere(const std::optional<Job>& existing);
+    [[nodiscard]] bool isSetUp(const Job& job) const;
     [[nodiscard]] bool replaces(const JobTemplate& wanted, const std::optional<Job>& existing);
     [[nodiscard]] bool knowsSupplier(JobTemplate& wanted);
     void save(const JobTemplate& wanted);
@@ -195,12 +198,19 @@ std::string TemplateCommand::companyHere(const std::optional<Job>& existing) {
     return company;
 }
 
+/// The jobs of the trade formats are there from the start, without a price file.
+bool TemplateCommand::isSetUp(const Job& job) const {
+    const JobOptionsFile options(folder());
+    return !ÄrStandardFormat(job.name) || !job.priceFile.empty() || options.limits(job.name).any() ||
+           options.source(job.name);
+}
+
 /// Whether what is there already may be written over.
 bool TemplateCommand::replaces(const JobTemplate& wanted, const std::optional<Job>& existing) {
     if (arguments_.replace) return true;
     const RunDefinition& definition = wanted.definition;
     std::string taken;
-    if (existing && !ÄrStandardFormat(existing->name)) taken = definition.job.name;
+    if (existing && isSetUp(*existing)) taken = definition.job.name;
     if (!CouplingFile(folder()).ofJob(definition.job.name).empty() && !definition.couplings.empty())
         taken = definition.job.name;
     if (definition.mask) {

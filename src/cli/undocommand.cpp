@@ -6,6 +6,7 @@
 #include <ostream>
 #include <utility>
 
+#include "cli/changeoutput.h"
 #include "cli/progressbar.h"
 #include "cli/runchoice.h"
 #include "cli/session.h"
@@ -13,11 +14,12 @@
 #include "history/recordedundo.h"
 #include "history/runfolder.h"
 #include "history/undotexts.h"
-#include "import/run/recordkeeping.h"
 #include "lang/errortext.h"
 #include "lang/keys/company.h"
 #include "lang/keys/history.h"
 #include "lang/keys/terminal.h"
+#include "platform/printable.h"
+#include "platform/systemuser.h"
 #include "startup/company.h"
 #include "startup/startup.h"
 
@@ -28,17 +30,6 @@ using Json = nlohmann::ordered_json;
 
 /// `Stays` by name, in its order.
 constexpr const char* kReasonNames[] = {"changed", "removed", "named", "number_taken", "refused"};
-
-Json jsonOf(const Value& value) {
-    if (const auto* yes = std::get_if<bool>(&value)) return *yes;
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole;
-    if (const auto* number = std::get_if<double>(&value)) return *number;
-    if (const auto* date = std::get_if<Date>(&value)) return date->iso();
-    if (isNull(value)) return nullptr;
-    return std::string(textOf(value));
-}
-
-std::string dumped(const Json& json) { return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace); }
 
 class UndoCommand {
   public:
@@ -93,7 +84,8 @@ bool UndoCommand::waitForLock() {
 int UndoCommand::run() {
     if (!session_.hasDataFolder(surroundings_.err)) return exitcode::kStopped;
     LäsDorvikIni(session_.state);
-    const std::optional<RunHeader> run = chosenRun(session_, folder_.list(), arguments_.run, surroundings_.err);
+    const std::optional<RunHeader> run =
+        chosenRun(session_, listedRuns(session_, folder_, surroundings_.err), arguments_.run, surroundings_.err);
     if (!run) return exitcode::kStopped;
     if (run->kind == RunKind::Preview) return stop(text::history::kPreviewChangedNothing, run->id);
     if (run->underWay) return stop(text::history::kUnderWay, run->id);
@@ -108,7 +100,7 @@ int UndoCommand::run() {
 
 int UndoCommand::takeBack(const RunHeader& run) {
     RunHeader head;
-    head.user = keptInDataFolder(session_.state).user;
+    head.user = SystemUser::current().login;
     head.version = KOLMERA_VERSION;
     RecordedUndo recorded(database(), folder_, run.id, std::move(head));
     if (run.ended.empty()) surroundings_.err << session_.text(text::history::kNotEnded, run.id) << '\n';
@@ -152,12 +144,12 @@ void UndoCommand::print(const UndoCounts& counts) {
 void UndoCommand::printKept(const RecordedUndo& recorded) {
     recorded.undo().forEachKept([&](const KeptRow& row) {
         std::string name = row.table;
-        if (!row.label.empty()) name += ' ' + row.label;
+        if (!row.label.empty()) name += ' ' + printable(row.label, row.label.size());
         surroundings_.err << fmt::format("{}, ID {}: {}\n", name, row.id, reasonText(session_.texts, row));
         const TableDef& table = database().table(row.table);
         for (const KeptCell& cell : row.cells) {
-            surroundings_.err << fmt::format("  {}\n",
-                                             keptCellText(session_.texts, cell, table, session_.state.locale));
+            const std::string text = keptCellText(session_.texts, cell, table, session_.state.locale);
+            surroundings_.err << fmt::format("  {}\n", printable(text, text.size()));
         }
         return goOn();
     });

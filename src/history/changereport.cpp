@@ -66,6 +66,7 @@ void ChangeReport::warn(const RunHeader* previous) {
     std::vector<Notice> warnings;
     for (RunWarning& found : runWarnings(source_.header, changes_, figures_, source_.forEachRemark, previous)) {
         const auto row = static_cast<std::size_t>(found.warning);
+        if (found.warning == Warning::MedianChange) found.detail = percentText(*figures_.headline()->median, locale_);
         warnings.push_back({.warning = true,
                             .name = std::string(kWarningNames[row]),
                             .text = texts_.ModulTextMed(kTexts[row], found.detail),

@@ -30,6 +30,14 @@ bool holdsNothing(const Value& value) {
     return isNull(value) || value == Value(std::string());
 }
 
+/// What `holdsNothing`, as such a value would be.
+Value nothingLike(const Value& value) {
+    if (std::holds_alternative<double>(value)) return 0.0;
+    if (std::holds_alternative<std::int64_t>(value)) return std::int64_t{0};
+    if (std::holds_alternative<bool>(value)) return false;
+    return std::holds_alternative<std::string>(value) ? Value(std::string()) : kNothing;
+}
+
 bool isFractional(FieldType type) {
     return type == FieldType::Double || type == FieldType::Single || type == FieldType::Currency;
 }
@@ -161,16 +169,18 @@ NetChanges::Row NetChanges::rowFor(const RowChange& change, int table) {
 
 void NetChanges::addCells(const RowChange& change, int table, const Row& row) {
     SqliteStatement& statement = row.isNew ? addCell_ : putCell_;
+    const bool anew = change.kind == ChangeKind::Added && row.kind == kChanged;
     for (const CellChange& cell : change.cells) {
         if (cell.column < 0 || cell.column >= 1 << kColumnBits) continue;
-        // A later change of the row tells what stood there.
+        // A later change of the row tells what stood there; of a row that is written anew, a cell that is not here.
         if (row.isNew && holdsNothing(cell.before) && holdsNothing(cell.after) && change.kind != ChangeKind::Changed) {
             continue;
         }
         tables_[static_cast<std::size_t>(table)].changed[static_cast<std::size_t>(cell.column)] = true;
         const bool withPercent = row.kind == kChanged && isFractional(typeOf(table, cell.column));
+        const Value before = anew ? nothingLike(cell.after) : cell.before;
         statement.bind(1, cellNumber(row.number, cell.column));
-        statement.bind(2, row.kind == kAdded ? kNothing : cell.before);
+        statement.bind(2, row.kind == kAdded ? kNothing : before);
         statement.bind(3, cell.after);
         statement.bind(4, change.record);
         statement.bind(5, std::int64_t{withPercent});

@@ -105,6 +105,8 @@ bool RunList::canUndo(int row) const {
     return row >= 0 && row < count() && run(row).kind != RunKind::Preview && !run(row).underWay;
 }
 
+bool RunList::canRemove(int row) const { return row >= 0 && row < count() && !run(row).underWay; }
+
 bool RunList::canCompare(int row) const {
     return row >= 0 && row < count() && run(row).kind == RunKind::Run && run(row).outcome == "completed";
 }

@@ -37,6 +37,8 @@ class RunList {
     [[nodiscard]] Cells cells(int row) const;
     /// Of a run whose record says what it changed; a run that was ended from outside, too, but none that is under way.
     [[nodiscard]] bool canUndo(int row) const;
+    /// Of a run that no program is writing.
+    [[nodiscard]] bool canRemove(int row) const;
     /// Of a run that read its price file to the end.
     [[nodiscard]] bool canCompare(int row) const;
     /// Of all companies, the newest first.

@@ -27,8 +27,7 @@ class SqliteConnection;
 class RunRecord final : public ChangeListener {
   public:
     /// Makes a file in this folder, and the folder where it is missing, for all who may use the folder around it. `id`,
-    /// `locked` and, when it is
-    /// empty, `started` of the header are filled in. Throws PlatformError.
+    /// `host`, `locked` and, when it is empty, `started` of the header are filled in. Throws PlatformError.
     RunRecord(const std::filesystem::path& folder, RunHeader header);
     ~RunRecord() override;
 

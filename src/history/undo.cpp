@@ -15,6 +15,7 @@ namespace kolmera {
 struct RunUndo::Impl {
     Impl(Database& to, const NetRows::Source& changes, LastIds ids) : database(to), lastIds(std::move(ids)) {
         changes([&](const RowChange& change) {
+            requireColumns(change);
             net.add(change);
             return true;
         });
@@ -33,6 +34,7 @@ struct RunUndo::Impl {
     enum class Result { Written, AsBefore, Kept, KeyTaken };
     using WriteRows = void (Impl::*)(const TableDef& table, std::vector<NetRow>& rows);
 
+    void requireColumns(const RowChange& change);
     bool forEachBatch(UndoStep step, WriteRows write);
     bool next();
     void keep(const TableDef& table, NetRow& row, Stays why, std::vector<KeptCell> cells, std::string by = {});
@@ -57,6 +59,8 @@ struct RunUndo::Impl {
     void takeOldNumbers();
     void exchangeOneByOne();
 
+    std::string checked_;  ///< table that has so many columns
+    int columns_ = 0;
     std::optional<UndoPlan> again_;  ///< looks once more at what comes to name rows that go
     std::optional<BatchTransaction> batch_;
     const GoOn* goOn_ = nullptr;
@@ -91,6 +95,17 @@ std::vector<Value> valuesOf(Recordset& records, const TableDef& table) {
 }
 
 }  // namespace
+
+/// A record may be damaged, or the company another one than the run's.
+void RunUndo::Impl::requireColumns(const RowChange& change) {
+    if (change.table != checked_) {
+        columns_ = static_cast<int>(database.table(change.table).fields.size());
+        checked_ = change.table;
+    }
+    const auto isThere = [&](const CellChange& cell) { return cell.column >= 0 && cell.column < columns_; };
+    if (std::ranges::all_of(change.cells, isThere)) return;
+    throw PlatformError(errors::kUnknownField, "the company has no such column").about(change.table);
+}
 
 bool RunUndo::Impl::carryOut(const GoOn& goOn) {
     goOn_ = &goOn;

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "db/productcolumns.h"
+#include "history/runlist.h"
 #include "platform/lettercase.h"
 
 namespace kolmera {
@@ -21,17 +22,10 @@ constexpr double kAlmostAll = 0.9;
 constexpr std::int64_t kFewRecords = 3;  ///< so few say nothing of all
 constexpr std::int64_t kManySuppliers = 10;
 
-std::optional<std::int64_t> countOf(const RunHeader& run, const char* name) {
-    const nlohmann::json counts = nlohmann::json::parse(run.counts, nullptr, false);
-    if (!counts.is_object()) return {};
-    const auto found = counts.find(name);
-    if (found == counts.end() || !found->is_number_integer()) return {};
-    return found->get<std::int64_t>();
-}
-
 bool readAsOneLine(const RunHeader& run) {
     const nlohmann::json counts = nlohmann::json::parse(run.counts, nullptr, false);
-    return counts.is_object() && counts.value("read_as_one_line", false);
+    const auto found = counts.find("read_as_one_line");
+    return found != counts.end() && *found == true;
 }
 
 void sortOut(std::vector<std::int64_t>& records) {
@@ -147,7 +141,7 @@ void Warner::lookAtCells() {
     const PriceFigures* price = figures_.headline();
     if (price != nullptr && price->median && price->raised + price->lowered >= kFewRecords &&
         std::abs(*price->median) > kMedianPercent) {
-        add(Warning::MedianChange, fmt::format("{:+.1f}", *price->median));
+        add(Warning::MedianChange);
     }
     const auto changed = static_cast<std::int64_t>(suppliers_.size());
     if (changed >= kManySuppliers && changed * 10 >= figures_.changedProducts) {

@@ -20,7 +20,7 @@ enum class Warning {
     OneLine,        ///< a file of line feeds, read as one line
     ZeroPrices,     ///< prices became 0
     Jumps,          ///< prices became about 10, 100 or 1000 times as high or low: implied decimals
-    MedianChange,   ///< the headline price changed by more than kMedianPercent in the middle; `detail`: by so much
+    MedianChange,   ///< the headline price changed by more than kMedianPercent in the middle
     NewSuppliers,   ///< many products changed their supplier
     Twice,          ///< a later record wrote another price into the same row
     NeverNumber,    ///< a column that is hardly ever a number or a date; `detail`: which

@@ -5,6 +5,7 @@
 
 #include "cli/climachine.h"
 #include "platform/engine/database.h"
+#include "platform/systemuser.h"
 #include "platform/tsv.h"
 
 namespace kolmera::test {
@@ -82,6 +83,8 @@ TEST(Demo, RejectsAreWrittenUnlessOverThePriceFile) {
     EXPECT_EQ(machine.run({"history", "--data", machine.data(), "--json"}), 0);
     EXPECT_EQ(machine.out(), "[]\n") << "the job has run all the same";
     EXPECT_EQ(machine.runJob("(FINFO)", {"--rejects", file}), 3) << machine.err();
+    EXPECT_EQ(machine.run({"history", "--data", machine.data(), "--json"}), 0);
+    EXPECT_EQ(nlohmann::json::parse(machine.out())[0]["user"], SystemUser::current().login);
     const std::string rejects = readWholeFile(file);
     EXPECT_EQ(std::ranges::count(rejects, '\n'), 10) << rejects;
     EXPECT_EQ(machine.run({"show", "last", "--data", machine.data(), "--rejects", file + "2"}), 0) << machine.err();

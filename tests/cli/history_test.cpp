@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "cli/climachine.h"
@@ -77,6 +78,7 @@ TEST_F(History, ARunIsListedShownTakenBackAndThatTakenBack) {
     const auto undone = std::ranges::find(list, "undo", [](const Json& run) { return run.at("kind"); });
     ASSERT_NE(undone, list.end());
     EXPECT_EQ(undone->at("counts").at("removed"), 1);
+    EXPECT_NE(undone->at("host"), "");
     EXPECT_EQ(command({"undo", undone->at("run"), "--json"}), 0) << machine.err();
     EXPECT_EQ(Json::parse(machine.out()).at("brought_back"), 1);
     EXPECT_EQ(rows(), after);
@@ -100,6 +102,9 @@ TEST_F(History, NamesThatFitNoOrManyRuns) {
     EXPECT_THAT(machine.err(), HasSubstr("Grossisten"));
     EXPECT_EQ(command({"undo", "../../etc"}), 1);
     EXPECT_EQ(command({"undo", ""}), 1);
+    std::ofstream(runs().path() / "20991231-000000-zzzz.kmr") << "damaged";
+    EXPECT_EQ(command({"undo", "last", "--dry-run"}), 0);
+    EXPECT_THAT(machine.err(), HasSubstr("1 körningar")) << "another run is taken for the last one unseen";
 }
 
 TEST_F(History, ArticlesThatCameAndWentAreTold) {
@@ -113,6 +118,18 @@ TEST_F(History, ArticlesThatCameAndWentAreTold) {
     EXPECT_EQ(std::filesystem::file_size(machine.file("new.txt")),
               std::string("Ny\t4714\r\ninte längre i filen\t4712\r\n").size());
     EXPECT_EQ(command({"compare", "last", "--with", "last"}), 0);
+}
+
+TEST_F(History, NothingThatAFileSaysActsOnTheTerminal) {
+    record({"INSERT INTO Produkt (Nummer, Benämning) VALUES ('C' || char(27) || '[2J', 'a' || char(10) || 'b')"},
+           {"A"});
+    record({}, {"B\x1B[2J"});
+    for (const char* shown : {"show", "compare"}) {
+        const std::string run = std::string_view(shown) == "show" ? runs().list().back().id : "last";
+        EXPECT_EQ(command({shown, run}), 0) << machine.err();
+        EXPECT_EQ(machine.out().find('\x1B'), std::string::npos) << machine.out();
+        EXPECT_EQ(machine.out().find("\nb"), std::string::npos) << machine.out();
+    }
 }
 
 TEST_F(History, SavedChangesHoldNoFormulas) {

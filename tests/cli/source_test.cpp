@@ -7,6 +7,7 @@
 
 #include "cli/climachine.h"
 #include "definitions/joboptions.h"
+#include "definitions/maskfile.h"
 #include "platform/lettercase.h"
 #include "platform/tsv.h"
 
@@ -88,6 +89,19 @@ TEST(SourceOfTheTerminal, RejectsRunWhenTheyAreCorrected) {
     }
 }
 
+TEST(SourceOfTheTerminal, ADetectedTradeFormatKeepsItsLines) {
+    SourceMachine machine;
+    for (const auto& [job, file] : {std::pair("(EIO)", "EIO.TXT"), std::pair("(RSK)", "RSK.TXT")}) {
+        SCOPED_TRACE(job);
+        ASSERT_EQ(machine.run({"source", job, "--data", machine.data(), "--detect"}), 0) << machine.err();
+        ASSERT_EQ(machine.run({"convert", job, "--data", machine.data(), "--output", machine.file("lines")}), 0)
+            << machine.err();
+        std::string lines = readWholeFile(machine.data() + "/Prisfiler/" + file);
+        if (lines.ends_with('\x1A')) lines.pop_back();
+        EXPECT_EQ(readWholeFile(machine.file("lines")), lines);
+    }
+}
+
 TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
     SourceMachine machine;
     const std::string file = machine.write(
@@ -129,6 +143,13 @@ TEST(TemplateOfTheTerminal, GoesToAnotherFolderAndAsksBeforeItWritesOver) {
     EXPECT_EQ(JobOptionsFile(machine.data()).source("Kopia"), JobOptionsFile(machine.data()).source(kJob));
     EXPECT_EQ(machine.runJob("Kopia"), 3) << machine.err();
 
+    ASSERT_EQ(machine.run({"template", "export", "(EIO)", file, "--data", machine.data()}), 0);
+    ASSERT_EQ(machine.run({"limits", "(EIO)", "--data", other, "--set", "zero-prices=0"}), 0);
+    EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 1) << "limits of a trade format are written over unasked";
+    EXPECT_EQ(JobOptionsFile(other).limits("(EIO)").zeroPrices, 0);
+    ASSERT_EQ(machine.run({"limits", "(EIO)", "--data", other, "--clear"}), 0);
+    EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 0) << machine.err();
+
     ASSERT_EQ(machine.run({"template", "export", "Bruknäs höstlista", file, "--data", machine.data()}), 0);
     EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 1) << "a supplier who is not there";
     EXPECT_EQ(imported(machine.data(), {"--replace"}), 0) << machine.err();
@@ -163,6 +184,12 @@ TEST(TemplateOfTheTerminal, HostileOnesAreRefused) {
             machine.run({"template", "import", file, "--data", machine.data(), "--as", c.member[1] == 'j' ? "" : "Ny"}),
             1);
     }
+    auto unnamed = sound;
+    unnamed["job"]["name"] = "\u65E5";
+    unnamed["job"]["mask"] = unnamed["mask"]["Namn"] = "Ny mask";
+    machine.write("t.json", unnamed.dump());
+    EXPECT_EQ(machine.run({"template", "import", file, "--data", machine.data()}), 1);
+    EXPECT_FALSE(MaskFile(machine.data()).find("Ny mask")) << "half of a template is written";
     machine.write("t.json", std::string(100000, '['));
     EXPECT_EQ(machine.run({"template", "import", file, "--data", machine.data()}), 1);
     machine.write("t.json", std::string(5 << 20, ' '));

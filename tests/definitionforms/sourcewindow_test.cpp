@@ -61,6 +61,13 @@ TEST(SourceWindow, CorrectsWhatWasFoundByKeysAlone) {
         EXPECT_TRUE(eventually([&] { return rows.item(0, 0) != nullptr && rows.item(0, 0)->text() == "A1"; }));
         EXPECT_FALSE(editor.format().headings);
         EXPECT_TRUE(form.converts());
+        editor.choose(Name::Kind, 5);
+        control<QCheckBox>(form, "Omvandla").setChecked(false);
+        EXPECT_FALSE(control(form, "OK").isEnabled())
+            << "what the job has is thrown away with a file that is unreadable";
+        editor.choose(Name::Kind, 0);
+        control<QCheckBox>(form, "Omvandla").setChecked(true);
+        EXPECT_TRUE(control(form, "OK").isEnabled());
         control<QCheckBox>(form, "Omvandla").setChecked(false);
         EXPECT_FALSE(control(form, box(Name::Skip).c_str()).isEnabled());
         EXPECT_FALSE(form.converts());

@@ -36,6 +36,8 @@ TEST(ChangeFigures, ManyChangesOfOneRowAreOne) {
     const Value none;
     const RowChange priced = product(ChangeKind::Added, 1, {{kInpris, none, 10.0}});
     const RowChange unpriced = product(ChangeKind::Removed, 1, {{kInpris, 10.0, none}});
+    const RowChange emptied = product(ChangeKind::Removed, 1, {{kInpris, 0.0, none}});
+    const RowChange filled = product(ChangeKind::Added, 1, {{kInpris, none, 0.0}});
     const struct {
         const char* fault;
         const char* expected;  ///< new, changed and removed products, raised and lowered prices
@@ -47,6 +49,8 @@ TEST(ChangeFigures, ManyChangesOfOneRowAreOne) {
                  {"a product that went counted as changed", "0 0 1 0 0", {repriced(1, 9, 10), unpriced}},
                  {"a product that was written anew counted as new", "0 0 0 0 0", {unpriced, priced}},
                  {"its new price not counted", "0 1 0 1 0", {unpriced, priced, repriced(1, 10, 11)}},
+                 {"a 0 that was written anew counted as changed", "0 0 0 0 0", {emptied, filled}},
+                 {"a price behind a 0 that was written anew not counted", "0 1 0 1 0", {emptied, priced}},
                  {"a name counted as a price", "0 1 0 0 0", {product(ChangeKind::Changed, 1, {{kName, "1"s, "2"s}})}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);

@@ -1,11 +1,16 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <span>
+#include <thread>
 
 #include "cli/climachine.h"
 #include "definitions/joboptions.h"
 #include "import/preview/limitedrun.h"
+#include "lang/keys/run.h"
+#include "platform/tsv.h"
 #include "support/world.h"
 #include "support/worlds.h"
 
@@ -79,6 +84,36 @@ TEST(Limits, ThatCannotBeReadLimitNothingAndAreToldOnce) {
     world.port.expectBeginning(world.texts().ModulTextMed(text::limits::kUnreadable, kJobOptionsFile), "Kolmera");
     EXPECT_TRUE(world.runWithinLimits().completed);
     EXPECT_EQ(world.prices(), kAfter);
+}
+
+TEST(Limits, ThatCannotBeCheckedStopTheRunAndSaySo) {
+    LimitsWorld world({.largestChange = 500});
+    // SQLite takes names of 512 bytes: here that of the preview's company is short enough, its record's is not.
+    const TemporaryFolder folder;
+    std::filesystem::path deep = folder.path();
+    while (deep.string().size() < 350) deep /= std::string(50, 'd');
+    deep /= std::string(455 - deep.string().size(), 'd');
+    std::filesystem::create_directories(deep);
+    const char* before = std::getenv("TMPDIR");
+    const std::string kept = before == nullptr ? "" : before;
+    setenv("TMPDIR", deep.c_str(), 1);
+    world.port.expectBeginning(world.said(text::limits::kNotChecked), world.said(text::run::kStoppedTitle));
+    EXPECT_FALSE(world.runWithinLimits().completed);
+    EXPECT_EQ(world.prices(), kBefore);
+    before == nullptr ? unsetenv("TMPDIR") : setenv("TMPDIR", kept.c_str(), 1);
+}
+
+TEST(Limits, LeaveThePriceFileToTheRunWhenItIsAPipe) {
+    LimitsWorld world({.largestChange = 500});
+    const std::filesystem::path file = world.data() / "pris.txt";
+    const std::string content = readWholeFile(file);
+    std::filesystem::remove(file);
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(file) << content; });
+    const RunSummary summary = world.runWithinLimits();
+    writer.join();
+    EXPECT_EQ(world.prices(), kAfter);
+    EXPECT_TRUE(summary.completed);
 }
 
 TEST(LimitsOfTheTerminal, StopARunWithACodeOfTheirOwn) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <fstream>
 
+#include "definitions/joboptions.h"
 #include "history/runfolder.h"
 #include "tradeformats/tradeworld.h"
 
@@ -171,6 +172,17 @@ TEST(RejectFile, OnlyTheFileThatWasReadIsCut) {
         EXPECT_EQ(world.write(), c.expected);
         EXPECT_EQ(world.written(), c.expected == Outcome::Written ? "A\tPenna\tx\r\n" : "older");
     }
+}
+
+TEST(RejectFile, HasTheRowsThatConversionCouldNotKeep) {
+    RejectWorld world("T", maskOf('T'));
+    SourceSettings source;
+    source.format.headings = false;
+    JobOptionsFile(world.data()).setSource(world.job.name, source);
+    world.rawPriceFile("A;\u017B;1\nB;Bok;2\n");
+    EXPECT_EQ(world.run().report.count(Remark::LackingCharacters), 1);
+    EXPECT_EQ(world.write(), Outcome::Written) << "told that there is nothing to correct";
+    EXPECT_EQ(world.written(), "A;\u017B;1\n");
 }
 
 TEST(RejectFile, ThePriceFileIsNeverWrittenOver) {

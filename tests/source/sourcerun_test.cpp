@@ -158,8 +158,7 @@ TEST(SourceRun, EveryKindReadsAsTheSameRowsInTabColumns) {
 
 TEST(SourceRun, LinesAreTakenAsTheyAreWhereTheTextHasNoColumns) {
     SourceSettings settings;
-    settings.format.delimiter = '\0';
-    settings.format.quote = '\0';
+    settings.format.delimiter = '\0';  // where there are no cells, quotes are letters
     SourceWorld lines('F', true);
     lines.source(settings);
     lines.rawPriceFile("00471\nSkruv; rostfri\n1250,5\n\n00472\n\"Bult å\n12\n20261123\n");

@@ -25,6 +25,7 @@ TEST(SourceValues, Numbers) {
         {"comma and dash taken for a negative price", "1 125,-", blanks, "1125"},
         {"no-break blank refused", "1\u00A0250,00 kr", blanks, "1250.00"},
         {"narrow blank refused", "1\u202F250,00", none, "1250.00"},
+        {"a blank refused where points are usual", "1 250,50", swedish, "1250.50"},
         {"Swiss sign refused", "1’250.00", {'.', "'"}, "1250.00"},
         {"decimal sign at the end refused", "12,", swedish, "12"},
         {"no digit before the sign refused", ",5", swedish, "0.5"},

@@ -210,6 +210,8 @@ TEST(PackedFiles, AreUnpacked) {
         format.member = c.member;
         EXPECT_EQ(rowsOf(zip, format), c.rows) << c.fault;
     }
+    format.member = "b.csv";
+    EXPECT_EQ(rowsOf(zipped({{"B.csv", "1\n"}, {"b.csv", "2\n"}}), format), "1|2\n") << "another one is read";
     format.member = "*.xml";
     EXPECT_EQ(errorOf([&] { rowsOf(zip, format); }), errors::kNoSuchMember);
     format.member.clear();

@@ -375,6 +375,14 @@ TEST(Undo, WhatHasComeToBeNamedSinceThePlanStays) {
     EXPECT_EQ(world.rows("Produkt", "Nummer"), "B\n");
 }
 
+TEST(Undo, ColumnsThatTheCompanyHasNotAreRefused) {
+    World world;
+    world.add("Produkt", {{"Nummer", "A"}});
+    RowChange change{.kind = ChangeKind::Changed, .table = "Produkt", .id = 1, .label = {}, .cells = {}};
+    change.cells.push_back({10'000, Value(1.0), Value(2.0)});
+    EXPECT_THROW(RunUndo(world.session(), sourceOf({change})), PlatformError);
+}
+
 TEST(UndoOfAFile, AProductThatAnotherProgramsTableNamesStays) {
     World world;
     const auto database = world.open();

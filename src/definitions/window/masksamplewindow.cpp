@@ -64,6 +64,7 @@ const Column kColumns[] = {
 };
 
 QLabel* wrapped(QLabel* label) {
+    label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     return label;
 }

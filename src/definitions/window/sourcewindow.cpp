@@ -69,6 +69,7 @@ bool SourceWindow::converts() const { return omvandla_->isChecked() && editor_.e
 
 void SourceWindow::build() {
     ord_ = new QLabel(this);
+    ord_->setTextFormat(Qt::PlainText);
     ord_->setWordWrap(true);
     ord_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     omvandla_ = named(new QCheckBox(QStringLiteral("O&mvandla filen så här innan masken läser den"), this), "Omvandla");
@@ -124,6 +125,7 @@ void SourceWindow::present() {
     ord_->setText(toQt(editor_.words()));
     const bool readable = editor_.error().empty();
     omvandla_->setEnabled(readable);
+    ok_->setEnabled(readable);  // what the job has would go with it
     egenskaper_->show(editor_.properties(), omvandla_->isChecked(), *omvandla_, *rader_);
     for (QPushButton* more : {kolumner_, utelämnade_}) more->setEnabled(readable && omvandla_->isChecked());
     presentRows();

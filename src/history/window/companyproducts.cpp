@@ -39,6 +39,7 @@ std::string articlesQuery(const RecordedDefinition& definition) {
 }  // namespace
 
 void nameProducts(Program& program, ChangeReport& report) {
+    const ClosesCompany closing(program);
     if (!openCompany(program, report.header().companyFile)) return;
     SqlLayer& sql = program.state.sql;
     const auto text = [&](Recordset& row, int column) { return TillText(row.value(column), sql.locale()); };
@@ -59,6 +60,7 @@ void nameProducts(Program& program, ChangeReport& report) {
 }
 
 void nameArticles(Program& program, const RunHeader& run, ComparisonList& list) {
+    const ClosesCompany closing(program);
     if (!openCompany(program, run.companyFile)) return;
     SqlLayer& sql = program.state.sql;
     const RecordedDefinition definition = recordedDefinition(run);

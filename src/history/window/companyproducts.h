@@ -9,6 +9,18 @@
 
 namespace kolmera {
 
+/// Closes the company at its end: who copies a file that is open may miss what others have written last.
+class ClosesCompany {
+  public:
+    explicit ClosesCompany(Program& program) : sql_(program.state.sql) {}
+    ClosesCompany(const ClosesCompany&) = delete;
+    ClosesCompany& operator=(const ClosesCompany&) = delete;
+    ~ClosesCompany() { sql_.FtgDB.reset(); }
+
+  private:
+    SqlLayer& sql_;
+};
+
 // What the company of a run knows of the products that its record tells of. Only companies in files are asked: one on a
 // server is not opened for names, which can take long.
 

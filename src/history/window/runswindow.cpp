@@ -186,7 +186,7 @@ void RunsWindow::present() {
     show_->setEnabled(row >= 0);
     compare_->setEnabled(runs_.canCompare(row));
     undo_->setEnabled(runs_.canUndo(row));
-    remove_->setEnabled(row >= 0);
+    remove_->setEnabled(runs_.canRemove(row));
     std::string remark;
     if (runs_.count() == 0) remark = program_.texts.FormulärSträng(text::runs::kNone);
     if (unreadable_ > 0)
@@ -222,7 +222,7 @@ void RunsWindow::undo() {
 
 void RunsWindow::remove() {
     const int row = currentRow();
-    if (row < 0) return;
+    if (!runs_.canRemove(row)) return;
     const RunHeader& run = runs_.run(row);
     const std::string question = program_.texts.FormulärSträngMed1(text::runs::kAskToRemove,
                                                                    runs_.cells(row)[RunList::kStarted] + " " + run.job);

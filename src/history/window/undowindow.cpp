@@ -11,6 +11,7 @@
 #include "history/recordedundo.h"
 #include "history/runlist.h"
 #include "history/undotexts.h"
+#include "history/window/companyproducts.h"
 #include "import/run/recordkeeping.h"
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
@@ -149,6 +150,7 @@ bool takeBack(Program& program, QWidget* parent, const std::string& run) {
     try {
         const RunFolder folder(program.state.dataFolder());
         const std::string company = RecordReader(folder.file(run)).header().companyFile;
+        const ClosesCompany closing(program);
         if (!program.companies.ÖppnaDatabas(company)) return false;
         TakingBack undo(program, *parent, folder, run);
         if (!undo.plan() || !undo.isWanted()) return false;

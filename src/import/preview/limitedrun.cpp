@@ -8,6 +8,7 @@
 #include "import/dispatcher.h"
 #include "import/preview/preview.h"
 #include "lang/errortext.h"
+#include "lang/keys/run.h"
 
 namespace kolmera {
 namespace {
@@ -92,11 +93,22 @@ Limits limitsOf(ImportContext& context, std::string_view job) {
     }
 }
 
+/// What a preview said at its end, with its record missing.
+void tellNotChecked(ImportContext& context, const Preview& preview) {
+    std::string text = context.texts.ModulText(text::limits::kNotChecked);
+    for (const std::string& told : preview.told) text.append("\r\n\r\n").append(told);
+    context.boxes.MeddelandeVarning(text, context.texts.ModulText(text::run::kStoppedTitle));
+}
+
 /// Whether the run may write.
 bool keepsLimits(ImportContext& context, std::string_view jobText, const Limits& limits, bool emptyTables,
                  bool& beyond) {
     const Preview preview = previewRun(context, jobText, {.emptyTables = emptyTables, .withinRun = true});
-    if (!preview.summary.completed || preview.summary.cancelled || !preview.record) return false;
+    if (!preview.summary.completed || preview.summary.cancelled) return false;
+    if (!preview.record) {
+        tellNotChecked(context, preview);
+        return false;
+    }
     const std::string lines = brokenLines(context.texts, context.state.locale, limits, measured(preview, limits));
     if (lines.empty()) return true;
     beyond = !context.port.goesBeyondLimits({.title = context.texts.ModulText(text::limits::kBeyondTitle),

@@ -233,8 +233,9 @@ bool RunMachinery::takeSource(std::optional<CodePage> lines) {
     if (!readDefinitions([&] { settings = JobOptionsFile(context_.state.dataFolder()).source(job_.name); }))
         return false;
     std::error_code unknown;
+    const bool readAgain = settings || context_.mayWrite;  // by a preview; what was read of a pipe is gone
     const bool pipe =
-        priceFilePath_ == kStandardInput || (settings && !std::filesystem::is_regular_file(priceFilePath_, unknown));
+        priceFilePath_ == kStandardInput || (readAgain && !std::filesystem::is_regular_file(priceFilePath_, unknown));
     if (!settings && !pipe) return true;
     context_.taken = std::make_shared<TakenSource>();
     context_.taken->original = priceFilePath_;

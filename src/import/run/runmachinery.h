@@ -75,7 +75,8 @@ class RunMachinery {
     [[nodiscard]] bool FörberedFil(const std::string& command);
     [[nodiscard]] bool findPriceFile();
     /// Turns the file that `findPriceFile` has found into what the run's mask reads, or the lines of a trade format in
-    /// these characters, where the job has a source. False, and told, when that cannot be done.
+    /// these characters, where the job has a source; keeps the bytes of a pipe that is read more than once. False, and
+    /// told, when that cannot be done.
     [[nodiscard]] bool takeSource(std::optional<CodePage> lines = {});
     /// Looks at what is going to be read, before anything is changed. When it is not what the run
     /// expects, it is read all the same or the run stops, as the user decides. Then `ImportContext::mayWrite` is asked,

@@ -316,7 +316,11 @@ void PrisMain::förhandsgranska(bool emptyTables) {
         return;
     }
     // What stopped it has been told.
-    if (!preview.record || !preview.summary.completed || preview.summary.cancelled) return;
+    if (!preview.summary.completed || preview.summary.cancelled) return;
+    if (!preview.record) {
+        for (const std::string& told : preview.told) program_.boxes.MeddelandeVarning(told);
+        return;
+    }
     if (!showRecord(program_, this, *preview.record, preview.told)) return;
     runPanel_->proposeEmptyTables(emptyTables);
     utför();

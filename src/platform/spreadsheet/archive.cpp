@@ -103,7 +103,8 @@ std::vector<std::string> Archive::names() const {
 }
 
 std::optional<std::uint64_t> Archive::find(const std::string& name) const {
-    const zip_int64_t index = zip_name_locate(zip_.get(), name.c_str(), ZIP_FL_NOCASE);
+    zip_int64_t index = zip_name_locate(zip_.get(), name.c_str(), 0);
+    if (index < 0) index = zip_name_locate(zip_.get(), name.c_str(), ZIP_FL_NOCASE);
     if (index < 0) return std::nullopt;
     return static_cast<std::uint64_t>(index);
 }

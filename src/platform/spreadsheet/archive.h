@@ -32,7 +32,7 @@ class Archive {
     /// The names of all entries, folders among them.
     [[nodiscard]] std::vector<std::string> names() const;
 
-    /// The number of an entry, found without regard to letter case.
+    /// The number of the entry of that name or, where there is none, of the same in another letter case.
     [[nodiscard]] std::optional<std::uint64_t> find(const std::string& name) const;
 
     /// The unpacked bytes of an entry; the archive has to outlive them. Reading throws kUnpacksTooLarge above `most`

@@ -71,18 +71,11 @@ void dropCurrencyBehind(std::string_view& text) {
     if (isCurrency(word.substr(begin))) text = word.substr(0, begin);
 }
 
-/// A blank or one of the signs that are written in its place; `sign` is not one.
-bool isBlankSign(std::string_view sign) {
-    return sign.empty() || std::ranges::find(kBlanks, sign) != std::end(kBlanks);
-}
-
-/// Drops a thousands sign in front.
+/// Drops a thousands sign in front; a blank is always one.
 bool dropThousandsSign(std::string_view& text, std::string_view sign) {
-    if (!isBlankSign(sign)) {
-        constexpr std::array<std::string_view, 2> kApostrophes = {"'", "\u2019"};
-        if (std::ranges::find(kApostrophes, sign) != kApostrophes.end()) return dropFrontAny(text, kApostrophes);
-        return dropFront(text, sign);
-    }
+    constexpr std::array<std::string_view, 2> kApostrophes = {"'", "\u2019"};
+    const bool apostrophe = std::ranges::find(kApostrophes, sign) != kApostrophes.end();
+    if (apostrophe ? dropFrontAny(text, kApostrophes) : dropFront(text, sign)) return true;
     return dropFrontAny(text, kBlanks);
 }
 

@@ -10,18 +10,18 @@ namespace {
 
 /// Rows of cells with a character between them. A cell may stand in quotes, blanks around them are left out, and then
 /// hold the delimiter, line ends, and quotes that are doubled. A quote in such a cell that is neither doubled nor
-/// followed by a delimiter or a line end is taken as it stands.
+/// followed by a delimiter or a line end is taken as it stands. Without a delimiter a line is one cell, quotes and all.
 class DelimitedReader final : public RowReader {
   public:
     DelimitedReader(std::unique_ptr<ByteStream> stream, const SourceFormat& format, const SourceLimits& limits)
         : window_(std::move(stream), format.characters, limits),
           limits_(limits),
           delimiter_(format.delimiter),
-          quote_(format.quote) {
+          quote_(format.delimiter == '\0' ? '\0' : format.quote) {
         const auto mark = [this](char c, Sign sign) { signs_[static_cast<std::uint8_t>(c)] = sign; };
         mark('\r', Sign::LineEnd);
         mark('\n', Sign::LineEnd);
-        mark(delimiter_, Sign::Delimiter);
+        if (delimiter_ != '\0') mark(delimiter_, Sign::Delimiter);
         if (quote_ != '\0') mark(quote_, Sign::Quote);
     }
 
