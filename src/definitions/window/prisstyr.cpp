@@ -1,7 +1,6 @@
 #include "definitions/window/prisstyr.h"
 
 #include <QComboBox>
-#include <QFileDialog>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -21,6 +20,7 @@
 #include "definitions/window/suppliermodel.h"
 #include "lang/keys/prisstyr.h"
 #include "ui/controls.h"
+#include "ui/filedialogs.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lists.h"
@@ -52,7 +52,12 @@ PrisStyr::PrisStyr(Program& program, int JobbNr, bool ÄrStandardJobb, QWidget* 
     : QDialog(parent), program_(program), job_(program.state, program.texts, program.boxes, program.companies) {
     const Hourglass loading(program.boxes.port());
     chooseFile = [this](const QString& title, const QString& filter) {
-        return QFileDialog::getOpenFileName(this, title, toQt(job_.fileFolder().string()), filter);
+        FileQuestion question;
+        question.title = title;
+        question.filters = filter;
+        question.path = toQt(job_.fileFolder().string());
+        // Beside the price file, where the job has one; else where the last one was.
+        return askForFileToOpen(this, question, job_.job.priceFile.empty() ? program_.memory : nullptr);
     };
     setObjectName(QStringLiteral("PrisStyr"));
     setWindowTitle(QStringLiteral("Ny inläsning"));
@@ -61,7 +66,8 @@ PrisStyr::PrisStyr(Program& program, int JobbNr, bool ÄrStandardJobb, QWidget* 
     buildMasks();
     buildCompany();
     buildFinfo();
-    levPanel_ = new CouplingPanel(job_.couplings, job_.isFinfo() ? kCouplingLinesOfFinfo : kCouplingLines, this);
+    levPanel_ =
+        new CouplingPanel(program_, job_.couplings, job_.isFinfo() ? kCouplingLinesOfFinfo : kCouplingLines, this);
     buildButtons();
     layOut();
     installEnterSomTab(*this);
