@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "definitions/maskfile.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 
@@ -23,22 +22,15 @@ std::string nameOfCopy(std::string_view name, std::string_view word, const std::
     }
 }
 
-namespace {
-
-/// The name of the copy.
-std::string copyMask(const std::filesystem::path& dataFolder, const std::string& name, std::string_view word) {
+int copyMask(const std::filesystem::path& dataFolder, const WholeMask& mask, std::string_view word) {
     MaskFile masks(dataFolder);
-    auto whole = masks.find(name);
-    if (!whole) return name;
     std::vector<std::string> taken;
-    for (const Mask& mask : masks.all()) taken.push_back(mask.Namn);
-    whole->mask.number = 0;
-    whole->mask.Namn = nameOfCopy(name, word, taken, kMaskNameLength);
-    masks.save(whole->mask, whole->relations, std::nullopt);
-    return whole->mask.Namn;
+    for (const Mask& other : masks.all()) taken.push_back(other.Namn);
+    Mask copy = mask.mask;
+    copy.number = 0;
+    copy.Namn = nameOfCopy(mask.mask.Namn, word, taken, kMaskNameLength);
+    return masks.save(copy, mask.relations, std::nullopt);
 }
-
-}  // namespace
 
 int copyJob(const std::filesystem::path& dataFolder, const Job& shown, bool withMask, std::string_view word) {
     JobFile jobs(dataFolder);
@@ -46,7 +38,9 @@ int copyJob(const std::filesystem::path& dataFolder, const Job& shown, bool with
     for (const Job& job : jobs.all()) taken.push_back(job.name);
     const std::string name = nameOfCopy(shown.name, word, taken, kJobTextLength);
     // The mask first: without its job it is a mask like any other.
-    const std::string mask = withMask ? copyMask(dataFolder, shown.mask, word) : shown.mask;
+    std::string mask = shown.mask;
+    const auto whole = withMask ? MaskFile(dataFolder).find(mask) : std::nullopt;
+    if (whole) mask = MaskFile(dataFolder).read(copyMask(dataFolder, *whole, word)).value().mask.Namn;
     return jobs.copy(shown, name, mask);
 }
 

@@ -75,10 +75,11 @@ void forEachPart(const QWidget& form, const Take& take) {
 void fitOnScreen(QWidget& form) {
     if (form.isMaximized() || form.isFullScreen()) return;
     const QRect room = form.screen()->availableGeometry();
-    form.resize(form.size().expandedTo(form.minimumSizeHint()).boundedTo(room.size()));
-    const int left = qBound(room.left(), form.x(), qMax(room.left(), room.right() + 1 - form.width()));
-    const int top = qBound(room.top(), form.y(), qMax(room.top(), room.bottom() + 1 - form.height()));
-    form.move(left, top);
+    const QSize size = form.size().expandedTo(form.minimumSizeHint()).boundedTo(room.size());
+    const QPoint place(qBound(room.left(), form.geometry().left(), room.right() + 1 - size.width()),
+                       qBound(room.top(), form.geometry().top(), room.bottom() + 1 - size.height()));
+    // Without its frame, which is not known before the window is shown: moved with it, it would wander off.
+    if (const QRect wanted(place, size); wanted != form.geometry()) form.setGeometry(wanted);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ TEST_F(WindowMemoryTest, AWindowComesBackAsItWasLeft) {
         EXPECT_EQ(window.pos(), QPoint(50, 60)) << "moved though nothing was known";
         window.setGeometry(120, 90, 500, 350);
         window.list.header()->moveSection(2, 0);
-        window.list.header()->resizeSection(1, 77);
+        window.list.header()->resizeSection(0, 77);
         window.list.sortByColumn(1, Qt::DescendingOrder);
         window.splitter.setSizes({300, 100});
         window.close();
@@ -68,7 +68,7 @@ TEST_F(WindowMemoryTest, AWindowComesBackAsItWasLeft) {
     VisaFormulär(world.program, window, false);
     EXPECT_EQ(window.geometry(), QRect(120, 90, 500, 350));
     EXPECT_EQ(window.list.header()->visualIndex(2), 0);
-    EXPECT_EQ(window.list.columnWidth(1), 77);
+    EXPECT_EQ(window.list.columnWidth(0), 77);
     EXPECT_EQ(window.list.header()->sortIndicatorSection(), 1);
     EXPECT_GT(window.splitter.sizes()[0], window.splitter.sizes()[1]);
     EXPECT_FALSE(std::filesystem::exists(world.data / "windows.ini")) << "in the folder that all share";

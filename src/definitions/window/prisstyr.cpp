@@ -1,5 +1,6 @@
 #include "definitions/window/prisstyr.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -19,6 +20,7 @@
 #include "definitions/window/sourcewindow.h"
 #include "definitions/window/suppliermodel.h"
 #include "lang/keys/prisstyr.h"
+#include "ui/commands.h"
 #include "ui/controls.h"
 #include "ui/filedialogs.h"
 #include "ui/forms.h"
@@ -72,6 +74,7 @@ PrisStyr::PrisStyr(Program& program, int JobbNr, bool ÄrStandardJobb, QWidget* 
     layOut();
     installEnterSomTab(*this);
     loadForm(program_, *this);
+    nameButtonActions(*this);
     supplierLabel_ = lblLevLista_->text();
     setSizes();
     showJob();
@@ -105,6 +108,13 @@ void PrisStyr::buildMasks() {
     nyMask_ = button(*this, "NyMask", "&Ny mask...");
     öppnaMask_ = button(*this, "ÖppnaMask", "&Öppna mask...");
     taBortMask_ = button(*this, "TaBortMask", "&Ta bort mask...");
+    kopieraMask_ = new QAction(QStringLiteral("&Duplicera mask"), this);
+    kopieraMask_->setObjectName(QStringLiteral("KopieraMask"));
+    kopieraMask_->setShortcut(Qt::CTRL | Qt::Key_D);
+    maskLista_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (QPushButton* each : {nyMask_, öppnaMask_}) maskLista_->addAction(new ButtonAction(*each, *this, {}));
+    maskLista_->addAction(kopieraMask_);
+    maskLista_->addAction(new ButtonAction(*taBortMask_, *this, {}));
 }
 
 void PrisStyr::buildCompany() {
@@ -308,6 +318,11 @@ void PrisStyr::connectMasks() {
     connect(öppnaMask_, &QPushButton::clicked, this, [this] { editMask(false); });
     connect(maskLista_, &QListWidget::itemDoubleClicked, this, [this] { öppnaMask_->click(); });
     actOnEnter(*maskLista_, [this] { öppnaMask_->click(); });
+    connect(kopieraMask_, &QAction::triggered, this, [this] {
+        job_.copyMask();
+        presentMasks();
+        presentButtons();
+    });
     connect(taBortMask_, &QPushButton::clicked, this, [this] {
         job_.deleteMask();
         presentMasks();
@@ -403,6 +418,7 @@ void PrisStyr::presentButtons() {
     nyMask_->setEnabled(job_.canMakeMask());
     öppnaMask_->setEnabled(job_.canOpenMask());
     taBortMask_->setEnabled(job_.canDeleteMask());
+    kopieraMask_->setEnabled(job_.canDeleteMask() && !job_.isTradeFormat());
 }
 
 void PrisStyr::editMask(bool isNew) {

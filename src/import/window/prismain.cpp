@@ -37,6 +37,7 @@
 #include "import/window/runpanel.h"
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
+#include "lang/keys/copies.h"
 #include "lang/keys/definitions.h"
 #include "lang/keys/mainmenu.h"
 #include "lang/keys/prismain.h"
@@ -92,6 +93,7 @@ PrisMain::PrisMain(Program& program)
     buildList();
     buildSearch();
     buildMenu();
+    beginWatching();
     layOut();
     loadForm(program_, *this);
     menu_->name();
@@ -100,13 +102,6 @@ PrisMain::PrisMain(Program& program)
     FyllJobbLista(0);
     setSizes();
     centreOnScreen(*this);
-    readsLastRuns_.setSingleShot(true);
-    connect(&readsLastRuns_, &QTimer::timeout, this, [this] { readLastRuns(); });
-    connect(&looks_, &QTimer::timeout, this, [this] {
-        if (isActiveWindow()) watch_.look();
-    });
-    looks_.start(kLookEvery);
-    readsLastRuns_.start();
     lista_->setFocus();
 }
 
@@ -326,6 +321,15 @@ void PrisMain::showRows(std::vector<JobRow> rows, int JobbNr, const std::string&
     watchFolders();
 }
 
+void PrisMain::beginWatching() {
+    readsLastRuns_.setSingleShot(true);
+    connect(&readsLastRuns_, &QTimer::timeout, this, [this] { readLastRuns(); });
+    connect(&looks_, &QTimer::timeout, this, [this] {
+        if (isActiveWindow()) watch_.look();
+    });
+    looks_.start(kLookEvery);
+}
+
 /// Several programs change a data folder: what the list shows is looked up again when something moves there.
 void PrisMain::watchFolders() {
     const StartState& state = program_.state;
@@ -517,7 +521,7 @@ void PrisMain::duplicera() {
     int made = 0;
     try {
         made =
-            copyJob(program_.state.dataFolder(), shown, withMask, program_.texts.ModulText(text::mainmenu::kCopyWord));
+            copyJob(program_.state.dataFolder(), shown, withMask, program_.texts.ModulText(text::copies::kWord));
     } catch (const PlatformError& error) {
         tellNotSaved(error, {.changedElsewhere = text::definitions::kImportChangedNothingDone, .name = shown.name},
                      program_.texts, program_.boxes);

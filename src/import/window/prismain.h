@@ -63,6 +63,7 @@ class PrisMain final : public QWidget {
     void fill(int JobbNr, const std::string& otherwise);
     void showRows(std::vector<JobRow> rows, int JobbNr, const std::string& otherwise);
     [[nodiscard]] std::vector<JobRow> readRows();
+    void beginWatching();
     void watchFolders();
     void refresh();
     void readLastRuns();
