@@ -210,7 +210,10 @@ int JobFile::copy(const Job& shown, const std::string& name, const std::string& 
     made.mask = mask;
     refuseTakenName(file, made);
     const int number = put(file, made);
-    renameJobOptions(change.text(kJobOptionsFile), shown.name, file.read(number).text(field(kJob, "Namn")), true);
+    const std::string stored = file.read(number).text(field(kJob, "Namn"));
+    std::string& options = change.text(kJobOptionsFile);
+    removeJobOptions(options, stored);  // of a job that another program has removed
+    renameJobOptions(options, shown.name, stored, true);
     change.commit();
     return number;
 }

@@ -12,6 +12,7 @@
 #include <QTreeView>
 #include <QWidget>
 #include <utility>
+#include <vector>
 
 #include "platform/attempt.h"
 #include "ui/qttext.h"
@@ -71,6 +72,25 @@ void forEachPart(const QWidget& form, const Take& take) {
     }
 }
 
+/// Columns whose width the window itself works out, from texts in the language of the program, keep it.
+void putBack(QHeaderView& header, const QByteArray& state) {
+    struct Section {
+        QHeaderView::ResizeMode mode;
+        int size;
+    };
+    std::vector<Section> sections;
+    for (int section = 0; section < header.count(); ++section)
+        sections.push_back({header.sectionResizeMode(section), header.sectionSize(section)});
+    header.restoreState(state);
+    for (int section = 0; section < header.count(); ++section) {
+        const auto [mode, size] = sections[static_cast<std::size_t>(section)];
+        header.setSectionResizeMode(section, mode);
+        if (mode != QHeaderView::Interactive) header.resizeSection(section, size);
+    }
+}
+
+void putBack(QSplitter& splitter, const QByteArray& state) { splitter.restoreState(state); }
+
 /// The whole window on its screen: the screen may be another one than when it was kept.
 void fitOnScreen(QWidget& form) {
     if (form.isMaximized() || form.isFullScreen()) return;
@@ -90,7 +110,7 @@ bool WindowMemory::restore(QWidget& form) const {
     if (text.empty() || !unpack(QByteArray::fromBase64(QByteArray::fromStdString(text)), kept)) return false;
     if (form.restoreGeometry(kept.geometry)) fitOnScreen(form);
     forEachPart(form, [&](const QString& name, auto& part) {
-        if (const auto state = kept.parts.constFind(name); state != kept.parts.constEnd()) part.restoreState(*state);
+        if (const auto state = kept.parts.constFind(name); state != kept.parts.constEnd()) putBack(part, *state);
     });
     return true;
 }

@@ -39,7 +39,7 @@ TEST(CopyJob, TakesLimitsAndMaskAlong) {
     job.command = "gunzip x";
     Limits limits;
     limits.fewestRecords = 10;
-    job.number = jobs.save(job, std::nullopt, limits);
+    job.number = jobs.save(job, std::nullopt, {.limits = limits});
 
     const auto same = jobs.read(copyJob(folder.path(), job, false, "kopia"));
     ASSERT_TRUE(same);

@@ -57,6 +57,8 @@ TEST_F(WindowMemoryTest, AWindowComesBackAsItWasLeft) {
         window.setGeometry(120, 90, 500, 350);
         window.list.header()->moveSection(2, 0);
         window.list.header()->resizeSection(0, 77);
+        window.list.header()->setSectionResizeMode(1, QHeaderView::Fixed);
+        window.list.header()->resizeSection(1, 55);
         window.list.sortByColumn(1, Qt::DescendingOrder);
         window.splitter.setSizes({300, 100});
         window.close();
@@ -65,10 +67,13 @@ TEST_F(WindowMemoryTest, AWindowComesBackAsItWasLeft) {
     WindowMemory remembered(later);
     world.program.memory = &remembered;
     Window window;
+    window.list.header()->setSectionResizeMode(1, QHeaderView::Fixed);
+    window.list.header()->resizeSection(1, 66);
     VisaFormulär(world.program, window, false);
     EXPECT_EQ(window.geometry(), QRect(120, 90, 500, 350));
     EXPECT_EQ(window.list.header()->visualIndex(2), 0);
     EXPECT_EQ(window.list.columnWidth(0), 77);
+    EXPECT_EQ(window.list.header()->sectionResizeMode(1), QHeaderView::Fixed);
     EXPECT_EQ(window.list.header()->sortIndicatorSection(), 1);
     EXPECT_GT(window.splitter.sizes()[0], window.splitter.sizes()[1]);
     EXPECT_FALSE(std::filesystem::exists(world.data / "windows.ini")) << "in the folder that all share";

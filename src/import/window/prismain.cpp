@@ -308,9 +308,8 @@ void PrisMain::fill(int JobbNr, const std::string& otherwise) {
         company_->setCurrentIndex(0);
         search_->alsoShows = nullptr;
         search_->clear();
-        search_->apply();
-        showSelection();
     }
+    search_->apply();
 }
 
 void PrisMain::showRows(std::vector<JobRow> rows, int JobbNr, const std::string& otherwise) {
@@ -361,6 +360,7 @@ void PrisMain::refresh() {
         const int selected = jobs_.selectedAmong(rows);
         const int scrolled = lista_->verticalScrollBar()->value();
         showRows(std::move(rows), selected > 0 ? selected : kNoJob, {});
+        search_->apply();
         lista_->verticalScrollBar()->setValue(scrolled);
     } catch (const PlatformError&) {
         // The folder cannot be read now. What the list shows stays; who does something with it is told.
