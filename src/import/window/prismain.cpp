@@ -149,7 +149,7 @@ void PrisMain::buildMenu() {
             .readOtherFile = [this] { läsAnnanFil(); },
             .copyRow = [this] { copyRows(*lista_); },
             .search = [this] { search_->setFocus(Qt::ShortcutFocusReason); },
-            .guide = [this] { openGuide(this, program_.texts, program_.state.programFolder()); },
+            .guide = [this] { openGuide(this, program_.texts, program_.state.programFolder(), kForm); },
             .about = [this] { about(); },
             .otherFolder =
                 [this] {
@@ -520,8 +520,7 @@ void PrisMain::duplicera() {
                                                      text::mainmenu::kAskToCopyMask, shown.mask)) == Answer::Yes;
     int made = 0;
     try {
-        made =
-            copyJob(program_.state.dataFolder(), shown, withMask, program_.texts.ModulText(text::copies::kWord));
+        made = copyJob(program_.state.dataFolder(), shown, withMask, program_.texts.ModulText(text::copies::kWord));
     } catch (const PlatformError& error) {
         tellNotSaved(error, {.changedElsewhere = text::definitions::kImportChangedNothingDone, .name = shown.name},
                      program_.texts, program_.boxes);
