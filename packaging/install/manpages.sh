@@ -53,11 +53,13 @@ window() {
 }
 place=man1
 window ".TH KOLMERA 1 \"\" \"Kolmera $version\" Kolmera" '.SH NAME' "kolmera \\- bring suppliers' price files into the product register" \
-    '.SH SYNOPSIS' '.B kolmera' '.SH DESCRIPTION' \
+    '.SH SYNOPSIS' '.B kolmera' '[\fIFOLDER\fR | \fB\-\-demo\fR]' '.SH DESCRIPTION' \
     'The desktop program: a list of import jobs, the editor of field masks, discount letters, and the run.' \
-    'F1 opens the guide. The data folder is named by DVKlient.ini beside the program.' '.SH SEE ALSO' '.BR kolmera\-cli (1)'
+    'F1 opens the guide. It works on the data folder FOLDER, or on an example company with \-\-demo; else on the folder that' \
+    'DVKlient.ini beside the program names, or that was open last; when there is none, it asks.' '.SH SEE ALSO' '.BR kolmera\-cli (1)'
 place=sv/man1
 window ".TH KOLMERA 1 \"\" \"Kolmera $version\" Kolmera" '.SH NAMN' 'kolmera \- läs in leverantörernas prisfiler i produktregistret' \
-    '.SH SYNOPSIS' '.B kolmera' '.SH BESKRIVNING' \
+    '.SH SYNOPSIS' '.B kolmera' '[\fIMAPP\fR | \fB\-\-demo\fR]' '.SH BESKRIVNING' \
     'Skrivbordsprogrammet: listan över inläsningar, fältmaskerna, rabattbreven och själva inläsningen.' \
-    'F1 öppnar handboken. Datamappen anges i DVKlient.ini bredvid programmet.' '.SH SE ÄVEN' '.BR kolmera\-cli (1)'
+    'F1 öppnar handboken. Det arbetar i datamappen MAPP, eller med ett exempelföretag med \-\-demo; annars i den mapp som' \
+    'DVKlient.ini bredvid programmet anger, eller som var öppen senast; finns ingen frågar det.' '.SH SE ÄVEN' '.BR kolmera\-cli (1)'

@@ -1,8 +1,15 @@
+#include <unistd.h>
+
 #include <QApplication>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <new>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "definitions/window/prisstyr.h"
 #include "discounts/window/prisrab.h"
@@ -15,13 +22,19 @@
 #include "lang/errortext.h"
 #include "lang/keys/fault.h"
 #include "lang/keys/loggain.h"
+#include "lang/keys/startwindow.h"
 #include "lang/keys/terminal.h"
+#include "platform/attempt.h"
 #include "platform/systemuser.h"
+#include "setup/window/startwindow.h"
 #include "signin/signin.h"
 #include "signin/window/loggain.h"
+#include "startup/startplace.h"
 #include "startup/startup.h"
 #include "ui/forms.h"
 #include "ui/qtmessageport.h"
+#include "ui/qttext.h"
+#include "ui/windowmemory.h"
 #include "ui/windowsystemtexts.h"
 
 namespace kolmera {
@@ -68,44 +81,192 @@ void openWindowsOfOthers(Program& program) {
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
 }
 
+/// One session: a data folder, from signing in to the end of the main window. What is kept of the user's windows lasts
+/// over all sessions.
+class Session {
+  public:
+    Session(KolmeraApplication& application, std::filesystem::path programFolder, SettingsStore& windows)
+        : application_(application),
+          programFolder_(std::move(programFolder)),
+          state_(SettingsStore(SettingsStore::userFile()), Locale::ofUser()),
+          port_(texts_),
+          boxes_(port_, (programFolder_ / "Dorvik.chm").string()),
+          companies_(state_, texts_, boxes_),
+          memory_(windows),
+          recent_(windows),
+          program_{.state = state_, .texts = texts_, .boxes = boxes_, .companies = companies_, .memory = &memory_} {
+        application_.program = &program_;
+        state_.sql.letEventsRun = [this] { port_.letEventsRun(); };
+        program_.recentFolders = recent_.all();
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session() { application_.program = nullptr; }
+
+    Program& program() { return program_; }
+
+    /// Prepares the texts for a window that comes before there is a data folder.
+    void speak() {
+        state_.ProgramMapp = (programFolder_ / "").string();
+        openTexts(state_, texts_);
+        state_.Språkkod = LanguageTexts::NormaliseraSpråk(state_.settings.get("Start", "Lang", "SE"));
+        texts_.InitSpråkOrd(state_.Språkkod);
+        translateWindowSystem();
+    }
+
+    /// The exit code; `next` is what the user wants then. An empty folder: as DVKlient.ini says.
+    int run(const std::filesystem::path& dataFolder, std::optional<NextWindow>& next);
+
+  private:
+    [[nodiscard]] bool signsIn(const std::filesystem::path& dataFolder);
+    int showWindow(std::optional<NextWindow>& next);
+    void translateWindowSystem();
+
+    KolmeraApplication& application_;
+    std::filesystem::path programFolder_;
+    StartState state_;
+    LanguageTexts texts_;
+    QtMessagePort port_;
+    MessageBoxes boxes_;
+    CompanyRegister companies_;
+    WindowMemory memory_;
+    RecentFolders recent_;
+    std::unique_ptr<WindowSystemTexts> swedish_;
+    Program program_;
+};
+
 /// The window system's own texts (file dialogs) in the language of the program.
-void translateWindowSystem(QApplication& application, const LanguageTexts& texts) {
-    if (texts.language() == "SE") QApplication::installTranslator(new WindowSystemTexts(&application));
+void Session::translateWindowSystem() {
+    swedish_.reset();
+    if (texts_.language() != "SE") return;
+    swedish_ = std::make_unique<WindowSystemTexts>();
+    QApplication::installTranslator(swedish_.get());
+}
+
+bool Session::signsIn(const std::filesystem::path& dataFolder) {
+    bool cancelled = false;
+    const auto askWho = [&](StartState&) {
+        signIn(state_, SystemUser::current(), [&](std::span<const User> users) {
+            Loggain form(program_, users);
+            VisaFormulär(program_, form, true);
+            cancelled = form.result() != QDialog::Accepted;
+        });
+    };
+    startUp(state_, texts_, programFolder_.string(), askWho, dataFolder);
+    return !cancelled;
+}
+
+int Session::run(const std::filesystem::path& dataFolder, std::optional<NextWindow>& next) {
+    try {
+        if (!signsIn(dataFolder)) return 0;
+    } catch (const PlatformError& error) {
+        boxes_.MeddelandeVarning(texts_.ModulTextMed(text::loggain::kUnreadableUserFile, errorText(texts_, error)));
+        return 1;
+    }
+    openWindowsOfOthers(program_);
+    program_.chooseDataFolder = [this](QWidget* parent) -> std::optional<std::filesystem::path> {
+        const auto answer = askWhereToStart(program_, false, parent);
+        if (!answer) return std::nullopt;
+        return answer->dataFolder;
+    };
+    if (!state_.EjKlientIni) recent_.opened(state_.dataFolder());
+    program_.recentFolders = recent_.all();
+    for (;;) {
+        next.reset();
+        const int result = showWindow(next);
+        if (!next || next->language.empty()) return result;
+        PassedOverSilently passedOver;  // then the language is that of this session only
+        attempt(passedOver, "Lang", [&] { state_.settings.set("Start", "Lang", next->language); });
+        state_.Språkkod = next->language;
+        openTexts(state_, texts_);
+        texts_.InitSpråkOrd(state_.Språkkod);
+    }
+}
+
+int Session::showWindow(std::optional<NextWindow>& next) {
+    translateWindowSystem();
+    PrisMain prisMain(program_);
+    if (!VisaFormulär(program_, prisMain, false)) return 1;
+    const int result = QApplication::exec();
+    next = prisMain.next();
+    return result;
+}
+
+/// Tells what is wrong with the command line; true when it is.
+bool isWrong(const StartArguments& arguments, LanguageTexts& texts) {
+    if (arguments.wrong.empty()) return false;
+    const std::string wrong = texts.ModulTextMed(text::startwindow::kUnknownArgument, arguments.wrong);
+    std::fprintf(stderr, "kolmera: %s\n%s\n", wrong.c_str(), texts.ModulText(text::startwindow::kUsage).c_str());
+    return true;
+}
+
+/// The data folder to begin with; an empty one is as DVKlient.ini says, nothing ends the program.
+std::optional<std::filesystem::path> beginning(Program& program, const StartArguments& arguments,
+                                               const std::filesystem::path& programFolder, RecentFolders recent) {
+    const auto warn = [&](ModuleKey text, const std::filesystem::path& folder, const std::string& reason) {
+        program.boxes.MeddelandeVarning(program.texts.ModulTextMed(text, folder.string()) + reason);
+    };
+    if (!arguments.dataFolder.empty()) {
+        std::error_code unreachable;
+        if (std::filesystem::is_directory(arguments.dataFolder, unreachable)) return arguments.dataFolder;
+        warn(text::startwindow::kCannotOpen, arguments.dataFolder, "");
+    } else if (arguments.demo) {
+        try {
+            return demoFolder(program);
+        } catch (const PlatformError& error) {
+            warn(text::startwindow::kNotMade, userDemoFolder(), " " + errorText(program.texts, error));
+        }
+    } else {
+        const StartPlace place = startPlace(programFolder, recent);
+        if (place.kind != StartPlace::Kind::Ask) return place.folder;
+    }
+    const bool ownFolder = ::access(programFolder.c_str(), W_OK) == 0;
+    const auto answer = askWhereToStart(program, ownFolder, nullptr);
+    if (!answer) return std::nullopt;
+    return answer->dataFolder;
+}
+
+std::filesystem::path folderOfProgram() {
+    std::error_code unknown;
+    return std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path();
+}
+
+/// Version and usage need no screen. False when neither is asked for.
+bool tellsOfItself(const StartArguments& arguments) {
+    if (arguments.version) std::puts("kolmera " KOLMERA_VERSION);
+    if (arguments.version || !arguments.help) return arguments.version;
+    LanguageTexts texts;
+    texts.ÖppnaSpråk(folderOfProgram(), {});
+    texts.InitSpråkOrd(
+        LanguageTexts::NormaliseraSpråk(SettingsStore(SettingsStore::userFile()).get("Start", "Lang", "SE")));
+    std::puts(texts.ModulText(text::startwindow::kUsage).c_str());
+    return true;
 }
 
 int run(KolmeraApplication& application) {
-    std::error_code unknown;
-    const auto programFile = std::filesystem::read_symlink("/proc/self/exe", unknown);
-    StartState state(SettingsStore(SettingsStore::userFile()), Locale::ofUser());
-    LanguageTexts texts;
-    QtMessagePort port(texts);
-    MessageBoxes boxes(port, (programFile.parent_path() / "Dorvik.chm").string());
-    CompanyRegister companies(state, texts, boxes);
-    Program program{.state = state, .texts = texts, .boxes = boxes, .companies = companies};
-    application.program = &program;
-    state.sql.letEventsRun = [&port] { port.letEventsRun(); };
+    constexpr int kUsage = 2;
+    const std::filesystem::path programFolder = folderOfProgram();
+    const auto settings = SettingsStore::userFile().parent_path().parent_path();
+    SettingsStore windows(settings / "Kolmera" / "windows.ini");
+    std::vector<std::string> given;
+    for (const QString& argument : QApplication::arguments().mid(1)) given.push_back(fromQt(argument));
+    const StartArguments arguments = startArguments(given);
 
-    bool signInCancelled = false;
-    try {
-        startUp(state, texts, programFile.parent_path().string(), [&](StartState&) {
-            signIn(state, SystemUser::current(), [&](std::span<const User> users) {
-                Loggain form(program, users);
-                VisaFormulär(program, form, true);
-                signInCancelled = form.result() != QDialog::Accepted;
-            });
-        });
-    } catch (const PlatformError& error) {
-        boxes.MeddelandeVarning(texts.ModulTextMed(text::loggain::kUnreadableUserFile, errorText(texts, error)));
-        return 1;
+    std::optional<std::filesystem::path> folder;
+    {
+        Session before(application, programFolder, windows);
+        before.speak();
+        if (isWrong(arguments, before.program().texts)) return kUsage;
+        folder = beginning(before.program(), arguments, programFolder, RecentFolders(windows));
     }
-    if (signInCancelled) return 0;
-    translateWindowSystem(application, texts);
-
-    openWindowsOfOthers(program);
-    PrisMain prisMain(program);
-    if (!VisaFormulär(program, prisMain, false)) return 1;
-    const int result = QApplication::exec();
-    application.program = nullptr;
+    int result = 0;
+    while (folder) {
+        std::optional<NextWindow> next;
+        Session session(application, programFolder, windows);
+        result = session.run(*folder, next);
+        folder.reset();
+        if (next) folder = next->dataFolder;
+    }
     return result;
 }
 
@@ -115,6 +276,7 @@ int run(KolmeraApplication& application) {
 int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Kolmera"));
     try {
+        if (kolmera::tellsOfItself(kolmera::startArguments({argv + 1, argv + argc}))) return 0;
         kolmera::KolmeraApplication application(argc, argv);
         QApplication::setWindowIcon(kolmera::maskJobIcon(QApplication::palette()));
         return kolmera::run(application);

@@ -49,6 +49,8 @@ void TerminalPort::print(std::string_view text) {
     errors_ << messages_.emplace_back(replaceAll(text, "\r\n", "\n")) << std::endl;
 }
 
-void TerminalPort::progress(std::uint64_t position, std::uint64_t size) { bar_.draw(position, size, status_); }
+void TerminalPort::progress(std::uint64_t position, std::uint64_t size, std::int64_t /*records*/) {
+    bar_.draw(position, size, status_);
+}
 
 }  // namespace kolmera::cli

@@ -44,7 +44,7 @@ class TerminalPort final : public RunPort, public PassedOver {
         if (message.icon != Icon::Information) print(message.text);
     }
     [[nodiscard]] std::size_t examplesTold() const override { return 20; }
-    void progress(std::uint64_t position, std::uint64_t size) override;
+    void progress(std::uint64_t position, std::uint64_t size, std::int64_t records) override;
 
     /// What was told, a title before its text.
     [[nodiscard]] const std::vector<std::string>& messages() const { return messages_; }

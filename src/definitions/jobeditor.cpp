@@ -6,9 +6,11 @@
 #include <iterator>
 
 #include "db/conversions.h"
+#include "definitions/jobcopy.h"
 #include "definitions/pricefilepath.h"
 #include "definitions/savemessages.h"
 #include "lang/errortext.h"
+#include "lang/keys/copies.h"
 #include "lang/keys/definitions.h"
 #include "lang/keys/prisstyr.h"
 #include "platform/attempt.h"
@@ -253,6 +255,17 @@ bool JobEditor::agreesToDelete(const std::string& mask, std::size_t count) {
     });
     if (!users.empty()) add(text::definitions::kMaskUsedBy, users);
     return boxes_.MeddelandeJaNejNej(question, texts_.FormulärSträng(text::prisstyr::kDeleteMaskTitle)) == Answer::Yes;
+}
+
+void JobEditor::copyMask() {
+    if (!maskIsAsShown()) return;
+    const auto mask = chosenWholeMask();
+    if (!mask) return;
+    try {
+        maskSaved(kolmera::copyMask(state_.dataFolder(), *mask, texts_.ModulText(text::copies::kWord)));
+    } catch (const PlatformError& error) {
+        tell(error, text::definitions::kMaskChangedNothingDone, mask->mask.Namn);
+    }
 }
 
 void JobEditor::deleteMask() {

@@ -79,6 +79,8 @@ class JobEditor {
     [[nodiscard]] bool maskIsAsShown();
     /// Lists the masks anew, after the editor saved one, which is chosen.
     void maskSaved(int number);
+    /// Makes another mask like the chosen one, and chooses it; the user is told why not.
+    void copyMask();
     /// Deletes the chosen mask, when the user agrees.
     void deleteMask();
 

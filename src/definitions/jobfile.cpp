@@ -200,6 +200,24 @@ int putJob(RecordChange& change, Job job) {
     return put(file, job);
 }
 
+int JobFile::copy(const Job& shown, const std::string& name, const std::string& mask) {
+    RecordChange change(folder_);
+    Records& file = change.file(kLayout);
+    expectUnchanged(jobOf(shown.number, file.read(shown.number)), shown, kLayout);
+    Job made = shown;
+    made.number = 0;
+    made.name = name;
+    made.mask = mask;
+    refuseTakenName(file, made);
+    const int number = put(file, made);
+    const std::string stored = file.read(number).text(field(kJob, "Namn"));
+    std::string& options = change.text(kJobOptionsFile);
+    removeJobOptions(options, stored);  // of a job that another program has removed
+    renameJobOptions(options, shown.name, stored, true);
+    change.commit();
+    return number;
+}
+
 void JobFile::remove(const std::vector<Job>& shown) {
     if (shown.empty()) return;
     RecordChange change(folder_);

@@ -58,6 +58,9 @@ class JobFile {
     /// kDuplicateKey for a new name that another job has (letter case does not count). What changes of KOLMERA.JSON is
     /// saved with it: both or nothing.
     int save(const Job& job, const std::optional<Job>& shown, const JobOptionsChange& options = {});
+    /// Appends another job like the one that was shown, with what KOLMERA.JSON holds of it; `name` and `mask` are the
+    /// new one's. kDuplicateKey for a name that another job has.
+    int copy(const Job& shown, const std::string& name, const std::string& mask);
     /// Removes the jobs, which were all of one name, and what KOLMERA.JSON holds of them; later ones move down.
     void remove(const std::vector<Job>& shown);
 

@@ -17,6 +17,8 @@ struct JobRow {
     bool tradeFormat = false;  ///< by the kind letter: second icon, text 14 instead of 15
     std::string kindText;
     std::string fileState;  ///< date of the price file, or that it is missing, on a removable drive or on a CD
+
+    bool operator==(const JobRow&) const = default;
 };
 
 /// What the file state of a row is found with.

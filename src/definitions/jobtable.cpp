@@ -7,15 +7,15 @@
 #include "platform/lettercase.h"
 
 namespace kolmera {
-namespace {
 
-const std::string& textOf(const JobRow& row, JobTable::Column column) {
-    const std::array<const std::string*, JobTable::kColumns> texts{&row.job.name, &row.kindText, &row.job.priceFile,
-                                                                   &row.fileState};
+const std::string& JobTable::textOf(const JobRow& row, Column column) const {
+    static const std::string never;
+    const auto lastRun = lastRuns_.find(row.job.name);
+    const std::array<const std::string*, kColumns> texts{&row.job.name, &row.kindText, &row.job.priceFile,
+                                                         &row.fileState,
+                                                         lastRun == lastRuns_.end() ? &never : &lastRun->second};
     return *texts.at(column);
 }
-
-}  // namespace
 
 void JobTable::fill(std::vector<JobRow> rows, int JobbNr, std::string_view savedName) {
     rows_ = std::move(rows);
@@ -56,6 +56,44 @@ int JobTable::compare(const JobRow& a, const JobRow& b, Column column) const {
 }
 
 const std::string& JobTable::text(int number, Column column) const { return textOf(row(number), column); }
+
+std::string JobTable::hiddenText(int number) const {
+    const Job& job = row(number).job;
+    std::string text = std::to_string(job.number);
+    for (const std::string* each : {&job.mask, &job.company, &job.supplier, &job.command})
+        text.append("\t").append(*each);
+    return text;
+}
+
+bool JobTable::has(std::vector<JobRow> rows) const {
+    std::vector<JobRow> own = rows_;
+    const auto numberOf = [](const JobRow& row) { return row.job.number; };
+    std::ranges::sort(rows, {}, numberOf);
+    std::ranges::sort(own, {}, numberOf);
+    return own == rows;
+}
+
+int JobTable::selectedAmong(const std::vector<JobRow>& rows) const {
+    const std::string name = jobName();
+    const int number = JobbNr();
+    int first = 0;
+    for (const JobRow& row : rows) {
+        if (number == 0 || row.job.name != name) continue;
+        if (row.job.number == number) return number;
+        if (first == 0) first = row.job.number;
+    }
+    return first;
+}
+
+std::vector<std::string> JobTable::companies() const {
+    std::vector<std::string> companies;
+    for (const JobRow& row : rows_) {
+        if (!row.job.company.empty()) companies.push_back(upperCase(row.job.company));
+    }
+    std::ranges::sort(companies);
+    companies.erase(std::ranges::unique(companies).begin(), companies.end());
+    return companies;
+}
 
 int JobTable::rowOf(int JobbNr) const {
     const auto found =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,7 +14,7 @@ namespace kolmera {
 /// done with it. Rows and columns are counted from 0; row -1 is none. Knows no window.
 class JobTable {
   public:
-    enum Column { kName, kKind, kPriceFile, kFileState, kColumns };
+    enum Column { kName, kKind, kPriceFile, kFileState, kLastRun, kColumns };
     static constexpr int kNoRow = -1;
 
     explicit JobTable(const Locale& locale) : locale_(locale) {}
@@ -25,10 +26,21 @@ class JobTable {
     /// before the other file states.
     void sort(Column column, bool descending);
 
+    /// What is told of the last run of the jobs, by their names; in force until it is told anew. The order of the list
+    /// stays as it is until it is sorted again.
+    void tellLastRuns(std::map<std::string, std::string> lastRuns) { lastRuns_ = std::move(lastRuns); }
+    /// Whether these rows are those that the list has, in any order.
+    [[nodiscard]] bool has(std::vector<JobRow> rows) const;
+
     [[nodiscard]] int count() const { return static_cast<int>(rows_.size()); }
     [[nodiscard]] const JobRow& row(int row) const { return rows_.at(static_cast<std::size_t>(row)); }
     [[nodiscard]] const std::string& text(int row, Column column) const;
+    /// What a row is found by beside what it shows: number, mask, company, supplier and command.
+    [[nodiscard]] std::string hiddenText(int row) const;
     [[nodiscard]] int rowOf(int JobbNr) const;
+    /// The number that the selected job has among other rows: its own, if the job of that number still has its name,
+    /// else that of the first of its name; 0 when there is none.
+    [[nodiscard]] int selectedAmong(const std::vector<JobRow>& rows) const;
 
     void select(int row) { selected_ = row; }
     [[nodiscard]] int selected() const { return selected_; }
@@ -40,8 +52,11 @@ class JobTable {
 
     [[nodiscard]] bool canOpen() const { return selected_ != kNoRow; }
     [[nodiscard]] bool canRun() const { return selected_ != kNoRow; }
-    /// A job of a trade format cannot be deleted.
+    /// The databases of the jobs' companies, in upper case, by the alphabet.
+    [[nodiscard]] std::vector<std::string> companies() const;
+    /// A job of a trade format cannot be deleted, nor can there be two of it.
     [[nodiscard]] bool canDelete() const;
+    [[nodiscard]] bool canCopy() const { return canDelete(); }
 
   private:
     struct Order {
@@ -52,7 +67,10 @@ class JobTable {
     [[nodiscard]] int compare(const JobRow& a, const JobRow& b, Column column) const;
 
     Locale locale_;
+    [[nodiscard]] const std::string& textOf(const JobRow& row, Column column) const;
+
     std::vector<JobRow> rows_;
+    std::map<std::string, std::string> lastRuns_;
     std::optional<Order> order_;  ///< none: file order
     int selected_ = kNoRow;
 };

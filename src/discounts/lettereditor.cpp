@@ -157,7 +157,7 @@ void LetterEditor::openLetter() {
 void LetterEditor::clearFields() {
     fields_ = {};
     total_.clear();
-    changed_ = false;
+    changed_ = unsaved_ = false;
 }
 
 void LetterEditor::chooseRow(int row) {
@@ -177,12 +177,12 @@ void LetterEditor::showGroup() {
         fields_.at(static_cast<std::size_t>(number)) = TillText(letter_->value(column), type, state_.locale);
     }
     total_ = TotalRabattText();
-    changed_ = false;
+    changed_ = unsaved_ = false;
 }
 
 void LetterEditor::edit(int number, std::string text) {
     fields_.at(static_cast<std::size_t>(number)) = std::move(text);
-    changed_ = true;
+    changed_ = unsaved_ = true;
 }
 
 void LetterEditor::leave(int number) {

@@ -64,6 +64,8 @@ class LetterEditor {
     /// A field loses the focus: a changed discount is counted in, and a changed code looked up.
     void leave(int number);
 
+    /// Something was typed that is neither saved nor given up.
+    [[nodiscard]] bool hasUnsaved() const { return unsaved_; }
     /// Saves the edit fields as a group. Returns the field that is to have the focus: the code behind a saved group,
     /// the wrong discount, or nothing when nothing was done.
     std::optional<int> Spara();
@@ -119,7 +121,8 @@ class LetterEditor {
     int row_ = -1;
     std::array<std::string, kFields> fields_;
     std::string total_;
-    bool changed_ = false;
+    bool changed_ = false;  ///< since the last field was left
+    bool unsaved_ = false;
     bool gaveUp_ = false;  ///< waiting for a lock
     std::filesystem::path folder_;
 };

@@ -76,13 +76,18 @@ std::vector<RunHeader> RunFolder::list(std::int64_t* unreadable) const {
     std::vector<RunHeader> headers;
     for (const std::string& id : ids()) {
         try {
-            headers.push_back(RecordReader(file(id)).header());
-            headers.back().underWay = isUnderWay(headers.back());
+            headers.push_back(header(id));
         } catch (const PlatformError&) {
             if (unreadable != nullptr) ++*unreadable;
         }
     }
     return headers;
+}
+
+RunHeader RunFolder::header(std::string_view id) const {
+    RunHeader header = RecordReader(file(id)).header();
+    header.underWay = isUnderWay(header);
+    return header;
 }
 
 fs::path RunFolder::file(std::string_view id) const {

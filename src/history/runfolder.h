@@ -28,6 +28,10 @@ class RunFolder {
     /// The heads of all records that can be read, the newest first, with `underWay`. What is no record, or is damaged,
     /// is counted in `unreadable`.
     [[nodiscard]] std::vector<RunHeader> list(std::int64_t* unreadable = nullptr) const;
+    /// The names of all records, the newest first, unread.
+    [[nodiscard]] std::vector<std::string> ids() const;
+    /// The head of a record, with `underWay`. Throws PlatformError.
+    [[nodiscard]] RunHeader header(std::string_view id) const;
     /// The file of a record; throws kFileNotFound for what names none.
     [[nodiscard]] std::filesystem::path file(std::string_view id) const;
     /// Whether the program that writes a record is at it. Where files cannot be locked: whether it has no end, and has
@@ -43,7 +47,6 @@ class RunFolder {
     struct Exactly {};
     RunFolder(std::filesystem::path path, Exactly /*unused*/) : path_(std::move(path)) {}
 
-    [[nodiscard]] std::vector<std::string> ids() const;
     [[nodiscard]] bool mayBeUnderWay(const std::filesystem::path& file) const;
 
     std::filesystem::path path_;

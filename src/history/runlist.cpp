@@ -36,6 +36,15 @@ std::optional<std::int64_t> countOf(const RunHeader& run, const char* name) {
     return found->get<std::int64_t>();
 }
 
+std::string outcomeText(LanguageTexts& texts, const RunHeader& run) {
+    if (run.underWay) return texts.ModulText(text::runs::kUnderWay);
+    if (run.ended.empty()) return texts.ModulText(text::runs::kNotEnded);
+    for (const auto& known : kOutcomes) {
+        if (known.outcome == run.outcome) return texts.ModulText(known.text);
+    }
+    return run.outcome;
+}
+
 std::string RunList::companyOf(const RunHeader& run) {
     return run.companyName.empty() ? run.companyFile : run.companyName;
 }
@@ -86,13 +95,8 @@ RunList::Cells RunList::cells(int row) const {
 }
 
 std::string RunList::outcomeOf(const RunHeader& run) const {
-    if (run.underWay) return texts_.ModulText(text::runs::kUnderWay);
-    if (run.ended.empty()) return texts_.ModulText(text::runs::kNotEnded);
-    std::string outcome = run.outcome;
-    for (const auto& known : kOutcomes) {
-        if (known.outcome == run.outcome) outcome = texts_.ModulText(known.text);
-    }
-    if (run.kind != RunKind::Undo) return outcome;
+    std::string outcome = outcomeText(texts_, run);
+    if (run.kind != RunKind::Undo || run.ended.empty()) return outcome;
     std::int64_t back = 0;
     for (const char* name : {"changed_back", "removed", "brought_back"}) back += countOf(run, name).value_or(0);
     outcome += ", " + texts_.ModulTextMed(text::runs::kRowsBack, grouped(back, locale_));

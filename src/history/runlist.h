@@ -15,6 +15,9 @@ namespace kolmera {
 /// A count of the run's summary; nothing where its record has none.
 std::optional<std::int64_t> countOf(const RunHeader& run, const char* name);
 
+/// How a run ended, or that it did not.
+std::string outcomeText(LanguageTexts& texts, const RunHeader& run);
+
 /// The past runs as a list that users read: the newest first, of one company or of all. Knows no window.
 class RunList {
   public:

@@ -96,9 +96,14 @@ void LäsDorvikIni(StartState& state) {
     });
 }
 
-void startUp(StartState& state, LanguageTexts& texts, const std::string& programFolder, const SignIn& signIn) {
+void startUp(StartState& state, LanguageTexts& texts, const std::string& programFolder, const SignIn& signIn,
+             const std::filesystem::path& dataFolder) {
     state.Citattecken = '"';
     LäsKlientIni(state, programFolder);
+    if (!dataFolder.empty()) {
+        state.DataMapp = (dataFolder / "").string();
+        state.EjKlientIni = false;
+    }
     openTexts(state, texts);
     state.Språkkod = LanguageTexts::NormaliseraSpråk(state.settings.get("Start", "Lang", "SE"));
     texts.InitSpråkOrd(state.Språkkod);

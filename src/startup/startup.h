@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -30,6 +31,9 @@ using SignIn = std::function<void(StartState& state)>;
 ///
 /// A program without windows passes no `signIn`: whoever may run it and read the data folder may import. Nobody is
 /// signed in then, and `Signatur` stays as it was.
-void startUp(StartState& state, LanguageTexts& texts, const std::string& programFolder, const SignIn& signIn = {});
+///
+/// `dataFolder`, where it is given, stands in for the folder that DVKlient.ini names.
+void startUp(StartState& state, LanguageTexts& texts, const std::string& programFolder, const SignIn& signIn = {},
+             const std::filesystem::path& dataFolder = {});
 
 }  // namespace kolmera

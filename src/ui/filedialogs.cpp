@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include "ui/windowmemory.h"
+
 namespace kolmera {
 namespace {
 
@@ -34,22 +36,29 @@ void describe(QFileDialog& dialog, const FileQuestion& question) {
     dialog.selectNameFilter(dialog.nameFilters().value(question.filter));
 }
 
-QString answer(QFileDialog& dialog) {
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+QString answer(QFileDialog& dialog, const QWidget* parent, WindowMemory* memory) {
+    if (memory != nullptr) {
+        const QString folder = memory->folder(parent->objectName());
+        if (!folder.isEmpty()) dialog.setDirectory(folder);
+    }
+    if (dialog.exec() != QDialog::Accepted) return {};
+    const QString file = dialog.selectedFiles().value(0);
+    if (memory != nullptr) memory->keepFolder(parent->objectName(), QFileInfo(file).path());
+    return file;
 }
 
 }  // namespace
 
-QString askForFileToOpen(QWidget* parent, const FileQuestion& question) {
+QString askForFileToOpen(QWidget* parent, const FileQuestion& question, WindowMemory* memory) {
     QFileDialog dialog(parent);
     describe(dialog, question);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setDirectory(question.path);
-    return answer(dialog);
+    return answer(dialog, parent, memory);
 }
 
 QString askForFileToSave(QWidget* parent, const FileQuestion& question,
-                         const std::function<bool(const QString& file)>& addsTo) {
+                         const std::function<bool(const QString& file)>& addsTo, WindowMemory* memory) {
     SaveDialog dialog(parent, addsTo);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     describe(dialog, question);
@@ -59,7 +68,7 @@ QString askForFileToSave(QWidget* parent, const FileQuestion& question,
     dialog.setDefaultSuffix(endingOf(dialog.selectedNameFilter()));
     QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog,
                      [&dialog](const QString& filter) { dialog.setDefaultSuffix(endingOf(filter)); });
-    return answer(dialog);
+    return answer(dialog, parent, memory);
 }
 
 }  // namespace kolmera

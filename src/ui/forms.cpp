@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QDialog>
+#include <QEvent>
 #include <QLabel>
 #include <QScreen>
 #include <QScrollArea>
@@ -13,8 +14,10 @@
 
 #include "lang/keys/definitions.h"
 #include "lang/keys/shared.h"
+#include "ui/copyrows.h"
 #include "ui/guidewindow.h"
 #include "ui/translation.h"
+#include "ui/windowmemory.h"
 
 namespace kolmera {
 namespace {
@@ -51,12 +54,36 @@ void scrollWhereTooLarge(QWidget& form) {
     form.resize(wanted.boundedTo(room));
 }
 
+/// Keeps how a window stands when it goes.
+class KeepsWindow final : public QObject {
+  public:
+    KeepsWindow(WindowMemory& memory, QWidget& form) : QObject(&form), memory_(memory), form_(form) {
+        form.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == &form_ && event->type() == QEvent::Hide && !event->spontaneous()) memory_.keep(form_);
+        return false;
+    }
+
+  private:
+    WindowMemory& memory_;
+    QWidget& form_;
+};
+
+void rememberWindow(const Program& program, QWidget& form) {
+    if (program.memory == nullptr || form.objectName().isEmpty()) return;
+    program.memory->restore(form);
+    new KeepsWindow(*program.memory, form);
+}
+
 }  // namespace
 
 void loadForm(Program& program, QWidget& form) {
     ÖversättFormulär(form, program.texts);
     nameForScreenReaders(form);
     SättTypsnitt(form, program.state.TypsnittTahoma);
+    for (auto* list : form.findChildren<QAbstractItemView*>()) copyRowsOnKey(*list);
     auto* help = new QShortcut(QKeySequence(QKeySequence::HelpContents), &form);
     QObject::connect(help, &QShortcut::activated, &form, [&] {
         openGuide(&form, program.texts, program.state.programFolder(), form.objectName().toStdString());
@@ -68,6 +95,7 @@ bool VisaFormulär(Program& program, QWidget& form, bool modal) {
         {
             const Hourglass loading(program.boxes.port());
             form.ensurePolished();
+            rememberWindow(program, form);
             scrollWhereTooLarge(form);
         }
         auto* dialog = dynamic_cast<QDialog*>(&form);

@@ -12,6 +12,7 @@
 
 #include "ui/keyrules.h"
 #include "ui/qttext.h"
+#include "ui/searchbox.h"
 
 namespace kolmera {
 namespace {
@@ -91,6 +92,7 @@ class ActsOnKey final : public QObject {
 };
 
 bool isField(const QWidget& control) {
+    if (dynamic_cast<const SearchBox*>(&control) != nullptr) return false;  // its Enter goes to its list
     return dynamic_cast<const QLineEdit*>(&control) != nullptr || dynamic_cast<const QComboBox*>(&control) != nullptr ||
            dynamic_cast<const QCheckBox*>(&control) != nullptr ||
            dynamic_cast<const QRadioButton*>(&control) != nullptr;

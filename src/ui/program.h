@@ -17,6 +17,8 @@ class QWidget;
 
 namespace kolmera {
 
+class WindowMemory;
+
 struct Mask;
 struct Relation;
 struct RunHeader;
@@ -31,7 +33,12 @@ struct Program {
     LanguageTexts& texts;
     MessageBoxes& boxes;
     CompanyRegister& companies;
+    WindowMemory* memory = nullptr;  ///< how the user left the windows; null: nothing is remembered
 
+    /// The data folders that the user has opened, this one among them, the last one first.
+    std::vector<std::filesystem::path> recentFolders{};
+    /// Lets the user choose or make a data folder; nothing when he thinks better of it.
+    std::function<std::optional<std::filesystem::path>(QWidget* parent)> chooseDataFolder{};
     /// Opens the job settings modally for a job number (0: a new job). Answers the number of the job that was saved
     /// (SvarOK), or nothing.
     std::function<std::optional<int>(QWidget* parent, int JobbNr, bool ÄrStandardJobb)> showPrisStyr{};

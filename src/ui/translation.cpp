@@ -1,8 +1,10 @@
 #include "ui/translation.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QGroupBox>
 #include <QLabel>
+#include <QMenu>
 #include <QWidget>
 #include <string>
 
@@ -15,12 +17,13 @@ QString caption(const QWidget& control) {
     if (const auto* label = dynamic_cast<const QLabel*>(&control)) return label->text();
     if (const auto* button = dynamic_cast<const QAbstractButton*>(&control)) return button->text();
     if (const auto* group = dynamic_cast<const QGroupBox*>(&control)) return group->title();
+    if (const auto* menu = dynamic_cast<const QMenu*>(&control)) return menu->title();
     return {};
 }
 
 std::string formKey(const QWidget& form) { return "SP_FRM_" + fromQt(form.objectName()); }
 
-std::string controlKey(const QWidget& form, const QWidget& control) {
+std::string controlKey(const QWidget& form, const QObject& control) {
     return formKey(form) + "_" + fromQt(control.objectName());
 }
 
@@ -40,6 +43,7 @@ void setCaption(QWidget& control, const QString& text) {
     if (auto* label = dynamic_cast<QLabel*>(&control)) label->setText(text);
     if (auto* button = dynamic_cast<QAbstractButton*>(&control)) button->setText(text);
     if (auto* group = dynamic_cast<QGroupBox*>(&control)) group->setTitle(text);
+    if (auto* menu = dynamic_cast<QMenu*>(&control)) menu->setTitle(text);
 }
 
 void ÖversättFormulär(QWidget& form, LanguageTexts& texts) {
@@ -50,6 +54,10 @@ void ÖversättFormulärAlltid(QWidget& form, LanguageTexts& texts) {
     if (const auto text = texts.storedText(formKey(form))) form.setWindowTitle(toQt(*text));
     for (QWidget* control : form.findChildren<QWidget*>()) {
         if (!control->objectName().isEmpty()) translateControl(form, *control, texts);
+    }
+    for (QAction* action : form.findChildren<QAction*>()) {
+        if (action->objectName().isEmpty()) continue;
+        if (const auto text = texts.storedText(controlKey(form, *action))) action->setText(toQt(*text));
     }
 }
 

@@ -16,7 +16,7 @@ namespace kolmera {
 /// it (by `loadForm`) when its controls are made.
 void ÖversättFormulär(QWidget& form, LanguageTexts& texts);
 /// The form's caption, then the captions and tool tips of its controls that have one. Text boxes are never touched, a
-/// missing key leaves the designed text, and texts are placed as stored.
+/// missing key leaves the designed text, and texts are placed as stored. Menus and what is in them count as controls.
 void ÖversättFormulärAlltid(QWidget& form, LanguageTexts& texts);
 
 /// Shows a text on a control that has a caption.

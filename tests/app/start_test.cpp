@@ -33,12 +33,14 @@ class StartTest : public testing::Test {
         const IniLine line{"", value};
         writeIniValues(program / "DVKlient.ini", 2, {&line, 1});
     }
+    /// The program's own folder has data, as where the suite's programs and files lie together.
+    void haveDataBesideTheProgram() { folder.write("program/DORVIK.FTG", ""); }
     /// Starts the program and waits until its main window has read (and so made) the job list of that folder.
-    bool startsOn(const fs::path& dataFolder) {
+    bool startsOn(const fs::path& dataFolder, const QStringList& arguments = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("XDG_CONFIG_HOME", QString::fromStdString((folder / "settings").string()));
         process.setProcessEnvironment(environment);
-        process.start(QString::fromStdString((program / "kolmera").string()), {});
+        process.start(QString::fromStdString((program / "kolmera").string()), arguments);
         return eventually([&] { return fs::exists(dataFolder / "KOLMERA.TXT"); }) &&
                process.state() == QProcess::Running;
     }
@@ -49,7 +51,35 @@ class StartTest : public testing::Test {
     QProcess process;
 };
 
-TEST_F(StartTest, AloneOnItsOwnFolder) { EXPECT_TRUE(startsOn(program)); }
+TEST_F(StartTest, AloneOnItsOwnFolder) {
+    haveDataBesideTheProgram();
+    EXPECT_TRUE(startsOn(program));
+}
+
+TEST_F(StartTest, OnTheFolderThatIsNamedThenAndLater) {
+    EXPECT_TRUE(startsOn(data, {QString::fromStdString(data.string())}));
+    EXPECT_FALSE(fs::exists(program / "KOLMERA.TXT"));
+    ASSERT_TRUE(eventually([&] { return fs::exists(folder / "settings" / "Kolmera" / "windows.ini"); }));
+    process.kill();
+    process.waitForFinished();
+    fs::remove(data / "KOLMERA.TXT");
+    EXPECT_TRUE(startsOn(data)) << "the folder of the last time is forgotten";
+}
+
+TEST_F(StartTest, TellsOfItself) {
+    const struct {
+        const char *argument, *told;
+        int code;
+    } cases[] = {{"--version", "kolmera 0", 0}, {"--help", "[DATAMAPP | --demo]", 0}, {"--nonsense", "--nonsense", 2}};
+    for (const auto& c : cases) {
+        QProcess told;
+        told.setProcessChannelMode(QProcess::MergedChannels);
+        told.start(QString::fromStdString((program / "kolmera").string()), {c.argument});
+        ASSERT_TRUE(told.waitForFinished()) << c.argument;
+        EXPECT_EQ(told.exitCode(), c.code) << c.argument;
+        EXPECT_NE(told.readAll().toStdString().find(c.told), std::string::npos) << c.argument;
+    }
+}
 
 TEST_F(StartTest, OnTheFolderThatTheSuiteNames) {
     nameDataFolder(data);
@@ -58,6 +88,7 @@ TEST_F(StartTest, OnTheFolderThatTheSuiteNames) {
 }
 
 TEST_F(StartTest, AloneWhenThatFolderIsGone) {
+    // DVKlient.ini is there: nobody is asked.
     nameDataFolder(folder / "gone");
     EXPECT_TRUE(startsOn(program));
 }
@@ -69,6 +100,7 @@ TEST_F(StartTest, WithoutTheLanguageDatabase) {
 }
 
 TEST_F(StartTest, WithADamagedLanguageDatabase) {
+    haveDataBesideTheProgram();
     folder.write("program/DVLang.sys", "no database");
     EXPECT_TRUE(startsOn(program));
 }

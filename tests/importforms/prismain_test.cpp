@@ -2,16 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDropEvent>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
+#include <QUrl>
 #include <fstream>
 
 #include "db/conversions.h"
@@ -28,6 +34,7 @@
 namespace kolmera {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace test;
 
 const char* const kMaskJob = "Smedhult verktyg";
@@ -286,6 +293,93 @@ TEST_F(PrisMainTest, RunsAMaskJob) {
     EXPECT_FALSE(button("Avbryt").isVisible());
     EXPECT_FALSE(world.boxPort.waiting) << "the hourglass stayed";
     EXPECT_EQ(window->focusWidget(), &list());
+
+    takePicture(*window, "result-SE");
+    EXPECT_TRUE(control(*window, "Resultat").accessibleName().startsWith("Smedhult verktyg: Klar, med anmärkningar, "));
+    const WhenShown changes("ChangeWindow", [](QDialog& form) { form.reject(); });
+    press("VisaÄndringar");
+    EXPECT_TRUE(changes.came());
+    EXPECT_TRUE(eventually([&] { return cell(3, 4).ends_with(" Klar"); })) << cell(3, 4);
+    EXPECT_EQ(cell(2, 4), "") << "another job's run";
+}
+
+TEST_F(PrisMainTest, ShowsWhatOthersDoInTheFolder) {
+    select(kMaskJob);
+    fs::remove(world.data / "Prisfiler" / "VERKTYG.TXT");
+    EXPECT_TRUE(eventually([&] { return cell(3, 3) == "Saknas"; }));
+    JobFile jobs(world.data);
+    jobs.remove({jobs.all()[0]});
+    EXPECT_TRUE(eventually([&] { return cell(0, 0) == "(RSK)"; }));
+    EXPECT_EQ(selectedJob(), kMaskJob) << "another job came under the hand of the user";
+    jobs.remove({*jobs.find(kMaskJob)});
+    EXPECT_TRUE(eventually([&] { return selectedJob().empty(); })) << "a job that nobody chose is selected";
+}
+
+TEST_F(PrisMainTest, CommandsAreInMenusAndUnderKeys) {
+    std::string opened;
+    world.program.showPrisStyr = [&](QWidget*, int JobbNr, bool) -> std::optional<int> {
+        const auto job = JobFile(world.data).read(JobbNr);
+        opened += (job ? job->name : "new") + " ";
+        return std::nullopt;
+    };
+    QTest::keyClick(&list(), Qt::Key_N, Qt::ControlModifier);
+    select(kMaskJob);
+    world.boxPort.answers = {Answer::No, Answer::Yes};
+    QTest::keyClick(&list(), Qt::Key_Delete);
+    QTest::keyClick(&list(), Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(opened, "new Smedhult verktyg (kopia) ");
+    EXPECT_EQ(selectedJob(), "Smedhult verktyg (kopia)");
+    const auto mask = JobFile(world.data).find(selectedJob())->mask;
+    EXPECT_TRUE(mask.ends_with(" (kopia)")) << mask;
+    QTest::keyClick(&list(), Qt::Key_F, Qt::ControlModifier);
+    auto& search = control<QLineEdit>(*window, "Sök");
+    EXPECT_TRUE(search.hasFocus());
+    search.setText("bruknäs");
+    EXPECT_EQ(selectedJob(), "Bruknäs skruv och beslag");
+    const int verktyg = JobFile(world.data).find(kMaskJob)->number;
+    window->FyllJobbLista(verktyg);
+    EXPECT_EQ(selectedJob(), kMaskJob);
+    EXPECT_EQ(fromQt(search.text()), "") << "the job that was saved is not to be seen";
+    EXPECT_EQ(window->next(), std::nullopt);
+    for (QAction* action : window->findChildren<QAction*>()) {
+        if (action->text() == "&English") action->trigger();
+    }
+    ASSERT_TRUE(window->next());
+    EXPECT_EQ(window->next()->language, "EN");
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(PrisMainTest, ReadsAFileThatIsDraggedOntoAJob) {
+    const fs::path other = world.folder / "ny & lista.txt";
+    fs::copy_file(world.data / "Prisfiler" / "VERKTYG.TXT", other);
+    fs::remove(world.data / "Prisfiler" / "VERKTYG.TXT");
+    select("(EIO)");
+    QMimeData dragged;
+    dragged.setUrls({QUrl::fromLocalFile(toQt(other.string()))});
+    const QPoint row = list().visualRect(list().model()->index(3, 0)).center();
+    QDragEnterEvent enter(row, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(list().viewport(), &enter);
+    ASSERT_TRUE(enter.isAccepted());
+    QDropEvent drop(row, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(list().viewport(), &drop);
+    const auto menu = [] { return dynamic_cast<QMenu*>(QApplication::activePopupWidget()); };
+    QTimer chooses;
+    QObject::connect(&chooses, &QTimer::timeout, [&] {
+        if (menu() == nullptr) return;
+        chooses.stop();
+        EXPECT_EQ(fromQt(menu()->actions()[1]->text()), "&Utför med filen ny && lista.txt...");
+        menu()->setActiveAction(menu()->actions()[1]);
+        QTest::keyClick(menu(), Qt::Key_Return);
+    });
+    chooses.start(20);
+    const std::int64_t before = products();
+    const WhenShown asked("PrisUtfö", confirm);
+    world.boxPort.answers = {Answer::OK};
+    EXPECT_TRUE(eventually([&] { return world.boxPort.shown.size() == 1; }));
+    EXPECT_TRUE(asked.came());
+    EXPECT_EQ(selectedJob(), kMaskJob);
+    EXPECT_GT(products(), before);
+    EXPECT_EQ(JobFile(world.data).find(kMaskJob)->priceFile, "Prisfiler\\VERKTYG.TXT") << "the job was changed";
 }
 
 TEST_F(PrisMainTest, EmptiesTheTablesOnlyBehindASecondYes) {
@@ -419,6 +513,8 @@ TEST(PrisMainTexts, InBothLanguages) {
         PrisMain window(world.program);
         window.show();
         expectTextsInBothLanguages(window, world);
+        expectUniqueMnemonics(window);
+        expectNamesForScreenReaders(window);
         takePicture(window, "prismain-" + language);
         checkConfirmation<PrisUtfö>(world, "prisutfo-" + language);
         checkConfirmation<PrisUtFa>(world, "prisutfa-" + language);

@@ -12,6 +12,7 @@
 #include "ui/keys.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
+#include "ui/searchbox.h"
 
 namespace kolmera {
 namespace {
@@ -20,21 +21,23 @@ const std::vector<int> kTabStops{90, 104, 186, 196};  ///< dialog units
 
 }  // namespace
 
-CouplingPanel::CouplingPanel(CouplingEditor& couplings, int listLines, QWidget* parent)
+CouplingPanel::CouplingPanel(Program& program, CouplingEditor& couplings, int listLines, QWidget* parent)
     : QGroupBox(QStringLiteral("Leverantörskopplingar"), parent), couplings_(couplings) {
     setObjectName(QStringLiteral("LevPanel"));
-    buildControls();
+    buildControls(program);
     layOut(listLines);
     connectBoxes();
     connectButtons();
 }
 
-void CouplingPanel::buildControls() {
+void CouplingPanel::buildControls(Program& program) {
     levLista_ = named(new QListWidget(this), "LevLista");
     levLista_->setToolTip(QStringLiteral("Leverantörskopplingar"));
     levLista_->setUniformItemSizes(true);
     setTabStops(*levLista_, kTabStops);
     installEnterSomTabOn(*levLista_);
+    sökLev_ = searchBoxOf(program, *levLista_, *this, "SökLev");
+    setTabOrder(sökLev_, levLista_);
     lblLevKod_ = label(*this, "Lbl_LevKod", "Ko&d i prisfilen");
     levKod_ = named(new QLineEdit(this), "LevKod");
     lblLevNummer_ = label(*this, "Lbl_LevNummer", "Leverantörsn&ummer");
@@ -55,15 +58,16 @@ void CouplingPanel::layOut(int listLines) {
     for (QPushButton* each : {sparaLev_, avbrytLev_, taBortLev_}) buttons->addWidget(each);
     buttons->addStretch(1);
     auto* grid = new QGridLayout(this);
-    grid->addWidget(levLista_, 0, 0, 1, 3);
-    grid->addWidget(lblLevKod_, 1, 0);
-    grid->addWidget(levKod_, 2, 0);
-    grid->addWidget(lblLevNummer_, 1, 1);
-    grid->addWidget(levNummer_, 2, 1);
-    grid->addWidget(levNamn_, 2, 2);
-    grid->addWidget(huvudLev_, 3, 0, 1, 3);
-    grid->addLayout(buttons, 4, 0, 1, 3);
-    grid->setRowStretch(0, 1);
+    grid->addWidget(sökLev_, 0, 2);
+    grid->addWidget(levLista_, 1, 0, 1, 3);
+    grid->addWidget(lblLevKod_, 2, 0);
+    grid->addWidget(levKod_, 3, 0);
+    grid->addWidget(lblLevNummer_, 2, 1);
+    grid->addWidget(levNummer_, 3, 1);
+    grid->addWidget(levNamn_, 3, 2);
+    grid->addWidget(huvudLev_, 4, 0, 1, 3);
+    grid->addLayout(buttons, 5, 0, 1, 3);
+    grid->setRowStretch(1, 1);
     for (const int column : {0, 1, 2}) grid->setColumnStretch(column, 1);
 }
 
@@ -105,6 +109,7 @@ void CouplingPanel::installKeys(QWidget& form) {
     pressOnKey(form, QKeySequence(Qt::Key_Escape), *avbrytLev_);
     pressOnKey(form, QKeySequence(Qt::Key_F9), *taBortLev_);
     focusOnAltL(form, *levLista_);
+    sökLev_->takeFindKey(form);
 }
 
 /// Looks up what was typed since the last time.

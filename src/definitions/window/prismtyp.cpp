@@ -19,6 +19,7 @@
 #include "ui/keys.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
+#include "ui/searchbox.h"
 #include "ui/ucuppner.h"
 
 namespace kolmera {
@@ -182,6 +183,8 @@ void PrisMTyp::buildLists() {
     boxes->addStretch(1);
     lblTillLista_ = label(*this, "Lbl_TillLista", "Fält i företa&get");
     tillLista_ = list(*this, "TillLista", *lblTillLista_, kFieldTabStops);
+    sökTill_ = searchBoxOf(program_, *tillLista_, *this, "SökTill");
+    sökTill_->takeFindKey(*this);
 }
 
 void PrisMTyp::buildRules() {
@@ -198,6 +201,7 @@ void PrisMTyp::buildButtons() {
     tabort_ = button(*this, "Tabort", "&Ta bort relation");
     lblRelationer_ = label(*this, "Lbl_Relationer", "Relat&ioner");
     relationer_ = list(*this, "Relationer", *lblRelationer_, kRelationTabStops);
+    sökRelation_ = searchBoxOf(program_, *relationer_, *this, "SökRelation");
     exempel_ = button(*this, "Exempel", "Föreslå och prova mot e&xempel...");
     spara_ = button(*this, "Spara", "&Spara");
     spara_->setDefault(true);
@@ -217,7 +221,10 @@ void PrisMTyp::layOut() {
     layout->addLayout(name);
     layout->addLayout(layOutMask());
     layout->addLayout(layOutFields(), 3);
-    layout->addWidget(lblRelationer_);
+    auto* relations = new QHBoxLayout;
+    relations->addWidget(lblRelationer_, 1);
+    relations->addWidget(sökRelation_, 1);
+    layout->addLayout(relations);
     layout->addWidget(relationer_, 2);
     layout->addLayout(buttons);
 }
@@ -244,7 +251,10 @@ QLayout* PrisMTyp::layOutFields() {
     grid->addWidget(lblFrånLista_, 0, 0);
     grid->addWidget(frånLista_, 1, 0);
     grid->addWidget(positioner_, 2, 0);
-    grid->addWidget(lblTillLista_, 0, 1);
+    auto* targets = new QHBoxLayout;
+    targets->addWidget(lblTillLista_, 1);
+    targets->addWidget(sökTill_, 1);
+    grid->addLayout(targets, 0, 1);
     grid->addWidget(tillLista_, 1, 1, 2, 1);
     grid->addLayout(rules, 3, 0, 1, 2);
     grid->setColumnStretch(0, 1);

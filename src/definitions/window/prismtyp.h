@@ -20,6 +20,8 @@ class QPushButton;
 
 namespace kolmera {
 
+class SearchBox;
+
 /// What the mask editor is shown against.
 struct MaskSurroundings {
     std::filesystem::path sample = {};
@@ -74,6 +76,7 @@ class PrisMTyp final : public QDialog {
     QCheckBox* uppdatLev_;
     QLabel *lblFrånLista_, *lblTillLista_, *lblTypKod_, *lblDivision_, *lblRelationer_;
     QListWidget *frånLista_, *tillLista_, *relationer_;
+    SearchBox *sökTill_, *sökRelation_;
     QLineEdit *frånPos_, *längd_;
     QComboBox *typKod_, *division_;
     QPushButton *skapa_, *tabort_, *exempel_, *spara_, *avbryt_;

@@ -1,7 +1,7 @@
 #include "definitions/window/prisstyr.h"
 
+#include <QAction>
 #include <QComboBox>
-#include <QFileDialog>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -20,7 +20,9 @@
 #include "definitions/window/sourcewindow.h"
 #include "definitions/window/suppliermodel.h"
 #include "lang/keys/prisstyr.h"
+#include "ui/commands.h"
 #include "ui/controls.h"
+#include "ui/filedialogs.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lists.h"
@@ -52,7 +54,12 @@ PrisStyr::PrisStyr(Program& program, int JobbNr, bool ÄrStandardJobb, QWidget* 
     : QDialog(parent), program_(program), job_(program.state, program.texts, program.boxes, program.companies) {
     const Hourglass loading(program.boxes.port());
     chooseFile = [this](const QString& title, const QString& filter) {
-        return QFileDialog::getOpenFileName(this, title, toQt(job_.fileFolder().string()), filter);
+        FileQuestion question;
+        question.title = title;
+        question.filters = filter;
+        question.path = toQt(job_.fileFolder().string());
+        // Beside the price file, where the job has one; else where the last one was.
+        return askForFileToOpen(this, question, job_.job.priceFile.empty() ? program_.memory : nullptr);
     };
     setObjectName(QStringLiteral("PrisStyr"));
     setWindowTitle(QStringLiteral("Ny inläsning"));
@@ -61,11 +68,13 @@ PrisStyr::PrisStyr(Program& program, int JobbNr, bool ÄrStandardJobb, QWidget* 
     buildMasks();
     buildCompany();
     buildFinfo();
-    levPanel_ = new CouplingPanel(job_.couplings, job_.isFinfo() ? kCouplingLinesOfFinfo : kCouplingLines, this);
+    levPanel_ =
+        new CouplingPanel(program_, job_.couplings, job_.isFinfo() ? kCouplingLinesOfFinfo : kCouplingLines, this);
     buildButtons();
     layOut();
     installEnterSomTab(*this);
     loadForm(program_, *this);
+    nameButtonActions(*this);
     supplierLabel_ = lblLevLista_->text();
     setSizes();
     showJob();
@@ -99,6 +108,13 @@ void PrisStyr::buildMasks() {
     nyMask_ = button(*this, "NyMask", "&Ny mask...");
     öppnaMask_ = button(*this, "ÖppnaMask", "&Öppna mask...");
     taBortMask_ = button(*this, "TaBortMask", "&Ta bort mask...");
+    kopieraMask_ = new QAction(QStringLiteral("&Duplicera mask"), this);
+    kopieraMask_->setObjectName(QStringLiteral("KopieraMask"));
+    kopieraMask_->setShortcut(Qt::CTRL | Qt::Key_D);
+    maskLista_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (QPushButton* each : {nyMask_, öppnaMask_}) maskLista_->addAction(new ButtonAction(*each, *this, {}));
+    maskLista_->addAction(kopieraMask_);
+    maskLista_->addAction(new ButtonAction(*taBortMask_, *this, {}));
 }
 
 void PrisStyr::buildCompany() {
@@ -302,6 +318,11 @@ void PrisStyr::connectMasks() {
     connect(öppnaMask_, &QPushButton::clicked, this, [this] { editMask(false); });
     connect(maskLista_, &QListWidget::itemDoubleClicked, this, [this] { öppnaMask_->click(); });
     actOnEnter(*maskLista_, [this] { öppnaMask_->click(); });
+    connect(kopieraMask_, &QAction::triggered, this, [this] {
+        job_.copyMask();
+        presentMasks();
+        presentButtons();
+    });
     connect(taBortMask_, &QPushButton::clicked, this, [this] {
         job_.deleteMask();
         presentMasks();
@@ -397,6 +418,7 @@ void PrisStyr::presentButtons() {
     nyMask_->setEnabled(job_.canMakeMask());
     öppnaMask_->setEnabled(job_.canOpenMask());
     taBortMask_->setEnabled(job_.canDeleteMask());
+    kopieraMask_->setEnabled(job_.canDeleteMask() && !job_.isTradeFormat());
 }
 
 void PrisStyr::editMask(bool isNew) {

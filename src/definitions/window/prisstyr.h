@@ -7,6 +7,7 @@
 #include "definitions/jobeditor.h"
 #include "ui/program.h"
 
+class QAction;
 class QComboBox;
 class QGridLayout;
 class QLabel;
@@ -72,6 +73,7 @@ class PrisStyr final : public QDialog {
     QLabel *lblMaskLista_, *lblFtgLista_, *lblLevLista_;
     QListWidget *maskLista_, *ftgLista_;
     QPushButton *nyMask_, *öppnaMask_, *taBortMask_;
+    QAction* kopieraMask_;
     QTreeView* levLista_;
     SupplierModel* suppliers_;
     QWidget *varugrupper_, *altPanel_;

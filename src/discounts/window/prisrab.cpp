@@ -1,5 +1,6 @@
 #include "discounts/window/prisrab.h"
 
+#include <QCloseEvent>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -18,6 +19,7 @@
 #include "ui/keys.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
+#include "ui/searchbox.h"
 
 namespace kolmera {
 namespace {
@@ -98,10 +100,20 @@ PrisRab::~PrisRab() {
     delete levLista_;
 }
 
+// The window's own button; "Stäng" closes, and Escape gives up what is typed.
+void PrisRab::closeEvent(QCloseEvent* event) {
+    if (letters_.hasUnsaved() && !leaveUnsaved(program_)) {
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
+}
+
 void PrisRab::askForFiles() {
-    fileToRead = [this](const FileQuestion& question) { return askForFileToOpen(this, question); };
+    fileToRead = [this](const FileQuestion& question) { return askForFileToOpen(this, question, program_.memory); };
     fileToWrite = [this](const FileQuestion& question) {
-        return askForFileToSave(this, question, [](const QString& file) { return isSpreadsheet(fromQt(file)); });
+        return askForFileToSave(
+            this, question, [](const QString& file) { return isSpreadsheet(fromQt(file)); }, program_.memory);
     };
 }
 
@@ -118,9 +130,12 @@ void PrisRab::buildLists() {
     levLista_ = grid(*this, "Lev_Lista", suppliers_);
     levLista_->setHeaderHidden(true);
     labels_.at(kSupplierLabel)->setBuddy(levLista_);
+    sökLev_ = searchBoxOf(program_, *levLista_, *this, "SökLev");
     groups_ = new LetterModel(letters_.Lista(), this);
     lista_ = grid(*this, "Lista", groups_);
     lista_->setToolTip(QStringLiteral("Leverantörens rabattgrupper"));
+    sökGrupp_ = searchBoxOf(program_, *lista_, *this, "SökGrupp");
+    sökGrupp_->takeFindKey(*this);
 }
 
 void PrisRab::buildFields() {
@@ -157,7 +172,10 @@ void PrisRab::layOut() {
     auto* upper = new QGridLayout;
     upper->addWidget(labels_.at(kCompanyLabel), 0, 0);
     upper->addWidget(ftgLista_, 1, 0);
-    upper->addWidget(labels_.at(kSupplierLabel), 0, 1);
+    auto* suppliers = new QHBoxLayout;
+    suppliers->addWidget(labels_.at(kSupplierLabel), 1);
+    suppliers->addWidget(sökLev_, 1);
+    upper->addLayout(suppliers, 0, 1);
     upper->addWidget(levLista_, 1, 1);
     upper->setColumnStretch(0, 1);
     upper->setColumnStretch(1, 1);
@@ -166,7 +184,11 @@ void PrisRab::layOut() {
     auto* buttons = new QHBoxLayout;
     layOutButtons(*buttons);
     auto* layout = new QVBoxLayout(this);
+    auto* groups = new QHBoxLayout;
+    groups->addStretch(1);
+    groups->addWidget(sökGrupp_, 1);
     layout->addLayout(upper, 2);
+    layout->addLayout(groups);
     layout->addWidget(lista_, 5);
     layout->addLayout(fields);
     layout->addSpacing(fontMetrics().height() / 2);
@@ -200,7 +222,9 @@ void PrisRab::setTabOrders() {
         setTabOrder(before, next);
         before = next;
     };
+    follows(sökLev_);
     follows(levLista_);
+    follows(sökGrupp_);
     follows(lista_);
     for (QLineEdit* field : fields_) follows(field);
     for (QPushButton* each : {spara_, avbryt_, taBort_, läsFil_, skapaFil_, stäng_}) follows(each);

@@ -20,6 +20,7 @@ class QTreeView;
 namespace kolmera {
 
 class LetterModel;
+class SearchBox;
 class SupplierModel;
 
 /// The window of suppliers' discount letters.
@@ -31,6 +32,9 @@ class PrisRab final : public QDialog {
     // Ask for a file; an empty answer is Cancel.
     std::function<QString(const FileQuestion& question)> fileToRead;
     std::function<QString(const FileQuestion& question)> fileToWrite;
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
 
   private:
     void askForFiles();
@@ -71,6 +75,7 @@ class PrisRab final : public QDialog {
     std::array<QLineEdit*, LetterEditor::kFields> fields_{};
     QListWidget* ftgLista_;
     QTreeView *levLista_, *lista_;
+    SearchBox *sökLev_, *sökGrupp_;
     SupplierModel* suppliers_;
     LetterModel* groups_;
     QLabel *saTecken_, *totalRabatt_;

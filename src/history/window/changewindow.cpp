@@ -85,8 +85,9 @@ ChangeWindow::ChangeWindow(Program& program, ChangeReport& report, QWidget* pare
     setObjectName(QStringLiteral("ChangeWindow"));
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     fileToWrite = [this](const FileQuestion& question) {
-        return askForFileToSave(this, question,
-                                [](const QString& file) { return file.endsWith(".xlsx", Qt::CaseInsensitive); });
+        return askForFileToSave(
+            this, question, [](const QString& file) { return file.endsWith(".xlsx", Qt::CaseInsensitive); },
+            program_.memory);
     };
     buildFigures();
     buildNotices();

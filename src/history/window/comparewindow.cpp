@@ -90,8 +90,9 @@ CompareWindow::CompareWindow(Program& program, const RunFolder& folder, RunHeade
     setObjectName(QStringLiteral("CompareWindow"));
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     fileToWrite = [this](const FileQuestion& question) {
-        return askForFileToSave(this, question,
-                                [](const QString& file) { return file.endsWith(".xlsx", Qt::CaseInsensitive); });
+        return askForFileToSave(
+            this, question, [](const QString& file) { return file.endsWith(".xlsx", Qt::CaseInsensitive); },
+            program_.memory);
     };
     buildControls();
     connectKeys();

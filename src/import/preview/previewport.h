@@ -33,7 +33,9 @@ class PreviewPort final : public RunPort {
     void openJobSettings() override { outer_.openJobSettings(); }
     void tell(const Message& message) override { told_.push_back(message.text); }
     [[nodiscard]] std::size_t examplesTold() const override { return outer_.examplesTold(); }
-    void progress(std::uint64_t position, std::uint64_t size) override { outer_.progress(position, size); }
+    void progress(std::uint64_t position, std::uint64_t size, std::int64_t records) override {
+        outer_.progress(position, size, records);
+    }
 
     [[nodiscard]] const std::vector<std::string>& told() const { return told_; }
 

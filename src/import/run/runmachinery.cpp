@@ -268,7 +268,7 @@ bool RunMachinery::convertSource(const SourceSettings& settings, const TargetLay
         const auto changed = convert(
             *context_.taken, settings, layout, workPlaces(context_.state.dataFolder()),
             [this] { return port().cancelled(); },
-            [this](double part) { port().progress(static_cast<std::uint64_t>(part * kWhole), kWhole); });
+            [this](double part) { port().progress(static_cast<std::uint64_t>(part * kWhole), kWhole, -1); });
         if (!changed) return true;
         warn(headingMessage(texts(), *changed, settings), texts().ModulText(text::source::kHeadingsTitle));
     } catch (const ReadingCancelled&) {
@@ -401,7 +401,7 @@ bool RunMachinery::emptyTable(Recordset& table, std::string_view name, int every
 }
 
 bool RunMachinery::progressAt(std::int64_t count, std::uint64_t position) {
-    port().progress(position, priceFile_->size());
+    port().progress(position, priceFile_->size(), count);
     return progress(progressLabel_, count);
 }
 

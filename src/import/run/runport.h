@@ -67,8 +67,9 @@ class RunPort : public MessagePort {
     virtual void tell(const Message& message) = 0;
     /// Of each kind of thing to tell, so many examples.
     [[nodiscard]] virtual std::size_t examplesTold() const { return 3; }
-    /// Bytes of the price file read so far; for a progress bar.
-    virtual void progress(std::uint64_t /*position*/, std::uint64_t /*size*/) {}
+    /// How much of the price file is read, and how many records of it; for a progress bar. Less than 0 records: it is
+    /// still being converted, and the measure is no bytes.
+    virtual void progress(std::uint64_t /*position*/, std::uint64_t /*size*/, std::int64_t /*records*/) {}
 };
 
 }  // namespace kolmera

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ui/qttext.h"
+#include "ui/searchbox.h"
 
 namespace kolmera {
 
@@ -23,6 +24,11 @@ void JobListModel::fill(std::vector<JobRow> rows, int JobbNr, std::string_view s
     endResetModel();
 }
 
+void JobListModel::tellLastRuns(std::map<std::string, std::string> lastRuns) {
+    table_.tellLastRuns(std::move(lastRuns));
+    if (rowCount() > 0) emit dataChanged(index(0, JobTable::kLastRun), index(rowCount() - 1, JobTable::kLastRun));
+}
+
 int JobListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : table_.count(); }
 
 int JobListModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : JobTable::kColumns; }
@@ -39,6 +45,8 @@ QVariant JobListModel::data(const QModelIndex& index, int role) const {
         case Qt::DecorationRole:
             if (column != JobTable::kName) return {};
             return table_.row(index.row()).tradeFormat ? tradeFormat_ : mask_;
+        case kSearchRole:
+            return column == JobTable::kName ? toQt(table_.hiddenText(index.row())) : QVariant();
         default:
             return {};
     }

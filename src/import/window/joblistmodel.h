@@ -15,6 +15,7 @@ class JobListModel final : public QAbstractTableModel {
 
     void setHeaders(const std::array<QString, JobTable::kColumns>& headers);
     void setIcons(QIcon mask, QIcon tradeFormat);
+    void tellLastRuns(std::map<std::string, std::string> lastRuns);
     void fill(std::vector<JobRow> rows, int JobbNr, std::string_view savedName);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

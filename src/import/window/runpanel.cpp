@@ -36,7 +36,6 @@ RunPanel::RunPanel(Program& program, QWidget* parent)
     meddelande_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     bar_->setObjectName(QStringLiteral("Förlopp"));
     bar_->setRange(0, kPermille);
-    bar_->setTextVisible(false);
     bar_->setAccessibleName(toQt(program.texts.FormulärSträng(text::prismain::kRecordsRead)));
     avbryt_->setObjectName(QStringLiteral("Avbryt"));
     connect(avbryt_, &QPushButton::clicked, this, [this] { cancel(); });
@@ -69,9 +68,18 @@ void RunPanel::status(std::string_view text) {
     if (isHidden()) runMode(true);
 }
 
+void RunPanel::begin() {
+    cancel_ = false;
+    seconds_ = 0;
+    running_.invalidate();
+}
+
 void RunPanel::runMode(bool on) {
+    constexpr double kMilliseconds = 1000;
+    if (running_.isValid() && isVisible()) seconds_ += static_cast<double>(running_.elapsed()) / kMilliseconds;
     setVisible(on);
-    permille_ = 0;
+    pace_.begin();
+    running_.start();
     if (on) avbryt_->setFocus();
     present();
     if (onRunMode) onRunMode();
@@ -100,15 +108,19 @@ ConfirmationAnswer RunPanel::answerOf(const Confirmation& confirmation) {
     return form.answer();
 }
 
-void RunPanel::progress(std::uint64_t position, std::uint64_t size) {
-    permille_ = size == 0 ? 0 : static_cast<int>(static_cast<double>(position) / static_cast<double>(size) * kPermille);
+void RunPanel::progress(std::uint64_t position, std::uint64_t size, std::int64_t records) {
+    pace_.at(position, size, records, RunPace::Time(running_.isValid() ? running_.elapsed() : 0));
 }
 
 void RunPanel::present() {
     const QString text = toQt(status_);
     meddelande_->setText(meddelande_->fontMetrics().elidedText(text, Qt::ElideMiddle, meddelande_->width()));
     meddelande_->setToolTip(meddelande_->text() == text ? QString() : text);
-    bar_->setValue(permille_);
+    // Without an end while there is none to be told: the bar shows that the program is at it.
+    bar_->setRange(0, pace_.unknown() ? 0 : kPermille);
+    if (pace_.unknown()) return;
+    bar_->setValue(static_cast<int>(pace_.done() * kPermille));
+    bar_->setFormat(toQt(pace_.text(program_.texts, program_.state.locale)));
 }
 
 }  // namespace kolmera

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "import/run/runpace.h"
 #include "import/run/runport.h"
 #include "ui/program.h"
 
@@ -24,6 +25,10 @@ class RunPanel final : public QWidget, public RunPort {
     std::function<void()> onRunMode;          ///< run mode was entered or left
     std::function<void()> onOpenJobSettings;  ///< the user wants to mend the job
 
+    /// Another run begins.
+    void begin();
+    /// How long the run was in run mode; what it asked the user before does not count.
+    [[nodiscard]] double seconds() const { return seconds_; }
     /// What the Cancel button does.
     void cancel() { cancel_ = true; }
 
@@ -44,7 +49,7 @@ class RunPanel final : public QWidget, public RunPort {
     bool readsDoubtful(const DoubtfulFile& file) override;
     void openJobSettings() override { onOpenJobSettings(); }
     void tell(const Message& message) override;
-    void progress(std::uint64_t position, std::uint64_t size) override;
+    void progress(std::uint64_t position, std::uint64_t size, std::int64_t records) override;
 
   private:
     void present();
@@ -56,7 +61,9 @@ class RunPanel final : public QWidget, public RunPort {
     QProgressBar* bar_;
     QPushButton* avbryt_;
     std::string status_;
-    int permille_ = 0;
+    RunPace pace_;
+    QElapsedTimer running_;
+    double seconds_ = 0;
     bool cancel_ = false;
     std::optional<bool> previewWish_;
     bool proposed_ = false;

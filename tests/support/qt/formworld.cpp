@@ -1,16 +1,20 @@
 #include "support/qt/formworld.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QGroupBox>
 #include <QLabel>
+#include <QMenu>
 #include <QPixmap>
 #include <QTest>
 #include <QTimer>
+#include <map>
 
-#include "cli/democompany.h"
 #include "definitions/datafolder.h"
+#include "setup/democompany.h"
 #include "startup/newcompany.h"
 #include "ui/qttext.h"
 
@@ -28,6 +32,7 @@ QString captionOf(const QWidget& control) {
     if (const auto* label = dynamic_cast<const QLabel*>(&control)) return label->text();
     if (const auto* button = dynamic_cast<const QAbstractButton*>(&control)) return button->text();
     if (const auto* group = dynamic_cast<const QGroupBox*>(&control)) return group->title();
+    if (const auto* menu = dynamic_cast<const QMenu*>(&control)) return menu->title();
     return {};
 }
 
@@ -66,8 +71,8 @@ FormWorld::FormWorld(Data kind, std::string_view language)
     if (kind == Data::Empty) return;
     createDataFolder(data);
     createCompany(data, std::string(kFirstCompany), "Demoföretaget");
-    cli::fillDemoCompany(std::filesystem::path(KOLMERA_SOURCE_DIR) / "data" / "demo", data, data / kFirstCompany,
-                         state.locale);
+    fillDemoCompany(std::filesystem::path(KOLMERA_SOURCE_DIR) / "data" / "demo", data, data / kFirstCompany,
+                    state.locale);
     state.StandardFöretag = "FTG1.MDB";
 }
 
@@ -105,9 +110,44 @@ void expectTextsInBothLanguages(QWidget& form, FormWorld& world) {
         if (name.empty() || name.starts_with("qt_")) continue;
         expectText(world.texts, formKey + "_" + name, caption);
         expectText(world.texts, formKey + "_" + name + "_TT", child->toolTip());
-        if (child->isVisibleTo(&form) && !caption.isEmpty() && dynamic_cast<QGroupBox*>(child) == nullptr) {
+        const bool menu = dynamic_cast<QMenu*>(child) != nullptr;
+        if (!menu && child->isVisibleTo(&form) && !caption.isEmpty() && dynamic_cast<QGroupBox*>(child) == nullptr) {
             EXPECT_GE(child->width(), child->minimumSizeHint().width()) << "cut off: " << name;
         }
+    }
+    for (const QAction* action : form.findChildren<QAction*>()) {
+        // Behind a tab stands a key.
+        const QString caption = action->text().section(QLatin1Char('\t'), 0, 0);
+        if (!action->objectName().isEmpty())
+            expectText(world.texts, formKey + "_" + fromQt(action->objectName()), caption);
+    }
+}
+
+void expectNamesForScreenReaders(QWidget& form) {
+    for (QWidget* child : form.findChildren<QWidget*>()) {
+        // What a control is made of is not met by itself.
+        const bool part = child->objectName().startsWith("qt_") || child->focusProxy() != nullptr ||
+                          child->parentWidget()->focusPolicy() != Qt::NoFocus;
+        if (part || !child->isVisibleTo(&form) || (child->focusPolicy() & Qt::TabFocus) == 0) continue;
+        const QAccessibleInterface* met = QAccessible::queryAccessibleInterface(child);
+        ASSERT_NE(met, nullptr);
+        EXPECT_FALSE(met->text(QAccessible::Name).isEmpty())
+            << "no name: " << fromQt(child->objectName()) << " " << child->metaObject()->className();
+    }
+}
+
+void expectUniqueMnemonics(const QWidget& form) {
+    std::map<QString, std::string> letters;
+    for (const QWidget* child : form.findChildren<QWidget*>()) {
+        const auto* menu = dynamic_cast<const QMenu*>(child);
+        // What a menu has is pressed in the menu; a menu of the bar, in the window.
+        const bool ofWindow =
+            menu != nullptr ? !child->objectName().isEmpty() && child->objectName().startsWith(QStringLiteral("Meny"))
+                            : child->isVisibleTo(&form);
+        const QString letter = QKeySequence::mnemonic(captionOf(*child)).toString();
+        if (!ofWindow || letter.isEmpty()) continue;
+        const auto [at, added] = letters.emplace(letter, fromQt(child->objectName()));
+        EXPECT_TRUE(added) << fromQt(letter) << ": " << at->second << ", " << fromQt(child->objectName());
     }
 }
 

@@ -74,6 +74,11 @@ class WhenShown {
 /// no English one, and for every caption, button and column header that is cut off.
 void expectTextsInBothLanguages(QWidget& form, FormWorld& world);
 
+/// Fails for every control that can have the focus and that a screen reader has no name for.
+void expectNamesForScreenReaders(QWidget& form);
+/// Fails for every letter that is the mnemonic of two controls that can be seen, or menus of the window's bar.
+void expectUniqueMnemonics(const QWidget& form);
+
 /// Saves a picture of the form when KOLMERA_PICTURES names a folder; for looking at, nothing is compared.
 void takePicture(QWidget& form, const std::string& name);
 

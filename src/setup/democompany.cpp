@@ -1,4 +1,4 @@
-#include "cli/democompany.h"
+#include "setup/democompany.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,13 +9,14 @@
 #include "definitions/jobfile.h"
 #include "definitions/joboptions.h"
 #include "definitions/maskfile.h"
+#include "platform/engine/database.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
 #include "platform/recordfolder.h"
 #include "platform/tsv.h"
 #include "source/settingsjson.h"
 
-namespace kolmera::cli {
+namespace kolmera {
 namespace fs = std::filesystem;
 namespace {
 
@@ -207,4 +208,4 @@ void fillDemoCompany(const fs::path& source, const fs::path& dataFolder, const f
     fs::copy(source / "prisfiler", dataFolder / "Prisfiler", fs::copy_options::recursive);
 }
 
-}  // namespace kolmera::cli
+}  // namespace kolmera
