@@ -80,7 +80,9 @@ std::vector<std::string> LeftOutEditor::lines() const {
 
 bool LeftOutEditor::add(int column, const std::string& pattern) {
     if (trimmedBlanks(pattern).empty() || column < 0) return false;
-    LeftOutRows rows{.column = {.heading = {}, .number = column}, .pattern = std::string(trimmedBlanks(pattern))};
+    LeftOutRows rows;
+    rows.column.number = column;
+    rows.pattern = std::string(trimmedBlanks(pattern));
     const auto place = static_cast<std::size_t>(column) - 1;
     if (column > 0 && place < settings_.headings.size()) {
         ColumnFinder finder(settings_.headings);
@@ -104,7 +106,8 @@ void LeftOutEditor::remove(int place) {
 bool LeftOutEditor::suggest() {
     bool found = false;
     for (const std::string_view sum : kSums) {
-        LeftOutRows rows{.column = {}, .pattern = std::string(sum)};
+        LeftOutRows rows;
+        rows.pattern = sum;
         const std::size_t count = leftOutBy({rows}).size();
         // What leaves out most of the rows is a word of the articles.
         if (count == 0 || count * 2 > rows_.size()) continue;
