@@ -49,6 +49,17 @@ TEST(FileExcerpt, IsTheTextAroundARecord) {
     EXPECT_EQ(none.excerpt({}).file, FileExcerpt::File::Missing);
 }
 
+TEST(FileExcerpt, OfASourceIsItsRows) {
+    const test::TemporaryFolder folder;
+    const std::filesystem::path file = folder / "prices";
+    std::ofstream(file, std::ios::binary) << "Nr;Pris\r\n1;\"5\n6\"\r\n2;7\r\n";
+    RecordedPriceFile recorded({.path = file.string(), .size = 0, .modified = {}, .sha256 = {}}, CodePage::Windows1252,
+                               SourceFormat{});
+    const FileExcerpt excerpt = recorded.excerpt({.record = 2});
+    EXPECT_EQ(excerpt.before + "|" + excerpt.record + "|" + excerpt.after, "Nr\tPris\n|1\t5 6\n|2\t7\n");
+    EXPECT_EQ(recorded.excerpt({.record = 9}).file, FileExcerpt::File::Shorter);
+}
+
 TEST(FileExcerpt, KnowsTheFileByItsBytes) {
     const test::TemporaryFolder folder;
     const std::filesystem::path file = folder / "prices";
