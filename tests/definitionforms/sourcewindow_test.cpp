@@ -75,6 +75,27 @@ TEST(SourceWindow, CorrectsWhatWasFoundByKeysAlone) {
     }
 }
 
+TEST(ColumnsWindow, TakesWhatIsStillBeingTyped) {
+    FormWorld world(Data::Empty);
+    const auto file = world.folder / "pris.csv";
+    std::ofstream(file) << "Artikelnr;Enhet\nA1;styck\n";
+    SourceSettings settings;
+    settings.format.headings = true;
+    ColumnEditor editor(world.texts, file, settings, textColumns(2));
+    ColumnsWindow form(world.program, editor, nullptr);
+    form.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
+    auto& replaced = control<QTableWidget>(form, "Ersätt");
+    replaced.setFocus();
+    replaced.setCurrentCell(0, 0);
+    QTest::keyClick(&replaced, Qt::Key_F2);
+    auto* cell = dynamic_cast<QLineEdit*>(form.focusWidget());
+    ASSERT_NE(cell, nullptr);
+    QTest::keyClicks(cell, "A1");
+    control<QPushButton>(form, "OK").click();  // as by its letter: the focus stays in the cell
+    EXPECT_EQ(editor.replacements(), (ColumnEditor::Replacements{{"A1", ""}}));
+}
+
 TEST(ColumnsWindow, ShowsBeforeAndAfterByKeysAlone) {
     for (const char* language : {"SE", "EN"}) {
         FormWorld world(Data::Empty, language);

@@ -63,6 +63,7 @@ ColumnsWindow::ColumnsWindow(Program& program, ColumnEditor& editor, QWidget* pa
         present();
     };
     connect(ok_, &QPushButton::clicked, this, [this] {
+        ok_->setFocus();  // what is typed into a cell counts, too, where the button was pressed by its letter
         egenskaper_->commit();
         accept();
     });
