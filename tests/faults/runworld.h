@@ -51,7 +51,7 @@ class DataFolder {
 class RunWorld {
   public:
     static constexpr int kManyRecords = 80;  ///< three batches of 25, and some
-    static constexpr const char* kFormats[] = {"(EIO)", "(RSK)", "(FINFO)", "lines", "tabs", "pieces", "delimited"};
+    static constexpr const char* kFormats[] = {"(EIO)", "(RSK)", "(FINFO)", "lines", "tabs"};
 
     explicit RunWorld(const std::string& format, int records = kManyRecords);
 
