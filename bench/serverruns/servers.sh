@@ -75,7 +75,7 @@ peak() {
     local pid held most=0
     "$@" >/dev/null 2>&1 &
     pid=$!
-    while held=$(sed -n 's/^VmHWM: *\([0-9]*\).*/\1/p' "/proc/$pid/status" 2>/dev/null) && [ -n "$held" ]; do
+    while held=$(sed -n 's/^VmHWM:[[:space:]]*\([0-9]*\).*/\1/p' "/proc/$pid/status" 2>/dev/null) && [ -n "$held" ]; do
         most=$held
         sleep 0.05
     done

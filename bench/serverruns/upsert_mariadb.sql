@@ -2,9 +2,10 @@
 -- rows of each table. Rates, markups and rounding are those of the company that bench_data makes. PRICES is the file.
 SET NAMES utf8mb4 COLLATE utf8mb4_uca1400_swedish_nopad_as_ci;
 SET autocommit = 0;
-CREATE TEMPORARY TABLE line (ord integer PRIMARY KEY AUTO_INCREMENT, t varchar(400)) DEFAULT CHARSET utf8mb4;
+CREATE TEMPORARY TABLE line (ord integer PRIMARY KEY AUTO_INCREMENT, t varchar(400)) DEFAULT CHARSET utf8mb4
+  COLLATE utf8mb4_uca1400_swedish_nopad_as_ci;
 LOAD DATA LOCAL INFILE 'PRICES' INTO TABLE line CHARACTER SET utf8mb4
-  FIELDS TERMINATED BY '' ESCAPED BY '' LINES TERMINATED BY '\r\n' (@t) SET t = @t;
+  FIELDS TERMINATED BY '\t' ESCAPED BY '' LINES TERMINATED BY '\r\n' (t);
 CREATE TEMPORARY TABLE article (PRIMARY KEY (ord), UNIQUE (number)) DEFAULT CHARSET utf8mb4 COLLATE utf8mb4_uca1400_swedish_nopad_as_ci AS
   SELECT *, CASE WHEN sales BETWEEN 0 AND 9.99 THEN round(sales * 10) / 10
               WHEN sales BETWEEN 10 AND 99.99 THEN floor(sales)
@@ -56,7 +57,7 @@ LEFT JOIN Levprislista l ON l.Produktnr = a.number AND l.Leverantör = '1001' WH
 CREATE TEMPORARY TABLE alternative DEFAULT CHARSET utf8mb4 COLLATE utf8mb4_uca1400_swedish_nopad_as_ci AS
   SELECT ord, 2 AS heading, number, micronic AS other FROM article UNION ALL SELECT ord, 1, number, ean FROM article;
 UPDATE Prodaltprodnr n JOIN alternative a ON n.Produktnr = a.number AND n.Nummer = a.heading
-SET n.Alternativnr = a.other WHERE NOT n.Alternativnr <=> a.other;
+SET n.Alternativnr = a.other WHERE NOT BINARY n.Alternativnr <=> BINARY a.other;
 INSERT INTO Prodaltprodnr (Produktnr, Nummer, Alternativnr)
 SELECT a.number, a.heading, a.other FROM alternative a
 LEFT JOIN Prodaltprodnr n ON n.Produktnr = a.number AND n.Nummer = a.heading WHERE n.ID IS NULL
