@@ -22,8 +22,6 @@ class Eio final : public EioRsk {
     LineUse takeHeader(std::string_view line) override { return otherLine(line); }
     void takeArticle(std::string_view line) override;
     void writePriceLevels(ProductRows& products, double price) override;
-
-  private:
 };
 
 }  // namespace kolmera
