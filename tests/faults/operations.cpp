@@ -81,7 +81,7 @@ void Operations::addDefinitions() {
         JobFile jobs(data.path());
         Job job = *jobs.read(2);
         job.priceFile = "pris.txt";
-        jobs.save(job, jobs.read(2), Limits{.largestChange = 20});
+        jobs.save(job, jobs.read(2), {.limits = Limits{.largestChange = 20}});
     });
     add("job removed", [](const DataFolder& data) {
         JobFile jobs(data.path());

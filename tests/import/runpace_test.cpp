@@ -21,7 +21,10 @@ TEST_F(PaceTest, TellsPartRateAndTimeLeft) {
     pace.at(100, 1000, 10, Time(0));
     EXPECT_EQ(text(), "10 %") << "a rate out of nothing";
     pace.at(400, 1000, 6010, Time(3000));
-    EXPECT_EQ(text(), "40 %, 2 000 poster/s, 7 s kvar") << "what was read before the measuring began counts";
+    EXPECT_EQ(text(),
+              "40 %, 2\u00A0"
+              "000 poster/s, 7 s kvar")
+        << "what was read before the measuring began counts";
     pace.at(1000, 1000, 9000, Time(9000));
     EXPECT_EQ(text(), "100 %, 998 poster/s");
 }
@@ -48,7 +51,8 @@ TEST(RunResult, TellsWhatToLookInto) {
     RunResult result = runResult(world.texts(), world.state.locale, "Jobb", summary, 3.21);
     EXPECT_TRUE(result.good);
     EXPECT_EQ(result.line(),
-              "Jobb: Klar, 3,2 s. Lästa poster 1 200, Nya produkter 7, Ändrade produkter 0, Överhoppade poster 0, "
+              "Jobb: Klar, 3,2 s. Lästa poster 1\u00A0"
+              "200, Nya produkter 7, Ändrade produkter 0, Överhoppade poster 0, "
               "Nollställda värden 0, Anmärkningar 0");
     summary.readAsOneLine = true;
     summary.deleted.products = 5;

@@ -464,12 +464,14 @@ std::string titleOf(LanguageTexts& texts, const RunSummary& summary, bool doubte
 }
 
 /// What went wrong with the run's record, which does not concern the run.
-void addAboutRecord(std::vector<std::string>& paragraphs, LanguageTexts& texts, const RecordKeeping* record) {
-    if (record == nullptr) return;
+std::vector<std::string> doubtsAboutRecord(LanguageTexts& texts, const RecordKeeping* record) {
+    std::vector<std::string> doubts;
+    if (record == nullptr) return doubts;
     if (record->failure)
-        paragraphs.push_back(texts.ModulTextMed(text::history::kNoRecord, errorText(texts, *record->failure)));
+        doubts.push_back(texts.ModulTextMed(text::history::kNoRecord, errorText(texts, *record->failure)));
     if (record->notThinned)
-        paragraphs.push_back(texts.ModulTextMed(text::history::kNotThinned, errorText(texts, *record->notThinned)));
+        doubts.push_back(texts.ModulTextMed(text::history::kNotThinned, errorText(texts, *record->notThinned)));
+    return doubts;
 }
 
 void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job& job, std::int64_t kept,
@@ -481,7 +483,8 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
     if (std::string said = runMessage(texts, summary, job.priceFile, context.port.examplesTold()); !said.empty()) {
         paragraphs.push_back(std::move(said));
     }
-    addAboutRecord(paragraphs, texts, context.record);
+    const std::vector<std::string> aboutRecord = doubtsAboutRecord(texts, context.record);
+    paragraphs.insert(paragraphs.end(), aboutRecord.begin(), aboutRecord.end());
     const std::string found = fmt::format("{}", fmt::join(paragraphs, kLineBreaks));
     if (ended) {
         std::string text = context.preview ? texts.ModulTextMed(text::preview::kStopped, errorText(texts, *ended))
@@ -494,7 +497,7 @@ void tellHowItWent(ImportContext& context, const RunSummary& summary, const Job&
         Message message;
         message.text = found;
         message.title = titleOf(texts, summary, doubted);
-        if (!doubted && isPlain(summary)) message.icon = Icon::Information;
+        if (!doubted && aboutRecord.empty() && isPlain(summary)) message.icon = Icon::Information;
         context.port.tell(message);
     }
 }
