@@ -137,9 +137,11 @@ void Operations::addCommands() {
     add("workbook written", ran_, false, false, [file](const DataFolder& data) {
         return std::vector<std::string>{"discounts", "export", "1010", file(data, "ny.xlsx")};
     });
+    all_.back().byLibrary = true;
     add("changes saved", ran_, false, false, [file](const DataFolder& data) {
         return std::vector<std::string>{"show", "last", "--save", file(data, "andrat.xlsx")};
     });
+    all_.back().byLibrary = true;
 }
 
 namespace {

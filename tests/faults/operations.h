@@ -18,6 +18,7 @@ struct Operation {
     std::function<int(const DataFolder& data, std::ostream& told)> carryOut;
     bool inBatches = false;  ///< the company may be left between the old and the new: what is whole is committed
     bool company = false;    ///< it changes the company
+    bool byLibrary = false;  ///< libzip makes the calls: it tells of a signal as of any failure
 };
 
 /// The folders that operations begin with, and the operations.
