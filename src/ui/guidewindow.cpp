@@ -4,7 +4,9 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QDialog>
+#include <QImage>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QVBoxLayout>
@@ -19,20 +21,37 @@ namespace {
 
 constexpr const char* kWindow = "Handbok";
 
+/// A text whose pictures are no wider than `width`.
+class GuideText final : public QTextBrowser {
+  public:
+    GuideText(QWidget* parent, int width) : QTextBrowser(parent), width_(width) {}
+
+    QVariant loadResource(int type, const QUrl& name) override {
+        QVariant resource = QTextBrowser::loadResource(type, name);
+        if (type != QTextDocument::ImageResource) return resource;
+        const QImage picture = QImage::fromData(resource.toByteArray());
+        return picture.width() > width_ ? picture.scaledToWidth(width_, Qt::SmoothTransformation) : resource;
+    }
+
+  private:
+    int width_;
+};
+
 /// The guide's text in its window, new or there already.
 QTextBrowser* textIn(QDialog& window) {
     constexpr int kLetters = 110, kLines = 40;
     if (auto* text = window.findChild<QTextBrowser*>()) return text;
     window.setObjectName(QString::fromUtf8(kWindow));
     window.setAttribute(Qt::WA_DeleteOnClose);
-    auto* text = new QTextBrowser(&window);
+    const QFontMetrics metrics = window.fontMetrics();
+    const int width = kLetters * metrics.averageCharWidth();
+    auto* text = new GuideText(&window, width - window.style()->pixelMetric(QStyle::PM_ScrollBarExtent) * 4);
     text->setObjectName(QStringLiteral("Text"));
     text->setAccessibleName(window.windowTitle());
     text->setOpenExternalLinks(true);
     auto* layout = new QVBoxLayout(&window);
     layout->addWidget(text);
-    const QFontMetrics metrics = window.fontMetrics();
-    window.resize(kLetters * metrics.averageCharWidth(), kLines * metrics.lineSpacing());
+    window.resize(width, kLines * metrics.lineSpacing());
     return text;
 }
 
