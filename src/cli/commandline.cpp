@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <ostream>
 
 #include "cli/commands.h"
@@ -35,6 +36,21 @@ void translate(CLI::App& app, const HelpText& helpText) {
     app.group(helpText(text::help::kCommands));
 }
 
+/// A session of the command line itself, opened when it has something to tell: the commands open their own.
+class Teller {
+  public:
+    explicit Teller(const Surroundings& surroundings) : surroundings_(surroundings) {}
+
+    Session& session() {
+        if (!session_) session_.emplace(surroundings_);
+        return *session_;
+    }
+
+  private:
+    const Surroundings& surroundings_;
+    std::optional<Session> session_;
+};
+
 /// What the parser found wrong, in the language of the session. Its own text is English, and names the option or the
 /// argument at one end.
 std::string explain(Session& session, const CLI::ParseError& error) {
@@ -59,12 +75,13 @@ std::string explain(Session& session, const CLI::ParseError& error) {
 }
 
 /// The first argument, when it should be a command and is none.
-bool knowsCommand(const CLI::App& app, const std::vector<std::string>& arguments, Session& session, std::ostream& err) {
+bool knowsCommand(const CLI::App& app, const std::vector<std::string>& arguments, Teller& teller, std::ostream& err) {
     if (arguments.empty() || arguments[0].starts_with('-')) return true;
     std::vector<std::string> names;
     for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
         names.push_back(command->get_name());
     if (std::ranges::find(names, arguments[0]) != names.end()) return true;
+    Session& session = teller.session();
     err << session.text(text::terminal::kError) << ' ' << session.text(text::help::kNoSuchCommand, arguments[0]);
     const auto near = nearNames(arguments[0], names);
     if (!near.empty()) err << ' ' << session.text(text::terminal::kDidYouMean, near[0]);
@@ -84,34 +101,36 @@ int misread(const CLI::App& app, const CLI::ParseError& error, Session& session,
 }
 
 int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
-    Session session(surroundings);
+    Teller teller(surroundings);
     // Only help shows these texts, and looking all of them up takes as long as a small run. Options of a group without
     // a name would be hidden.
     const bool helps = std::ranges::any_of(
         arguments, [](const std::string& each) { return each.starts_with("-h") || each == "--help"; });
-    const HelpText helpText = [&](ModuleKey key) { return helps ? session.text(key) : std::string("-"); };
+    const HelpText helpText = [&](ModuleKey key) { return helps ? teller.session().text(key) : std::string("-"); };
     CLI::App app(helpText(text::help::kProgram), kProgram);
     translate(app, helpText);
     app.set_version_flag("--version", std::string("kolmera ") + KOLMERA_VERSION, helpText(text::help::kVersion));
     std::function<int()> chosen;
     describeCommands(app, helpText, surroundings, chosen);
-    if (!knowsCommand(app, arguments, session, surroundings.err)) return exitcode::kUsage;
+    if (!knowsCommand(app, arguments, teller, surroundings.err)) return exitcode::kUsage;
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // CLI11 takes them last first
     } catch (const CLI::Success& asked) {
         app.exit(asked, surroundings.out, surroundings.err);
         return exitcode::kDone;
     } catch (const CLI::ParseError& error) {
-        return misread(app, error, session, surroundings.err);
+        return misread(app, error, teller.session(), surroundings.err);
     }
     try {
         return chosen();
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const PlatformError& error) {
+        Session& session = teller.session();
         surroundings.err << session.text(text::terminal::kError) << ' ' << errorText(session.texts, error) << '\n';
         return exitcode::kStopped;
     } catch (const std::exception& error) {
+        Session& session = teller.session();
         surroundings.err << session.text(text::terminal::kError) << ' '
                          << session.text(text::terminal::kUnexpectedError, error.what()) << '\n';
         return exitcode::kStopped;
