@@ -93,6 +93,7 @@ TEST(ChangeFigures, TheHeadlineIsWhatTheRunWasAbout) {
     EXPECT_EQ(figuresOf(changes).headline()->column, kUtpris);
     changes.push_back(repriced(21, 10, 9));
     EXPECT_EQ(figuresOf(changes).headline()->column, kInpris);
+    EXPECT_DOUBLE_EQ(figuresOf({repriced(1, 100, 101), repriced(2, 100, 103)}).headline()->median.value(), 2);
     EXPECT_EQ(figuresOf({}).headline(), nullptr);
     EXPECT_EQ(figuresOf({}, "not JSON").records, std::nullopt);
 }

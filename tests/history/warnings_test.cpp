@@ -55,6 +55,8 @@ RunHeader header(std::int64_t records, const std::string& sha256, const std::str
 TEST(Warnings, AreGivenForWhatLooksWrongAndForNothingElse) {
     const RunHeader plain = header(10, "a", "2026-02-01T00:00:00");
     const RunHeader before = header(12, "b", "2026-01-01T00:00:00");
+    RunHeader undo = plain;
+    undo.kind = RunKind::Undo;
     struct {
         const char* fault;
         std::string expected;  ///< "name:records ..."
@@ -97,6 +99,13 @@ TEST(Warnings, AreGivenForWhatLooksWrongAndForNothingElse) {
          {},
          remarks("not_numbers", 9, "x1")},
         {"a line of headings", "heading_line:1", plain, before, {}, remarks("not_numbers", 1, "Pris")},
+        {"the only record taken for a heading",
+         "",
+         header(1, "a", ""),
+         header(1, "b", ""),
+         {},
+         remarks("not_numbers", 1, "Pris")},
+        {"an undo called a jump", "", undo, before, {cell(1, 7, kInpris, 1.25, 124.0)}},
         {"a typing error taken for a heading", "", plain, before, {}, remarks("not_numbers", 1, "1O")},
         {"DOS letters", "characters:1,2,3", plain, before, names({"Sk†p", "M„rkning", "K”ksfl„kt"})},
         {"UTF-8", "characters:1,2,3", plain, before, names({"SkÃ¥p", "MÃ¤rkning", "KÃ¶ksflÃ¤kt"})},

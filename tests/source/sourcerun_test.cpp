@@ -200,7 +200,7 @@ TEST(SourceRun, WhatDoesNotFitIsToldByTheRowThatTheUserSees) {
     SourceSettings settings = kinds().front().settings;
     world.source(settings);
     world.rawPriceFile(
-        "Artikelnr;Benämning;Gäller från;Bruttopris\n"
+        "Artikelnr;Benämning;Gäller \t från;Bruttopris\n"
         "1;\"två\nrader\";;5\n"
         "2;\u017Bó\u0142w;;5\n"
         "3;c;32.1.2026;5\n"
@@ -219,7 +219,7 @@ TEST(SourceRun, WhatDoesNotFitIsToldByTheRowThatTheUserSees) {
     };
     EXPECT_EQ(first(Remark::BreakInValue), "1 2 1 Benämning två\\x0Arader");
     EXPECT_EQ(first(Remark::LackingCharacters), "1 4 2 Benämning \u017B\u0142");
-    EXPECT_EQ(first(Remark::UnfitValue), "1 5 3 Gäller från 32.1.2026");
+    EXPECT_EQ(first(Remark::UnfitValue), "1 5 3 Gäller \t från 32.1.2026");
     EXPECT_EQ(first(Remark::NotNumber), "1 7 4 Produkt.Inpris ?1.50");
     EXPECT_EQ(first(Remark::UnevenRecord), "1 8 5  ");
     EXPECT_EQ(first(Remark::LeftOutRow), "1 9   summa*");

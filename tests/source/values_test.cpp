@@ -57,6 +57,7 @@ TEST(SourceValues, Dates) {
         {"day and month exchanged", "03/04/2026", DayMonthYear, "20260403"},
         {"month and day exchanged", "03/04/2026", MonthDayYear, "20260304"},
         {"short year in the wrong century", "1.2.26", DayMonthYear, "20260201"},
+        {"turn of the short years taken for the next century", "1.2.70", DayMonthYear, "19700201"},
         {"year in front read by the order", "2026-04-03", DayMonthYear, "20260403"},
         {"digits without separators", "030426", DayMonthYear, "20260403"},
         {"eight digits read as a day first", "20260403", Unknown, "20260403"},

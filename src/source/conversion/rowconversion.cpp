@@ -78,8 +78,7 @@ std::string RowConversion::label(std::size_t column) const {
 }
 
 bool RowConversion::isShort(const Row& row) const {
-    const SourceKind kind = settings_.format.kind;
-    return (kind == SourceKind::Delimited || kind == SourceKind::Fixed) && row.cells.size() < needed_;
+    return settings_.format.kind == SourceKind::Delimited && row.cells.size() < needed_;
 }
 
 bool RowConversion::isLeftOut(const Row& row) const {
