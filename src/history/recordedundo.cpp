@@ -23,7 +23,23 @@ RecordedUndo::RecordedUndo(Database& database, const RunFolder& folder, std::str
         database_, [this](const auto& take) { reader_.forEachChange(take); }, of.lastIds);
 }
 
+/// Where there are no locks, everybody goes on.
+RunLock RecordedUndo::alone() const {
+    const std::string undoing = "undo " + run().id;
+    RunLock lock(folder_.path(), undoing);
+    if (!lock.held() && RunLock::isHeld(folder_.path(), undoing).value_or(false)) {
+        throw PlatformError(errors::kLocked, "the run is being taken back").about(run().id);
+    }
+    return lock;
+}
+
+bool RecordedUndo::plan(const RunUndo::GoOn& goOn) {
+    const RunLock lock = alone();
+    return undo_->plan(goOn);
+}
+
 bool RecordedUndo::carryOut(const RunUndo::GoOn& goOn) {
+    const RunLock lock = alone();
     const UndoCounts planned = undo_->counts();
     if (planned.changedBack + planned.removed + planned.broughtBack == 0) return undo_->carryOut(goOn);
     startRecord();

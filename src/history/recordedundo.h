@@ -5,6 +5,7 @@
 
 #include "history/recordreader.h"
 #include "history/runfolder.h"
+#include "history/runlock.h"
 #include "history/runrecord.h"
 #include "history/undo.h"
 #include "platform/engine/database.h"
@@ -23,7 +24,8 @@ class RecordedUndo {
     /// The run that is taken back.
     [[nodiscard]] const RunHeader& run() const { return reader_.header(); }
     [[nodiscard]] const RunUndo& undo() const { return *undo_; }
-    bool plan(const RunUndo::GoOn& goOn) { return undo_->plan(goOn); }
+    // kLocked while another program does the same: half of its work would be taken for changes of others.
+    bool plan(const RunUndo::GoOn& goOn);
     /// Where there is nothing to do, no record is made.
     bool carryOut(const RunUndo::GoOn& goOn);
 
@@ -33,6 +35,7 @@ class RecordedUndo {
     [[nodiscard]] const std::optional<PlatformError>& recordFailure() const { return failure_; }
 
   private:
+    [[nodiscard]] RunLock alone() const;
     void startRecord();
     void endRecord(const char* outcome);
 
