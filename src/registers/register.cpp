@@ -83,17 +83,29 @@ RegisterColumn Register::cell(const RegisterRow& row, int column) const {
     return cell;
 }
 
-void Register::forEachRow(const std::function<bool(const RegisterRow&)>& take) { store_->forEachRow(take); }
+std::function<bool(RegisterRow&)> Register::rows() { return store_->rows(); }
+
+void Register::forEachRow(const std::function<bool(const RegisterRow&)>& take) {
+    const auto next = rows();
+    for (RegisterRow row; next(row);) {
+        if (!take(row)) return;
+    }
+}
 
 std::optional<RegisterRow> Register::find(std::span<const std::string> key) {
     if (static_cast<int>(key.size()) != keys_) return std::nullopt;
-    std::vector<Value> values;
+    RegisterValues values;
     for (int place = 0; place < keys_; ++place) {
-        Value value;
-        if (valueOf({}, place, key[static_cast<std::size_t>(place)], value)) return std::nullopt;
-        values.push_back(std::move(value));
+        if (valueOf({}, place, key[static_cast<std::size_t>(place)], values[place])) return std::nullopt;
     }
-    return store_->find(values);
+    return findBy(values);
+}
+
+std::optional<RegisterRow> Register::findBy(const RegisterValues& values) {
+    std::vector<Value> key;
+    for (int place = 0; place < keys_; ++place) key.push_back(values.at(place));
+    if (std::ranges::any_of(key, isEmpty)) return std::nullopt;
+    return store_->find(key);
 }
 
 std::vector<Value> Register::keyValues(const RegisterRow& row) const {

@@ -84,6 +84,10 @@ class Register {
 
     [[nodiscard]] const RegisterDefinition& definition() const { return definition_; }
     [[nodiscard]] std::string title();
+    /// What the command line calls it, in the user's language.
+    [[nodiscard]] std::string shortName() const {
+        return std::string(texts_.language() == "EN" ? definition_.name : definition_.namn);
+    }
     [[nodiscard]] const std::vector<RegisterColumn>& columns() const { return columns_; }
     [[nodiscard]] const RegisterColumn& column(int place) const { return columns_.at(static_cast<std::size_t>(place)); }
     /// The column of that name: as the company calls it, or its caption in either language; letter case apart. -1:
@@ -96,9 +100,13 @@ class Register {
     /// Rows can be added and removed.
     [[nodiscard]] bool takesRows() const { return definition_.rows == nullptr; }
 
-    /// All rows in the order of their keys; false from `take` ends it.
+    /// All rows in the order of their keys, one after the other, then false. The register has to stay.
+    [[nodiscard]] std::function<bool(RegisterRow&)> rows();
+    /// The same; false from `take` ends it.
     void forEachRow(const std::function<bool(const RegisterRow&)>& take);
     [[nodiscard]] std::optional<RegisterRow> find(std::span<const std::string> key);
+    /// By values that have all of the key.
+    [[nodiscard]] std::optional<RegisterRow> findBy(const RegisterValues& values);
     [[nodiscard]] std::vector<std::string> keyOf(const RegisterRow& row) const;
     /// A row that is to be added: its cells empty.
     [[nodiscard]] RegisterRow newRow() const;

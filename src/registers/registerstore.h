@@ -24,7 +24,8 @@ class RegisterStore {
     [[nodiscard]] virtual int keys() const = 0;
     /// What a cell takes, where its row has a say in it.
     virtual void refine(const RegisterRow& /*row*/, int /*column*/, RegisterColumn& /*cell*/) const {}
-    virtual void forEachRow(const std::function<bool(const RegisterRow&)>& take) = 0;
+    /// Gives one row after the other, and false behind the last.
+    virtual std::function<bool(RegisterRow&)> rows() = 0;
     [[nodiscard]] virtual std::optional<RegisterRow> find(std::span<const Value> key) = 0;
     virtual void add(const RegisterValues& values) = 0;
     virtual void change(const RegisterRow& row, const RegisterValues& values) = 0;

@@ -117,7 +117,7 @@ std::optional<RegisterProblem> readValue(const RegisterColumn& cell, int column,
                                          const Spelling& spelling, Value& value) {
     text = trimmedBlanks(text);
     if (text.empty()) {
-        value = emptyValue(cell);
+        value = cell.key ? Value(Null{}) : emptyValue(cell);
         return std::nullopt;
     }
     Reading reading(cell, column, text, value);

@@ -40,10 +40,12 @@ class SettingStore final : public RegisterStore {
         refineBy(rowAt(row.setting).cells[static_cast<std::size_t>(column - 1)], cell);
     }
 
-    void forEachRow(const std::function<bool(const RegisterRow&)>& take) override {
-        for (int place = 0; place < static_cast<int>(rows_.size()); ++place) {
-            if (!take(read(place))) return;
-        }
+    std::function<bool(RegisterRow&)> rows() override {
+        return [this, place = 0](RegisterRow& row) mutable {
+            if (place >= static_cast<int>(rows_.size())) return false;
+            row = read(place++);
+            return true;
+        };
     }
     [[nodiscard]] std::optional<RegisterRow> find(std::span<const Value> key) override;
     void add(const RegisterValues& /*values*/) override { refuse(); }

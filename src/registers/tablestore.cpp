@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "history/references.h"
 #include "import/rows/defaults.h"
@@ -51,12 +52,16 @@ class TableStore final : public RegisterStore {
     }
     [[nodiscard]] int keys() const override { return keys_; }
 
-    void forEachRow(const std::function<bool(const RegisterRow&)>& take) override {
-        const auto records = sql_.SQLÖppnaTabell(definition_.table, definition_.index, options::kReadOnly, true);
-        if (records->bof() && records->eof()) return;
-        for (records->moveFirst(); !records->eof(); records->moveNext()) {
-            if (!take(rowAt(*records))) return;
-        }
+    std::function<bool(RegisterRow&)> rows() override {
+        std::shared_ptr<Recordset> records =
+            sql_.SQLÖppnaTabell(definition_.table, definition_.index, options::kReadOnly, true);
+        if (!records->bof() || !records->eof()) records->moveFirst();
+        return [this, records, first = true](RegisterRow& row) mutable {
+            if (!std::exchange(first, false)) records->moveNext();
+            if (records->eof()) return false;
+            row = rowAt(*records);
+            return true;
+        };
     }
     [[nodiscard]] std::optional<RegisterRow> find(std::span<const Value> key) override {
         if (!seek(key)) return std::nullopt;
