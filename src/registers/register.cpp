@@ -7,6 +7,7 @@
 #include "db/companyschema.h"
 #include "db/conversions.h"
 #include "history/references.h"
+#include "lang/keys/registers.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "pricing/clsvaluta.h"
@@ -124,8 +125,14 @@ RegisterRow Register::newRow() const {
     return row;
 }
 
+std::string Register::textOf(const RegisterColumn& cell, const Value& value) const {
+    const auto* const truth = std::get_if<bool>(&value);
+    if (truth != nullptr) return texts_.FormulärSträng(*truth ? text::registers::kYes : text::registers::kNo);
+    return TillText(value, cell.type, sql_.locale());
+}
+
 std::string Register::textOf(const RegisterRow& row, int column) const {
-    return valueText(cell(row, column), row.cells[static_cast<std::size_t>(column)], sql_.locale());
+    return textOf(cell(row, column), row.cells[static_cast<std::size_t>(column)]);
 }
 
 std::optional<RegisterProblem> Register::valueOf(const RegisterRow& row, int column, std::string_view text,
@@ -138,7 +145,7 @@ std::optional<RegisterProblem> Register::valueOf(const RegisterRow& row, int col
 void Register::checkValues(const RegisterRow& row, const RegisterValues& values, Problems& problems) {
     for (const auto& [place, value] : values) {
         const RegisterColumn cell = this->cell(row, place);
-        const std::string text = valueText(cell, value, sql_.locale());
+        const std::string text = textOf(cell, value);
         if (cell.fixed) problems.push_back({What::Fixed, place, text});
         if (cell.required() && isEmpty(value)) problems.push_back({What::Missing, place, text});
         if (cell.refersToTable.empty() || isEmpty(value) || isThere(cell.refersToTable, value)) continue;

@@ -132,6 +132,7 @@ class Register {
     using Problems = std::vector<RegisterProblem>;
 
     void makeCaptions();
+    [[nodiscard]] std::string textOf(const RegisterColumn& cell, const Value& value) const;
     void checkValues(const RegisterRow& row, const RegisterValues& values, Problems& problems);
     [[nodiscard]] bool isThere(const std::string& table, const Value& key);
     [[nodiscard]] std::optional<std::string> namedBy(const RegisterRow& row);

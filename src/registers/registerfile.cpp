@@ -111,54 +111,53 @@ void RegisterReader::bindOne(std::size_t cell, int column, const std::string& he
 RegisterImport RegisterReader::read() {
     BatchTransaction batch(*sql_.FtgDB);
     int rows = 0;
-    RegisterImport import = readAll([&] {
+    readAll([&] {
         if (++rows % kRowsInBatch == 0) batch.next();
     });
     batch.end();
-    return import;
+    return import_;
 }
 
 RegisterImport RegisterReader::tryOut() {
     Database& database = *sql_.FtgDB;
     database.beginWhole();
     try {
-        RegisterImport import = readAll([] {});
+        readAll([] {});
         database.rollback();
-        return import;
+        return import_;
     } catch (...) {
         if (database.inTransaction()) database.rollback();
         throw;
     }
 }
 
-RegisterImport RegisterReader::readAll(const std::function<void()>& nextRow) {
-    RegisterImport import;
-    for (const Bound& bound : bound_) import.columns.push_back(to_.column(bound.column).caption);
-    import.leftOut = leftOut_;
+void RegisterReader::readAll(const std::function<void()>& nextRow) {
+    import_ = {};
+    for (const Bound& bound : bound_) import_.columns.push_back(to_.column(bound.column).caption);
+    import_.leftOut = leftOut_;
     SourceTable table(openRows(file_, format_), format_);
     for (Row row; table.next(row);) {
         if (isEmptyRow(row)) continue;
         if (cancelled && cancelled()) {
-            import.cancelled = true;
+            import_.cancelled = true;
             break;
         }
         try {
-            readRow(row, import);
+            readRow(row);
         } catch (const PlatformError& error) {
             throw error.about(fmt::format("{}", row.number));
         }
         nextRow();
     }
-    return import;
 }
 
-void RegisterReader::readRow(const Row& row, RegisterImport& import) {
-    ++import.counts.rows;
-    const std::vector<RegisterProblem> problems = writeRow(row, import);
+void RegisterReader::readRow(const Row& row) {
+    ++import_.counts.rows;
+    const std::vector<RegisterProblem> problems = writeRow(row);
     if (problems.empty()) return;
-    ++import.rejected;
+    ++import_.rejected;
     for (const RegisterProblem& problem : problems) {
-        if (import.reasons.size() < RegisterImport::kMostRejected) import.reasons.push_back({row.number, problem});
+        if (import_.reasons.size() < RegisterImport::kMostRejected) import_.reasons.push_back({row.number, problem});
     }
 }
 
@@ -173,7 +172,7 @@ std::optional<RegisterProblem> RegisterReader::cellValue(const RegisterRow& row,
 }
 
 /// A row is written with all its cells, or left alone.
-std::vector<RegisterProblem> RegisterReader::writeRow(const Row& row, RegisterImport& import) {
+std::vector<RegisterProblem> RegisterReader::writeRow(const Row& row) {
     std::vector<std::string> key(static_cast<std::size_t>(to_.keys()));
     std::vector<RegisterProblem> problems;
     const auto textOf = [&](const Bound& bound) {
@@ -200,18 +199,18 @@ std::vector<RegisterProblem> RegisterReader::writeRow(const Row& row, RegisterIm
     if (!problems.empty()) return problems;
     if (!there) {
         problems = to_.add(values);
-        if (problems.empty()) ++import.counts.added;
+        if (problems.empty()) ++import_.counts.added;
         return problems;
     }
     for (int column = 0; column < to_.keys(); ++column) values.erase(column);  // as the register spells it
     std::erase_if(values,
                   [&](const auto& one) { return there->cells[static_cast<std::size_t>(one.first)] == one.second; });
     if (values.empty()) {
-        ++import.same;
+        ++import_.same;
         return problems;
     }
     problems = to_.change(*there, values);
-    if (problems.empty()) ++import.counts.changed;
+    if (problems.empty()) ++import_.counts.changed;
     return problems;
 }
 

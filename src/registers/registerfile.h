@@ -55,6 +55,8 @@ class RegisterReader {
     std::function<bool()> cancelled;
     /// In batches. Throws PlatformError.
     RegisterImport read();
+    /// What an error has ended; what is counted stands in the company.
+    [[nodiscard]] const RegisterImport& soFar() const { return import_; }
     /// The same, of which nothing stays.
     RegisterImport tryOut();
 
@@ -67,9 +69,9 @@ class RegisterReader {
     void lookAt();
     void bind(const std::vector<std::string>& headings, const std::vector<ColumnBinding>& bindings);
     void bindOne(std::size_t cell, int column, const std::string& heading);
-    RegisterImport readAll(const std::function<void()>& nextRow);
-    void readRow(const Row& row, RegisterImport& import);
-    std::vector<RegisterProblem> writeRow(const Row& row, RegisterImport& import);
+    void readAll(const std::function<void()>& nextRow);
+    void readRow(const Row& row);
+    std::vector<RegisterProblem> writeRow(const Row& row);
     [[nodiscard]] std::optional<RegisterProblem> cellValue(const RegisterRow& row, const Bound& bound, const Cell& cell,
                                                            Value& value) const;
 
@@ -79,6 +81,7 @@ class RegisterReader {
     SourceFormat format_;
     std::vector<Bound> bound_;
     std::vector<std::string> leftOut_;
+    RegisterImport import_;
 };
 
 /// Writes a whole register, headings in the user's language: to a workbook (.xlsx), else as text in UTF-8 with

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "db/conversions.h"
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 
@@ -132,10 +131,6 @@ std::optional<RegisterProblem> readValue(const RegisterColumn& cell, int column,
         default:
             return reading.asNumber(spelling);
     }
-}
-
-std::string valueText(const RegisterColumn& cell, const Value& value, const Locale& locale) {
-    return TillText(value, cell.type, locale);
 }
 
 }  // namespace kolmera

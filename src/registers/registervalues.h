@@ -25,7 +25,4 @@ struct Spelling {
 
 /// Without value: Null, or what the column's type has instead.
 [[nodiscard]] Value emptyValue(const RegisterColumn& cell);
-/// As users write it: truths are "True" and "False" as everywhere in the suite's tables.
-[[nodiscard]] std::string valueText(const RegisterColumn& cell, const Value& value, const Locale& locale);
-
 }  // namespace kolmera
