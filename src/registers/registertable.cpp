@@ -64,7 +64,7 @@ std::vector<SettingRow> priceLists() {
         rows.push_back({.number = list,
                         .cells = {{.table = kSettings, .column = kMarkups[list - 1]},
                                   {kSettings2, "PUtprisValuta", ListText, list, "SEK", {}, 3, "Syvaluta"},
-                                  {kSettings2, "PUtprisKopplaMot", ListText, list, "I", "IVM123456789", 1},
+                                  {kSettings2, "PUtprisKopplaMot", ListText, list, "I", "IVM123456789-", 1},
                                   {kSettings2, "PUtprisMomsMot", ListText, list, "0", "0123456789", 1},
                                   {kSettings2, "PNoAvrundPLBM", BitUnset, list}}});
     }
