@@ -299,10 +299,6 @@ std::optional<RegisterValues> RegisterCommand::valuesOf(const RegisterRow& row, 
     std::vector<RegisterProblem> problems;
     for (const std::string& word : words) {
         const std::size_t sign = word.find('=');
-        if (sign == std::string::npos) {
-            misused(session_.text(text::registers::kGiveValue, word));
-            return std::nullopt;
-        }
         const int column = register_->columnNamed(word.substr(0, sign));
         if (column < 0) {
             stop(session_.text(text::registers::kNoColumn, word.substr(0, sign)));
@@ -358,6 +354,9 @@ int RegisterCommand::record(const std::string& row, WritingCounts& counts, Modul
 int RegisterCommand::set(Words words) {
     const std::optional<Words> key = keyOf(words);
     if (!key) return exitcode::kStopped;
+    for (const std::string& word : words.subspan(key->size())) {
+        if (word.find('=') == std::string::npos) return misused(session_.text(text::registers::kGiveValue, word));
+    }
     const std::string name = rowName({key->begin(), key->end()});
     const std::optional<RegisterRow> there = register_->find(*key);
     RegisterRow row = there ? *there : register_->newRow();

@@ -49,11 +49,17 @@ bool means(const ColumnBinding& binding, std::size_t cell, const std::vector<std
 RegisterReader::RegisterReader(Register& to, SqlLayer& sql, const std::filesystem::path& file,
                                const std::vector<ColumnBinding>& bindings)
     : to_(to), sql_(sql), file_(file) {
-    lookAt();
-    SourceTable table(openRows(file_, format_), format_);
     Row first;
-    const bool any = table.next(first);
-    bind(table.headings().empty() && any ? std::vector<std::string>(first.cells.size()) : table.headings(), bindings);
+    std::optional<SourceTable> table;
+    bool any = false;
+    try {
+        lookAt();
+        table.emplace(openRows(file_, format_), format_);
+        any = table->next(first);
+    } catch (const PlatformError& error) {
+        throw error.about(file_.string());
+    }
+    bind(table->headings().empty() && any ? std::vector<std::string>(first.cells.size()) : table->headings(), bindings);
 }
 
 /// What the file is. Names of columns are needed, so its first row has them, unless columns are named by number.

@@ -28,6 +28,18 @@ class Strictly final : public PassedOver {
     }
 };
 
+/// The defaults of new products as they stand.
+struct Defaults {
+    explicit Defaults(SqlLayer& sql)
+        : settings(sql.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly)),
+          settings2(sql.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly)),
+          fill(*settings, *settings2, sql.locale(), strictly) {}
+
+    std::unique_ptr<Recordset> settings, settings2;
+    Strictly strictly;
+    NewProductDefaults fill;
+};
+
 class TableStore final : public RegisterStore {
   public:
     TableStore(const RegisterDefinition& definition, SqlLayer& sql)
@@ -111,6 +123,8 @@ class TableStore final : public RegisterStore {
     std::vector<int> ordinals_;  ///< of the columns, the key's first
     int keys_ = 0;
     std::unique_ptr<Recordset> records_;
+    std::unique_ptr<Defaults> defaults_;
+    std::pair<std::uint64_t, std::uint64_t> stamps_;  ///< of the settings when `defaults_` were read
 };
 
 RegisterColumn TableStore::columnOf(const FieldDef& field) const {
@@ -163,10 +177,10 @@ void TableStore::setAccounts() {
 
 /// As the import does; what is set stays.
 void TableStore::setDefaults() {
-    Strictly strictly;
-    const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
-    const auto settings2 = sql_.SQLÖppnaRs("Syinställningar2", RecordsetType::Dynaset, options::kReadOnly);
-    NewProductDefaults(*settings, *settings2, sql_.locale(), strictly).SättNyProduktStandard(*records_);
+    const auto stamps = std::pair(sql_.FtgDB->stamp("Syinställningar"), sql_.FtgDB->stamp("Syinställningar2"));
+    if (!defaults_ || stamps != stamps_) defaults_ = std::make_unique<Defaults>(sql_);
+    stamps_ = stamps;
+    defaults_->fill.SättNyProduktStandard(*records_);
 }
 
 }  // namespace
