@@ -21,7 +21,7 @@ _kolmera_cli() {
         COMPREPLY=($(compgen -W "$(kolmera-cli --help 2>/dev/null | sed -nE 's/^  ([a-z][a-z-]*) .*/\1/p')" -- "$word"))
     else
         case $command in
-            run | preview | limits | explain)
+            run | preview | limits | explain | couplings)
                 local jobs=() job
                 while read -r job; do [[ $job == "${word//\\/}"* ]] && jobs+=("$(printf '%q' "$job")"); done < <(
                     kolmera-cli jobs --json --data "${folder/#\~/$HOME}" 2>/dev/null | sed -nE 's/^ *"job": "(.*)",?$/\1/p')

@@ -5,6 +5,7 @@
 
 #include "cli/comparecommand.h"
 #include "cli/copycommand.h"
+#include "cli/couplingscommand.h"
 #include "cli/discountscommand.h"
 #include "cli/explaincommand.h"
 #include "cli/historycommand.h"
@@ -161,6 +162,16 @@ void addJobs(Commands& commands) {
             command.flag("--clear", arguments.clear, text::help::kClearLimits);
         },
         limitsCommand);
+    commands.add<CouplingsArguments>(
+        "couplings", text::help::kCouplings,
+        [](Command& command, CouplingsArguments& arguments) {
+            command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
+            command.list("--set", arguments.set, text::help::kSetCoupling);
+            command.flag("--main", arguments.main, text::help::kMainSupplier);
+            command.list("--remove", arguments.remove, text::help::kRemoveCoupling);
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        couplingsCommand);
 }
 
 void addSources(Commands& commands) {

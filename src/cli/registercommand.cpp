@@ -125,7 +125,8 @@ int RegisterCommand::run() {
     if (action == std::end(kActions)) {
         std::vector<std::string> names;
         for (const NamedAction& one : kActions) names.emplace_back(one.name);
-        return misused(session_.text(text::registers::kGive, fmt::format("{}", fmt::join(names, ", "))));
+        return misused(
+            session_.texts.FormulärSträngMed1(text::registers::kGive, fmt::format("{}", fmt::join(names, ", "))));
     }
     try {
         if (!openRegister()) return goOn() ? exitcode::kStopped : exitcode::kCancelled;
@@ -224,7 +225,7 @@ FormKey kindText(FieldType type) {
 }
 
 int RegisterCommand::columns(Words /*words*/) {
-    TextTable table({formText(text::registers::kColumn), session_.text(text::registers::kKey),
+    TextTable table({formText(text::registers::kColumn), formText(text::registers::kKey),
                      formText(text::registers::kKind), formText(text::registers::kLength),
                      formText(text::registers::kTakenFrom)});
     Json list = Json::array();
@@ -405,7 +406,8 @@ int RegisterCommand::unfit(const UnfitFile& unfit) {
 }
 
 int RegisterCommand::import(Words words) {
-    if (words.size() != 1) return misused(session_.text(text::registers::kGive, "FILE"));
+    if (words.size() != 1)
+        return misused(session_.texts.FormulärSträngMed1(text::registers::kGive, formText(text::registers::kFile)));
     std::vector<ColumnBinding> bindings;
     for (const std::string& word : arguments_.columns) {
         const std::size_t sign = word.rfind('=');
@@ -483,7 +485,8 @@ Json RegisterCommand::importJson(const RegisterImport& import) {
 }
 
 int RegisterCommand::exportFile(Words words) {
-    if (words.size() != 1) return misused(session_.text(text::registers::kGive, "FILE"));
+    if (words.size() != 1)
+        return misused(session_.texts.FormulärSträngMed1(text::registers::kGive, formText(text::registers::kFile)));
     const std::int64_t rows = writeRegister(*register_, fs::absolute(words[0]).lexically_normal());
     surroundings_.out << session_.text(text::registers::kExported, fmt::format("{}", rows)) << '\n';
     return exitcode::kDone;
@@ -494,8 +497,8 @@ int RegisterCommand::exportFile(Words words) {
 int registersCommand(const RegistersArguments& arguments, const Surroundings& surroundings) {
     Session session(surroundings);
     const bool english = session.texts.language() == "EN";
-    TextTable table(
-        {session.text(text::registers::kRegister), session.texts.FormulärSträng(text::registers::kContents)});
+    TextTable table({session.texts.FormulärSträng(text::registers::kRegister),
+                     session.texts.FormulärSträng(text::registers::kContents)});
     Json list = Json::array();
     for (const RegisterDefinition& one : registerDefinitions()) {
         const std::string title = session.texts.FormulärSträng(one.title);

@@ -104,6 +104,7 @@ std::optional<RegisterRow> Register::find(std::span<const std::string> key) {
 
 std::optional<RegisterRow> Register::findBy(const RegisterValues& values) {
     std::vector<Value> key;
+    key.reserve(static_cast<std::size_t>(keys_));
     for (int place = 0; place < keys_; ++place) key.push_back(values.at(place));
     if (std::ranges::any_of(key, isEmpty)) return std::nullopt;
     return store_->find(key);
@@ -115,6 +116,7 @@ std::vector<Value> Register::keyValues(const RegisterRow& row) const {
 
 std::vector<std::string> Register::keyOf(const RegisterRow& row) const {
     std::vector<std::string> key;
+    key.reserve(static_cast<std::size_t>(keys_));
     for (int place = 0; place < keys_; ++place) key.push_back(textOf(row, place));
     return key;
 }

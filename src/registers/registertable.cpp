@@ -38,8 +38,10 @@ constexpr SettingColumn kSettingColumns[] = {{"Inställning", text::registers::k
 std::vector<SettingRow> vatRates() {
     constexpr std::string_view kColumns[] = {"1OMomsproc", "2OMomsproc", "3OMomsproc"};
     std::vector<SettingRow> rows;
-    for (int code = 0; code < 3; ++code) {
-        rows.push_back({.number = code + 1, .cells = {{.table = kSettings, .column = kColumns[code]}}});
+    rows.reserve(std::size(kColumns));
+    for (const std::string_view column : kColumns) {
+        const int code = static_cast<int>(rows.size()) + 1;
+        rows.push_back({.number = code, .cells = {{.table = kSettings, .column = column}}});
     }
     return rows;
 }

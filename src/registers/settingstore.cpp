@@ -129,7 +129,7 @@ Recordset& SettingStore::records(std::string_view table, std::unique_ptr<Records
 
 Value SettingStore::read(const SettingCell& cell) {
     std::unique_ptr<Recordset> opened;
-    const Value stored = records(cell.table, opened).value(cell.column);
+    const Value& stored = records(cell.table, opened).value(cell.column);
     switch (cell.form) {
         case SettingForm::Whole:
             return stored;

@@ -174,6 +174,21 @@ TEST_F(Registers, WhatIsWrittenIsARunThatIsTakenBack) {
     EXPECT_EQ(row({"suppliers", "300"})["Nummer"], "300");
 }
 
+TEST_F(Registers, SuppliersAreCoupledToCodes) {
+    const auto couplings = [&](Arguments arguments) {
+        arguments.insert(arguments.begin(), {"couplings", "(EIO)", "--data", machine.data(), "--json"});
+        return machine.run(arguments);
+    };
+    EXPECT_EQ(couplings({"--set", "GR=100", "--main"}), 0) << machine.err();
+    EXPECT_EQ(couplings({"--set", "LY=100"}), 0) << machine.err();
+    EXPECT_EQ(couplings({"--set", "KB=9"}), cli::exitcode::kStopped);
+    EXPECT_TRUE(told("\"9\"")) << machine.err();
+    EXPECT_EQ(couplings({"--set", "KB"}), cli::exitcode::kStopped);
+    EXPECT_EQ(couplings({"--remove", "KB"}), cli::exitcode::kStopped);
+    EXPECT_EQ(couplings({"--remove", "ly"}), 0) << machine.err();
+    EXPECT_EQ(Json::parse(machine.out()), Json::parse(R"([{"code": "GR", "supplier": "100", "main": true}])"));
+}
+
 /// The window shows a row while another program writes it.
 TEST_F(Registers, AChangeOfAnotherProgramStays) {
     SqlLayer sql{Locale()};
