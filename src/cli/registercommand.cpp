@@ -203,25 +203,26 @@ int RegisterCommand::list(Words words) {
     return goOn() ? exitcode::kDone : exitcode::kCancelled;
 }
 
-FormKey kindText(FieldType type) {
+/// What a column takes: for people, and for programs.
+std::pair<FormKey, const char*> kindOf(FieldType type) {
     switch (type) {
         case FieldType::Boolean:
-            return text::registers::kYesNo;
+            return {text::registers::kYesNo, "yesno"};
         case FieldType::Date:
-            return text::registers::kDate;
+            return {text::registers::kDate, "date"};
         case FieldType::Byte:
         case FieldType::Integer:
         case FieldType::Long:
-            return text::registers::kWholeNumber;
+            return {text::registers::kWholeNumber, "whole"};
         case FieldType::Currency:
         case FieldType::Single:
         case FieldType::Double:
-            return text::registers::kNumber;
+            return {text::registers::kNumber, "number"};
         case FieldType::Text:
         case FieldType::Memo:
             break;
     }
-    return text::registers::kText;
+    return {text::registers::kText, "text"};
 }
 
 int RegisterCommand::columns(Words /*words*/) {
@@ -238,12 +239,12 @@ int RegisterCommand::columns(Words /*words*/) {
         const std::string length = column.size > 0 ? fmt::format("{}", column.size) : std::string();
         const bool same = column.field == column.caption;
         table.add({same ? column.field : fmt::format("{} ({})", column.field, column.caption), key,
-                   formText(kindText(column.type)), length, from});
+                   formText(kindOf(column.type).first), length, from});
         list.push_back({{"column", column.field},
                         {"caption", column.caption},
                         {"key", column.key},
                         {"fixed", column.fixed},
-                        {"kind", formText(kindText(column.type))},
+                        {"kind", kindOf(column.type).second},
                         {"length", column.size},
                         {"register", named == nullptr ? Json() : Json(named->name)}});
     }

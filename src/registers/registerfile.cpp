@@ -270,8 +270,12 @@ std::int64_t writeWorkbook(Register& from, const std::filesystem::path& file, co
 }  // namespace
 
 std::int64_t writeRegister(Register& from, const std::filesystem::path& file) {
-    if (lowerCase(file.extension().string()) == ".xlsx") return writeWorkbook(from, file, from.shortName());
-    return writeText(from, file);
+    const std::string extension = lowerCase(file.extension().string());
+    // Files that a text under their name would not be.
+    constexpr std::string_view kOthers[] = {".xls", ".xlsm", ".xlsb", ".ods", ".fods", ".ots", ".numbers", ".gnumeric"};
+    if (std::ranges::find(kOthers, extension) != std::end(kOthers))
+        throw PlatformError(errors::kUnwritableFormat, "not .xlsx").about(file.string());
+    return extension == ".xlsx" ? writeWorkbook(from, file, from.shortName()) : writeText(from, file);
 }
 
 }  // namespace kolmera

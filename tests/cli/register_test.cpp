@@ -85,6 +85,7 @@ TEST_F(Registers, RefuseWhatDoesNotFit) {
         {"fourth VAT rate", {"vat", "set", "4", "Procent=1"}, "Raden 4 finns inte."},
         {"column that others count on", {"products", "set", "4711", "Postversion=1"}, "sköts av programmet"},
         {"unknown column", {"suppliers", "set", "100", "Stad=Umeå"}, "Kolumnen \"Stad\" finns inte"},
+        {"text named as a workbook", {"suppliers", "export", machine.file("x.ods")}, "x.ods"},
         {"half a key", {"alternatives", "show", "4711"}, "Produktnr, Nummer"},
         {"unknown row", {"suppliers", "show", "9"}, "Raden 9 finns inte."},
         {"unknown register", {"supplier", "list"}, "Menade du suppliers"},
@@ -137,6 +138,10 @@ TEST_F(Registers, AreReadFromFilesRowByRow) {
     EXPECT_EQ(kept["Rabatt"], 2.5);
     EXPECT_EQ(run({"suppliers", "import", file, "--columns", "Stad=Ort"}), cli::exitcode::kStopped);
     EXPECT_TRUE(told("Flera kolumner i filen är Ort")) << machine.err();
+    machine.cancel = true;
+    EXPECT_EQ(run({"suppliers", "import", write("new.csv", "Nummer\r\n400\r\n")}), cli::exitcode::kCancelled);
+    machine.cancel = false;
+    EXPECT_EQ(row({"suppliers", "400"}), Json()) << "read on";
     const std::string other = write("other.csv", "Lev;Stad\r\n200;Luleå\r\n");
     EXPECT_EQ(run({"suppliers", "import", other}), cli::exitcode::kStopped);
     done({"suppliers", "import", other, "--columns", "1=Nummer", "Stad=Ort"});
