@@ -185,6 +185,7 @@ int RegisterCommand::list(Words words) {
     const char* separator = "[\n";
     register_->forEachRow([&](const RegisterRow& row) {
         std::vector<std::string> cells;
+        cells.reserve(shown.size());
         for (const int column : shown) cells.push_back(register_->textOf(row, column));
         if (!wanted.in(fmt::format("{}", fmt::join(cells, " ")))) return goOn();
         if (arguments_.json) {

@@ -275,7 +275,11 @@ std::int64_t writeRegister(Register& from, const std::filesystem::path& file) {
     constexpr std::string_view kOthers[] = {".xls", ".xlsm", ".xlsb", ".ods", ".fods", ".ots", ".numbers", ".gnumeric"};
     if (std::ranges::find(kOthers, extension) != std::end(kOthers))
         throw PlatformError(errors::kUnwritableFormat, "not .xlsx").about(file.string());
-    return extension == ".xlsx" ? writeWorkbook(from, file, from.shortName()) : writeText(from, file);
+    try {
+        return extension == ".xlsx" ? writeWorkbook(from, file, from.shortName()) : writeText(from, file);
+    } catch (const PlatformError& error) {
+        throw error.about(file.string());
+    }
 }
 
 }  // namespace kolmera
