@@ -5,6 +5,7 @@
 
 #include "cli/comparecommand.h"
 #include "cli/copycommand.h"
+#include "cli/couplingscommand.h"
 #include "cli/discountscommand.h"
 #include "cli/explaincommand.h"
 #include "cli/historycommand.h"
@@ -13,6 +14,7 @@
 #include "cli/limitscommand.h"
 #include "cli/newcommand.h"
 #include "cli/previewcommand.h"
+#include "cli/registercommand.h"
 #include "cli/repaircommand.h"
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
@@ -160,6 +162,16 @@ void addJobs(Commands& commands) {
             command.flag("--clear", arguments.clear, text::help::kClearLimits);
         },
         limitsCommand);
+    commands.add<CouplingsArguments>(
+        "couplings", text::help::kCouplings,
+        [](Command& command, CouplingsArguments& arguments) {
+            command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
+            command.list("--set", arguments.set, text::help::kSetCoupling);
+            command.flag("--main", arguments.main, text::help::kMainSupplier);
+            command.list("--remove", arguments.remove, text::help::kRemoveCoupling);
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        couplingsCommand);
 }
 
 void addSources(Commands& commands) {
@@ -295,6 +307,28 @@ void addDiscounts(Commands& commands) {
     commands.add<DiscountsArguments>("import", text::help::kImport, describe, importDiscountsCommand, discounts);
 }
 
+void addRegisters(Commands& commands) {
+    commands.add<RegistersArguments>(
+        "registers", text::help::kRegisters,
+        [](Command& command, RegistersArguments& arguments) {
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        registersCommand);
+    commands.add<RegisterArguments>(
+        "register", text::help::kRegister,
+        [](Command& command, RegisterArguments& arguments) {
+            command.argument("NAME", arguments.name, text::help::kRegisterName);
+            command.option("ACTION", arguments.action, text::help::kRegisterAction);
+            command.list("WORDS", arguments.words, text::help::kRegisterWords);
+            command.data(arguments.dataFolder);
+            command.option("--company", arguments.company, text::help::kCompany);
+            command.list("--columns", arguments.columns, text::help::kRegisterColumns);
+            command.flag("--dry-run", arguments.dryRun, text::help::kRegisterDryRun);
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        registerCommand);
+}
+
 }  // namespace
 
 void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& surroundings,
@@ -307,6 +341,7 @@ void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& s
     addCompanies(commands);
     addDiscounts(commands);
     addTemplates(commands);
+    addRegisters(commands);
 }
 
 }  // namespace kolmera::cli
