@@ -35,6 +35,7 @@
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lockwait.h"
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -155,7 +156,7 @@ void ChangeWindow::buildNotices() {
     notices_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);  // long ones end in dots; their tool tip is whole
     for (const Notice& notice : report_.notices()) {
         auto* item = new QListWidgetItem(toQt(report_.lineOf(notice)), notices_);
-        item->setToolTip(item->text());
+        item->setToolTip(plainToolTip(item->text()));
         if (notice.warning) item->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
     }
     const bool any = notices_->count() > 0;

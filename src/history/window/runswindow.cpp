@@ -20,6 +20,7 @@
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lists.h"
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -46,9 +47,10 @@ class RunsWindow::Model final : public QAbstractTableModel {
         }
         if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
         if (role == Qt::ToolTipRole && index.column() == RunList::kPriceFile) {
-            return toQt(runs_.run(index.row()).priceFile.path);
+            return plainToolTip(toQt(runs_.run(index.row()).priceFile.path));
         }
-        return toQt(runs_.cells(index.row()).at(static_cast<std::size_t>(index.column())));
+        const QString text = toQt(runs_.cells(index.row()).at(static_cast<std::size_t>(index.column())));
+        return role == Qt::ToolTipRole ? plainToolTip(text) : text;
     }
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
         if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
