@@ -138,16 +138,31 @@ void RunsWindow::layOut() {
 
 void RunsWindow::setSizes() {
     constexpr int kWindowLetters = 165, kWindowLines = 26;
-    constexpr int kColumnLetters = 26;  // a long outcome must leave room for the price file
     const QFontMetrics metrics = fontMetrics();
     for (int column = 0; column < RunList::kColumns; ++column) {
-        if (column == RunList::kPriceFile) continue;
-        list_->resizeColumnToContents(column);
-        list_->setColumnWidth(column,
-                              std::min(list_->columnWidth(column), kColumnLetters * metrics.averageCharWidth()));
+        list_->setColumnWidth(column, 0);
+        if (column != RunList::kPriceFile) widen(static_cast<RunList::Column>(column));
     }
     const QSize size(kWindowLetters * metrics.averageCharWidth(), kWindowLines * metrics.lineSpacing());
     resize(size.boundedTo(screen()->availableSize() - QSize(2, 4) * metrics.averageCharWidth()));
+}
+
+void RunsWindow::widen(RunList::Column column) {
+    constexpr int kColumnLetters = 26;  // a long outcome must leave room for the price file
+    const int width = list_->columnWidth(column);
+    list_->resizeColumnToContents(column);
+    const int wanted = std::min(list_->columnWidth(column), kColumnLetters * fontMetrics().averageCharWidth());
+    list_->setColumnWidth(column, std::max(width, wanted));
+}
+
+/// Columns stay as the user left them, but what was taken back meanwhile, or the other language, has longer words.
+void RunsWindow::widenShortColumns() {
+    for (const auto column : {RunList::kKind, RunList::kNew, RunList::kChanged, RunList::kOutcome}) widen(column);
+}
+
+void RunsWindow::showEvent(QShowEvent* event) {
+    widenShortColumns();  // the memory of windows has set the widths by now
+    QDialog::showEvent(event);
 }
 
 void RunsWindow::fill() {
@@ -170,6 +185,7 @@ void RunsWindow::fill() {
         if (!runs_.chosen().empty()) company_->setCurrentText(toQt(runs_.chosen()));
     }
     model_->refresh();
+    if (isVisible()) widenShortColumns();
     selectRow(*list_, std::clamp(row, 0, std::max(runs_.count() - 1, 0)));
     present();
 }
@@ -178,6 +194,7 @@ void RunsWindow::choose() {
     const int row = company_->currentIndex();
     runs_.choose(row <= 0 ? std::string() : runs_.companies()[static_cast<std::size_t>(row) - 1]);
     model_->refresh();
+    if (isVisible()) widenShortColumns();
     selectRow(*list_, 0);
     present();
 }
