@@ -88,6 +88,7 @@ std::vector<Value> rowBefore(const NetRow& row, int id, std::size_t columns) {
 
 std::vector<Value> valuesOf(Recordset& records, const TableDef& table) {
     std::vector<Value> values;
+    values.reserve(table.fields.size());
     for (int column = 0; column < static_cast<int>(table.fields.size()); ++column) {
         values.push_back(records.value(column));
     }
@@ -361,6 +362,7 @@ void RunUndo::Impl::insertRows(const TableDef& table, std::vector<NetRow>& rows)
     std::vector<int> columns;
     std::vector<std::vector<Value>> values;
     for (std::size_t i = 0; i < table.fields.size(); ++i) columns.push_back(static_cast<int>(i));
+    values.reserve(rows.size());
     for (const NetRow& row : rows) values.push_back(rowBefore(row, idColumn(table), columns.size()));
     try {
         database.insertRows(table.name, columns, values);

@@ -198,7 +198,7 @@ bool UndoPlan::writesKey(const TableDef& table, const NetRow& row) {
     });
 }
 
-void UndoPlan::keep(NetRow& row, KeptRow kept) {
+void UndoPlan::keep(NetRow& row, const KeptRow& kept) {
     row.mark = kSettled;
     kept_.add(kept);
 }
@@ -210,7 +210,7 @@ void UndoPlan::lookAt(const TableDef& table, NetRow& row, const std::vector<Valu
         if (now != nullptr) return lookAtCells(table, row, *now, columns);
         KeptRow kept = keptRow(table, row, Stays::Removed);
         for (const CellChange& cell : row.cells) kept.cells.push_back({cell.column, cell.before, cell.after, Null{}});
-        return keep(row, std::move(kept));
+        return keep(row, kept);
     }
     if (now == nullptr) {
         row.mark = added ? kSettled : kInsert;
@@ -220,7 +220,7 @@ void UndoPlan::lookAt(const TableDef& table, NetRow& row, const std::vector<Valu
     // All columns were read. A row that was removed is there again: as before, or another one.
     KeptRow kept = keptRow(table, row, Stays::Changed);
     kept.cells = differences(table, row, added ? Side::After : Side::Before, *now);
-    if (!kept.cells.empty()) return keep(row, std::move(kept));
+    if (!kept.cells.empty()) return keep(row, kept);
     row.mark = added ? kRemove : kSettled;
     ++(added ? counts_.removed : counts_.asBefore);
 }
@@ -234,7 +234,7 @@ void UndoPlan::lookAtRebuilt(const TableDef& table, NetRow& row, const std::vect
     }
     KeptRow kept = keptRow(table, row, Stays::Changed);
     kept.cells = differences(table, row, Side::After, now);
-    if (!kept.cells.empty()) return keep(row, std::move(kept));
+    if (!kept.cells.empty()) return keep(row, kept);
     std::erase_if(row.cells, [](const CellChange& cell) { return cell.before == cell.after; });
     row.mark = writesKey(table, row) ? kRestoreKey : kRestore;
     ++counts_.changedBack;
@@ -305,6 +305,7 @@ bool UndoPlan::keepNamed(int place) {
         if (net_.next(place, {}, step, 1, {}).empty()) continue;
         const std::vector<Naming>& namings = namingOf(table);
         std::vector<int> columns;
+        columns.reserve(namings.size());
         for (const Naming& naming : namings) columns.push_back(naming.byColumn);
         std::optional<std::int64_t> behind;
         while (!namings.empty()) {

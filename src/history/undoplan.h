@@ -1,11 +1,11 @@
 #pragma once
 
-#include <compare>
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "history/keptrows.h"
@@ -63,7 +63,7 @@ class UndoPlan {
     void lookAt(const TableDef& table, NetRow& row, const std::vector<Value>* now, std::span<const int> columns);
     void lookAtRebuilt(const TableDef& table, NetRow& row, const std::vector<Value>& now);
     void lookAtCells(const TableDef& table, NetRow& row, const std::vector<Value>& now, std::span<const int> columns);
-    void keep(NetRow& row, KeptRow kept);
+    void keep(NetRow& row, const KeptRow& kept);
     [[nodiscard]] const std::vector<Naming>& namingOf(const TableDef& table);
     [[nodiscard]] std::vector<Naming> findNaming(const TableDef& table);
     bool keepNamed(int place);
@@ -92,13 +92,8 @@ class UndoPlan {
     std::map<std::string, std::vector<Naming>, std::less<>> namings_;  ///< by the table that is named
     std::map<std::string, std::vector<Key>, std::less<>> keys_;        ///< by table
     ReturningNumbers returning_;
-    struct Cell {
-        int table;
-        std::int64_t id;
-        int column;
-        auto operator<=>(const Cell&) const = default;
-    };
-    std::set<Cell> namesThatStay_;  ///< columns by which rows name others, written by the run, that do not go back
+    std::set<std::tuple<int, std::int64_t, int>>
+        namesThatStay_;  ///< columns by which rows name others, written by the run, that do not go back
 };
 
 }  // namespace kolmera
