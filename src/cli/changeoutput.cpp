@@ -3,17 +3,23 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <utility>
 
 #include "cli/printablelines.h"
+#include "cli/terminalport.h"
 #include "cli/texttable.h"
 #include "history/changereport.h"
 #include "history/changetable.h"
+#include "history/productnames.h"
 #include "import/run/runreport.h"
 #include "lang/keys/changes.h"
 #include "lang/keys/terminal.h"
+#include "platform/attempt.h"
+#include "startup/company.h"
+#include "startup/startup.h"
 
 namespace kolmera::cli {
 namespace {
@@ -94,6 +100,7 @@ class Output {
 
     bool run(const RunHeader* previous) {
         if (!report_.read(goOn_)) return false;
+        nameProducts();
         report_.warn(previous);
         report_.list().show({});
         if (output_.json) {
@@ -106,6 +113,7 @@ class Output {
     }
 
   private:
+    void nameProducts();
     void printHead();
     void printTable();
     void printJson();
@@ -119,6 +127,27 @@ class Output {
         return !surroundings_.cancel.load(std::memory_order_relaxed);
     };
 };
+
+/// A company that cannot be opened is told of; its changes are shown without what only it knows.
+void Output::nameProducts() {
+    StartState& state = session_.state;
+    const std::string& company = report_.header().companyFile;
+    // One on a server is not opened for names, which can take long.
+    std::error_code unknown;
+    const bool here = !company.empty() && !SqlLayer::ÄrSQLDatabas(company) &&
+                      std::filesystem::exists(state.drives.resolve(company, state.dataFolder()), unknown);
+    if (!here) return;
+    TerminalPort port(surroundings_.err, surroundings_.cancel, false);
+    MessageBoxes boxes(port, {});
+    CompanyRegister companies(state, session_.texts, boxes);
+    companies.waitForLock = [] { return false; };
+    PassedOverSilently passedOver;
+    LäsDorvikIni(state);
+    attempt(passedOver, "Produkt", [&] {
+        if (companies.ÖppnaDatabas(company)) kolmera::nameProducts(state.sql, report_.net());
+    });
+    state.sql.FtgDB.reset();
+}
 
 void Output::printHead() {
     PrintableStream out(surroundings_.out);

@@ -88,6 +88,7 @@ std::vector<Value> rowBefore(const NetRow& row, int id, std::size_t columns) {
 
 std::vector<Value> valuesOf(Recordset& records, const TableDef& table) {
     std::vector<Value> values;
+    values.reserve(table.fields.size());
     for (int column = 0; column < static_cast<int>(table.fields.size()); ++column) {
         values.push_back(records.value(column));
     }
@@ -131,6 +132,7 @@ bool RunUndo::Impl::forEachBatch(UndoStep step, WriteRows writeRows) {
             std::vector<NetRow> rows = net.next(place, behind, step, kRowsInBatch);
             if (rows.empty()) break;
             behind = rows.back().id;
+            const auto read = static_cast<std::int64_t>(rows.size());
             if (!(*goOn_)(done_, all_)) return false;
             (this->*writeRows)(table, rows);
             for (NetRow& row : rows) {
@@ -141,7 +143,7 @@ bool RunUndo::Impl::forEachBatch(UndoStep step, WriteRows writeRows) {
                     net.putMark(row);
                 }
             }
-            done_ += static_cast<std::int64_t>(rows.size());
+            done_ += read;
             batch_->next();
         }
     }
@@ -174,6 +176,7 @@ void RunUndo::Impl::refuse(const TableDef& table, NetRow& row, const PlatformErr
 /// Goes through those of the rows that are there.
 template <typename Write>
 void RunUndo::Impl::walk(const TableDef& table, std::vector<NetRow>& rows, Write&& write) {
+    if (rows.empty()) return;
     const auto records = database.open(rowsStatement(table, idsOf(rows)), RecordsetType::Dynaset);
     const int id = idColumn(table);
     for (; !records->eof(); records->moveNext()) {
@@ -208,6 +211,7 @@ std::vector<KeptCell> RunUndo::Impl::takeChanged(NetRow& row, Recordset& records
         if (now != cell.before) changed.push_back({cell.column, cell.before, cell.after, now});
         return true;
     });
+    if (row.rebuilt && !changed.empty()) row.cells.clear();
     return changed;
 }
 
@@ -241,6 +245,8 @@ void RunUndo::Impl::restoreRow(const TableDef& table, NetRow& row, Recordset& re
 
 void RunUndo::Impl::restoreRows(const TableDef& table, std::vector<NetRow>& rows) {
     const int step = rows.front().mark;
+    if (step == kRestoreKey) again_->keepNamedSince(table, rows);
+    std::erase_if(rows, [&](const NetRow& row) { return row.mark != step; });
     walk(table, rows, [&](NetRow& row, Recordset& records) { restoreRow(table, row, records); });
     for (NetRow& row : rows) {
         if (row.mark == step) keepGone(table, row);
@@ -297,6 +303,8 @@ void RunUndo::Impl::giveNumbersUp() {
     forEachExchanged([&](const TableDef& table, std::vector<NetRow>& rows) {
         std::set<int> unique;
         for (const UndoPlan::Key& key : again_->keysOf(table)) unique.insert(key.begin(), key.end());
+        again_->keepNamedSince(table, rows);
+        std::erase_if(rows, [](const NetRow& row) { return row.mark != kExchange; });
         std::vector<bool> met(rows.size());
         walk(table, rows, [&](NetRow& row, Recordset& records) {
             met[static_cast<std::size_t>(&row - rows.data())] = true;
@@ -354,6 +362,7 @@ void RunUndo::Impl::insertRows(const TableDef& table, std::vector<NetRow>& rows)
     std::vector<int> columns;
     std::vector<std::vector<Value>> values;
     for (std::size_t i = 0; i < table.fields.size(); ++i) columns.push_back(static_cast<int>(i));
+    values.reserve(rows.size());
     for (const NetRow& row : rows) values.push_back(rowBefore(row, idColumn(table), columns.size()));
     try {
         database.insertRows(table.name, columns, values);

@@ -17,7 +17,7 @@ namespace kolmera {
 enum class Stays {
     Changed,   ///< the value is no longer the one that the run left; a removed row's ID has another row now
     Removed,   ///< the row that the run changed is gone
-    Named,     ///< another row, which stays, names the row that the run added
+    Named,     ///< another row, which stays, names the row by the number that the run gave it
     KeyTaken,  ///< another row has the number that this one had
     Refused,   ///< the database refuses the change
 };
@@ -58,6 +58,9 @@ struct UndoCounts {
 /// - A removed row comes back with its ID, unless a row with that ID or a unique number of it is there now.
 /// - Where an emptied table gave a removed row's ID to a new one, the new one goes or stays whole as an added row does,
 ///   and the old one comes back only if it goes.
+/// - To name is to have a row's number (or, a new row's, its ID in tables of other programs). Who names a number that
+///   another row gets back, or named it before the run already, keeps nothing; nor does a row from before the run in a
+///   column that the run did not write, because nothing tells since when it names what it does.
 /// - Counters of IDs are not turned back.
 ///
 /// First `plan`, which only reads and lists what would stay, then `carryOut`, which looks at every row once more as it

@@ -71,6 +71,12 @@ struct InOrder {
 
 bool restoresKey(const NetRow& row) { return row.mark == kRestoreKey || row.mark == kExchange; }
 
+bool namesOthers(const TableDef& table, int column) {
+    return std::ranges::any_of(kReferences, [&](const Reference& reference) {
+        return equalNoCase(reference.table, table.name) && table.ordinal(reference.column) == column;
+    });
+}
+
 std::string placeOf(const TableDef& table, std::int64_t id) {
     const bool hasId = std::ranges::count(table.fields, true, &FieldDef::counter) > 0;
     return hasId ? fmt::format("{}, ID {}", table.name, id) : table.name;
@@ -192,7 +198,7 @@ bool UndoPlan::writesKey(const TableDef& table, const NetRow& row) {
     });
 }
 
-void UndoPlan::keep(NetRow& row, KeptRow kept) {
+void UndoPlan::keep(NetRow& row, const KeptRow& kept) {
     row.mark = kSettled;
     kept_.add(kept);
 }
@@ -204,7 +210,7 @@ void UndoPlan::lookAt(const TableDef& table, NetRow& row, const std::vector<Valu
         if (now != nullptr) return lookAtCells(table, row, *now, columns);
         KeptRow kept = keptRow(table, row, Stays::Removed);
         for (const CellChange& cell : row.cells) kept.cells.push_back({cell.column, cell.before, cell.after, Null{}});
-        return keep(row, std::move(kept));
+        return keep(row, kept);
     }
     if (now == nullptr) {
         row.mark = added ? kSettled : kInsert;
@@ -214,7 +220,7 @@ void UndoPlan::lookAt(const TableDef& table, NetRow& row, const std::vector<Valu
     // All columns were read. A row that was removed is there again: as before, or another one.
     KeptRow kept = keptRow(table, row, Stays::Changed);
     kept.cells = differences(table, row, added ? Side::After : Side::Before, *now);
-    if (!kept.cells.empty()) return keep(row, std::move(kept));
+    if (!kept.cells.empty()) return keep(row, kept);
     row.mark = added ? kRemove : kSettled;
     ++(added ? counts_.removed : counts_.asBefore);
 }
@@ -228,7 +234,7 @@ void UndoPlan::lookAtRebuilt(const TableDef& table, NetRow& row, const std::vect
     }
     KeptRow kept = keptRow(table, row, Stays::Changed);
     kept.cells = differences(table, row, Side::After, now);
-    if (!kept.cells.empty()) return keep(row, std::move(kept));
+    if (!kept.cells.empty()) return keep(row, kept);
     std::erase_if(row.cells, [](const CellChange& cell) { return cell.before == cell.after; });
     row.mark = writesKey(table, row) ? kRestoreKey : kRestore;
     ++counts_.changedBack;
@@ -242,6 +248,7 @@ void UndoPlan::lookAtCells(const TableDef& table, NetRow& row, const std::vector
         if (cell.before == cell.after || now[at] == cell.before) return true;
         if (now[at] == cell.after) return false;
         kept.cells.push_back({cell.column, cell.before, cell.after, now[at]});
+        if (namesOthers(table, cell.column)) namesThatStay_.insert({row.table, row.id, cell.column});
         return true;
     });
     row.mark = row.cells.empty() ? kSettled : writesKey(table, row) ? kRestoreKey : kRestore;
@@ -293,32 +300,41 @@ std::vector<UndoPlan::Naming> UndoPlan::findNaming(const TableDef& table) {
 
 bool UndoPlan::keepNamed(int place) {
     const TableDef& table = database_.table(net_.tables()[static_cast<std::size_t>(place)]);
-    if (net_.next(place, {}, kRemove, 1, {}).empty()) return false;
-    const std::vector<Naming>& namings = namingOf(table);
-    std::vector<int> columns;
-    for (const Naming& naming : namings) columns.push_back(naming.byColumn);
     bool kept = false;
-    std::optional<std::int64_t> behind;
-    while (!namings.empty()) {
-        std::vector<NetRow> rows = net_.next(place, behind, kRemove, kRowsAtOnce, columns);
-        if (rows.empty()) break;
-        behind = rows.back().id;
-        for (const Naming& naming : namings) kept = keepNamed(table, naming, rows) || kept;
+    for (const UndoStep step : {kRemove, kRestoreKey, kExchange}) {
+        if (net_.next(place, {}, step, 1, {}).empty()) continue;
+        const std::vector<Naming>& namings = namingOf(table);
+        std::vector<int> columns;
+        columns.reserve(namings.size());
+        for (const Naming& naming : namings) columns.push_back(naming.byColumn);
+        std::optional<std::int64_t> behind;
+        while (!namings.empty()) {
+            std::vector<NetRow> rows = net_.next(place, behind, step, kRowsAtOnce, columns);
+            if (rows.empty()) break;
+            behind = rows.back().id;
+            for (const Naming& naming : namings) kept = keepNamed(table, naming, rows) || kept;
+        }
     }
     return kept;
 }
 
+/// The number or ID by which a row can be named now and by which nothing can be named once it is taken back; Null when
+/// there is none.
+Value UndoPlan::nameLost(const TableDef& table, const Naming& naming, const NetRow& row) {
+    // Whoever names the ID of a row that gets its old values back may have named it before the run.
+    if (naming.byColumn == idColumn(table)) return row.mark == kRemove ? Value(row.id) : Value();
+    const CellChange* cell = row.mark == kRemove || restoresKey(row) ? cellOf(row, naming.byColumn) : nullptr;
+    const bool named = cell != nullptr && !isNull(cell->after) && cell->after != Value(std::string());
+    if (!named || compareValues(cell->before, cell->after) == 0) return {};
+    return returning_.has(row, naming.byColumn, cell->after) ? Value() : cell->after;
+}
+
 bool UndoPlan::keepNamed(const TableDef& table, const Naming& naming, std::vector<NetRow>& rows) {
-    const auto nameOf = [&](const NetRow& row) {
-        if (naming.byColumn == idColumn(table)) return Value(row.id);
-        const CellChange* cell = cellOf(row, naming.byColumn);
-        return cell != nullptr ? cell->after : Value();
-    };
     std::vector<Value> names;
     std::map<Value, NetRow*, InOrder> named;
     for (NetRow& row : rows) {
-        Value name = row.mark == kRemove ? nameOf(row) : Value();
-        if (isNull(name) || name == Value(std::string())) continue;
+        Value name = nameLost(table, naming, row);
+        if (isNull(name)) continue;
         names.push_back(name);
         named.emplace(std::move(name), &row);
     }
@@ -327,31 +343,55 @@ bool UndoPlan::keepNamed(const TableDef& table, const Naming& naming, std::vecto
          readRowsWith(database_, *naming.table, std::span(&naming.column, 1), naming.column, names)) {
         const Value& value = values.front();
         const auto found = named.find(value);
-        if (found == named.end() || found->second->mark != kRemove || !hasComeToName(naming, id, value)) continue;
-        NetRow& row = *found->second;
-        KeptRow stays = keptRow(table, row, Stays::Named);
-        stays.by = placeOf(*naming.table, id);
-        if (planning_) --counts_.removed;
-        keep(row, std::move(stays));
-        net_.putMark(row);
+        if (found == named.end() || !hasComeToName(naming, id, value)) continue;
+        keepNamed(table, naming, *found->second, id);
+        named.erase(found);
         kept = true;
     }
     return kept;
 }
 
-/// Whether a row names another one that goes: not when it goes too, and not when it did so before the run had added it.
+/// A row that the run had renamed keeps its number alone, any other stays whole.
+void UndoPlan::keepNamed(const TableDef& table, const Naming& naming, NetRow& row, std::int64_t by) {
+    const bool removed = row.mark == kRemove;
+    row = *net_.find(row.table, row.id);
+    KeptRow stays = keptRow(table, row, Stays::Named);
+    stays.by = placeOf(*naming.table, by);
+    if (removed) {
+        row.mark = kSettled;
+        if (planning_) --counts_.removed;
+    } else {
+        const CellChange& cell = *cellOf(row, naming.byColumn);
+        stays.cells.push_back({cell.column, cell.before, cell.after, cell.after});
+        withoutCells(table, {naming.byColumn}, row);
+    }
+    kept_.add(stays);
+    net_.put(row);
+}
+
+/// Whether a row names another one that goes: not when it goes too or gets another number back, and not when it did so
+/// before the run already.
 bool UndoPlan::hasComeToName(const Naming& naming, std::int64_t id, const Value& value) {
     const int place = net_.place(naming.table->name);
     const std::optional<NetRow> row = place >= 0 ? net_.find(place, id, std::span(&naming.column, 1)) : std::nullopt;
-    const auto last = lastIds_.find(naming.table->name);
-    const bool isNew = last == lastIds_.end() || id > last->second;
-    if (!row) return isNew;
+    if (!row) return isNew(*naming.table, id);
     if (row->mark == kRemove) return false;
-    if (row->mark == kRestore || restoresKey(*row)) {
-        const CellChange* cell = cellOf(*row, naming.column);
-        if (cell != nullptr) return compareValues(cell->before, value) == 0;
-    }
-    return isNew || row->kind != ChangeKind::Changed || row->rebuilt;
+    if (namesThatStay_.contains({place, id, naming.column})) return true;
+    const CellChange* cell = cellOf(*row, naming.column);
+    if (row->mark == kRestore || restoresKey(*row))
+        return false;  // with the cell it gets another, without it keeps this
+    if (cell != nullptr) return compareValues(cell->before, value) != 0;
+    return row->kind != ChangeKind::Changed || row->rebuilt;
+}
+
+/// Whether a row that the run has not written came after it. Where the run has removed the last row of all, a file
+/// gives the IDs from there on anew.
+bool UndoPlan::isNew(const TableDef& table, std::int64_t id) {
+    const auto last = lastIds_.find(table.name);
+    if (last == lastIds_.end() || id > last->second) return true;
+    const int place = net_.place(table.name);
+    const std::optional<NetRow> row = place >= 0 ? net_.find(place, last->second, {}) : std::nullopt;
+    return row && (row->kind == ChangeKind::Removed || row->rebuilt);
 }
 
 // Unique numbers.
@@ -430,12 +470,29 @@ void UndoPlan::keepWithoutKey(const TableDef& table, const Key& key, NetRow row,
         if (cell == nullptr) continue;
         stays.cells.push_back({column, cell->before, cell->after, comesBack ? Value() : cell->after});
     }
-    if (!comesBack)
-        std::erase_if(row.cells, [&](const CellChange& cell) { return std::ranges::count(key, cell.column) > 0; });
     kept_.add(stays);
-    row.mark = comesBack || row.cells.empty() ? kSettled : writesKey(table, row) ? kRestoreKey : kRestore;
-    if (row.mark == kSettled) --(comesBack ? counts_.broughtBack : counts_.changedBack);
+    if (comesBack) {
+        row.mark = kSettled;
+        --counts_.broughtBack;
+    } else {
+        withoutCells(table, key, row);
+    }
     net_.put(row);
+}
+
+/// A changed row keeps what it has in these columns, or whole.
+void UndoPlan::withoutCells(const TableDef& table, const Key& columns, NetRow& row) {
+    if (row.rebuilt) row.cells.clear();  // it would be half of one row and half of another
+    std::erase_if(row.cells, [&](const CellChange& cell) { return std::ranges::count(columns, cell.column) > 0; });
+    for (const int column : columns) {
+        if (namesOthers(table, column)) namesThatStay_.insert({row.table, row.id, column});
+    }
+    if (row.cells.empty()) {
+        row.mark = kSettled;
+        if (planning_) --counts_.changedBack;
+    } else if (planning_) {  // later its step is what it is in
+        row.mark = writesKey(table, row) ? kRestoreKey : kRestore;
+    }
 }
 
 }  // namespace kolmera

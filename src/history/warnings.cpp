@@ -234,7 +234,9 @@ std::vector<RunWarning> runWarnings(
 
 const RunHeader* previousRun(const std::vector<RunHeader>& runs, const RunHeader& run) {
     const auto found = std::ranges::find_if(runs, [&](const RunHeader& other) {
-        return other.kind == RunKind::Run && other.id != run.id && other.started <= run.started &&
+        // Within a second IDs count on. A preview's is of another folder; the runs that it is compared with were there.
+        const bool sameSecond = other.started == run.started && (run.kind == RunKind::Preview || other.id < run.id);
+        return (other.started < run.started || sameSecond) && other.kind == RunKind::Run &&
                other.outcome == "completed" && other.job == run.job && equalNoCase(other.companyFile, run.companyFile);
     });
     return found == runs.end() ? nullptr : &*found;

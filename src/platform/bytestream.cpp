@@ -88,10 +88,11 @@ std::size_t GzipStream::read(char* bytes, std::size_t count) {
         }
         if (inflation_->behindMember) {
             // Another packed file may follow; zeros fill up the blocks of a tape.
-            if (*zlib.next_in == 0) {
-                zlib.avail_in = 0;
-                continue;
+            while (zlib.avail_in > 0 && *zlib.next_in == 0) {
+                ++zlib.next_in;
+                --zlib.avail_in;
             }
+            if (zlib.avail_in == 0) continue;
             inflateReset(&zlib);
             inflation_->behindMember = false;
         }

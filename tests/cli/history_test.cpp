@@ -94,6 +94,16 @@ TEST_F(History, WhatStaysIsToldWithItsValues) {
               Value(10.0));
 }
 
+TEST_F(History, RowsThatDoNotTellTheirProductAreNamedByTheCompany) {
+    machine.open()->execute("UPDATE Produkt SET Benämning = 'Skruv' WHERE Nummer = 'A'");
+    machine.open()->execute("INSERT INTO Levprislista (Produktnr, Leverantör, Inpris) VALUES ('A', '1', 10)");
+    record({"UPDATE Levprislista SET Inpris = 12"});
+    EXPECT_EQ(command({"show", "last"}), 0);
+    EXPECT_THAT(machine.out(), HasSubstr("\nA        Skruv"));
+    std::filesystem::remove(machine.data() + "/FTG1.mdb");
+    EXPECT_EQ(command({"show", "last"}), 0) << machine.err();
+}
+
 TEST_F(History, NamesThatFitNoOrManyRuns) {
     EXPECT_EQ(command({"undo", "last"}), 1) << "there is no run";
     record({"UPDATE Produkt SET Inpris = 12"});

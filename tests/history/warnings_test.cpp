@@ -155,6 +155,12 @@ TEST(Warnings, CompareWithTheRunBeforeOfTheSameJobAndCompany) {
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->id, "3");
     EXPECT_EQ(previousRun(runs, runs[6]), nullptr);
+    std::vector<RunHeader> ofOneSecond = {runs[1], runs[0]};  // in whatever order a folder lists them
+    for (RunHeader& one : ofOneSecond) one.started = "9";
+    EXPECT_EQ(previousRun(ofOneSecond, ofOneSecond[0]), nullptr) << "a later run of the same second";
+    EXPECT_EQ(previousRun(ofOneSecond, ofOneSecond[1]), ofOneSecond.data());
+    ofOneSecond[0].kind = RunKind::Preview;
+    EXPECT_EQ(previousRun(ofOneSecond, ofOneSecond[0]), &ofOneSecond[1]) << "a run just before a preview";
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ RecordSource preview() {
               202,
               202,
               "E202",
-              {{kNumber, none, "E202"s}, {kName, none, "=1+1"s}, {kInpris, none, 3.5}}});
+              {{kNumber, none, "E202"s}, {kName, none, "=1+<b>1</b>"s}, {kInpris, none, 3.5}}});
     };
     source.forEachRemark = [](const auto& take) {
         for (const std::int64_t record : {7, 9}) {
@@ -162,7 +162,9 @@ TEST_F(ChangeWindowTest, SavesWhatItShows) {
         return readWholeFile(world.folder / name);
     };
     EXPECT_EQ(save("list.txt").substr(0, 18), "Produkt\tBenämning");
-    EXPECT_NE(save("list.txt").find("\t'=1+1\t"), std::string::npos);
+    const QModelIndex name = list().model()->index(0, ChangeTable::kName);
+    EXPECT_EQ(name.data(Qt::ToolTipRole).toString(), "<qt>=1+&lt;b&gt;1&lt;/b&gt;</qt>") << "shown in bold letters";
+    EXPECT_NE(save("list.txt").find("\t'=1+<b>1</b>\t"), std::string::npos);
     EXPECT_EQ(save("list.pdf").substr(0, 5), "%PDF-");
     save("list.xlsx");
     int cells = 0;

@@ -134,6 +134,7 @@ TEST_F(RunsWindowTest, ShowsTheRecordInItsPriceFile) {
         const WhenShown excerpt("ExcerptWindow", [&](QDialog& text) {
             marked = fromQt(control<QPlainTextEdit>(text, "Text").extraSelections().value(0).cursor.selectedText());
             remark = fromQt(control<QLabel>(text, "Anmärkning").text());
+            expectTextsInBothLanguages(text, world);
             takePicture(text, "excerptwindow");
             text.reject();
         });

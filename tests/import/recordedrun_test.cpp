@@ -125,6 +125,29 @@ TEST(RecordedRun, TellsWhatTheRunWasAndPassedOver) {
     EXPECT_TRUE(labelled);
 }
 
+/// Updates are held back until the row is left, on a server until many records have been read.
+TEST(RecordedRun, ARefusedUpdateIsToldWithItsOwnRecord) {
+    RecordedWorld world;
+    std::string lines;
+    for (int i = 1; i <= 60; ++i) {
+        const std::string number = std::to_string(i);
+        world.add("Produkt", {{"Nummer", number}, {"Inpris", 1.0}});
+        const bool refused = i == 7 || i == 31 || i == 60;
+        lines += fmt::format("{}\t{}\t{},50\tA\r\n", number, refused ? "Nej" : "Namn", number);
+    }
+    world.refuse("Produkt", "Benämning", "'Nej'");
+    world.priceFile(lines);
+    EXPECT_TRUE(world.run().completed);
+    std::string failed;
+    world.reader().forEachRemark([&](const RecordRemark& remark) {
+        if (remark.kind == "failed_statements") failed += fmt::format("{}:{} ", remark.record, remark.product);
+        return true;
+    });
+    EXPECT_EQ(failed, "7:7 31:31 60:60 ");
+    EXPECT_EQ(world.rows("Produkt", "Nummer, Inpris").find("31 31.5"), std::string::npos);
+    EXPECT_NE(world.rows("Produkt", "Nummer, Inpris").find("32 32.5"), std::string::npos);
+}
+
 TEST(RecordedRun, ARecordThatCannotBeMadeIsToldAndTheRunGoesOn) {
     RecordedWorld world;
     world.priceFile("A\tPenna\t1,50\tX\r\n");

@@ -232,6 +232,10 @@ TEST(PackedFiles, AreUnpacked) {
     EXPECT_EQ(rowsOf(kGzip, format), "1|a|b\n");
     EXPECT_EQ(rowsOf(std::string(kGzip).append(kGzip).append(100, '\0'), format), "1|a|b\n2|a|b\n")
         << "two in one file";
+    EXPECT_EQ(rowsOf(std::string(kGzip).append(100, '\0').append(kGzip), format), "1|a|b\n2|a|b\n") << "behind zeros";
+    EXPECT_EQ(errorOf([&] { rowsOf(std::string(kGzip).append(100, '\0').append("rest"), format); }),
+              errors::kUnreadableArchive)
+        << "bytes behind zeros are left out unseen";
     EXPECT_EQ(errorOf([&] { rowsOf(kGzip.substr(0, 12), format); }), errors::kUnreadableArchive) << "cut short";
 }
 

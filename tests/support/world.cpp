@@ -1,5 +1,6 @@
 #include "support/world.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -157,8 +158,12 @@ void World::refuse(const std::string& table, const std::string& column, const st
         TestServer::ofProcess().changeTables("ALTER TABLE \"" + table + "\" ADD CONSTRAINT \"refuse" + table +
                                              "\" CHECK (\"" + column + "\" NOT IN (" + texts + "))");
     } else {
-        open()->execute("CREATE TRIGGER refuse" + table + " BEFORE INSERT ON " + table + " WHEN NEW." + column +
-                        " IN (" + texts + ") BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        for (const char* statement : {"INSERT", "UPDATE"}) {
+            open()->execute(
+                fmt::format("CREATE TRIGGER refuse{1}{0} BEFORE {1} ON {0} WHEN NEW.{2} IN ({3}) BEGIN SELECT "
+                            "RAISE(ABORT, 'refused'); END",
+                            table, statement, column, texts));
+        }
     }
 }
 

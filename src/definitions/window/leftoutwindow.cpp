@@ -126,6 +126,7 @@ void LeftOutWindow::present() {
     for (const auto& [number, text] : editor_.leftOut())
         rader_->addItem(QStringLiteral("%1  ").arg(number) + toQt(text).simplified());
     lblRader_->setText(toQt(editor_.summary()));
+    rader_->setAccessibleName(lblRader_->text());
 }
 
 }  // namespace kolmera

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -64,8 +65,9 @@ QVariant ChangeListModel::data(const QModelIndex& index, int role) const {
     const ChangeRow& row = page.rows[place];
     switch (role) {
         case Qt::DisplayRole:
-        case Qt::ToolTipRole:
             return toQt(page.cells[place].at(static_cast<std::size_t>(index.column())));
+        case Qt::ToolTipRole:
+            return plainToolTip(toQt(page.cells[place].at(static_cast<std::size_t>(index.column()))));
         case Qt::TextAlignmentRole:
             return static_cast<int>(Qt::AlignVCenter |
                                     (isNumber(index.column(), row) ? Qt::AlignRight : Qt::AlignLeft));

@@ -35,6 +35,7 @@
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lockwait.h"
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -155,7 +156,7 @@ void ChangeWindow::buildNotices() {
     notices_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);  // long ones end in dots; their tool tip is whole
     for (const Notice& notice : report_.notices()) {
         auto* item = new QListWidgetItem(toQt(report_.lineOf(notice)), notices_);
-        item->setToolTip(item->text());
+        item->setToolTip(plainToolTip(item->text()));
         if (notice.warning) item->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
     }
     const bool any = notices_->count() > 0;
@@ -213,7 +214,10 @@ void ChangeWindow::buildList() {
     header.setSortIndicator(-1, Qt::AscendingOrder);
     header.setSectionResizeMode(ChangeTable::kName, QHeaderView::Stretch);
     list_->setSortingEnabled(true);
-    model_->onSorted = [this] { present(); };
+    model_->onSorted = [this] {
+        if (!list_->currentIndex().isValid() && model_->rowCount() > 0) list_->setCurrentIndex(model_->index(0, 0));
+        present();
+    };
     connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { present(); });
     connect(list_, &QTableView::doubleClicked, this, [this] { showInFile(); });
     list_->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -309,7 +313,7 @@ void ChangeWindow::connectKeys() {
 
 void ChangeWindow::setSizes() {
     constexpr int kWindowLetters = 165, kWindowLines = 44, kNoticeLines = 4, kOverLetters = 6, kColumnLetters = 24;
-    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 36, 12, 12, 12, 12, 9};
+    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 34, 12, 12, 15, 11, 9};
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     for (std::size_t column = 0; column < kLetters.size(); ++column) {

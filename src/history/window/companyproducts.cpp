@@ -5,6 +5,7 @@
 #include <string>
 
 #include "db/conversions.h"
+#include "history/productnames.h"
 #include "import/run/recordeddefinition.h"
 
 namespace kolmera {
@@ -41,22 +42,7 @@ std::string articlesQuery(const RecordedDefinition& definition) {
 void nameProducts(Program& program, ChangeReport& report) {
     const ClosesCompany closing(program);
     if (!openCompany(program, report.header().companyFile)) return;
-    SqlLayer& sql = program.state.sql;
-    const auto text = [&](Recordset& row, int column) { return TillText(row.value(column), sql.locale()); };
-    const auto id = [&](Recordset& row) { return TillLng(row.value(0), sql.locale()); };
-    for (const std::string& table : report.net().tablesWithoutProduct()) {
-        report.net().nameRows(table, [&](const auto& take) {
-            eachRow(sql, fmt::format("SELECT ID, Produktnr FROM {}", table),
-                    [&](Recordset& row) { take(id(row), text(row, 1)); });
-        });
-    }
-    report.net().nameProducts([&](const auto& take) {
-        eachRow(sql, "SELECT ID, Nummer, Benämning FROM Produkt", [&](Recordset& row) {
-            const std::string number = text(row, 1);
-            const std::string name = text(row, 2);
-            take({.id = id(row), .number = number, .name = name});
-        });
-    });
+    nameProducts(program.state.sql, report.net());
 }
 
 void nameArticles(Program& program, const RunHeader& run, ComparisonList& list) {

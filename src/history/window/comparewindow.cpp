@@ -24,6 +24,7 @@
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -61,7 +62,8 @@ class CompareWindow::Model final : public QAbstractTableModel {
     }
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
         if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
-        return toQt(list_->cells(index.row()).at(static_cast<std::size_t>(index.column())));
+        const QString text = toQt(list_->cells(index.row()).at(static_cast<std::size_t>(index.column())));
+        return role == Qt::ToolTipRole ? plainToolTip(text) : text;
     }
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
         if (orientation != Qt::Horizontal || role != Qt::DisplayRole || list_ == nullptr) return {};

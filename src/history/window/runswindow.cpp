@@ -20,6 +20,7 @@
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lists.h"
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -46,9 +47,10 @@ class RunsWindow::Model final : public QAbstractTableModel {
         }
         if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
         if (role == Qt::ToolTipRole && index.column() == RunList::kPriceFile) {
-            return toQt(runs_.run(index.row()).priceFile.path);
+            return plainToolTip(toQt(runs_.run(index.row()).priceFile.path));
         }
-        return toQt(runs_.cells(index.row()).at(static_cast<std::size_t>(index.column())));
+        const QString text = toQt(runs_.cells(index.row()).at(static_cast<std::size_t>(index.column())));
+        return role == Qt::ToolTipRole ? plainToolTip(text) : text;
     }
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
         if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
@@ -136,16 +138,31 @@ void RunsWindow::layOut() {
 
 void RunsWindow::setSizes() {
     constexpr int kWindowLetters = 165, kWindowLines = 26;
-    constexpr int kColumnLetters = 26;  // a long outcome must leave room for the price file
     const QFontMetrics metrics = fontMetrics();
     for (int column = 0; column < RunList::kColumns; ++column) {
-        if (column == RunList::kPriceFile) continue;
-        list_->resizeColumnToContents(column);
-        list_->setColumnWidth(column,
-                              std::min(list_->columnWidth(column), kColumnLetters * metrics.averageCharWidth()));
+        list_->setColumnWidth(column, 0);
+        if (column != RunList::kPriceFile) widen(static_cast<RunList::Column>(column));
     }
     const QSize size(kWindowLetters * metrics.averageCharWidth(), kWindowLines * metrics.lineSpacing());
     resize(size.boundedTo(screen()->availableSize() - QSize(2, 4) * metrics.averageCharWidth()));
+}
+
+void RunsWindow::widen(RunList::Column column) {
+    constexpr int kColumnLetters = 26;  // a long outcome must leave room for the price file
+    const int width = list_->columnWidth(column);
+    list_->resizeColumnToContents(column);
+    const int wanted = std::min(list_->columnWidth(column), kColumnLetters * fontMetrics().averageCharWidth());
+    list_->setColumnWidth(column, std::max(width, wanted));
+}
+
+/// Columns stay as the user left them, but what was taken back meanwhile, or the other language, has longer words.
+void RunsWindow::widenShortColumns() {
+    for (const auto column : {RunList::kKind, RunList::kNew, RunList::kChanged, RunList::kOutcome}) widen(column);
+}
+
+void RunsWindow::showEvent(QShowEvent* event) {
+    widenShortColumns();  // the memory of windows has set the widths by now
+    QDialog::showEvent(event);
 }
 
 void RunsWindow::fill() {
@@ -168,6 +185,7 @@ void RunsWindow::fill() {
         if (!runs_.chosen().empty()) company_->setCurrentText(toQt(runs_.chosen()));
     }
     model_->refresh();
+    if (isVisible()) widenShortColumns();
     selectRow(*list_, std::clamp(row, 0, std::max(runs_.count() - 1, 0)));
     present();
 }
@@ -176,6 +194,7 @@ void RunsWindow::choose() {
     const int row = company_->currentIndex();
     runs_.choose(row <= 0 ? std::string() : runs_.companies()[static_cast<std::size_t>(row) - 1]);
     model_->refresh();
+    if (isVisible()) widenShortColumns();
     selectRow(*list_, 0);
     present();
 }

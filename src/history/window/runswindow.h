@@ -19,11 +19,16 @@ class RunsWindow final : public QDialog {
     RunsWindow(Program& program, QWidget* parent);
     ~RunsWindow() override;
 
+  protected:
+    void showEvent(QShowEvent* event) override;
+
   private:
     class Model;
     void buildControls();
     void layOut();
     void setSizes();
+    void widen(RunList::Column column);
+    void widenShortColumns();
     void fill();
     void choose();
     void present();

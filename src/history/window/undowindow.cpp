@@ -124,6 +124,7 @@ UndoWindow::UndoWindow(Program& program, const std::string& outcome, const std::
     auto* told = named(new QLabel(withLineFeeds(outcome), this), "Utfall");
     told->setTextFormat(Qt::PlainText);
     told->setWordWrap(true);
+    told->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     QLabel* lblKept = label(*this, "Lbl_Kvar", "Detta står &kvar (värden före körningen > efter den > nu)");
     auto* view = named(new QPlainTextEdit(toQt(kept), this), "Kvar");
     view->setReadOnly(true);

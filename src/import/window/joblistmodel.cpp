@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 #include "ui/searchbox.h"
 
@@ -41,7 +42,7 @@ QVariant JobListModel::data(const QModelIndex& index, int role) const {
             return toQt(table_.text(index.row(), column));
         case Qt::ToolTipRole:
             // A path is shown without its middle when the column is narrow.
-            return column == JobTable::kPriceFile ? toQt(table_.text(index.row(), column)) : QVariant();
+            return column == JobTable::kPriceFile ? plainToolTip(toQt(table_.text(index.row(), column))) : QVariant();
         case Qt::DecorationRole:
             if (column != JobTable::kName) return {};
             return table_.row(index.row()).tradeFormat ? tradeFormat_ : mask_;

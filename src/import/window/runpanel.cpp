@@ -12,6 +12,7 @@
 #include "lang/keys/look.h"
 #include "lang/keys/prismain.h"
 #include "ui/forms.h"
+#include "ui/plaintooltip.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -115,7 +116,7 @@ void RunPanel::progress(std::uint64_t position, std::uint64_t size, std::int64_t
 void RunPanel::present() {
     const QString text = toQt(status_);
     meddelande_->setText(meddelande_->fontMetrics().elidedText(text, Qt::ElideMiddle, meddelande_->width()));
-    meddelande_->setToolTip(meddelande_->text() == text ? QString() : text);
+    meddelande_->setToolTip(meddelande_->text() == text ? QString() : plainToolTip(text));
     // Without an end while there is none to be told: the bar shows that the program is at it.
     bar_->setRange(0, pace_.unknown() ? 0 : kPermille);
     if (pace_.unknown()) return;

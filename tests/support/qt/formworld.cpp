@@ -121,6 +121,7 @@ void expectTextsInBothLanguages(QWidget& form, FormWorld& world) {
         if (!action->objectName().isEmpty())
             expectText(world.texts, formKey + "_" + fromQt(action->objectName()), caption);
     }
+    expectNamesForScreenReaders(form);
 }
 
 void expectNamesForScreenReaders(QWidget& form) {

@@ -71,9 +71,8 @@ class WhenShown {
 };
 
 /// Fails for every text of a form that differs from the Swedish column of the language texts, for every text that has
-/// no English one, and for every caption, button and column header that is cut off.
+/// no English one, and for every caption, button and column header that is cut off; and what follows.
 void expectTextsInBothLanguages(QWidget& form, FormWorld& world);
-
 /// Fails for every control that can have the focus and that a screen reader has no name for.
 void expectNamesForScreenReaders(QWidget& form);
 /// Fails for every letter that is the mnemonic of two controls that can be seen, or menus of the window's bar.

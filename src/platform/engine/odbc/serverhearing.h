@@ -82,7 +82,9 @@ class HeardRemoval final : public ServerHearing {
     ServerStatement where_;
 };
 
-/// The rows that meet a condition, which a statement changes.
+/// The rows that meet a condition, which a statement changes. They are all in memory, before and after: the one UPDATE
+/// that a run sends as a statement is of one product's alternative number (import/masks/alternativenumbers.cpp), and
+/// whatever else changes rows by a condition goes through a recordset, row by row.
 class HeardChanges final : public ServerHearing {
   public:
     HeardChanges(const ServerTable& table, std::int64_t place, ServerStatement where)
