@@ -101,7 +101,8 @@ void SourceEditor::keep(const SourceFormat& format) {
               .delimiter = format.delimiter,
               .quote = format.quote,
               .sheet = format.sheet,
-              .record = format.record};
+              .record = format.record,
+              .length = format.length};
     if (format.member.empty()) known_.member.reset();
     if (format.sheet.empty()) known_.sheet.reset();
     if (format.record.empty()) known_.record.reset();
@@ -265,6 +266,7 @@ void SourceEditor::addTextProperties() {
     add(Name::Characters, text::source::kCharacters, confidence.characters, std::move(sets),
         placeIn(kCharacterSets, format.characters));
     if (format.kind == SourceKind::Fixed) {
+        addTyped(Name::Length, text::source::kLength, confidence.kind, std::to_string(format.length));
         addTyped(Name::Starts, text::source::kStarts, confidence.kind, startsText(format.starts));
         return;
     }
@@ -335,6 +337,10 @@ void SourceEditor::type(Name name, const std::string& text) {
         if (const auto number = numberOf(text)) said_.skip = number;
     } else if (name == Name::Starts) {
         if (auto starts = startsOf(text)) said_.starts = std::move(starts);
+    } else if (name == Name::Length) {
+        if (const auto number = numberOf(text)) known_.length = number;
+        known_.kind = SourceKind::Fixed;
+        said_.starts.reset();
     } else if (name == Name::Record && !trimmed(text).empty()) {
         known_.record = std::string(trimmed(text));
     } else {

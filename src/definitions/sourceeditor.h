@@ -18,6 +18,7 @@ enum class SourceProperty {
     Characters,
     Delimiter,
     Quote,
+    Length,
     Starts,
     Sheet,
     Record,
