@@ -7,6 +7,7 @@
 #include "lang/errortext.h"
 #include "lang/keys/source.h"
 #include "lang/keys/sourceeditor.h"
+#include "platform/encodings.h"
 #include "platform/lettercase.h"
 #include "source/conversion/headings.h"
 
@@ -172,14 +173,22 @@ void SourceEditor::readDecodings() {
     }
 }
 
+bool SourceEditor::isAscii() const {
+    return std::ranges::all_of(rows_, [](const SampleRow& row) {
+        return std::ranges::all_of(row.cells, [](const std::string& cell) { return asciiRun(cell) == cell.size(); });
+    });
+}
+
 bool SourceEditor::maskMayReadIt() const {
     const SourceFormat& format = found_.format;
     const bool oneByte = format.characters == CharacterSet::Windows1252 || format.characters == CharacterSet::Latin1 ||
                          format.characters == CharacterSet::Oem850;
     const bool guess = found_.confidence.kind < kSureEnough || found_.confidence.delimiter < kSureEnough;
-    if (format.kind == SourceKind::Fixed) return true;
+    if (!found_.members.empty()) return false;
+    // A letter of two bytes moves what stands behind it.
+    if (format.kind == SourceKind::Fixed) return oneByte || (format.characters == CharacterSet::Utf8 && isAscii());
     if (format.kind != SourceKind::Delimited) return false;
-    return found_.members.empty() && (guess || (format.delimiter == '\t' && oneByte));
+    return guess || (format.delimiter == '\t' && oneByte);
 }
 
 std::vector<std::string> SourceEditor::names(const std::vector<std::string>& signs) const {
@@ -382,7 +391,8 @@ std::string SourceEditor::words() const {
     if (!error_.empty()) return error_;
     std::vector<std::string> words;
     for (const Property& property : properties_) {
-        const bool shown = property.name <= Name::Record || property.name == Name::Headings;
+        const bool lines = property.name == Name::Length && format().length == 0;
+        const bool shown = (property.name <= Name::Record && !lines) || property.name == Name::Headings;
         if (!shown || (property.chosen < 0 && property.text.empty())) continue;
         std::string value =
             property.choices.empty() ? property.text : property.choices[static_cast<std::size_t>(property.chosen)];
