@@ -115,6 +115,7 @@ TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
     EXPECT_EQ(machine.convert({"--file", file}), 3);
     EXPECT_EQ(machine.out(), "EK-1000\tLampa\t5.50\tst\r\nEK-1007\tLampa 2\tx\tst\r\n");
     EXPECT_NE(machine.err().find("post 3, EK-1007: \"x\" (Nettopris)"), std::string::npos) << machine.err();
+    EXPECT_EQ(machine.err().find("\\x0D"), std::string::npos) << machine.err();
     EXPECT_EQ(
         machine.runJob(kJob, {"--file", file, "--summary", machine.file("s.json"), "--rejects", machine.file("r")}), 3);
     EXPECT_EQ(readWholeFile(machine.file("r")), "EAN;Nettopris;Artikelnr;Ny;Benämning;Enhet\n;x;EK-1007;;Lampa 2;st\n");

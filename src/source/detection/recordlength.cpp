@@ -11,7 +11,7 @@ namespace kolmera {
 namespace {
 
 constexpr std::size_t kShortest = 8, kLongest = 2000;
-constexpr std::size_t kLooked = 40'000;  // characters
+constexpr std::size_t kLooked = 24'000;  // characters
 constexpr std::size_t kFewestRecords = 3;
 
 enum Class : std::uint8_t { Blank, Digit, Letter, Sign, LineEnd };
