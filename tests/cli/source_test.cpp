@@ -131,7 +131,9 @@ TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
     close(input);
     close(kept);
 
-    EXPECT_EQ(machine.runJob(kJob, {"--file", machine.write("x.csv", "Artikelnr;Pris\n1;2\n")}), 1);
+    EXPECT_EQ(machine.convert({"--file", machine.write("x.csv", "Artikelnr;Pris\n1;2\n")}), 1);
+    EXPECT_EQ(machine.err().find("\\x0D"), std::string::npos) << machine.err();
+    EXPECT_EQ(machine.runJob(kJob, {"--file", machine.file("x.csv")}), 1);
     EXPECT_NE(machine.err().find("\"Benämning\", \"Nettopris\", \"Enhet\""), std::string::npos) << machine.err();
 }
 
