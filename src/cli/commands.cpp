@@ -219,7 +219,7 @@ void addTemplates(Commands& commands) {
         [](Command& command, TemplateArguments& arguments) {
             command.argument("FILE", arguments.file, text::help::kTemplateFile).data(arguments.dataFolder);
             command.option("--as", arguments.as, text::help::kTemplateAs);
-            command.option("--supplier", arguments.supplier, text::help::kTemplateSupplier);
+            command.list("--supplier", arguments.suppliers, text::help::kTemplateSupplier);
             command.option("--company", arguments.company, text::help::kCompany);
             command.flag("--replace", arguments.replace, text::help::kTemplateReplace);
         },

@@ -126,6 +126,8 @@ class Findings {
             say(text::source::kCharacters, std::string(nameOf(format_.characters)), found_.confidence.characters);
         }
         if (format_.kind == SourceKind::Fixed) {
+            if (format_.length > 0)
+                say(text::source::kLength, fmt::format("{}", format_.length), found_.confidence.kind);
             // The user counts from 1.
             std::string starts;
             for (const std::size_t start : format_.starts)

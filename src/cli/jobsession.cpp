@@ -161,7 +161,7 @@ std::string JobSession::refusal(const DoubtfulFile& file) {
 }
 
 void JobSession::say(const std::string& message) {
-    surroundings_.err << session.text(text::terminal::kError) << ' ' << message << '\n';
+    surroundings_.err << session.text(text::terminal::kError) << ' ' << replaceAll(message, "\r\n", "\n") << '\n';
     result.messages.push_back(message);
 }
 

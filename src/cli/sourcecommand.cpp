@@ -19,6 +19,7 @@
 #include "lang/errortext.h"
 #include "lang/keys/source.h"
 #include "lang/keys/terminal.h"
+#include "platform/lettercase.h"
 #include "platform/outputfile.h"
 #include "platform/pricefile.h"
 #include "source/detection/detection.h"
@@ -226,7 +227,7 @@ int JobSource::write(SourceConverter& converter, const std::string& output) {
     Session& session = session_.session;
     surroundings_.err << session.text(text::source::kConverted, fmt::format("{}", converter.records())) << '\n';
     const std::string told = runMessage(session.texts, summary, job_->priceFile, session_.port.examplesTold());
-    if (!told.empty()) surroundings_.err << told << '\n';
+    if (!told.empty()) surroundings_.err << replaceAll(told, "\r\n", "\n") << '\n';
     return summary.report.hasFaults() || badNumbers > 0 ? exitcode::kPassedOver : exitcode::kDone;
 }
 

@@ -70,9 +70,16 @@ int CouplingFile::save(const Coupling& coupling) {
     return number;
 }
 
-void putCoupling(RecordChange& change, const Coupling& coupling) {
-    const std::string_view code = trimmed(coupling.code);
-    if (!code.empty()) put(change.file(kLayout), coupling, code);
+void putCouplings(RecordChange& change, std::string_view job, const std::vector<Coupling>& couplings,
+                  const std::vector<Coupling>& shown) {
+    if (couplings.empty() && shown.empty()) return;
+    Records& file = change.file(kLayout);
+    expectUnchanged(couplingsOf(file, job), shown, kLayout);
+    file.keepOnly([job](int number, const Record& record) { return couplingOf(number, record).job != job; });
+    for (const Coupling& coupling : couplings) {
+        const std::string_view code = trimmed(coupling.code);
+        if (!code.empty()) put(file, coupling, code);
+    }
 }
 
 void CouplingFile::save(const Coupling& coupling, const std::vector<Coupling>& shown) {

@@ -46,7 +46,9 @@ class CouplingFile {
     std::filesystem::path folder_;
 };
 
-/// The first `save` within a change of several files; a coupling without a code is left out.
-void putCoupling(RecordChange& change, const Coupling& coupling);
+/// Within a change of several files: the couplings of a job in place of those that were shown (kChangedElsewhere when
+/// it has others by now). One without a code is left out.
+void putCouplings(RecordChange& change, std::string_view job, const std::vector<Coupling>& couplings,
+                  const std::vector<Coupling>& shown);
 
 }  // namespace kolmera

@@ -1,5 +1,7 @@
 #include "definitions/headingwords.h"
 
+#include <algorithm>
+
 #include "platform/encodings.h"
 #include "platform/lettercase.h"
 #include "platform/recordfolder.h"
@@ -9,8 +11,13 @@ namespace kolmera {
 namespace {
 
 /// What says nothing of the column at the end of a heading, as `lettersOf` leaves it.
-constexpr std::string_view kEndings[] = {"exklmoms", "exmoms", "inklmoms", "exclvat", "exvat",  "inclvat", "sek", "eur",
-                                         "nok",      "dkk",    "usd",      "kr",      "kronor", "persek",  "st"};
+constexpr std::string_view kEndings[] = {"exklmoms", "exmoms", "inklmoms", "exclvat",  "exvat",   "inclvat", "sek",
+                                         "eur",      "nok",    "dkk",      "usd",      "kr",      "kronor",  "persek",
+                                         "st",       "perst",  "perstyck", "perenhet", "perunit", "perpc",   "each"};
+
+/// What a price is for, behind a slash: "Pris/enhet" is no "Prisenhet".
+constexpr std::string_view kUnits[] = {"enhet", "st", "styck", "unit", "pc",   "pce",
+                                       "ea",    "m",  "kg",    "frp",  "förp", "100"};
 
 /// Without what stands in brackets; a heading that is nothing else keeps it.
 std::string withoutBrackets(std::string_view heading) {
@@ -54,6 +61,10 @@ void HeadingWords::add(std::string_view table) {
 }
 
 std::vector<std::string> HeadingWords::targets(std::string_view heading) const {
+    const std::size_t slash = heading.rfind('/');
+    if (slash != std::string_view::npos &&
+        std::ranges::find(kUnits, lettersOf(heading.substr(slash))) != std::end(kUnits))
+        heading = heading.substr(0, slash);
     std::string letters = lettersOf(heading);
     if (letters.empty()) return {};
     while (true) {

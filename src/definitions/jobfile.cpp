@@ -192,10 +192,11 @@ int JobFile::save(const Job& job, const std::optional<Job>& shown, const JobOpti
     return number;
 }
 
-int putJob(RecordChange& change, Job job) {
+int putJob(RecordChange& change, Job job, const std::optional<Job>& shown) {
     Records& file = change.file(kLayout);
     const std::vector<Job> jobs = jobsOf(file);
     const auto same = std::ranges::find(jobs, job.name, &Job::name);
+    expectUnchanged(same == jobs.end() ? std::nullopt : std::optional(*same), shown, kLayout);
     job.number = same == jobs.end() ? 0 : same->number;
     return put(file, job);
 }

@@ -70,8 +70,9 @@ class JobFile {
     std::filesystem::path folder_;
 };
 
-/// Within a change of several files: writes the job over the first one of its name, or appends it. Returns the number.
-int putJob(RecordChange& change, Job job);
+/// Within a change of several files: writes the job over the first one of its name, which has to be the one that was
+/// shown (kChangedElsewhere), or appends it. Returns the number.
+int putJob(RecordChange& change, Job job, const std::optional<Job>& shown);
 
 /// The trade-format jobs that a list lacks.
 std::vector<std::string> missingTradeJobs(const std::vector<Job>& jobs);

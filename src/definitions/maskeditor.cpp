@@ -73,13 +73,23 @@ void MaskEditor::load(int maskNumber) {
     } else {
         if (!convertedFrom_.empty()) mask_.FilTyp = 'T';
         mask_.AntalRader = "10";
-        mask_.Postlängd = "100";
+        mask_.Postlängd = std::to_string(lengthOfSample());
     }
     if (mask_.FilTyp != 'F' && mask_.FilTyp != 'T') mask_.FilTyp = 'P';
     // What is neither yes nor no is shown as no, and saved as it is shown.
     for (char* answer : {&mask_.Tecken, &mask_.SkapaNya, &mask_.UppdatLev}) {
         if (*answer != 'J') *answer = 'N';
     }
+}
+
+/// A run drops one character behind each record: what parts records that are lines, the last one of others.
+int MaskEditor::lengthOfSample() const {
+    constexpr int kOtherwise = 100;
+    std::size_t repeated = 0;
+    PassedOverSilently passedOver;
+    if (!sample_.empty())
+        attempt(passedOver, "sample", [&] { repeated = repeatedLengthOf(sample_, codePageOf(mask_)); });
+    return repeated > 1 ? static_cast<int>(repeated) - 1 : kOtherwise;
 }
 
 std::string MaskEditor::caption() const {

@@ -109,6 +109,7 @@ class MaskEditor {
 
   private:
     void load(int maskNumber);
+    [[nodiscard]] int lengthOfSample() const;
     void readSources();
     SourceFields cutSample();
     [[nodiscard]] bool doublesProducts() const;

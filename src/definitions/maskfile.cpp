@@ -204,13 +204,15 @@ int MaskFile::save(const Mask& mask, const std::vector<Relation>& relations, con
     return number;
 }
 
-void putMask(RecordChange& change, const WholeMask& whole) {
+void putMask(RecordChange& change, const WholeMask& whole, const std::optional<WholeMask>& shown) {
     Records& masks = change.file(kMaskLayout);
+    Records& positions = change.file(kRelationLayout);
     const std::vector<Mask> all = masksOf(masks);
     Mask mask = whole.mask;
     const auto same = std::ranges::find(all, mask.Namn, &Mask::Namn);
     mask.number = same == all.end() ? 0 : same->number;
-    put(masks, change.file(kRelationLayout), mask, whole.relations);
+    expectUnchanged(wholeMask(masks, positions, mask.number), shown, kMaskLayout);
+    put(masks, positions, mask, whole.relations);
 }
 
 void MaskFile::remove(const std::vector<Mask>& shown) {

@@ -77,7 +77,8 @@ class MaskFile {
     std::filesystem::path folder_;
 };
 
-/// Within a change of several files: writes the mask over the first one of its name, or appends it.
-void putMask(RecordChange& change, const WholeMask& mask);
+/// Within a change of several files: writes the mask over the first one of its name, which has to be the one that was
+/// shown (kChangedElsewhere), or appends it.
+void putMask(RecordChange& change, const WholeMask& mask, const std::optional<WholeMask>& shown);
 
 }  // namespace kolmera

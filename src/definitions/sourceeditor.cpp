@@ -7,6 +7,7 @@
 #include "lang/errortext.h"
 #include "lang/keys/source.h"
 #include "lang/keys/sourceeditor.h"
+#include "platform/encodings.h"
 #include "platform/lettercase.h"
 #include "source/conversion/headings.h"
 
@@ -101,7 +102,8 @@ void SourceEditor::keep(const SourceFormat& format) {
               .delimiter = format.delimiter,
               .quote = format.quote,
               .sheet = format.sheet,
-              .record = format.record};
+              .record = format.record,
+              .length = format.length};
     if (format.member.empty()) known_.member.reset();
     if (format.sheet.empty()) known_.sheet.reset();
     if (format.record.empty()) known_.record.reset();
@@ -171,14 +173,22 @@ void SourceEditor::readDecodings() {
     }
 }
 
+bool SourceEditor::isAscii() const {
+    return std::ranges::all_of(rows_, [](const SampleRow& row) {
+        return std::ranges::all_of(row.cells, [](const std::string& cell) { return asciiRun(cell) == cell.size(); });
+    });
+}
+
 bool SourceEditor::maskMayReadIt() const {
     const SourceFormat& format = found_.format;
     const bool oneByte = format.characters == CharacterSet::Windows1252 || format.characters == CharacterSet::Latin1 ||
                          format.characters == CharacterSet::Oem850;
     const bool guess = found_.confidence.kind < kSureEnough || found_.confidence.delimiter < kSureEnough;
-    if (format.kind == SourceKind::Fixed) return true;
+    if (!found_.members.empty()) return false;
+    // A letter of two bytes moves what stands behind it.
+    if (format.kind == SourceKind::Fixed) return oneByte || (format.characters == CharacterSet::Utf8 && isAscii());
     if (format.kind != SourceKind::Delimited) return false;
-    return found_.members.empty() && (guess || (format.delimiter == '\t' && oneByte));
+    return guess || (format.delimiter == '\t' && oneByte);
 }
 
 std::vector<std::string> SourceEditor::names(const std::vector<std::string>& signs) const {
@@ -265,6 +275,7 @@ void SourceEditor::addTextProperties() {
     add(Name::Characters, text::source::kCharacters, confidence.characters, std::move(sets),
         placeIn(kCharacterSets, format.characters));
     if (format.kind == SourceKind::Fixed) {
+        addTyped(Name::Length, text::source::kLength, confidence.kind, std::to_string(format.length));
         addTyped(Name::Starts, text::source::kStarts, confidence.kind, startsText(format.starts));
         return;
     }
@@ -335,6 +346,10 @@ void SourceEditor::type(Name name, const std::string& text) {
         if (const auto number = numberOf(text)) said_.skip = number;
     } else if (name == Name::Starts) {
         if (auto starts = startsOf(text)) said_.starts = std::move(starts);
+    } else if (name == Name::Length) {
+        if (const auto number = numberOf(text)) known_.length = number;
+        known_.kind = SourceKind::Fixed;
+        said_.starts.reset();
     } else if (name == Name::Record && !trimmed(text).empty()) {
         known_.record = std::string(trimmed(text));
     } else {
@@ -376,7 +391,8 @@ std::string SourceEditor::words() const {
     if (!error_.empty()) return error_;
     std::vector<std::string> words;
     for (const Property& property : properties_) {
-        const bool shown = property.name <= Name::Record || property.name == Name::Headings;
+        const bool lines = property.name == Name::Length && format().length == 0;
+        const bool shown = (property.name <= Name::Record && !lines) || property.name == Name::Headings;
         if (!shown || (property.chosen < 0 && property.text.empty())) continue;
         std::string value =
             property.choices.empty() ? property.text : property.choices[static_cast<std::size_t>(property.chosen)];

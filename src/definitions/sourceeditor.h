@@ -18,6 +18,7 @@ enum class SourceProperty {
     Characters,
     Delimiter,
     Quote,
+    Length,
     Starts,
     Sheet,
     Record,
@@ -77,6 +78,7 @@ class SourceEditor {
     void apply();
     void readRows();
     void readDecodings();
+    [[nodiscard]] bool isAscii() const;  ///< the rows that are shown
     [[nodiscard]] std::string aboutHeadings() const;
     void buildProperties();
     [[nodiscard]] std::vector<std::string> memberChoices() const;

@@ -7,6 +7,7 @@
 #include "platform/lettercase.h"
 #include "platform/locale.h"
 #include "platform/pricefile.h"
+#include "source/detection/recordlength.h"
 
 namespace kolmera {
 namespace {
@@ -106,6 +107,13 @@ SourceFields piecesOf(const std::filesystem::path& sample, int length, std::span
     const Piece rest = restOf(record, pieces);
     add(fields, cut(record, rest), page, rest);
     return fields;
+}
+
+std::size_t repeatedLengthOf(const std::filesystem::path& sample, CodePage page) {
+    constexpr std::size_t kLooked = std::size_t{1} << 16;
+    PriceFile file(sample);
+    const std::string bytes(file.bytes(kLooked));
+    return repeatedLength(toUtf8(bytes, page), file.atEnd());
 }
 
 int typedNumber(std::string_view text) {

@@ -38,6 +38,9 @@ SourceColumns columnsOf(const std::filesystem::path& sample, CodePage page);
 /// "P": the pieces of the first record, then the rest behind the last of them.
 SourceFields piecesOf(const std::filesystem::path& sample, int length, std::span<const Piece> pieces, CodePage page);
 
+/// After how many bytes the records of a sample repeat, see `repeatedLength`; 0: it does not seem to.
+std::size_t repeatedLengthOf(const std::filesystem::path& sample, CodePage page);
+
 /// The first records of a price file, at most `count`: the fields of lines and columns, in UTF-8, or the bytes of
 /// records of fixed length, which are cut later.
 struct SampleRecords {

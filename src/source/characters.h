@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -30,5 +31,11 @@ class Decoder {
     std::string page_;
     std::uint64_t malformed_ = 0;
 };
+
+/// Lines and corners that DOS programs drew tables with, U+2500 to U+257F.
+inline constexpr std::size_t kTableLineBytes = 3;
+inline bool beginsWithTableLine(std::string_view text) {
+    return text.starts_with("\xE2\x94") || text.starts_with("\xE2\x95");
+}
 
 }  // namespace kolmera

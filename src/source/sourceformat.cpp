@@ -105,6 +105,7 @@ void forEachMember(Each&& each) {
     each("delimiter", &SourceFormat::delimiter);
     each("quote", &SourceFormat::quote);
     each("starts", &SourceFormat::starts);
+    each("length", &SourceFormat::length);
     each("sheet", &SourceFormat::sheet);
     each("record", &SourceFormat::record);
     each("fields", &SourceFormat::fields);

@@ -25,6 +25,7 @@ struct SourceFormat {
     char delimiter = ';';
     char quote = '"';                 ///< '\0': quotes are characters like any other
     std::vector<std::size_t> starts;  ///< of fixed columns, in characters from 0, ascending
+    std::uint64_t length = 0;         ///< of fixed columns whose records no line end parts: characters; 0: lines
     std::string sheet;                ///< of a workbook; empty for the first one
     std::string record;  ///< of XML: the repeated element, with those above it as far as needed: "Articles/Article"
     std::vector<std::string> fields;  ///< of XML: elements and attributes in it: "Price/Net", "Price/@currency"

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -6,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/climachine.h"
+#include "definitions/couplingfile.h"
 #include "definitions/joboptions.h"
 #include "definitions/maskfile.h"
 #include "platform/lettercase.h"
@@ -62,10 +64,14 @@ TEST(SourceOfTheTerminal, IsShownDetectedChangedAndRemoved) {
 }
 
 TEST(SourceOfTheTerminal, RejectsRunWhenTheyAreCorrected) {
+    std::string joined;
+    for (int i = 10; i < 30; ++i)
+        joined += fmt::format("A{:<6}{:12}{:>8} {:3}", i, i % 3 ? "Skruv" : "Låda lång", i == 17 ? "x" : "5,50", "st");
     const struct {
         const char* fault;
-        std::string file, rejects, right;
+        std::string file, rejects, right, wrong = ";x;";
     } cases[] = {
+        {"records that nothing parts", joined, "A17    Skruv              x st ", "  6,50 ", "     x "},
         {"what stands above the table, a row of two lines or the line ends lost",
          "Prislista 2026;;;\r\n;;;\r\nNummer;Text;Pris;Enhet\r\nA1;Skruv;5,50;st\r\nA2;\"Bult,\nl\xC3\xA5ng\";x;st\r\n"
          "A3;Mutter;7,50;st\r\n",
@@ -83,7 +89,7 @@ TEST(SourceOfTheTerminal, RejectsRunWhenTheyAreCorrected) {
         ASSERT_EQ(machine.source({"--detect", "--file", file}), 0) << machine.err();
         EXPECT_EQ(machine.runJob(kJob, {"--file", file, "--rejects", rejects}), 3) << machine.err();
         EXPECT_EQ(readWholeFile(rejects), c.rejects);
-        machine.write("r", replaceAll(c.rejects, ";x;", c.right));
+        machine.write("r", replaceAll(c.rejects, c.wrong, c.right));
         EXPECT_EQ(machine.runJob(kJob, {"--file", rejects}), 0) << machine.err();
         EXPECT_NE(machine.out().find(": 1\n"), std::string::npos) << machine.out();
     }
@@ -109,6 +115,7 @@ TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
     EXPECT_EQ(machine.convert({"--file", file}), 3);
     EXPECT_EQ(machine.out(), "EK-1000\tLampa\t5.50\tst\r\nEK-1007\tLampa 2\tx\tst\r\n");
     EXPECT_NE(machine.err().find("post 3, EK-1007: \"x\" (Nettopris)"), std::string::npos) << machine.err();
+    EXPECT_EQ(machine.err().find("\\x0D"), std::string::npos) << machine.err();
     EXPECT_EQ(
         machine.runJob(kJob, {"--file", file, "--summary", machine.file("s.json"), "--rejects", machine.file("r")}), 3);
     EXPECT_EQ(readWholeFile(machine.file("r")), "EAN;Nettopris;Artikelnr;Ny;Benämning;Enhet\n;x;EK-1007;;Lampa 2;st\n");
@@ -124,7 +131,9 @@ TEST(SourceOfTheTerminal, AnotherFileIsReadForOneRun) {
     close(input);
     close(kept);
 
-    EXPECT_EQ(machine.runJob(kJob, {"--file", machine.write("x.csv", "Artikelnr;Pris\n1;2\n")}), 1);
+    EXPECT_EQ(machine.convert({"--file", machine.write("x.csv", "Artikelnr;Pris\n1;2\n")}), 1);
+    EXPECT_EQ(machine.err().find("\\x0D"), std::string::npos) << machine.err();
+    EXPECT_EQ(machine.runJob(kJob, {"--file", machine.file("x.csv")}), 1);
     EXPECT_NE(machine.err().find("\"Benämning\", \"Nettopris\", \"Enhet\""), std::string::npos) << machine.err();
 }
 
@@ -148,12 +157,41 @@ TEST(TemplateOfTheTerminal, GoesToAnotherFolderAndAsksBeforeItWritesOver) {
     EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 1) << "limits of a trade format are written over unasked";
     EXPECT_EQ(JobOptionsFile(other).limits("(EIO)").zeroPrices, 0);
     ASSERT_EQ(machine.run({"limits", "(EIO)", "--data", other, "--clear"}), 0);
+    EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 1) << "couplings to suppliers who are not there";
+    ASSERT_EQ(machine.run({"template", "export", "(RSK)", file, "--data", other}), 0);
     EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 0) << machine.err();
 
     ASSERT_EQ(machine.run({"template", "export", "Bruknäs höstlista", file, "--data", machine.data()}), 0);
     EXPECT_EQ(imported(other, {"--company", "FTG1.mdb"}), 1) << "a supplier who is not there";
     EXPECT_EQ(imported(machine.data(), {"--replace"}), 0) << machine.err();
     EXPECT_TRUE(JobOptionsFile(machine.data()).limits("Bruknäs höstlista").any());
+}
+
+TEST(TemplateOfTheTerminal, ComparesTheSuppliersOfItsCouplings) {
+    SourceMachine machine;
+    const std::string file = machine.file("t.json");
+    ASSERT_EQ(machine.run({"template", "export", "(EIO)", file, "--data", machine.data()}), 0);
+    auto made = nlohmann::ordered_json::parse(readWholeFile(file));
+    ASSERT_GT(made["supplierNames"].size(), 1U);
+    EXPECT_FALSE(made["supplierNames"].contains("9999")) << "a supplier who is not there";
+    made["couplings"].erase(2);
+    made["couplings"][0]["code"] = "NY";
+    const std::string there = made["couplings"][1]["supplier"];
+    made["supplierNames"][there] = "En annan";
+    machine.write("t.json", made.dump());
+    const auto imported = [&](std::vector<std::string> options) {
+        options.insert(options.begin(), {"template", "import", file, "--data", machine.data(), "--replace"});
+        return machine.run(options);
+    };
+    EXPECT_EQ(imported({}), 1);
+    EXPECT_NE(machine.err().find(there + " En annan"), std::string::npos) << machine.err();
+    EXPECT_EQ(imported({"--supplier", "4711=2010"}), 1) << "a supplier whom the template does not have";
+    EXPECT_EQ(imported({"--supplier", there + "=4711"}), 1) << "one whom the company does not have";
+    EXPECT_EQ(imported({"--supplier", there + "=2010"}), 0) << machine.err();
+    std::string couplings;
+    for (const Coupling& each : CouplingFile(machine.data()).ofJob("(EIO)"))
+        couplings += each.code + each.supplier + " ";
+    EXPECT_EQ(couplings, "NY1010 LY2010 ") << "couplings of the replaced job stay";
 }
 
 TEST(TemplateOfTheTerminal, HostileOnesAreRefused) {

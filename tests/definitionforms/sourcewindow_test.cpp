@@ -150,6 +150,11 @@ TEST(ColumnsWindow, ShowsBeforeAndAfterByKeysAlone) {
             takePicture(window, std::string("leftoutwindow-") + language);
             EXPECT_EQ(control<QListWidget>(window, "Mönster").count(), 2);
             EXPECT_EQ(control<QListWidget>(window, "Rader").count(), 2);
+            QTest::keyClicks(&text, "inget");
+            control<QPushButton>(window, "OK").click();
+            EXPECT_EQ(control<QListWidget>(window, "Mönster").count(), 3) << "what was typed counts unseen";
+            control<QListWidget>(window, "Mönster").setCurrentRow(2);
+            control<QPushButton>(window, "TaBort").click();
             control<QPushButton>(window, "OK").click();
         });
         control<QPushButton>(form, "Utelämnade").click();

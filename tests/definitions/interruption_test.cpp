@@ -10,6 +10,7 @@
 #include "definitions/couplingfile.h"
 #include "definitions/jobfile.h"
 #include "definitions/maskfile.h"
+#include "import/templates/templateimport.h"
 #include "support/temporaryfolder.h"
 
 namespace kolmera {
@@ -69,6 +70,7 @@ struct Definitions {
                 text += fmt::format(" {}>{}", relation.Källa, relation.Mål);
             }
         }
+        text += fmt::format("\n{}", JobOptionsFile(folder.path()).limits("(EIO)").zeroPrices.value_or(-1));
         for (const Coupling& each : couplings.ofJob("(EIO)")) text += "\n" + each.code + (each.mainSupplier ? "H" : "");
         return text;
     }
@@ -90,6 +92,18 @@ void changeMainSupplier(Definitions& definitions) {
     definitions.couplings.save({.job = "(EIO)", .code = "C", .supplier = "1", .mainSupplier = true});
 }
 
+void takeTemplateIn(Definitions& definitions) {
+    JobTemplate made;
+    made.definition.job.name = "(EIO)";
+    made.definition.job.kind = "E";
+    made.definition.job.priceFile = "mall.txt";
+    made.definition.mask.emplace().mask.Namn = "B";
+    made.definition.mask->relations = {{.Källa = 7, .Mål = 7}};
+    made.definition.couplings = {{.job = {}, .code = "D", .supplier = "1", .mainSupplier = true}};
+    made.limits.zeroPrices = 0;
+    TemplateImport(definitions.folder.path(), made).save();
+}
+
 TEST(Interruption, LeavesTheOldOrTheNewAtEverySystemCall) {
     const struct {
         const char* operation;
@@ -100,6 +114,7 @@ TEST(Interruption, LeavesTheOldOrTheNewAtEverySystemCall) {
         {"mask saved", changeMask},
         {"mask removed", [](Definitions& all) { all.masks.remove({all.masks.read(1)->mask}); }},
         {"main supplier moved", changeMainSupplier},
+        {"template taken in", takeTemplateIn},
     };
     for (const auto& [operation, carryOut] : operations) {
         SCOPED_TRACE(operation);

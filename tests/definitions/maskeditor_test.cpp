@@ -136,6 +136,26 @@ TEST_F(MaskEditorTest, CutsTheSampleAsTheUserTypes) {
     }
 }
 
+TEST_F(MaskEditorTest, OffersTheLengthAfterWhichRecordsRepeat) {
+    const auto sample = [](std::string_view between) {
+        std::string bytes;
+        for (int i = 0; i < 50; ++i) bytes += fmt::format("{:06}{:20}{:8}{}", i * 77, "Skruv \xE5", i * i, between);
+        return bytes;
+    };
+    const struct {
+        const char* between;
+        std::string bytes;
+        const char* length;
+    } cases[] = {{"CR", sample("\r"), "34"},
+                 {"CR LF", sample("\r\n"), "35"},
+                 {"nothing: a run drops a character all the same", sample(""), "33"},
+                 {"lines of any length", "4711\r\n", "100"}};
+    for (const auto& c : cases) {
+        open(c.bytes);
+        EXPECT_EQ(editor->mask().Postlängd, c.length) << c.between;
+    }
+}
+
 TEST_F(MaskEditorTest, CountsTheColumnsOfTheLastTabSample) {
     open("a\tb\tc\r\n");
     EXPECT_EQ(editor->mask().AntalKolumner, 0);

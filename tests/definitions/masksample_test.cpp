@@ -31,6 +31,9 @@ TEST(HeadingWords, KnowHeadingsAsSuppliersWriteThem) {
         {"a hard blank counts", "EAN\xC2\xA0kod", "alt:EAN"},
         {"an empty heading means something", " ", ""},
         {"an ending alone is a heading", "SEK", ""},
+        {"what a price is for makes another word of it", "Pris/enhet", "Inpris"},
+        {"so do the words for it", "Pris per enhet", "Inpris"},
+        {"a slash cuts a heading", "Pris/Netto", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);

@@ -71,6 +71,17 @@ TEST_F(SourceEditorTest, TakesWhatTheUserSaysAndFindsTheRest) {
     EXPECT_NE(starts, (std::vector<std::size_t>{0, 3, 2})) << "descending";
 }
 
+TEST_F(SourceEditorTest, CutsRecordsThatNothingParts) {
+    std::string records;
+    for (int i = 0; i < 20; ++i) records += fmt::format("A{:<8}Skruv      {:>8}", i, i * i);
+    open(records);
+    ASSERT_NE(property(Name::Length), nullptr);
+    EXPECT_EQ(property(Name::Length)->text, "28");
+    editor->type(Name::Length, "14");
+    EXPECT_EQ(editor->format().length, 14U);
+    EXPECT_EQ(editor->rows().size(), 40U);
+}
+
 TEST_F(SourceEditorTest, KeepsWhatTheJobHas) {
     SourceFormat stored;
     stored.delimiter = ',';
@@ -120,6 +131,10 @@ TEST_F(SourceEditorTest, LetsTheMaskReadFilesThatItCan) {
         {"tabs are converted", "A1\tm\xF6rk\t1,50\r\nA2\tl\xF6s\t2,50\r\nA3\tr\xF6r\t3,50\r\n", true},
         {"fixed positions are converted", "A1   m\xF6rk    1050\r\nA2   l\xF6s     2050\r\nA3   r\xF6r     3050\r\n",
          true},
+        {"fixed positions in UTF-8 are read as they are",
+         "A1   m\xC3\xB6rk    1050\r\nA2   l\xC3\xB6s     2050\r\nA3   r\xC3\xB6r     3050\r\n", false},
+        {"fixed positions of ASCII are converted", "A1   mork    1050\r\nA2   los     2050\r\nA3   ror     3050\r\n",
+         true},
         {"semicolons are not", "A1;m\xF6rk;1,50\r\nA2;l\xF6s;2,50\r\nA3;r\xF6r;3,50\r\n", false},
         {"UTF-8 is read as it is", "A1\tm\xC3\xB6rk\t1,50\r\nA2\tl\xC3\xB6s\t2,50\r\nA3\tr\xC3\xB6r\t3,50\r\n", false},
     };
@@ -127,6 +142,10 @@ TEST_F(SourceEditorTest, LetsTheMaskReadFilesThatItCan) {
         open(c.file);
         EXPECT_EQ(editor->maskMayReadIt(), c.mayRead) << c.fault << ": " << editor->words();
     }
+    test::writeZip(world.data() / "pris.txt", {{"p.txt", std::string(cases[1].file)}});
+    editor.emplace(world.texts(), world.data() / "pris.txt", std::nullopt);
+    ASSERT_TRUE(editor->detect());
+    EXPECT_FALSE(editor->maskMayReadIt()) << "a zip is read as it is";
 }
 
 TEST_F(SourceEditorTest, ShowsReadingsSideBySideWhereTheyDiffer) {

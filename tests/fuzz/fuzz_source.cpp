@@ -82,6 +82,7 @@ SourceFormat formatOf(std::string_view& bytes) {
                 format.characters = static_cast<CharacterSet>(first % 7);
                 format.delimiter = ";\t,|"[first / 7 % 4];
                 format.quote = first & 0x80 ? '"' : '\'';
+                if (kFuzzed == Fuzzed::Fixed && first & 0x80) format.length = 1 + first % 40;
                 bytes.remove_prefix(1);
             }
             break;

@@ -3,12 +3,14 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 #include <nlohmann/json.hpp>
 
 #include "platform/encodings.h"
 #include "platform/error.h"
 #include "platform/lettercase.h"
+#include "source/detection/recordlength.h"
 #include "source/sourcejson.h"
 #include "spreadsheet/workbookparts.h"
 #include "support/errorof.h"
@@ -254,10 +256,35 @@ TEST(Detection, KnowsOtherKindsOfFiles) {
                  "<Lista><Huvud><Fil>a</Fil></Huvud><Grupp namn=\"A\"><Artikel nr=\"1\"><Namn>Rör</Namn><Pris>1</Pris>"
                  "</Artikel><Artikel nr=\"2\"><Namn>Böj</Namn><Pris>2</Pris></Artikel></Grupp><Grupp namn=\"B\">"
                  "<Artikel nr=\"3\"><Namn>x</Namn><Pris>3</Pris><Mått/></Artikel></Grupp></Lista>");
+    std::string box =
+        "┌────────┬───────────────┬──────────┐\n│ Varenr │ Betegnelse    │ "
+        "Nettopris│\n├────────┼───────────────┼──────────┤\n";
+    std::string pages;
+    std::string joined;
+    for (int i = 0; i < 60; ++i) {
+        const char* name =
+            std::array{"Rør", "Låsemøtrik M8", "Slange, grøn"}[static_cast<std::size_t>(i * 7919 / 13 % 3)];
+        const std::string price = fmt::format("{},{:02}", i * 37, i);
+        const auto blanks = 14 - static_cast<int>(characterCount(name));
+        box += fmt::format("│ {:6} │ {}{:{}}│{:>9} │\n", 4000 + i, name, "", blanks, price);
+        if (i % 20 == 0)
+            pages +=
+                fmt::format("\fAB Grossisten     PRISLISTA      SIDA {}\nARTNR    TEXT                 PRIS\n{:-<34}\n",
+                            i / 20 + 1, "");
+        pages += fmt::format("{:<9}{}{:{}}{:>11}\n", 300'000 + i, name, "", blanks, price);
+        joined += fmt::format("{:06}{}{:{}}{:08}", 4000 + i, name, "", blanks, i * 3700 + i);
+    }
+    folder.write("box", encoded(box, Oem850));
+    folder.write("pages", encoded(pages, Oem850));
+    folder.write("joined", encoded(joined, Windows1252));
     const struct {
         const char* file;
         const char* format;
     } cases[] = {
+        {"box", R"({"kind":"fixed","characters":"cp850","starts":[0,11,28],"headings":true,"decimal-sign":","})"},
+        {"pages",
+         R"({"kind":"fixed","characters":"cp850","starts":[0,9,27],"skip":1,"headings":true,"decimal-sign":","})"},
+        {"joined", R"({"kind":"fixed","characters":"windows-1252","starts":[0,20],"length":28,"decimal-sign":","})"},
         {"xlsx", R"({"kind":"xlsx","skip":2,"headings":true})"},
         {"packed", R"({"kind":"xlsx","member":"Prislista.xlsx","skip":2,"headings":true})"},
         {"one", R"({"kind":"delimited","headings":true,"decimal-sign":","})"},
@@ -267,6 +294,47 @@ TEST(Detection, KnowsOtherKindsOfFiles) {
     };
     for (const auto& c : cases) EXPECT_EQ(toJson(detectSource(folder / c.file).format).dump(), c.format) << c.file;
     EXPECT_EQ(detectSource(folder / "packed").members.size(), 3U);
+}
+
+/// Records as programs write them: number, text, number, with what stands between two of them.
+std::string records(int count, int number, int text, int price, std::string_view between, bool isPadded) {
+    constexpr std::array<std::string_view, 5> kTexts = {"SKRUV M6X20", "Mutter", "Lang hylsa 3/4", "BRICKA", "Ror"};
+    std::string bytes;
+    for (int i = 0; i < count; ++i) {
+        const std::string_view name =
+            kTexts.at(static_cast<std::size_t>(i * 7919 / 13 % 5)).substr(0, static_cast<std::size_t>(text));
+        bytes += fmt::format("{:0{}}{:{}}", 1000 + i * 7, number, name, text);
+        bytes += isPadded ? fmt::format("{:{}}", i * 379 % 9000, price) : fmt::format("{:0{}}", i * 379 % 9000, price);
+        bytes += between;
+    }
+    return bytes;
+}
+
+TEST(Detection, TellsHowLongRecordsAre) {
+    const struct {
+        const char* kind;
+        std::string text;
+        std::size_t length;
+    } cases[] = {
+        {"nothing between", records(200, 8, 20, 10, "", false), 38},
+        {"blanks before numbers", records(200, 8, 20, 10, "", true), 38},
+        {"CR LF between", records(200, 8, 20, 10, "\r\n", false), 40},
+        {"LF between", records(200, 8, 20, 10, "\n", true), 39},
+        {"a last record without its end", records(200, 6, 30, 8, "", false).substr(0, 199 * 44 + 42), 44},
+        {"few", records(5, 13, 30, 9, "", false), 52},
+        {"three", records(3, 13, 30, 9, "", false), 52},
+        {"long ones, mostly blank", records(100, 13, 350, 9, "", false), 372},
+        {"digits only", records(300, 13, 0, 9, "", true), 22},
+        {"short ones", records(300, 4, 6, 5, "", true), 15},
+        {"a period that is half of the record", records(100, 8, 12, 8, records(1, 8, 12, 8, "", true), true), 56},
+        {"a text of sentences",
+         "Hej! Har kommer var nya prislista. Priserna galler fran mars och ar utan moms och frakt.", 0},
+        {"one kind of character", std::string(500, 'x'), 0},
+        {"too short", "4711 Skruv 12,50", 0},
+        {"semicolons", "1;Skruv;12,50;st;4711;Mutter, lang;8,00;st;12;x;103,25;kg;99;Bricka M6;1,00;st;77;Bult;2,50;st",
+         0},
+    };
+    for (const auto& c : cases) EXPECT_EQ(repeatedLength(c.text, true), c.length) << c.kind;
 }
 
 TEST(Detection, AsksWhereItIsNotSure) {

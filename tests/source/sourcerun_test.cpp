@@ -2,13 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "definitions/joboptions.h"
 #include "history/recordreader.h"
 #include "history/runfolder.h"
+#include "import/run/runcounts.h"
 #include "lang/keys/run.h"
 #include "lang/keys/source.h"
 #include "platform/sha256.h"
+#include "platform/tsv.h"
 #include "source/conversion/sourceconverter.h"
 #include "spreadsheet/workbookparts.h"
 #include "support/companyrows.h"
@@ -274,6 +277,72 @@ TEST(SourceRun, ItsRecordHasTheOriginalAndItsPreviewTheSameChanges) {
     std::string copy;
     record.forEachCopied([&](std::string_view bytes) { copy += bytes; });
     EXPECT_EQ(copy, kind.bytes);
+}
+
+TEST(SourceRun, OfATradeFormatGivesTheSameCompanyFromEveryCopyOfItsFile) {
+    using enum CharacterSet;
+    const auto utf16 = [](const std::string& text) {
+        std::string bytes;
+        for (std::string_view rest = text; !rest.empty();) {
+            const FirstCharacter first = firstCharacter(rest);
+            bytes.append({static_cast<char>(*first.character & 0xFF), static_cast<char>(*first.character >> 8)});
+            rest.remove_prefix(first.length);
+        }
+        return bytes;
+    };
+    const struct {
+        const char* copy;
+        CharacterSet characters;
+        const char* lineEnd;
+        std::function<std::string(const std::string&)> stored;
+    } copies[] = {
+        {"UTF-8, LF", Utf8, "\n", [](const std::string& text) { return text; }},
+        {"UTF-8 with a mark, in a zip", Utf8, "\r\n",
+         [](const std::string& text) {
+             return zipped({{"p.txt", "\xEF\xBB\xBF" + text}});
+         }},
+        {"UTF-16, CR", Utf16Le, "\r", utf16},
+        {"Windows-1252, LF, in a zip", Windows1252, "\n",
+         [](const std::string& text) {
+             return zipped({{"p.txt", fromUtf8(text, CodePage::Windows1252)}});
+         }},
+        {"code page 850, CR", Oem850, "\r", [](const std::string& text) { return fromUtf8(text, CodePage::Oem850); }},
+    };
+    const struct {
+        const char *job, *file, *codes[2];
+        CodePage page;
+    } formats[] = {{"(EIO)", "EIO.TXT", {"GR", "LY"}, CodePage::Windows1252},
+                   {"(RSK)", "RSK.TXT", {"RV", "DR"}, CodePage::Oem850},
+                   {"(FINFO)", "FINFO.TXT", {"TASSBY", "PARMNAS"}, CodePage::Oem850}};
+    for (const auto& format : formats) {
+        const auto outcome = [&](const std::string& bytes, const std::optional<SourceSettings>& source) {
+            World world;
+            world.job.name = format.job;
+            world.job.mask.clear();
+            world.job.fromGroup = "0";
+            world.job.toGroup = "9";
+            for (const char* number : {"1010", "1020"})
+                world.add("Leverantör", {{"Nummer", std::string(number)}, {"Söknamn", std::string(number)}});
+            world.coupling(format.codes[0], "1010", true);
+            world.coupling(format.codes[1], "1020");
+            world.rawPriceFile(bytes);
+            JobOptionsFile(world.data()).setSource(world.job.name, source);
+            const RunSummary summary = world.run();
+            EXPECT_GT(summary.newProducts, 20);
+            return countsJson(summary).dump() + "\n" + companyRowsWithIds(*world.open());
+        };
+        std::string bytes = readWholeFile(std::string(KOLMERA_SOURCE_DIR) + "/data/demo/prisfiler/" + format.file);
+        const std::string plain = outcome(bytes, std::nullopt);
+        if (bytes.ends_with('\x1A')) bytes.pop_back();
+        for (const auto& copy : copies) {
+            SCOPED_TRACE(std::string(format.job) + " " + copy.copy);
+            SourceSettings source;
+            source.format.characters = copy.characters;
+            source.format.delimiter = source.format.quote = '\0';
+            const std::string text = replaceAll(toUtf8(bytes, format.page), "\r\n", copy.lineEnd);
+            EXPECT_EQ(firstDifference(outcome(copy.stored(text), source), plain), "");
+        }
+    }
 }
 
 TEST(SourceRun, OfATradeFormatItsLinesAreTakenAsTheyAre) {

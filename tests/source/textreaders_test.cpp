@@ -137,6 +137,13 @@ TEST(FixedText, IsCutByCharacters) {
     format.starts = {1, 4, 10};
     EXPECT_EQ(rowsOf("x12 å ä ö  9,5\r\n\r\nx1\nx123456789abc", format),
               "1|12|å ä ö|9,5\n2\n3|1||\n4|123|456789|abc\n");
+    format.starts = {0, 3};
+    format.length = 6;
+    EXPECT_EQ(rowsOf("1  åäö2  böj3\r\n", format), "1|1|åäö\n2|2|böj\n3|3|\n") << "records that nothing parts";
+    EXPECT_EQ(rowsOf("", format), "");
+    format.starts = {0, 8};
+    format.length = 0;
+    EXPECT_EQ(rowsOf("│ 1    │ å  │\n├──────┼────┤\n", format), "1|1|å\n2||\n") << "what a table is drawn with";
 }
 
 TEST(SourceTables, BeginAtTheirHeadings) {
@@ -162,6 +169,7 @@ TEST(SourceFormats, ComeBackFromTheirJson) {
     format.delimiter = '\t';
     format.quote = '\0';
     format.starts = {0, 5};
+    format.length = 80;
     format.sheet = "Blad å";
     format.record = "Artikel";
     format.fields = {"Nr", "Pris/@valuta"};

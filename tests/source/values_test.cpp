@@ -67,6 +67,8 @@ TEST(SourceValues, Dates) {
         {"unknown order guessed", "03/04/2026", Unknown, ""},
         {"no such day made the last", "31.2.2026", DayMonthYear, ""},
         {"text behind taken for a time", "2026-04-03 x", Unknown, ""},
+        {"year of three digits", "1.2.202", DayMonthYear, ""},
+        {"month of three digits", "2026-004-03", Unknown, ""},
         {"a price taken for a date", "12,50", DayMonthYear, ""},
     };
     for (const auto& c : cases) {

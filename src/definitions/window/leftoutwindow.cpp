@@ -45,8 +45,11 @@ LeftOutWindow::LeftOutWindow(Program& program, LeftOutEditor& editor, QWidget* p
         present();
     });
     connect(ok_, &QPushButton::clicked, this, [this] {
-        editor_.add(kolumn_->currentIndex(), fromQt(text_->text()));  // what is typed counts
-        accept();
+        // What is typed counts; it is shown first, with the rows that it leaves out.
+        if (!editor_.add(kolumn_->currentIndex(), fromQt(text_->text()))) return accept();
+        text_->clear();
+        present();
+        ok_->setFocus();
     });
     connect(avbryt_, &QPushButton::clicked, this, [this] { reject(); });
     resize(kWidth, kHeight);

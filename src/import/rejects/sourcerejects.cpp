@@ -82,14 +82,16 @@ class RejectedRows {
     Found found_;
 };
 
-/// The lines of a text as bytes, with what ends them, and counted as its reader counts them.
+/// The lines of a text as bytes, with what ends them, and counted as its reader counts them; or its records of one
+/// length.
 class LineBytes {
   public:
-    LineBytes(std::unique_ptr<ByteStream> stream, CharacterSet characters)
-        : stream_(std::move(stream)), characters_(characters) {}
+    LineBytes(std::unique_ptr<ByteStream> stream, const SourceFormat& format)
+        : stream_(std::move(stream)), characters_(format.characters), length_(format.length) {}
 
     bool next(std::string& line) {
         line.clear();
+        if (length_ > 0) return nextRecord(line);
         for (;;) {
             const char sign = take(line);
             if (sign == '\r' && peek() == '\n') (void)take(line);
@@ -101,6 +103,26 @@ class LineBytes {
   private:
     [[nodiscard]] std::size_t width() const {
         return characters_ == CharacterSet::Utf16Le || characters_ == CharacterSet::Utf16Be ? 2 : 1;
+    }
+
+    bool nextRecord(std::string& record) {
+        const auto goesOn = [&] {  // the bytes of a character behind its first
+            return characters_ == CharacterSet::Utf8 && (static_cast<unsigned char>(peek()) & 0xC0) == 0x80;
+        };
+        if (at_ == 0 && bytes_.empty()) {
+            peek();
+            if (characters_ == CharacterSet::Utf8 && bytes_.starts_with(kTextMark)) at_ = kTextMark.size();
+        }
+        for (std::uint64_t character = 0; character < length_ && !atEnd(); ++character) {
+            do take(record);
+            while (goesOn());
+        }
+        return !record.empty();
+    }
+
+    bool atEnd() {
+        (void)peek();
+        return bytes_.size() == at_;
     }
 
     /// The next character if it is one of a byte, else NUL.
@@ -133,6 +155,7 @@ class LineBytes {
 
     std::unique_ptr<ByteStream> stream_;
     CharacterSet characters_;
+    std::uint64_t length_;
     std::string bytes_;
     std::size_t at_ = 0;
     bool ended_ = false;
@@ -162,7 +185,7 @@ std::vector<Lines> linesOf(const fs::path& file, const SourceFormat& format, con
 
 void copyLines(const fs::path& file, const SourceFormat& format, const Rows& rows, OutputFile& output) {
     const std::vector<Lines> lines = linesOf(file, format, rows);
-    LineBytes bytes(SourceFile::of(Descriptor(file, O_RDONLY), format.member, {}).stream(), format.characters);
+    LineBytes bytes(SourceFile::of(Descriptor(file, O_RDONLY), format.member, {}).stream(), format);
     std::string line;
     auto range = lines.begin();
     for (std::uint64_t number = 1; range != lines.end() && bytes.next(line); ++number) {

@@ -93,12 +93,16 @@ void MainMenu::fillJob(const Buttons& buttons) {
     copyJob_ = action(job, "Duplicera", "&Duplicera...", Qt::CTRL | Qt::Key_D, acts_.copyJob);
     QAction* remove = ofButton(buttons.taBort, {QKeySequence::Delete, Qt::Key_F9});
     job.addSeparator();
+    saveTemplate_ = action(job, "SparaMall", "Spara so&m mall...", {}, acts_.saveTemplate);
+    QAction* openTemplate = action(job, "ÖppnaMall", "Öppna m&all...", {}, acts_.openTemplate);
+    job.addSeparator();
     QAction* run = ofButton(buttons.utför, {Qt::CTRL | Qt::Key_R});
     QAction* preview = ofButton(buttons.förhandsgranska, {Qt::Key_F5});
     otherFile_ = action(job, "AnnanFil", "Läs en annan fi&l...", Qt::CTRL | Qt::Key_L, acts_.readOtherFile);
     job.addSeparator();
     copyRow_ = action(job, "KopieraRad", "&Kopiera rad", {}, acts_.copyRow);
     aboutJob_ = {run, preview, otherFile_, open, copyJob_, remove, copyRow_};
+    restful_.push_back(openTemplate);
     search_ = action(job, "SökInläsning", "&Sök", {}, acts_.search);
 }
 
@@ -123,6 +127,7 @@ void MainMenu::present(bool running, bool canRun, bool canCopy) {
     copyJob_->setEnabled(!running && canCopy);
     otherFile_->setEnabled(!running && canRun);
     copyRow_->setEnabled(!running && canRun);
+    saveTemplate_->setEnabled(!running && canRun);
 }
 
 }  // namespace kolmera

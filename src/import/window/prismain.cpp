@@ -35,6 +35,7 @@
 #include "import/window/pricefiledrop.h"
 #include "import/window/resultpanel.h"
 #include "import/window/runpanel.h"
+#include "import/window/templatefiles.h"
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
 #include "lang/keys/copies.h"
@@ -149,6 +150,8 @@ void PrisMain::buildMenu() {
             .readOtherFile = [this] { läsAnnanFil(); },
             .copyRow = [this] { copyRows(*lista_); },
             .search = [this] { search_->setFocus(Qt::ShortcutFocusReason); },
+            .saveTemplate = [this] { sparaMall(); },
+            .openTemplate = [this] { öppnaMall(); },
             .guide = [this] { openGuide(this, program_.texts, program_.state.programFolder(), kForm); },
             .about = [this] { about(); },
             .otherFolder =
@@ -527,6 +530,19 @@ void PrisMain::duplicera() {
     }
     FyllJobbLista(made);
     if (made > 0) öppna();
+}
+
+void PrisMain::sparaMall() {
+    if (!jobs_.canRun() || running_ || !isAsShown()) return;
+    saveTemplate(program_, jobs_.row(jobs_.selected()).job, [this](const FileQuestion& question) {
+        return askForFileToSave(this, question, [](const QString& /*file*/) { return false; });
+    });
+}
+
+void PrisMain::öppnaMall() {
+    if (running_) return;
+    const auto ask = [this](const FileQuestion& question) { return askForFileToOpen(this, question); };
+    if (const int made = openTemplate(program_, this, ask); made > 0) FyllJobbLista(made);
 }
 
 void PrisMain::läsAnnanFil() {

@@ -75,6 +75,8 @@ class PrisMain final : public QWidget {
     void openSettings(int JobbNr, bool ÄrStandardJobb);
     void taBort();
     void duplicera();
+    void sparaMall();
+    void öppnaMall();
     void läsAnnanFil();
     void askWhatToDoWith(const std::string& otherFile);
     void utför(const std::string& otherFile = {});

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/encodings.h"
+
 namespace kolmera {
 
 /// What was not handed on as it stands in the source.
@@ -33,6 +35,7 @@ struct SourceNote {
 class SourceNotes {
   public:
     static constexpr std::size_t kMostKept = 1000;
+    static constexpr std::size_t kLongestText = 400;  ///< of a kept one, in characters; a message shows fewer
     struct Tally {
         std::uint64_t count = 0;
         std::vector<SourceNote> kept;
@@ -42,7 +45,9 @@ class SourceNotes {
     void add(SourceNote::Kind kind, std::uint64_t count, SourceNote first) {
         Tally& tally = tallies_[static_cast<std::size_t>(kind)];
         tally.count += count;
-        if (tally.kept.size() < kMostKept) tally.kept.push_back(std::move(first));
+        if (tally.kept.size() >= kMostKept) return;
+        for (std::string* text : {&first.key, &first.text}) *text = firstCharacters(*text, kLongestText);
+        tally.kept.push_back(std::move(first));
     }
     [[nodiscard]] const Tally& tally(SourceNote::Kind kind) const { return tallies_[static_cast<std::size_t>(kind)]; }
 

@@ -102,14 +102,15 @@ std::optional<std::string> takeWhole(std::string_view& text, std::string_view th
 }
 
 std::optional<Date> civil(std::string_view year, std::string_view month, std::string_view day) {
-    constexpr std::size_t kLongest = 4;
+    constexpr std::size_t kYear = 4, kShort = 2;
     constexpr int kPivot = 70;
     const auto number = [](std::string_view digits) {
         int value = 0;
         for (const char c : digits) value = value * 10 + (c - '0');
         return value;
     };
-    if (year.size() > kLongest || month.size() > kLongest || day.size() > kLongest) return std::nullopt;
+    if ((year.size() != kYear && year.size() != kShort) || month.size() > kShort || day.size() > kShort)
+        return std::nullopt;
     int full = number(year);
     if (year.size() <= 2) full += full < kPivot ? 2000 : 1900;
     return Date::fromCivil(full, number(month), number(day));

@@ -20,8 +20,13 @@ bool isLetter(char byte) { return (byte >= 'a' && byte <= 'z') || (byte >= 'A' &
 bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
 bool isHigh(char byte) { return static_cast<std::uint8_t>(byte) >= 0x80; }
 
+/// Lines and corners that DOS programs drew tables with.
+bool isDrawing(char32_t character) { return character >= 0x2500 && character <= 0x259F; }
+
 /// How well a character stands between its neighbours in a price list.
 double fitOf(char32_t character, char before, char behind) {
+    const auto isWord = [](char byte) { return isLetter(byte) || isDigit(byte); };
+    if (isDrawing(character)) return isWord(before) || isWord(behind) ? -2 : 1;
     constexpr std::u32string_view kSwedish = U"åäöÅÄÖ";
     constexpr std::u32string_view kLetters = U"éÉüÜøØæÆèÈáÁíóúñçëêâôß";
     constexpr std::u32string_view kSigns = U"½¼¾°±²³µ×§®™€£–—…“”‘’•\u00A0«»´·¨";
@@ -57,9 +62,11 @@ std::vector<PageFit> fitsOf(std::string_view bytes) {
     for (std::size_t at = asciiRun(bytes); at < bytes.size() && looked < kLooked; ++looked) {
         const char before = at > 0 ? bytes[at - 1] : ' ';
         const char behind = at + 1 < bytes.size() ? bytes[at + 1] : ' ';
+        const bool isRepeated = before == bytes[at] && behind == bytes[at];  // no word has that
         for (PageFit& page : pages) {
             const std::string text = toUtf8(bytes.substr(at, 1), page.page);
-            page.fit += fitOf(firstCharacter(text).character.value_or(0), before, behind);
+            const char32_t character = firstCharacter(text).character.value_or(0);
+            page.fit += isRepeated && !isDrawing(character) ? -1 : fitOf(character, before, behind);
         }
         ++at;
         at += asciiRun(bytes.substr(at));

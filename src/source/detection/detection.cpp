@@ -180,7 +180,7 @@ class Detector {
         found_.characterSets = guess.candidates;
         confidence().sheet = 1;
         if (isCut) text.resize(std::min(text.find_last_of("\r\n"), text.size() - 1) + 1);
-        detectLayout(text, known_, found_);
+        detectLayout(text, !isCut, known_, found_);
         SourceFormat asUtf8 = format();
         asUtf8.characters = CharacterSet::Utf8;
         const auto read = asUtf8.kind == SourceKind::Fixed ? readFixed : readDelimited;

@@ -20,6 +20,7 @@ struct KnownOfSource {
     std::optional<char> quote;
     std::optional<std::string> sheet;
     std::optional<std::string> record;
+    std::optional<std::uint64_t> length;
 };
 
 /// From 0 (a guess) to 1 (it cannot be otherwise; also what was given).

@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "platform/encodings.h"
 #include "platform/error.h"
+#include "source/characters.h"
+#include "source/detection/recordlength.h"
 #include "source/readers/readers.h"
 
 namespace kolmera {
@@ -96,8 +100,9 @@ struct Positions {
         std::size_t at = 0;
         for (; !line.empty(); ++at) {
             if (at >= filled.size()) filled.resize(at + 1);
-            if (line.front() != ' ') ++filled[at];
-            line.remove_prefix(firstCharacter(line).length);
+            const FirstCharacter first = firstCharacter(line);
+            if (line.front() != ' ' && !beginsWithTableLine(line)) ++filled[at];
+            line.remove_prefix(first.length);
         }
 
         ++linesByLength[at];
@@ -123,18 +128,43 @@ struct Positions {
 
   private:
     /// A heading may reach into the gap between two columns.
-    [[nodiscard]] bool isBlank(std::size_t at) const { return filled[at] * 50 < lines; }
+    [[nodiscard]] bool isBlank(std::size_t at) const { return filled[at] * 25 < lines; }
 };
 
-Positions positionsOf(std::string_view text) {
+/// A page's heading stands in a text once for each page, and a line of dashes goes through all columns.
+bool isDrawn(std::string_view line) {
+    while (!line.empty()) {
+        const FirstCharacter first = firstCharacter(line);
+        const bool isLine = std::string_view("-=_+|*. \t\f").find(line.front()) != std::string_view::npos;
+        if (!isLine && !beginsWithTableLine(line)) return false;
+        line.remove_prefix(first.length);
+    }
+    return true;
+}
+
+std::string withoutDigits(std::string_view line) {
+    std::string text(line);
+    std::ranges::replace_if(
+        text, [](char c) { return c >= '0' && c <= '9'; }, '0');
+    return text;
+}
+
+/// `length`: of records that nothing parts; 0: lines.
+Positions positionsOf(std::string_view text, std::size_t length) {
     constexpr std::size_t kLookedLines = 1000;
     constexpr std::size_t kLongestLine = 4096;
     Positions positions;
+    std::set<std::string> words;
     while (!text.empty() && positions.lines < kLookedLines) {
-        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
-        const std::string_view line = text.substr(0, end);
-        if (line.find_first_not_of(' ') != std::string_view::npos) positions.add(line.substr(0, kLongestLine));
-        text.remove_prefix(std::min(end + 1, text.size()));
+        const std::size_t end =
+            length > 0 ? firstCharacters(text, length).size() : std::min(text.find_first_of("\r\n"), text.size());
+        const std::string_view line = text.substr(0, end).substr(0, kLongestLine);
+        text.remove_prefix(std::min(end + (length > 0 ? 0 : 1), text.size()));
+        if (isDrawn(line)) continue;
+        const bool hasDigits = line.find_first_of("0123456789") != std::string_view::npos;
+        const std::string worded = withoutDigits(line);
+        if (!words.insert(worded).second && (!hasDigits || worded.starts_with('\f'))) continue;
+        positions.add(line);
     }
     return positions;
 }
@@ -148,9 +178,31 @@ double fixedness(const Positions& positions, std::size_t columns) {
     return positions.lines >= 5 ? 0.6 + 0.3 * sameLength : 0.5;
 }
 
+/// Of records that no line end parts; 0 where there are lines.
+std::uint64_t lengthOf(std::string_view text, bool isWhole, const KnownOfSource& known) {
+    constexpr std::size_t kLooked = std::size_t{1} << 18;
+    if (known.length) return *known.length;
+    if (known.delimiter || (known.kind && *known.kind != SourceKind::Fixed)) return 0;
+    const std::string_view beginning = text.substr(0, kLooked);
+    const std::string_view records = beginning.substr(0, beginning.find_last_not_of("\r\n\x1A") + 1);
+    if (records.find_first_of("\r\n") != std::string_view::npos) return 0;
+    return repeatedLength(records, isWhole && beginning.size() == text.size());
+}
+
 }  // namespace
 
-void detectLayout(std::string text, const KnownOfSource& known, Detection& detection) {
+void detectLayout(std::string text, bool isWhole, const KnownOfSource& known, Detection& detection) {
+    SourceFormat& format = detection.format;
+    SourceConfidence& confidence = detection.confidence;
+    const std::uint64_t length = lengthOf(text, isWhole, known);
+    if (length > 0) {
+        const std::vector<std::size_t> starts = positionsOf(text, length).starts();
+        format.kind = SourceKind::Fixed;
+        format.length = length;
+        format.starts = starts.empty() ? std::vector<std::size_t>{0} : starts;
+        confidence.kind = known.kind && known.length ? 1 : 0.7;
+        return;
+    }
     if (text.size() > kSample) text.resize(text.find_last_of("\r\n", kSample) + 1);
     constexpr char kDelimiters[] = {';', '\t', '|', ','};
     Cutting best;
@@ -165,9 +217,7 @@ void detectLayout(std::string text, const KnownOfSource& known, Detection& detec
     }
     if (known.delimiter && best.delimiter != *known.delimiter) best = cutWith(text, *known.delimiter, known);
 
-    SourceFormat& format = detection.format;
-    SourceConfidence& confidence = detection.confidence;
-    const Positions positions = positionsOf(text);
+    const Positions positions = positionsOf(text, 0);
     const std::vector<std::size_t> starts = positions.starts();
     const double fixed = known.delimiter ? 0 : fixedness(positions, starts.size());
     const bool isFixed = known.kind ? *known.kind == SourceKind::Fixed : fixed > best.score();

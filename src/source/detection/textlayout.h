@@ -8,7 +8,7 @@
 namespace kolmera {
 
 /// How the rows of a text are cut: by a delimiter, with quotes or without, or at fixed positions. Fills kind,
-/// delimiter, quote and starts of the format. `text` is UTF-8.
-void detectLayout(std::string text, const KnownOfSource& known, Detection& detection);
+/// delimiter, quote, starts and length of the format. `text` is UTF-8; `isWhole`: it is all of the file.
+void detectLayout(std::string text, bool isWhole, const KnownOfSource& known, Detection& detection);
 
 }  // namespace kolmera

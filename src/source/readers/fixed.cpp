@@ -1,15 +1,17 @@
 #include "platform/encodings.h"
+#include "source/characters.h"
 #include "source/readers/readers.h"
 #include "source/readers/textwindow.h"
 
 namespace kolmera {
 namespace {
 
-/// Lines of cells of fixed widths, counted in characters.
+/// Lines of cells of fixed widths, counted in characters, without what a table is drawn with; or records of one length,
+/// which nothing parts.
 class FixedReader final : public RowReader {
   public:
     FixedReader(std::unique_ptr<ByteStream> stream, const SourceFormat& format, const SourceLimits& limits)
-        : window_(std::move(stream), format.characters, limits), starts_(format.starts) {
+        : window_(std::move(stream), format.characters, limits), starts_(format.starts), length_(format.length) {
         if (starts_.empty()) starts_.push_back(0);
     }
 
@@ -19,7 +21,7 @@ class FixedReader final : public RowReader {
         while (window_.rest().empty()) {
             if (!window_.grow(line_)) return false;
         }
-        const LineEnd end = lineEnd(window_, 0, line_);
+        const LineEnd end = length_ > 0 ? recordEnd() : lineEnd(window_, 0, line_);
         const std::string_view line = window_.rest().substr(0, end.end);
         row.number = line_++;
         row.cells.clear();
@@ -38,10 +40,28 @@ class FixedReader final : public RowReader {
     }
 
   private:
+    static constexpr std::string_view kBlanks = " \t\r\n";
+
     static std::string_view trimmed(std::string_view text) {
-        const std::size_t first = std::min(text.find_first_not_of(" \t"), text.size());
-        text.remove_prefix(first);
-        return text.substr(0, text.find_last_not_of(" \t") + 1);
+        for (;;) {
+            text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+            text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
+            const std::string_view last = text.substr(text.size() - std::min(kTableLineBytes, text.size()));
+            if (beginsWithTableLine(text)) {
+                text.remove_prefix(kTableLineBytes);
+            } else if (beginsWithTableLine(last)) {
+                text.remove_suffix(kTableLineBytes);
+            } else {
+                return text;
+            }
+        }
+    }
+
+    LineEnd recordEnd() {
+        for (;;) {
+            const std::string_view record = firstCharacters(window_.rest(), length_);
+            if (record.size() < window_.rest().size() || !window_.grow(line_)) return {record.size(), record.size()};
+        }
     }
 
     void cut(std::string_view line, Row& row) const {
@@ -58,6 +78,7 @@ class FixedReader final : public RowReader {
 
     TextWindow window_;
     std::vector<std::size_t> starts_;
+    std::uint64_t length_;
     std::uint64_t line_ = 1;
     std::uint64_t malformedRow_ = 0;
     std::size_t dropped_ = 0;
