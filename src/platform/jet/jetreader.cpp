@@ -126,7 +126,7 @@ bool hear(Reader& reader, std::size_t most, ContentListener& listener, const std
 bool isAccessFile(const std::filesystem::path& file) {
     try {
         std::string beginning(19, '\0');
-        const Descriptor descriptor(file, O_RDONLY | O_CLOEXEC);
+        const Descriptor descriptor(file, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
         beginning.resize(descriptor.readAt(0, beginning.data(), beginning.size()));
         const std::string_view name = std::string_view(beginning).substr(std::min<std::size_t>(4, beginning.size()));
         return name == "Standard Jet DB" || name == "Standard ACE DB";
@@ -137,7 +137,9 @@ bool isAccessFile(const std::filesystem::path& file) {
 
 bool readAccessFile(const std::filesystem::path& reader, const std::filesystem::path& file, ContentListener& listener,
                     const std::function<bool()>& goOn) {
-    const Descriptor descriptor(file, O_RDONLY | O_CLOEXEC);
+    // A pipe would be waited for, and read once only.
+    const Descriptor descriptor(file, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (!std::filesystem::is_regular_file(file)) throw PlatformError(errors::kNotADatabase, "not a file");
     Reader process(reader, descriptor);
     return hear(process, kMostAnyway + kMostPerByte * descriptor.size(), listener, goOn);
 }
