@@ -12,6 +12,7 @@ function(install_link name target folder component)
 endfunction()
 
 install(TARGETS kolmera-cli DESTINATION ${home} COMPONENT cli)
+install(TARGETS kolmera-access-reader DESTINATION ${home} COMPONENT cli)
 install(TARGETS svenska DESTINATION ${home} COMPONENT cli)
 install(FILES ${CMAKE_BINARY_DIR}/bin/DVLang.sys DESTINATION ${home} COMPONENT cli)
 install(DIRECTORY ${CMAKE_BINARY_DIR}/bin/demo DESTINATION ${home} COMPONENT cli)

@@ -9,6 +9,7 @@
 #include "cli/discountscommand.h"
 #include "cli/explaincommand.h"
 #include "cli/historycommand.h"
+#include "cli/importaccesscommand.h"
 #include "cli/inspectcommand.h"
 #include "cli/jobscommand.h"
 #include "cli/limitscommand.h"
@@ -293,6 +294,14 @@ void addCompanies(Commands& commands) {
                 .data(arguments.dataFolder);
         },
         copyCompanyCommand);
+    commands.add<ImportAccessArguments>(
+        "import-access", text::help::kImportAccess,
+        [](Command& command, ImportAccessArguments& arguments) {
+            command.argument("FILE", arguments.file, text::help::kAccessFile).data(arguments.dataFolder);
+            command.option("--company", arguments.company, text::help::kAccessCompany);
+            command.flag("--replace", arguments.replace, text::help::kAccessReplace);
+        },
+        importAccessCommand);
 }
 
 void addDiscounts(Commands& commands) {

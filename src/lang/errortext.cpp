@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "lang/keys/fault.h"
+#include "platform/jet/jeterrors.h"
 
 namespace kolmera {
 namespace {
@@ -51,6 +52,8 @@ constexpr Sentence kByNumber[] = {
     {errors::kIsWorkbook, text::fault::kIsWorkbook},
     {errors::kIsNoWorkbook, text::fault::kIsNoWorkbook},
     {errors::kUnreadableOptions, text::fault::kUnreadableOptions},
+    {errors::kAccessFile, text::fault::kAccessFile},
+    {errors::kNewerAccessFile, text::fault::kNewerAccessFile},
 };
 
 constexpr Sentence kBySystemError[] = {

@@ -29,4 +29,10 @@ struct PrivateTable {
 std::unique_ptr<Database> makePrivateDatabase(const std::filesystem::path& file, std::span<const PrivateTable> tables,
                                               const Locale& locale);
 
+/// Puts a finished database file, which nobody has open, in a company's place. With `replace` it may take the place of
+/// a company that can be opened and that nobody has open (else kLocked); without, there must be no file (kInternal,
+/// EEXIST).
+void placeFileDatabase(const std::filesystem::path& finished, const std::filesystem::path& company, bool replace,
+                       const OpenOptions& options);
+
 }  // namespace kolmera
