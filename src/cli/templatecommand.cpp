@@ -13,7 +13,6 @@
 #include "definitions/maskfile.h"
 #include "definitions/supplierlist.h"
 #include "import/run/runcounts.h"
-#include "lang/errortext.h"
 #include "lang/keys/jobtemplate.h"
 #include "lang/keys/terminal.h"
 #include "platform/encodings.h"
@@ -275,7 +274,7 @@ int withErrorsTold(const TemplateArguments& arguments, const Surroundings& surro
         return (TemplateCommand(arguments, surroundings).*work)();
     } catch (const PlatformError& error) {
         Session session(surroundings, arguments.dataFolder);
-        surroundings.err << session.text(text::terminal::kError) << ' ' << errorText(session.texts, error) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << session.explain(error) << '\n';
         return exitcode::kStopped;
     }
 }
