@@ -71,7 +71,7 @@ class WhenShown {
 };
 
 /// Fails for every text of a form that differs from the Swedish column of the language texts, for every text that has
-/// no English one, and for every caption, button and column header that is cut off.
+/// no English one, and for every caption, button and column header that is cut off; and as the next two do.
 void expectTextsInBothLanguages(QWidget& form, FormWorld& world);
 
 /// Fails for every control that can have the focus and that a screen reader has no name for.
