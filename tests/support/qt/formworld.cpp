@@ -18,6 +18,7 @@
 #include "setup/democompany.h"
 #include "startup/newcompany.h"
 #include "ui/qttext.h"
+#include "ui/searchbox.h"
 
 namespace kolmera::test {
 namespace {
@@ -124,6 +125,7 @@ void expectTextsInBothLanguages(QWidget& form, FormWorld& world) {
     }
     expectUniqueMnemonics(form);
     expectNamesForScreenReaders(form);
+    expectReadingOrder(form);
 }
 
 void expectNamesForScreenReaders(QWidget& form) {
@@ -134,8 +136,31 @@ void expectNamesForScreenReaders(QWidget& form) {
         if (part || !child->isVisibleTo(&form) || (child->focusPolicy() & Qt::TabFocus) == 0) continue;
         const QAccessibleInterface* met = QAccessible::queryAccessibleInterface(child);
         ASSERT_NE(met, nullptr);
+        const QAccessible::Role role = met->role();
+        EXPECT_TRUE(role != QAccessible::NoRole && role != QAccessible::Client && role != QAccessible::Window)
+            << "not said what it is: " << fromQt(child->objectName()) << " " << child->metaObject()->className();
         EXPECT_FALSE(met->text(QAccessible::Name).isEmpty())
             << "no name: " << fromQt(child->objectName()) << " " << child->metaObject()->className();
+    }
+}
+
+void expectReadingOrder(QWidget& form) {
+    std::vector<const QWidget*> order;
+    for (const QWidget* at = form.nextInFocusChain(); at != &form; at = at->nextInFocusChain()) {
+        const bool met = (at->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && at->focusProxy() == nullptr &&
+                         at->isVisibleTo(&form) && form.isAncestorOf(at) && at->window() == &form &&
+                         !at->objectName().startsWith("qt_");
+        if (met) order.push_back(at);
+    }
+    const auto placeOf = [&form](const QWidget& each) { return QRect(each.mapTo(&form, QPoint()), each.size()); };
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        // So that Enter goes on from list to list.
+        if (dynamic_cast<const SearchBox*>(order[i]) != nullptr) continue;
+        const QRect from = placeOf(*order[i - 1]), to = placeOf(*order[i]);
+        const bool back = (to.bottom() < from.top() && to.left() <= from.right()) ||
+                          (to.right() < from.left() && to.top() <= from.bottom() && to.bottom() >= from.top());
+        EXPECT_FALSE(back) << "Tab goes back from " << fromQt(order[i - 1]->objectName()) << " to "
+                           << fromQt(order[i]->objectName());
     }
 }
 
