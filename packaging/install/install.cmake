@@ -51,6 +51,7 @@ install(FILES ${documents} ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}
         COMPONENT doc)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/pictures DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc COMPONENT doc
         FILES_MATCHING PATTERN "*.png")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/schemas DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc COMPONENT doc)
 foreach(language en sv)
   install_link(guide.${language}.md ../../${CMAKE_INSTALL_DATADIR}/doc/kolmera-doc/guide.${language}.md ${home} doc)
 endforeach()

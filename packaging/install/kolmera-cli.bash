@@ -21,11 +21,14 @@ _kolmera_cli() {
         COMPREPLY=($(compgen -W "$(kolmera-cli --help 2>/dev/null | sed -nE 's/^  ([a-z][a-z-]*) .*/\1/p')" -- "$word"))
     else
         case $command in
-            run | preview | limits | explain | couplings)
-                local jobs=() job
-                while read -r job; do [[ $job == "${word//\\/}"* ]] && jobs+=("$(printf '%q' "$job")"); done < <(
-                    kolmera-cli jobs --json --data "${folder/#\~/$HOME}" 2>/dev/null | sed -nE 's/^ *"job": "(.*)",?$/\1/p')
-                COMPREPLY=("${jobs[@]}") ;;
+            run | preview | limits | explain | couplings | source | convert | template | show | undo | compare)
+                local names=() name list=jobs member=job
+                case $command in show | undo | compare) list=history member=run ;; esac
+                while read -r name; do [[ $name == "${word//\\/}"* ]] && names+=("$(printf '%q' "$name")"); done < <(
+                    kolmera-cli $list --json --data "${folder/#\~/$HOME}" 2>/dev/null |
+                        sed -nE 's/^ *"'$member'": "(.*)",?$/\1/p' | sed -E 's/\\(.)/\1/g')
+                COMPREPLY=("${names[@]}")
+                if [ ${#names[@]} -eq 0 ]; then COMPREPLY=($(compgen -f -- "$word")); compopt -o filenames; fi ;;
             register)
                 case ${#words[@]} in
                     1) COMPREPLY=($(compgen -W "$(kolmera-cli registers 2>/dev/null | sed -nE '2,$s/ .*//p')" -- "$word")) ;;

@@ -5,11 +5,11 @@
 #include <new>
 #include <optional>
 #include <ostream>
+#include <sstream>
 
 #include "cli/commands.h"
 #include "cli/nearnames.h"
 #include "cli/printablelines.h"
-#include "lang/errortext.h"
 #include "lang/keys/help.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
@@ -51,6 +51,12 @@ class Teller {
     std::optional<Session> session_;
 };
 
+/// What the parser did not expect: its text ends in it.
+std::string unexpected(const CLI::ParseError& error) {
+    const std::string what = error.what();
+    return what.substr(std::min(what.rfind(": ") + 2, what.size()));
+}
+
 /// What the parser found wrong, in the language of the session. Its own text is English, and names the option or the
 /// argument at one end.
 std::string explain(Session& session, const CLI::ParseError& error) {
@@ -62,8 +68,7 @@ std::string explain(Session& session, const CLI::ParseError& error) {
         return session.text(text::help::kMissing,
                             command ? session.text(text::help::kCommand) : before(" is required"));
     }
-    if (code == CLI::ExitCodes::ExtrasError)
-        return session.text(text::help::kUnexpected, what.substr(std::min(what.rfind(": ") + 2, what.size())));
+    if (code == CLI::ExitCodes::ExtrasError) return session.text(text::help::kUnexpected, unexpected(error));
     if (code == CLI::ExitCodes::ArgumentMismatch) return session.text(text::help::kValueMissing, before(": "));
     if (code == CLI::ExitCodes::ExcludesError) {
         std::string both = what;
@@ -91,16 +96,28 @@ bool knowsCommand(const CLI::App& app, const std::vector<std::string>& arguments
 
 int misread(const CLI::App& app, const CLI::ParseError& error, Session& session, std::ostream& err) {
     std::string command = kProgram;
-    for (const CLI::App* at = &app; !at->get_subcommands().empty();) {
+    const CLI::App* at = &app;
+    while (!at->get_subcommands().empty()) {
         at = at->get_subcommands().front();
         command += ' ' + at->get_name();
     }
-    err << session.text(text::terminal::kError) << ' ' << explain(session, error) << '\n'
-        << session.text(text::help::kSeeHelp, command + " --help") << '\n';
+    err << session.text(text::terminal::kError) << ' ' << explain(session, error);
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError)) {
+        std::vector<std::string> options;
+        for (const CLI::Option* option : at->get_options()) {
+            for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+        }
+        std::istringstream words(unexpected(error));
+        for (std::string word; words >> word;) {
+            const auto near = word.starts_with("--") ? nearNames(word, options) : std::vector<std::string>();
+            if (!near.empty()) err << ' ' << session.text(text::terminal::kDidYouMean, near[0]);
+        }
+    }
+    err << '\n' << session.text(text::help::kSeeHelp, command + " --help") << '\n';
     return exitcode::kUsage;
 }
 
-int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
+int carryOutLine(const std::vector<std::string>& arguments, Surroundings& surroundings) {
     Teller teller(surroundings);
     // Only help shows these texts, and looking all of them up takes as long as a small run. Options of a group without
     // a name would be hidden.
@@ -127,7 +144,7 @@ int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& 
         throw;
     } catch (const PlatformError& error) {
         Session& session = teller.session();
-        surroundings.err << session.text(text::terminal::kError) << ' ' << errorText(session.texts, error) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << session.explain(error) << '\n';
         return exitcode::kStopped;
     } catch (const std::exception& error) {
         Session& session = teller.session();
@@ -141,12 +158,12 @@ int carryOutLine(const std::vector<std::string>& arguments, const Surroundings& 
 
 int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& machine) {
     PrintableStream err(machine.err);
-    const Surroundings surroundings{.out = machine.out,
-                                    .err = err,
-                                    .programFolder = machine.programFolder,
-                                    .settingsFile = machine.settingsFile,
-                                    .locale = machine.locale,
-                                    .cancel = machine.cancel};
+    Surroundings surroundings{.out = machine.out,
+                              .err = err,
+                              .programFolder = machine.programFolder,
+                              .settingsFile = machine.settingsFile,
+                              .locale = machine.locale,
+                              .cancel = machine.cancel};
     const int code = carryOutLine(arguments, surroundings);
     if (surroundings.out.flush().good()) return code;
     if (surroundings.cancel.load(std::memory_order_relaxed)) return exitcode::kCancelled;

@@ -18,6 +18,8 @@ struct Surroundings {
     std::filesystem::path settingsFile;   ///< the user's settings store
     Locale locale;
     const std::atomic<bool>& cancel;  ///< set by Ctrl-C
+    bool quiet = false;               ///< no progress bar
+    bool verbose = false;             ///< errors with their number and the words that they came with
 };
 
 /// Exit codes of the program.

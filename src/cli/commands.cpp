@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <ostream>
+#include <streambuf>
 
 #include "cli/comparecommand.h"
 #include "cli/copycommand.h"
@@ -60,7 +62,7 @@ class Command {
 
 class Commands {
   public:
-    Commands(CLI::App& app, const HelpText& text, const Surroundings& surroundings, std::function<int()>& chosen)
+    Commands(CLI::App& app, const HelpText& text, Surroundings& surroundings, std::function<int()>& chosen)
         : app_(app), text_(text), surroundings_(surroundings), chosen_(chosen) {
         app_.require_subcommand(1);
     }
@@ -73,9 +75,17 @@ class Commands {
         const auto arguments = std::make_shared<Arguments>();
         Command described(*command, text_);
         describe(described, *arguments);
+        described.flag("-v,--verbose", surroundings_.verbose, text::help::kVerbose);
         command->callback([arguments, carryOut, &chosen = chosen_, &surroundings = surroundings_] {
-            chosen = [arguments, carryOut, &surroundings] { return carryOut(*arguments, surroundings); };
+            chosen = [arguments, carryOut, &surroundings] {
+                return surroundings.quiet ? quietly(*arguments, carryOut, surroundings)
+                                          : carryOut(*arguments, surroundings);
+            };
         });
+    }
+    /// Lets a command be told to say nothing when all goes well.
+    CLI::Option* mayBeQuiet(Command& command) {
+        return command.flag("-q,--quiet", surroundings_.quiet, text::help::kQuiet);
     }
     /// A command that only has commands of its own.
     CLI::App* group(const char* name, ModuleKey purpose) {
@@ -86,23 +96,46 @@ class Commands {
     }
 
   private:
+    /// Takes what it is given and keeps nothing.
+    class Nowhere : public std::streambuf {
+      protected:
+        int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+    };
+
+    template <class Arguments>
+    static int quietly(const Arguments& arguments, int (*carryOut)(const Arguments&, const Surroundings&),
+                       const Surroundings& surroundings) {
+        Nowhere nowhere;
+        std::ostream out(&nowhere);
+        return carryOut(arguments, {.out = out,
+                                    .err = surroundings.err,
+                                    .programFolder = surroundings.programFolder,
+                                    .settingsFile = surroundings.settingsFile,
+                                    .locale = surroundings.locale,
+                                    .cancel = surroundings.cancel,
+                                    .quiet = true,
+                                    .verbose = surroundings.verbose});
+    }
+
     CLI::App& app_;
     const HelpText& text_;
-    const Surroundings& surroundings_;
+    Surroundings& surroundings_;
     std::function<int()>& chosen_;
 };
 
 void addFolders(Commands& commands) {
     commands.add<NewArguments>(
         "new", text::help::kNew,
-        [](Command& command, NewArguments& arguments) {
+        [&commands](Command& command, NewArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("DIR", arguments.folder, text::help::kNewFolder);
             command.option("--company", arguments.companyName, text::help::kCompanyName);
         },
         newCommand);
     commands.add<NewArguments>(
         "demo", text::help::kDemo,
-        [](Command& command, NewArguments& arguments) {
+        [&commands](Command& command, NewArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("DIR", arguments.folder, text::help::kNewFolder);
         },
         demoCommand);
@@ -131,7 +164,8 @@ void addJobs(Commands& commands) {
         jobsCommand);
     commands.add<RunArguments>(
         "run", text::help::kRun,
-        [](Command& command, RunArguments& arguments) {
+        [&commands](Command& command, RunArguments& arguments) {
+            commands.mayBeQuiet(command);
             describeJob(command, arguments);
             command.option("--summary", arguments.summaryFile, text::help::kSummary);
             command.option("--rejects", arguments.rejectsFile, text::help::kRejects);
@@ -161,6 +195,7 @@ void addJobs(Commands& commands) {
             command.argument("JOB", arguments.job, text::help::kJob).data(arguments.dataFolder);
             command.list("--set", arguments.set, text::help::kSetLimit);
             command.flag("--clear", arguments.clear, text::help::kClearLimits);
+            command.flag("--json", arguments.json, text::help::kJson);
         },
         limitsCommand);
     commands.add<CouplingsArguments>(
@@ -193,6 +228,7 @@ void addSources(Commands& commands) {
             command.option("--file", arguments.file, text::help::kOtherFile)->needs(detect);
             command.list("--set", arguments.set, text::help::kSetSource);
             command.flag("--clear", arguments.clear, text::help::kClearSource);
+            command.flag("--json", arguments.json, text::help::kJson);
         },
         sourceCommand);
     commands.add<ConvertArguments>(
@@ -209,7 +245,8 @@ void addTemplates(Commands& commands) {
     CLI::App* templates = commands.group("template", text::help::kTemplate);
     commands.add<TemplateArguments>(
         "export", text::help::kTemplateExport,
-        [](Command& command, TemplateArguments& arguments) {
+        [&commands](Command& command, TemplateArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("JOB", arguments.job, text::help::kJob)
                 .argument("FILE", arguments.file, text::help::kTemplateFile)
                 .data(arguments.dataFolder);
@@ -217,7 +254,8 @@ void addTemplates(Commands& commands) {
         exportTemplateCommand, templates);
     commands.add<TemplateArguments>(
         "import", text::help::kTemplateImport,
-        [](Command& command, TemplateArguments& arguments) {
+        [&commands](Command& command, TemplateArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("FILE", arguments.file, text::help::kTemplateFile).data(arguments.dataFolder);
             command.option("--as", arguments.as, text::help::kTemplateAs);
             command.list("--supplier", arguments.suppliers, text::help::kTemplateSupplier);
@@ -255,10 +293,10 @@ void addHistory(Commands& commands) {
         compareCommand);
     commands.add<UndoArguments>(
         "undo", text::help::kUndo,
-        [](Command& command, UndoArguments& arguments) {
+        [&commands](Command& command, UndoArguments& arguments) {
             command.argument("RUN", arguments.run, text::help::kRunName).data(arguments.dataFolder);
             command.flag("--dry-run", arguments.dryRun, text::help::kDryRun);
-            command.flag("--json", arguments.json, text::help::kJson);
+            command.flag("--json", arguments.json, text::help::kJson)->excludes(commands.mayBeQuiet(command));
         },
         undoCommand);
 }
@@ -266,7 +304,8 @@ void addHistory(Commands& commands) {
 void addCompanies(Commands& commands) {
     commands.add<RepairArguments>(
         "repair", text::help::kRepair,
-        [](Command& command, RepairArguments& arguments) {
+        [&commands](Command& command, RepairArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("COMPANY", arguments.company, text::help::kCompanyFile).data(arguments.dataFolder);
         },
         repairCommand);
@@ -279,7 +318,8 @@ void addCompanies(Commands& commands) {
         serverSchemaCommand);
     commands.add<ServerArguments>(
         "add-server", text::help::kAddServer,
-        [](Command& command, ServerArguments& arguments) {
+        [&commands](Command& command, ServerArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("NAME", arguments.name, text::help::kServerName).data(arguments.dataFolder);
             command.option("--connect", arguments.connectString, text::help::kConnect);
             command.option("--connect-file", arguments.connectFile, text::help::kConnectFile);
@@ -288,7 +328,8 @@ void addCompanies(Commands& commands) {
         addServerCommand);
     commands.add<CopyArguments>(
         "copy-company", text::help::kCopy,
-        [](Command& command, CopyArguments& arguments) {
+        [&commands](Command& command, CopyArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("FROM", arguments.from, text::help::kCopyFrom)
                 .argument("TO", arguments.to, text::help::kCopyTo)
                 .data(arguments.dataFolder);
@@ -306,7 +347,8 @@ void addCompanies(Commands& commands) {
 
 void addDiscounts(Commands& commands) {
     CLI::App* discounts = commands.group("discounts", text::help::kDiscounts);
-    const auto describe = [](Command& command, DiscountsArguments& arguments) {
+    const auto describe = [&commands](Command& command, DiscountsArguments& arguments) {
+        commands.mayBeQuiet(command);
         command.argument("SUPPLIER", arguments.supplier, text::help::kSupplier)
             .argument("FILE", arguments.file, text::help::kLetterFile)
             .data(arguments.dataFolder)
@@ -340,8 +382,7 @@ void addRegisters(Commands& commands) {
 
 }  // namespace
 
-void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& surroundings,
-                      std::function<int()>& chosen) {
+void describeCommands(CLI::App& app, const HelpText& text, Surroundings& surroundings, std::function<int()>& chosen) {
     Commands commands(app, text, surroundings, chosen);
     addFolders(commands);
     addJobs(commands);

@@ -14,8 +14,8 @@ namespace kolmera::cli {
 using HelpText = std::function<std::string(ModuleKey)>;
 
 /// Describes all commands with their options to the parser, in the language of the session. When a line has been
-/// parsed, `chosen` carries out the command that it names and returns its exit code.
-void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& surroundings,
-                      std::function<int()>& chosen);
+/// parsed, `chosen` carries out the command that it names and returns its exit code. `surroundings` are
+/// told how much to say, and must outlive `chosen`.
+void describeCommands(CLI::App& app, const HelpText& text, Surroundings& surroundings, std::function<int()>& chosen);
 
 }  // namespace kolmera::cli

@@ -8,7 +8,6 @@
 #include "cli/session.h"
 #include "cli/terminalport.h"
 #include "db/companyschema.h"
-#include "lang/errortext.h"
 #include "lang/keys/server.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
@@ -92,7 +91,7 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
         surroundings.err << session.text(text::terminal::kError) << ' '
                          << (isOfARow(error) ? session.text(text::server::kRowNotTaken, arguments.to)
                                              : session.text(text::server::kCopyingStopped, arguments.to))
-                         << ' ' << errorText(session.texts, error) << '\n';
+                         << ' ' << session.explain(error) << '\n';
         return port.cancelled() ? exitcode::kCancelled : exitcode::kStopped;
     }
 }

@@ -84,7 +84,7 @@ Surroundings inLocale(const Surroundings& machine, const std::string& locale) {
 
 JobSession::JobSession(const JobArguments& arguments, const Surroundings& surroundings)
     : session(surroundings, arguments.dataFolder),
-      port(surroundings.err, surroundings.cancel, arguments.emptyTables, doubtful(arguments)),
+      port(surroundings.err, surroundings.cancel, arguments.emptyTables, doubtful(arguments), !surroundings.quiet),
       arguments_(arguments),
       surroundings_(surroundings) {
     result.numberForm = numberForm(session.state.locale);
@@ -106,6 +106,9 @@ std::string JobSession::nearJobs() {
     std::vector<std::string> names;
     for (const Job& job : JobFile(absoluteFolder(arguments_.dataFolder)).all()) names.push_back(job.name);
     const std::vector<std::string> near = nearNames(arguments_.job, names);
+    constexpr std::size_t kListed = 30;
+    if (near.empty() && !names.empty() && names.size() <= kListed)
+        return session.text(text::terminal::kJobNames, fmt::format("\"{}\"", fmt::join(names, "\", \"")));
     if (near.empty()) return session.text(text::terminal::kListJobs, arguments_.dataFolder);
     return session.text(text::terminal::kDidYouMean, fmt::format("\"{}\"", fmt::join(near, "\", \"")));
 }
@@ -148,6 +151,10 @@ void JobSession::printSummary() {
 
 void JobSession::tellOutcome() {
     if (port.refusedFile()) surroundings_.err << refusal(*port.refusedFile()) << '\n';
+    if (surroundings_.verbose) {
+        for (const auto& failure : result.summary.report.failures())
+            surroundings_.err << failure.statement << ": " << session.explain(failure.error) << '\n';
+    }
     std::ostream& stream = result.exitCode == exitcode::kDone ? surroundings_.out : surroundings_.err;
     stream << outcome(session, result.exitCode) << '\n';
 }

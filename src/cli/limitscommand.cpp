@@ -1,6 +1,7 @@
 #include "cli/limitscommand.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 
@@ -49,7 +50,16 @@ int limitsCommand(const LimitsArguments& arguments, const Surroundings& surround
         return exitcode::kUsage;
     }
     if (editor.limits() != stored) options.setLimits(job->name, editor.limits());
-    print(editor, session, job->name, surroundings.out);
+    if (arguments.json) {
+        const Limits limits = editor.limits();
+        auto json = nlohmann::ordered_json::object();
+        for (const LimitKind& kind : kLimits) {
+            if (const auto& limit = limits.*kind.value) json[std::string(kind.name)] = *limit;
+        }
+        surroundings.out << json.dump(2) << '\n';
+    } else {
+        print(editor, session, job->name, surroundings.out);
+    }
     return exitcode::kDone;
 }
 

@@ -11,6 +11,7 @@ struct LimitsArguments {
     std::string job, dataFolder;
     std::vector<std::string> set;  ///< "NAME=NUMBER"; "NAME=" removes a limit
     bool clear = false;
+    bool json = false;
 };
 
 /// `limits JOB --data DIR [--set NAME=NUMBER ...] [--clear]`: prints the limits of a job after changing them.

@@ -4,7 +4,6 @@
 #include <ostream>
 
 #include "cli/session.h"
-#include "lang/errortext.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
 #include "setup/newfolder.h"
@@ -25,7 +24,7 @@ int makeFolder(Session& session, const fs::path& folder, const Surroundings& sur
     try {
         make();
     } catch (const PlatformError& error) {
-        return stopped(text::terminal::kFolderNotCreated, " " + errorText(session.texts, error));
+        return stopped(text::terminal::kFolderNotCreated, " " + session.explain(error));
     }
     surroundings.out << session.text(doneText, folder.string()) << '\n';
     return exitcode::kDone;

@@ -3,7 +3,6 @@
 #include <ostream>
 
 #include "import/rejects/rejectfile.h"
-#include "lang/errortext.h"
 #include "lang/keys/rejects.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
@@ -20,7 +19,7 @@ bool printRejects(Session& session, const RunFolder& runs, const std::string& ru
         good = rejects.good();
         told = rejectsText(session.texts, rejects, record, file);
     } catch (const PlatformError& error) {
-        told = session.text(text::rejects::kNotWritten, file) + ' ' + errorText(session.texts, error);
+        told = session.text(text::rejects::kNotWritten, file) + ' ' + session.explain(error);
     }
     if (good) {
         surroundings.out << told << '\n';

@@ -5,7 +5,6 @@
 #include "cli/printablelines.h"
 #include "cli/session.h"
 #include "cli/terminalport.h"
-#include "lang/errortext.h"
 #include "lang/keys/company.h"
 #include "lang/keys/repair.h"
 #include "lang/keys/terminal.h"
@@ -51,7 +50,7 @@ int repairCommand(const RepairArguments& arguments, const Surroundings& surround
         if (port.cancelled()) return exitcode::kCancelled;
         if (error.number() == errors::kFileNotFound)
             return fail(session.text(text::company::kNoSuchCompany, company), exitcode::kStopped);
-        return fail(session.text(text::repair::kCannotRepair, company) + ' ' + errorText(session.texts, error),
+        return fail(session.text(text::repair::kCannotRepair, company) + ' ' + session.explain(error),
                     exitcode::kStopped);
     }
 }

@@ -9,7 +9,6 @@
 #include "history/runfolder.h"
 #include "import/preview/limitedrun.h"
 #include "import/rejects/rejectfile.h"
-#include "lang/errortext.h"
 #include "lang/keys/rejects.h"
 #include "lang/keys/terminal.h"
 #include "platform/systemuser.h"
@@ -45,7 +44,7 @@ int TerminalRun::run() {
     try {
         carryOut();
     } catch (const PlatformError& error) {
-        job_.say(errorText(job_.session.texts, error));
+        job_.say(job_.session.explain(error));
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
@@ -84,7 +83,7 @@ bool TerminalRun::finishSummary() {
 
 void TerminalRun::sayNotWritten(const PlatformError& error) {
     job_.say(job_.session.text(text::terminal::kSummaryNotWritten, arguments_.summaryFile) + ' ' +
-             errorText(job_.session.texts, error));
+             job_.session.explain(error));
 }
 
 void TerminalRun::carryOut() {

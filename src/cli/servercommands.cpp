@@ -12,7 +12,6 @@
 #include "db/serverregister.h"
 #include "db/serverschema.h"
 #include "db/sqllayer.h"
-#include "lang/errortext.h"
 #include "lang/keys/server.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
@@ -73,8 +72,8 @@ int addServerCommand(const ServerArguments& arguments, const Surroundings& surro
         registerServer(folder, server);
     } catch (const PlatformError& error) {
         surroundings.err << session.text(text::terminal::kError) << ' '
-                         << session.text(text::server::kNotRegistered, server.name) << ' '
-                         << errorText(session.texts, error) << '\n';
+                         << session.text(text::server::kNotRegistered, server.name) << ' ' << session.explain(error)
+                         << '\n';
         return exitcode::kStopped;
     }
     surroundings.out << session.text(text::server::kRegistered, server.name) << '\n';

@@ -1,10 +1,13 @@
 #include "cli/session.h"
 
+#include <fmt/format.h>
+
 #include <filesystem>
 #include <ostream>
 #include <system_error>
 
 #include "cli/builtintexts.h"
+#include "lang/errortext.h"
 #include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
 #include "startup/startup.h"
@@ -16,7 +19,7 @@ std::filesystem::path absoluteFolder(const std::string& folder) {
 }
 
 Session::Session(const Surroundings& surroundings, const std::string& dataFolder)
-    : state(SettingsStore(surroundings.settingsFile), surroundings.locale) {
+    : state(SettingsStore(surroundings.settingsFile), surroundings.locale), verbose(surroundings.verbose) {
     state.ProgramMapp = (surroundings.programFolder / "").string();
     state.DataMapp = dataFolder.empty() ? state.ProgramMapp : (absoluteFolder(dataFolder) / "").string();
     state.EjKlientIni = dataFolder.empty();
@@ -27,6 +30,14 @@ Session::Session(const Surroundings& surroundings, const std::string& dataFolder
     openTexts(state, texts);
     state.Språkkod = LanguageTexts::NormaliseraSpråk(state.settings.get("Start", "Lang", "SE"));
     texts.InitSpråkOrd(state.Språkkod);
+}
+
+std::string Session::explain(const PlatformError& error) {
+    std::string told = errorText(texts, error);
+    if (!verbose) return told;
+    told += fmt::format(" [{}", error.number());
+    if (error.systemError() != 0) told += fmt::format(", errno {}", error.systemError());
+    return told + ": " + error.description() + ']';
 }
 
 bool Session::hasDataFolder(std::ostream& err) {

@@ -26,8 +26,12 @@ struct Session {
     /// Whether a company's name is what the shell has left of SQL;NAME without quotes; `err` tells when it is.
     bool cutAtSemicolon(std::string_view company, std::ostream& err);
 
+    /// What an error is; to a verbose session also its number and the words that it came with.
+    std::string explain(const PlatformError& error);
+
     StartState state;
     LanguageTexts texts;
+    bool verbose;
 };
 
 /// The folder of the command line as an absolute path.

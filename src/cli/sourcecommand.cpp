@@ -16,7 +16,6 @@
 #include "definitions/pricefilepath.h"
 #include "import/run/runmessage.h"
 #include "import/run/sourcestage.h"
-#include "lang/errortext.h"
 #include "lang/keys/source.h"
 #include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
@@ -171,7 +170,9 @@ int JobSource::detectAndSet(const SourceArguments& arguments) {
         return exitcode::kUsage;
     }
     if (settings != stored || arguments.clear) options.setSource(job_->name, settings);
-    if (!settings) {
+    if (!settings && arguments.json) {
+        surroundings_.out << "null\n";
+    } else if (!settings) {
         PrintableStream(surroundings_.out) << session.text(text::source::kNoSource, job_->name) << '\n';
     } else {
         surroundings_.out << toJson(*settings).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
@@ -239,7 +240,7 @@ int withErrorsTold(const Surroundings& surroundings, const std::string& dataFold
         return exitcode::kCancelled;
     } catch (const PlatformError& error) {
         Session session(surroundings, dataFolder);
-        surroundings.err << session.text(text::terminal::kError) << ' ' << errorText(session.texts, error) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << session.explain(error) << '\n';
         return exitcode::kStopped;
     }
 }

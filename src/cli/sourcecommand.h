@@ -14,6 +14,7 @@ struct SourceArguments {
     std::vector<std::string>
         set;  ///< "MEMBER=VALUE": members as they are printed, with / between; "MEMBER=" removes one
     bool clear = false;
+    bool json = false;  ///< also where there is no source: null
 };
 
 /// `source JOB --data DIR [--detect [--file FILE]] [--set MEMBER=VALUE ...] [--clear]`: prints how the price file of a

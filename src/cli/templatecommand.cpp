@@ -9,7 +9,6 @@
 #include "cli/jobsession.h"
 #include "cli/printablelines.h"
 #include "import/templates/templateimport.h"
-#include "lang/errortext.h"
 #include "lang/keys/jobtemplate.h"
 #include "lang/keys/terminal.h"
 
@@ -114,7 +113,7 @@ int withErrorsTold(const TemplateArguments& arguments, const Surroundings& surro
         return (TemplateCommand(arguments, surroundings).*work)();
     } catch (const PlatformError& error) {
         Session session(surroundings, arguments.dataFolder);
-        surroundings.err << session.text(text::terminal::kError) << ' ' << errorText(session.texts, error) << '\n';
+        surroundings.err << session.text(text::terminal::kError) << ' ' << session.explain(error) << '\n';
         return exitcode::kStopped;
     }
 }

@@ -8,8 +8,13 @@
 
 namespace kolmera::cli {
 
-TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful)
-    : errors_(errors), cancel_(cancel), emptyTables_(emptyTables), doubtful_(doubtful), bar_(STDERR_FILENO) {}
+TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful,
+                           bool drawsProgress)
+    : errors_(errors),
+      cancel_(cancel),
+      emptyTables_(emptyTables),
+      doubtful_(doubtful),
+      bar_(drawsProgress ? STDERR_FILENO : -1) {}
 
 Answer TerminalPort::show(const Message& message) {
     const bool titled = !message.title.empty() && !message.text.starts_with(message.title);

@@ -20,7 +20,8 @@ class TerminalPort final : public RunPort, public PassedOver {
     enum class Doubtful { Harmless, None, All };
 
     /// `cancel` is set by the signal handler. `emptyTables` ticks the box of the confirmation.
-    TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful = {});
+    TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful = {},
+                 bool drawsProgress = true);
 
     Answer show(const Message& message) override;
     [[nodiscard]] bool answers() const override { return false; }

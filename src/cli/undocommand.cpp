@@ -14,7 +14,6 @@
 #include "history/recordedundo.h"
 #include "history/runfolder.h"
 #include "history/undotexts.h"
-#include "lang/errortext.h"
 #include "lang/keys/company.h"
 #include "lang/keys/history.h"
 #include "lang/keys/terminal.h"
@@ -114,8 +113,7 @@ int UndoCommand::takeBack(const RunHeader& run) {
         printKept(recorded);
     }
     if (recorded.recordFailure()) {
-        surroundings_.err << session_.text(text::history::kUndoNotRecorded,
-                                           errorText(session_.texts, *recorded.recordFailure()))
+        surroundings_.err << session_.text(text::history::kUndoNotRecorded, session_.explain(*recorded.recordFailure()))
                           << '\n';
     }
     return finish(finished, recorded);

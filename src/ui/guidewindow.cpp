@@ -3,12 +3,14 @@
 #include <fmt/format.h>
 
 #include <QAbstractTextDocumentLayout>
+#include <QDesktopServices>
 #include <QDialog>
 #include <QImage>
 #include <QScrollBar>
 #include <QStyle>
 #include <QTextBlock>
 #include <QTextBrowser>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include "lang/keys/boxes.h"
@@ -37,6 +39,39 @@ class GuideText final : public QTextBrowser {
     int width_;
 };
 
+/// What a link within the guide calls a heading: its letters in lower case, with "-" for blanks.
+QString anchorOf(const QString& heading) {
+    QString anchor;
+    for (const QChar letter : heading.toLower()) {
+        if (letter.isLetterOrNumber()) anchor += letter;
+        if (letter == ' ' || letter == '-') anchor += '-';
+    }
+    return anchor;
+}
+
+/// Puts the heading with this number, from 1, at the top.
+void scrollTo(QTextBrowser& text, int heading) {
+    int number = 0;
+    for (QTextBlock block = text.document()->begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().headingLevel() == 0 || ++number != heading) continue;
+        text.setTextCursor(QTextCursor(block));
+        const double top = text.document()->documentLayout()->blockBoundingRect(block).top();
+        text.verticalScrollBar()->setValue(static_cast<int>(top));
+        return;
+    }
+}
+
+/// The number of the first heading that is called so; 0: none.
+int headingOf(const QTextBrowser& text, const QString& anchor) {
+    int number = 0;
+    for (QTextBlock block = text.document()->begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().headingLevel() == 0) continue;
+        ++number;
+        if (anchorOf(block.text()) == anchor) return number;
+    }
+    return 0;
+}
+
 /// The guide's text in its window, new or there already.
 QTextBrowser* textIn(QDialog& window) {
     constexpr int kLetters = 110, kLines = 40;
@@ -48,7 +83,14 @@ QTextBrowser* textIn(QDialog& window) {
     auto* text = new GuideText(&window, width - window.style()->pixelMetric(QStyle::PM_ScrollBarExtent) * 4);
     text->setObjectName(QStringLiteral("Text"));
     text->setAccessibleName(window.windowTitle());
-    text->setOpenExternalLinks(true);
+    text->setOpenLinks(false);
+    QObject::connect(text, &QTextBrowser::anchorClicked, text, [text](const QUrl& link) {
+        if (!link.scheme().isEmpty()) {
+            QDesktopServices::openUrl(link);
+        } else if (const int heading = headingOf(*text, link.fragment()); heading > 0) {
+            scrollTo(*text, heading);
+        }
+    });
     auto* layout = new QVBoxLayout(&window);
     layout->addWidget(text);
     window.resize(width, kLines * metrics.lineSpacing());
@@ -62,18 +104,6 @@ bool names(std::string_view line, std::string_view topic) {
     const std::string marks =
         fmt::format(", {},", line.substr(kBegin.size(), line.size() - kBegin.size() - kEnd.size()));
     return marks.find(fmt::format(", {},", topic)) != std::string::npos;
-}
-
-/// Puts the heading with this number, from 1, at the top.
-void scrollTo(QTextBrowser& text, int heading) {
-    int number = 0;
-    for (QTextBlock block = text.document()->begin(); block.isValid(); block = block.next()) {
-        if (block.blockFormat().headingLevel() == 0 || ++number != heading) continue;
-        text.setTextCursor(QTextCursor(block));
-        const double top = text.document()->documentLayout()->blockBoundingRect(block).top();
-        text.verticalScrollBar()->setValue(static_cast<int>(top));
-        return;
-    }
 }
 
 }  // namespace

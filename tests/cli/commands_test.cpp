@@ -37,7 +37,9 @@ TEST(CommandLine, WrongUseEndsWithTwoAndIsExplained) {
                  {{"jobs", "--data"}, "värde saknas efter --data"},
                  {{"jobs", "-d", "x", "extra"}, "väntades inte på kommandoraden: extra"},
                  {{"run", "Job", "-d", "x", "--strict", "--force"}, "--strict, --force kan inte användas tillsammans"},
-                 {{"run", "Job", "-d", "x", "--locale", "de"}, "--locale: de"}};
+                 {{"run", "Job", "-d", "x", "--locale", "de"}, "--locale: de"},
+                 {{"jobs", "-d", "x", "--jsn", "y"}, "Menade du --json?"},
+                 {{"undo", "last", "-d", "x", "--json", "--quiet"}, "--quiet kan inte användas tillsammans"}};
     CliMachine machine;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.told);
@@ -90,6 +92,24 @@ TEST(CommandLine, RunStopsWithAMessage) {
     std::ofstream(machine.file("settings.ini")) << "[Start]\nLang=EN\n";
     (void)machine.run(cases[0].arguments);
     EXPECT_TRUE(machine.err().starts_with("Error: ")) << "not in the user's language: " << machine.err();
+}
+
+TEST(CommandLine, SaysAsMuchAsIsWanted) {
+    DemoMachine machine;
+    const auto runJob = [&](const std::string& job, const char* option) { return machine.runJob(job, {option}); };
+    EXPECT_EQ(runJob("Granlid arbetsbok", "--quiet"), cli::exitcode::kDone);
+    EXPECT_EQ(machine.out() + machine.err(), "");
+    EXPECT_EQ(runJob("(EIO)", "-q"), cli::exitcode::kPassedOver);
+    EXPECT_EQ(machine.out(), "");
+    EXPECT_TRUE(contains(machine.err(), "0001A550")) << "remarks kept back: " << machine.err();
+    EXPECT_FALSE(contains(machine.err(), "[3421"));
+    EXPECT_EQ(runJob("(EIO)", "--verbose"), cli::exitcode::kPassedOver);
+    EXPECT_TRUE(contains(machine.err(), " [3421: ")) << machine.err();
+    std::filesystem::create_directory(machine.file("s.json"));
+    EXPECT_EQ(machine.runJob("(EIO)", {"-v", "--summary", machine.file("s.json")}), cli::exitcode::kStopped);
+    EXPECT_TRUE(contains(machine.err(), "errno 21: ")) << machine.err();
+    EXPECT_EQ(machine.runJob("zzz"), cli::exitcode::kStopped);
+    EXPECT_TRUE(contains(machine.err(), R"("Ekhult semikolonlista", "Granlid arbetsbok")")) << machine.err();
 }
 
 TEST(CommandLine, CancelKeepsWhatWasRead) {

@@ -263,6 +263,9 @@ TEST_F(PrisStyrTest, KeepsTheLimitsOfAJob) {
         world.boxPort.answers = {Answer::OK};
         control<QPushButton>(limits, "OK").click();
         EXPECT_TRUE(limits.isVisible()) << "what is no number was taken";
+        world.boxPort.answers = {Answer::No};
+        limits.close();
+        EXPECT_TRUE(limits.isVisible()) << "changes thrown away";
         fields[2]->setText("12,5");
         control<QPushButton>(limits, "OK").click();
     });

@@ -28,6 +28,14 @@ TargetLayout textColumns(std::size_t count) {
     return layout;
 }
 
+/// The window's own button asks when something has been changed, and No keeps the window.
+void expectAsksBeforeClosing(QDialog& form, FormWorld& world) {
+    world.boxPort.answers = {Answer::No};
+    form.close();
+    EXPECT_TRUE(form.isVisible()) << "changes thrown away";
+    EXPECT_TRUE(world.boxPort.answers.empty());
+}
+
 std::string box(int name) { return fromQt(PropertyGrid::nameOfBox(name)); }
 
 TEST(SourceWindow, CorrectsWhatWasFoundByKeysAlone) {
@@ -71,7 +79,10 @@ TEST(SourceWindow, CorrectsWhatWasFoundByKeysAlone) {
         control<QCheckBox>(form, "Omvandla").setChecked(false);
         EXPECT_FALSE(control(form, box(Name::Skip).c_str()).isEnabled());
         EXPECT_FALSE(form.converts());
+        expectAsksBeforeClosing(form, world);
+        world.boxPort.answers = {Answer::Yes};
         form.close();
+        EXPECT_FALSE(form.isVisible());
     }
 }
 
@@ -128,6 +139,7 @@ TEST(ColumnsWindow, ShowsBeforeAndAfterByKeysAlone) {
             replaced.item(0, 1)->setText("0");
             EXPECT_TRUE(eventually([&] { return values.item(2, 2)->text() == "0"; }));
             EXPECT_EQ(replaced.rowCount(), 2) << "no empty row for the next one";
+            expectAsksBeforeClosing(window, world);
             auto& suffix = control<QLineEdit>(window, at(ColumnProperty::AddSuffix).c_str());
             suffix.setFocus();
             QTest::keyClicks(&suffix, "0");
@@ -148,6 +160,7 @@ TEST(ColumnsWindow, ShowsBeforeAndAfterByKeysAlone) {
             QTest::keyClicks(&text, "m?tter");
             QTest::keyClick(&text, Qt::Key_Return);
             takePicture(window, std::string("leftoutwindow-") + language);
+            expectAsksBeforeClosing(window, world);
             EXPECT_EQ(control<QListWidget>(window, "Mönster").count(), 2);
             EXPECT_EQ(control<QListWidget>(window, "Rader").count(), 2);
             QTest::keyClicks(&text, "inget");
@@ -161,7 +174,10 @@ TEST(ColumnsWindow, ShowsBeforeAndAfterByKeysAlone) {
         EXPECT_TRUE(rows.came());
         EXPECT_EQ(editor.settings().leaveOut,
                   (std::vector<LeftOutRows>{{.column = {}, .pattern = "summa*"}, {.column = {}, .pattern = "m?tter"}}));
+        expectAsksBeforeClosing(form, world);
+        world.boxPort.answers = {Answer::Yes};
         form.close();
+        EXPECT_FALSE(form.isVisible());
     }
 }
 

@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextBrowser>
+#include <QUrl>
 #include <sstream>
 
 #include "platform/tsv.h"
@@ -52,6 +53,26 @@ TEST(GuideWindow, OpensWhereTheGuideTellsOfTheWindow) {
     openGuide(&form, texts, folder.path(), "MaskSample");
     EXPECT_EQ(form.findChildren<QTextBrowser*>().size(), 1) << "a second guide";
     EXPECT_EQ(text->cursorForPosition({20, 20}).block().text(), "Masks");
+}
+
+TEST(GuideWindow, FollowsTheLinksOfItsIndex) {
+    for (const char* language : {"SE", "EN"}) {
+        LanguageTexts texts;
+        texts.InitSpråkOrd(language);
+        QWidget form;
+        ASSERT_TRUE(openGuide(&form, texts, KOLMERA_SOURCE_DIR "/docs", {}));
+        auto* text = form.findChild<QTextBrowser*>("Text");
+        const std::string guide = readWholeFile(guideFile(KOLMERA_SOURCE_DIR "/docs", *language == 'S' ? "SE" : "EN"));
+        int links = 0;
+        constexpr std::string_view kLink = "](#";
+        for (auto at = guide.find(kLink); at != std::string::npos; at = guide.find(kLink, at + 1), ++links) {
+            const std::string anchor = guide.substr(at + 2, guide.find(')', at) - at - 2);
+            text->setTextCursor(QTextCursor(text->document()));
+            emit text->anchorClicked(QUrl(QString::fromStdString(anchor)));
+            EXPECT_GT(text->textCursor().position(), 0) << "leads nowhere: " << anchor;
+        }
+        EXPECT_GT(links, 20);
+    }
 }
 
 TEST(GuideWindow, EveryWindowHasAChapter) {

@@ -36,7 +36,7 @@ QTableWidget* table(QWidget& parent, const char* name, const QStringList& captio
 }  // namespace
 
 ColumnsWindow::ColumnsWindow(Program& program, ColumnEditor& editor, QWidget* parent)
-    : QDialog(parent), program_(program), editor_(editor) {
+    : QDialog(parent), program_(program), editor_(editor), before_(editor.settings()) {
     constexpr int kWidth = 990, kHeight = 620;
     setObjectName(QStringLiteral("ColumnsWindow"));
     setWindowTitle(QStringLiteral("Kolumner och värden"));
@@ -63,14 +63,26 @@ ColumnsWindow::ColumnsWindow(Program& program, ColumnEditor& editor, QWidget* pa
         present();
     };
     connect(ok_, &QPushButton::clicked, this, [this] {
-        ok_->setFocus();  // what is typed into a cell counts, too, where the button was pressed by its letter
-        egenskaper_->commit();
+        takeWhatIsTyped();
         accept();
     });
-    connect(avbryt_, &QPushButton::clicked, this, [this] { reject(); });
+    connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
     resize(kWidth, kHeight);
     present();
     kolumner_->setFocus();
+}
+
+// Esc and the window's own button; "Avbryt" says what it does.
+void ColumnsWindow::reject() {
+    takeWhatIsTyped();
+    if (!(editor_.settings() == before_) && !leaveUnsaved(program_)) return;
+    QDialog::reject();
+}
+
+// What is typed into a cell counts, too, where a button was pressed by its letter.
+void ColumnsWindow::takeWhatIsTyped() {
+    ok_->setFocus();
+    egenskaper_->commit();
 }
 
 void ColumnsWindow::build() {

@@ -21,6 +21,7 @@ class ColumnsWindow final : public QDialog {
     ColumnsWindow(Program& program, ColumnEditor& editor, QWidget* parent);
 
   private:
+    void reject() override;
     void build();
     void layOut();
     void present();
@@ -28,9 +29,11 @@ class ColumnsWindow final : public QDialog {
     void presentShown();
     void presentReplacements();
     void takeReplacements();
+    void takeWhatIsTyped();
 
     Program& program_;
     ColumnEditor& editor_;
+    SourceSettings before_;
     QLabel *lblKolumner_, *lblVärden_, *lblErsätt_, *anmärkning_;
     QListWidget* kolumner_;
     PropertyGrid* egenskaper_;

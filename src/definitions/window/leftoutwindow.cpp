@@ -18,7 +18,7 @@
 namespace kolmera {
 
 LeftOutWindow::LeftOutWindow(Program& program, LeftOutEditor& editor, QWidget* parent)
-    : QDialog(parent), program_(program), editor_(editor) {
+    : QDialog(parent), program_(program), editor_(editor), before_(editor.patterns()) {
     constexpr int kWidth = 720, kHeight = 560;
     setObjectName(QStringLiteral("LeftOutWindow"));
     setWindowTitle(QStringLiteral("Rader som utelämnas"));
@@ -51,10 +51,17 @@ LeftOutWindow::LeftOutWindow(Program& program, LeftOutEditor& editor, QWidget* p
         present();
         ok_->setFocus();
     });
-    connect(avbryt_, &QPushButton::clicked, this, [this] { reject(); });
+    connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
     resize(kWidth, kHeight);
     present();
     text_->setFocus();
+}
+
+// Esc and the window's own button; "Avbryt" says what it does.
+void LeftOutWindow::reject() {
+    const bool changed = editor_.patterns() != before_ || !text_->text().isEmpty();
+    if (changed && !leaveUnsaved(program_)) return;
+    QDialog::reject();
 }
 
 void LeftOutWindow::build() {
@@ -129,7 +136,7 @@ void LeftOutWindow::present() {
     for (const auto& [number, text] : editor_.leftOut())
         rader_->addItem(QStringLiteral("%1  ").arg(number) + toQt(text).simplified());
     lblRader_->setText(toQt(editor_.summary()));
-    rader_->setAccessibleName(lblRader_->text());
+    rader_->setAccessibleName(lblRader_->text().remove('&'));
 }
 
 }  // namespace kolmera

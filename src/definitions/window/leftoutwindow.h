@@ -19,12 +19,14 @@ class LeftOutWindow final : public QDialog {
     LeftOutWindow(Program& program, LeftOutEditor& editor, QWidget* parent);
 
   private:
+    void reject() override;
     void build();
     void layOut();
     void present();
 
     Program& program_;
     LeftOutEditor& editor_;
+    std::vector<LeftOutRows> before_;
     QLabel *ledtext_, *lblMönster_, *lblKolumn_, *lblText_, *lblRader_;
     QListWidget *mönster_, *rader_;
     QComboBox* kolumn_;

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <algorithm>
 
 #include "ui/controls.h"
 #include "ui/fields.h"
@@ -14,7 +15,10 @@
 namespace kolmera {
 
 LimitsWindow::LimitsWindow(Program& program, const Limits& limits, QWidget* parent)
-    : QDialog(parent), program_(program), editor_(program.texts, program.state.locale, limits) {
+    : QDialog(parent),
+      program_(program),
+      editor_(program.texts, program.state.locale, limits),
+      asItCame_(editor_.rows) {
     constexpr int kDigits = 12, kLetters = 60;
     setObjectName(QStringLiteral("LimitsWindow"));
     setWindowTitle(QStringLiteral("Gränser"));
@@ -40,7 +44,7 @@ LimitsWindow::LimitsWindow(Program& program, const Limits& limits, QWidget* pare
     ok->setDefault(true);
     QPushButton* cancel = button(*this, "Avbryt", "&Avbryt");
     connect(ok, &QPushButton::clicked, this, [this] { agree(); });
-    connect(cancel, &QPushButton::clicked, this, [this] { reject(); });
+    connect(cancel, &QPushButton::clicked, this, [this] { QDialog::reject(); });
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(ok);
@@ -50,6 +54,15 @@ LimitsWindow::LimitsWindow(Program& program, const Limits& limits, QWidget* pare
     installEnterSomTab(*this);
     loadForm(program, *this);
     fields_.front()->setFocus();
+}
+
+// Esc and the window's own button; "Avbryt" says what it does.
+void LimitsWindow::reject() {
+    const auto isAsItCame = [](const QLineEdit* field, const LimitsEditor::Row& row) {
+        return fromQt(field->text()) == row.text;
+    };
+    if (!std::ranges::equal(fields_, asItCame_, isAsItCame) && !leaveUnsaved(program_)) return;
+    QDialog::reject();
 }
 
 void LimitsWindow::agree() {

@@ -19,10 +19,12 @@ class LimitsWindow final : public QDialog {
     [[nodiscard]] Limits limits() const { return editor_.limits(); }
 
   private:
+    void reject() override;
     void agree();
 
     Program& program_;
     LimitsEditor editor_;
+    std::vector<LimitsEditor::Row> asItCame_;
     std::vector<QLineEdit*> fields_;
 };
 

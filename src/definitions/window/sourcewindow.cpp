@@ -36,7 +36,12 @@ void removeAll(QLayout& layout) {
 
 SourceWindow::SourceWindow(Program& program, SourceEditor& editor, bool converts,
                            std::function<TargetLayout(std::size_t columns)> target, QWidget* parent)
-    : QDialog(parent), program_(program), editor_(editor), target_(std::move(target)) {
+    : QDialog(parent),
+      program_(program),
+      editor_(editor),
+      before_(editor.settings()),
+      convertedBefore_(converts),
+      target_(std::move(target)) {
     constexpr int kWidth = 960, kHeight = 600;
     setObjectName(QStringLiteral("SourceWindow"));
     setWindowTitle(QStringLiteral("Prisfilens format"));
@@ -60,9 +65,17 @@ SourceWindow::SourceWindow(Program& program, SourceEditor& editor, bool converts
         egenskaper_->commit();
         accept();
     });
-    connect(avbryt_, &QPushButton::clicked, this, [this] { reject(); });
+    connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
     resize(kWidth, kHeight);
     present();
+}
+
+// Esc and the window's own button; "Avbryt" says what it does.
+void SourceWindow::reject() {
+    egenskaper_->commit();
+    const bool changed = omvandla_->isChecked() != convertedBefore_ || !(editor_.settings() == before_);
+    if (changed && !leaveUnsaved(program_)) return;
+    QDialog::reject();
 }
 
 bool SourceWindow::converts() const { return omvandla_->isChecked() && editor_.error().empty(); }

@@ -30,6 +30,7 @@ class SourceWindow final : public QDialog {
     [[nodiscard]] bool converts() const;
 
   private:
+    void reject() override;
     void build();
     void layOut();
     void present();
@@ -41,6 +42,8 @@ class SourceWindow final : public QDialog {
 
     Program& program_;
     SourceEditor& editor_;
+    SourceSettings before_;
+    bool convertedBefore_;
     std::function<TargetLayout(std::size_t columns)> target_;
     QLabel* ord_;
     QCheckBox* omvandla_;

@@ -1,5 +1,7 @@
 #include "history/window/histogram.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
@@ -13,7 +15,17 @@ namespace {
 
 constexpr int kLettersOfBar = 5, kLines = 7;
 
+QAccessibleInterface* asChart(const QString& /*className*/, QObject* object) {
+    auto* histogram = dynamic_cast<Histogram*>(object);
+    return histogram == nullptr ? nullptr : new QAccessibleWidget(histogram, QAccessible::Chart);
+}
+
 }  // namespace
+
+Histogram::Histogram(QWidget* parent) : QWidget(parent) {
+    setFocusPolicy(Qt::TabFocus);
+    QAccessible::installFactory(asChart);  // once, however often it is installed
+}
 
 void Histogram::show(std::vector<double> bars, QStringList edges, QStringList names) {
     bars_ = std::move(bars);

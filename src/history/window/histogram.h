@@ -10,7 +10,7 @@ namespace kolmera {
 /// the description that the caller gives.
 class Histogram final : public QWidget {
   public:
-    explicit Histogram(QWidget* parent) : QWidget(parent) { setFocusPolicy(Qt::TabFocus); }
+    explicit Histogram(QWidget* parent);
 
     /// `edges` stand between the bars: one less than bars. `names` are the bars' tool tips.
     void show(std::vector<double> bars, QStringList edges, QStringList names);

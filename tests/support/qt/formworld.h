@@ -71,10 +71,14 @@ class WhenShown {
 };
 
 /// Fails for every text of a form that differs from the Swedish column of the language texts, for every text that has
-/// no English one, and for every caption, button and column header that is cut off; and what follows.
+/// no English one, and for every caption, button and column header that is cut off; and as the next three do.
 void expectTextsInBothLanguages(QWidget& form, FormWorld& world);
-/// Fails for every control that can have the focus and that a screen reader has no name for.
+
+/// Fails for every control that can have the focus and of which a screen reader cannot say its name and what it is.
 void expectNamesForScreenReaders(QWidget& form);
+/// Fails where Tab goes back: up, but to the next column, or to the left within a row. A search box may stand behind
+/// its list.
+void expectReadingOrder(QWidget& form);
 /// Fails for every letter that is the mnemonic of two controls that can be seen, or menus of the window's bar.
 void expectUniqueMnemonics(const QWidget& form);
 
