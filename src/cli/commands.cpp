@@ -13,6 +13,7 @@
 #include "cli/limitscommand.h"
 #include "cli/newcommand.h"
 #include "cli/previewcommand.h"
+#include "cli/registercommand.h"
 #include "cli/repaircommand.h"
 #include "cli/runcommand.h"
 #include "cli/servercommands.h"
@@ -295,6 +296,28 @@ void addDiscounts(Commands& commands) {
     commands.add<DiscountsArguments>("import", text::help::kImport, describe, importDiscountsCommand, discounts);
 }
 
+void addRegisters(Commands& commands) {
+    commands.add<RegistersArguments>(
+        "registers", text::help::kRegisters,
+        [](Command& command, RegistersArguments& arguments) {
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        registersCommand);
+    commands.add<RegisterArguments>(
+        "register", text::help::kRegister,
+        [](Command& command, RegisterArguments& arguments) {
+            command.argument("NAME", arguments.name, text::help::kRegisterName);
+            command.option("ACTION", arguments.action, text::help::kRegisterAction);
+            command.list("WORDS", arguments.words, text::help::kRegisterWords);
+            command.data(arguments.dataFolder);
+            command.option("--company", arguments.company, text::help::kCompany);
+            command.list("--columns", arguments.columns, text::help::kRegisterColumns);
+            command.flag("--dry-run", arguments.dryRun, text::help::kRegisterDryRun);
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        registerCommand);
+}
+
 }  // namespace
 
 void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& surroundings,
@@ -307,6 +330,7 @@ void describeCommands(CLI::App& app, const HelpText& text, const Surroundings& s
     addCompanies(commands);
     addDiscounts(commands);
     addTemplates(commands);
+    addRegisters(commands);
 }
 
 }  // namespace kolmera::cli

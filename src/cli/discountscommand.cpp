@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 #include <optional>
 #include <ostream>
 #include <utility>
 
+#include "cli/companychoice.h"
 #include "cli/session.h"
 #include "cli/terminalport.h"
 #include "definitions/supplierlist.h"
@@ -18,7 +18,6 @@
 #include "lang/keys/letter.h"
 #include "lang/keys/terminal.h"
 #include "platform/lettercase.h"
-#include "startup/companylist.h"
 #include "startup/startup.h"
 
 namespace kolmera::cli {
@@ -53,7 +52,6 @@ class LetterCommand {
     bool openCompany();
     bool waitForLock();
     [[nodiscard]] int stopped() { return port_.cancelled() ? exitcode::kCancelled : exitcode::kStopped; }
-    [[nodiscard]] std::optional<std::string> companyDatabase();
     [[nodiscard]] std::optional<std::string> supplierNumber();
     bool canReplace(LetterExchange& exchange);
     int finish(const LetterRead& report);
@@ -89,25 +87,11 @@ bool LetterCommand::waitForLock() {
     return !port_.cancelled();
 }
 
-std::optional<std::string> LetterCommand::companyDatabase() {
-    const std::vector<Company> companies = companyList(companies_, session_.state.dataFolder());
-    const bool named = !arguments_.company.empty();
-    const std::string_view wanted = named ? arguments_.company : session_.state.StandardFöretag;
-    if (auto database = databaseNamed(companies, wanted)) return database;
-    if (!named && companies.size() == 1) return companies.front().database;
-    std::vector<std::string> databases;
-    std::ranges::transform(companies, std::back_inserter(databases), &Company::database);
-    stop(named ? session_.text(text::company::kNoSuchCompany, arguments_.company)
-         : companies.empty()
-             ? session_.text(text::terminal::kNotADataFolder, session_.state.dataFolder().string())
-             : session_.text(text::letter::kNameACompany, fmt::format("{}", fmt::join(databases, ", "))));
-    return std::nullopt;
-}
-
 bool LetterCommand::openCompany() {
     if (!session_.hasDataFolder(surroundings_.err)) return false;
     LäsDorvikIni(session_.state);
-    const std::optional<std::string> database = companyDatabase();
+    const std::optional<std::string> database =
+        chosenCompany(session_, companies_, arguments_.company, surroundings_.err);
     if (!database) return false;
     database_ = *database;
     return companies_.ÖppnaDatabas(database_);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <variant>
 
 #include "db/companyschema_text.h"
 #include "platform/error.h"
@@ -100,6 +101,61 @@ std::vector<NewCompanyRow> newCompanyRows(std::string_view companyName) {
     constexpr std::int64_t kPriceDecimals = 2;
     return {{"Syinställningar", {{"Företagsnamn", std::string(companyName)}}},
             {"Syinställningar2", {{"PDecInpris", kPriceDecimals}, {"PDecUtpris", kPriceDecimals}}}};
+}
+
+namespace {
+
+struct FirstValue {
+    std::string_view table, column;
+    std::variant<bool, std::int64_t, double, std::string_view> value;
+};
+
+/// Prices are rounded to tenths, halves, units, tens and hundreds; those below 10 keep their decimals. Where ranges
+/// meet, the first one counts.
+constexpr FirstValue kFilled[] = {
+    {"Syinställningar", "1OMomsproc", 25.0},
+    {"Syinställningar", "2OMomsproc", 12.0},
+    {"Syinställningar", "3OMomsproc", 6.0},
+    {"Syinställningar", "PInköpsfaktor", 1.0},
+    {"Syinställningar", "PFörsäljfaktor", 1.0},
+    {"Syinställningar", "PStatistikfaktor", 1.0},
+    {"Syinställningar", "PInköpsenhet", "st"},
+    {"Syinställningar", "PFörsäljenhet", "st"},
+    {"Syinställningar", "PStatistikenhet", "st"},
+    {"Syinställningar", "PMomsKod", "1"},
+    {"Syinställningar", "PValutakod", "SEK"},
+    {"Syinställningar2", "PPrisAvrund",
+     "10\r\n100\r\n100\r\n1000\r\n1000\r\n10000\r\n10000\r\n100000\r\n100000\r\n100000000"},
+    {"Syinställningar2", "PAutoUppdatUtpris", true},
+    {"Syvaluta", "Kod", "SEK"},
+    {"Syvaluta", "Benämning", "Svenska kronor"},
+    {"Syvaluta", "Kundreskontra", 1.0},
+    {"Syvaluta", "Levreskontra", 1.0},
+    {"Syvaluta", "Faktor", std::int64_t{1}},
+    {"Prodaltrubrik", "Nummer", std::int64_t{1}},
+    {"Prodaltrubrik", "Rubrik", "EAN"},
+};
+
+Value valueOf(const FirstValue& first) {
+    if (const auto* text = std::get_if<std::string_view>(&first.value)) return std::string(*text);
+    if (const auto* truth = std::get_if<bool>(&first.value)) return *truth;
+    if (const auto* whole = std::get_if<std::int64_t>(&first.value)) return *whole;
+    return std::get<double>(first.value);
+}
+
+}  // namespace
+
+std::vector<NewCompanyRow> filledCompanyRows(std::string_view companyName) {
+    std::vector<NewCompanyRow> rows = newCompanyRows(companyName);
+    for (const FirstValue& first : kFilled) {
+        auto row = std::ranges::find(rows, first.table, &NewCompanyRow::table);
+        if (row == rows.end()) {
+            rows.push_back({.table = std::string(first.table), .values = {}});
+            row = rows.end() - 1;
+        }
+        row->values.emplace_back(first.column, valueOf(first));
+    }
+    return rows;
 }
 
 std::vector<TableDef> companySchema() { return parseSchema(kSchemaText, kIndexesText); }

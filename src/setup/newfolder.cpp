@@ -66,7 +66,8 @@ bool mayBecomeDataFolder(const fs::path& folder) {
 }
 
 void makeNewFolder(const fs::path& folder, const std::string& companyName) {
-    makeFolder(folder, [&](const fs::path& made) { createCompany(made, kFirstCompany, companyName); });
+    makeFolder(folder,
+               [&](const fs::path& made) { createCompany(made, kFirstCompany, companyName, {}, FirstRows::Filled); });
 }
 
 void makeDemoFolder(const fs::path& folder, const std::string& companyName, const fs::path& demoFiles,

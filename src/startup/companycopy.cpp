@@ -158,9 +158,10 @@ class CompanyCopy {
         return isNull(value) || value == Value(false) || value == Value(std::int64_t{0}) || value == Value(0.0);
     }
 
-    /// Whether the target is as it was made: no rows but the first settings.
-    bool isNew() {
-        const std::vector<NewCompanyRow> firstRows = newCompanyRows({});
+    /// Whether the target is as it was made: no rows but its first ones.
+    bool isNew() { return holdsOnly(newCompanyRows({})) || holdsOnly(filledCompanyRows({})); }
+
+    bool holdsOnly(const std::vector<NewCompanyRow>& firstRows) {
         return std::ranges::all_of(schema_, [&](const TableDef& table) {
             TableReader reader(target_, table);
             const std::vector<Row> rows = reader.next();
@@ -171,7 +172,7 @@ class CompanyCopy {
     }
 
     void removeFirstRows() {
-        for (const NewCompanyRow& row : newCompanyRows({})) target_.execute("DELETE FROM " + row.table);
+        for (const NewCompanyRow& row : filledCompanyRows({})) target_.execute("DELETE FROM " + row.table);
     }
 
     /// Whether the rows of every table of the target are the first ones of the source's.

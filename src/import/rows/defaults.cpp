@@ -77,20 +77,21 @@ constexpr Default kProductDefaults[] = {
 };
 
 struct GroupAccount {
-    int ordinal;
+    ColumnPlace column;
     std::string_view setting;
 };
+consteval ColumnPlace account(std::string_view name) { return {name, ordinal(kProdgrupp, name)}; }
 
-constexpr GroupAccount kGroupAccounts[] = {{ordinal(kProdgrupp, "Momskonto1"), "PMomskod1"},
-                                           {ordinal(kProdgrupp, "Momskonto2"), "PMomskod2"},
-                                           {ordinal(kProdgrupp, "Momskonto3"), "PMomskod3"},
-                                           {ordinal(kProdgrupp, "Momsfrittkonto"), "PMomsfritt"},
-                                           {ordinal(kProdgrupp, "EUkonto"), "PUtförselEU"},
-                                           {ordinal(kProdgrupp, "Exportkonto"), "PExport"},
-                                           {ordinal(kProdgrupp, "Lagerkonto"), "PLagerkonto"},
-                                           {ordinal(kProdgrupp, "Varukostnadskonto"), "PVarukostnad"},
-                                           {ordinal(kProdgrupp, "Internuttagskonto"), "PInternUttag"},
-                                           {ordinal(kProdgrupp, "Rabattkonto"), "PRabattKonto"}};
+constexpr GroupAccount kGroupAccounts[] = {{account("Momskonto1"), "PMomskod1"},
+                                           {account("Momskonto2"), "PMomskod2"},
+                                           {account("Momskonto3"), "PMomskod3"},
+                                           {account("Momsfrittkonto"), "PMomsfritt"},
+                                           {account("EUkonto"), "PUtförselEU"},
+                                           {account("Exportkonto"), "PExport"},
+                                           {account("Lagerkonto"), "PLagerkonto"},
+                                           {account("Varukostnadskonto"), "PVarukostnad"},
+                                           {account("Internuttagskonto"), "PInternUttag"},
+                                           {account("Rabattkonto"), "PRabattKonto"}};
 
 /// The setting is at fault when a default cannot be written.
 std::string statement(const Default& row) {
@@ -160,10 +161,27 @@ void NewProductDefaults::apply(const Line& line, Recordset& product) {
     }
 }
 
+std::vector<SettingDefault> productDefaultSettings() {
+    std::vector<SettingDefault> settings;
+    for (const Default& row : kProductDefaults) {
+        if (row.from == Syinställningar) settings.push_back({row.column.name, "Syinställningar", row.setting});
+        if (row.from == Syinställningar2) settings.push_back({row.column.name, "Syinställningar2", row.setting});
+    }
+    return settings;
+}
+
+std::vector<SettingDefault> groupDefaultSettings() {
+    std::vector<SettingDefault> settings;
+    for (const GroupAccount& row : kGroupAccounts) {
+        settings.push_back({row.column.name, "Syinställningar", row.setting});
+    }
+    return settings;
+}
+
 void SättGruppKonton(Recordset& group, Recordset& settings, PassedOver& passedOver) {
     for (const GroupAccount& row : kGroupAccounts) {
         attempt(passedOver, fmt::format("Syinställningar.{}", row.setting),
-                [&] { group.set(row.ordinal, settings.value(row.setting)); });
+                [&] { group.set(row.column.ordinal, settings.value(row.setting)); });
     }
 }
 

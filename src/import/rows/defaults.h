@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/attempt.h"
@@ -38,6 +39,14 @@ class NewProductDefaults {
     std::vector<Line> lines_;
     bool resolved_ = false;
 };
+
+/// A column of a new row, and the settings column that its default stands in.
+struct SettingDefault {
+    std::string_view column, table, setting;
+};
+/// The settings that fill new products, and new product groups.
+std::vector<SettingDefault> productDefaultSettings();
+std::vector<SettingDefault> groupDefaultSettings();
 
 /// Copies the account defaults of the company into a new product group (added, not yet saved).
 void SättGruppKonton(Recordset& group, Recordset& settings, PassedOver& passedOver);

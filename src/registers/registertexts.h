@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "registers/register.h"
+
+namespace kolmera {
+
+/// A row by its key: "100", "4711 / 100".
+std::string rowName(const std::vector<std::string>& key);
+
+/// What is wrong with a row, one sentence: row, column and text are named. `row` is as `rowName` has it, or the row of
+/// a file.
+std::string problemText(LanguageTexts& texts, const Register& of, const std::string& row,
+                        const RegisterProblem& problem);
+
+}  // namespace kolmera
