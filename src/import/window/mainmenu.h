@@ -23,7 +23,7 @@ class MainMenu {
     };
     /// What has no button.
     struct Acts {
-        std::function<void()> copyJob, readOtherFile, copyRow, search, guide, about, otherFolder;
+        std::function<void()> copyJob, readOtherFile, copyRow, search, guide, about, otherFolder, products, registers;
         std::function<void(const std::filesystem::path&)> openFolder;
         std::function<void(const std::string& language)> speak;
     };
@@ -53,7 +53,7 @@ class MainMenu {
     Acts acts_;
     QMenuBar* bar_;
     QMenu *recent_, *language_;
-    QAction *copyJob_, *otherFile_, *copyRow_, *search_, *guide_;
+    QAction *copyJob_, *otherFile_, *copyRow_, *search_, *guide_, *products_, *registers_;
     std::vector<QAction*> aboutJob_, restful_;  ///< the latter are not to be had during a run
 };
 
