@@ -17,6 +17,7 @@
 #include "cli/limitscommand.h"
 #include "cli/newcommand.h"
 #include "cli/previewcommand.h"
+#include "cli/productcommand.h"
 #include "cli/registercommand.h"
 #include "cli/repaircommand.h"
 #include "cli/runcommand.h"
@@ -46,6 +47,9 @@ class Command {
     }
     CLI::Option* list(const char* name, std::vector<std::string>& values, ModuleKey purpose) {
         return command_.add_option(name, values, text_(purpose));
+    }
+    CLI::Option* number(const char* name, int& value, ModuleKey purpose) {
+        return command_.add_option(name, value, text_(purpose))->check(CLI::NonNegativeNumber);
     }
     CLI::Option* flag(const char* name, bool& value, ModuleKey purpose) {
         return command_.add_flag(name, value, text_(purpose));
@@ -378,6 +382,15 @@ void addRegisters(Commands& commands) {
             command.flag("--json", arguments.json, text::help::kJson);
         },
         registerCommand);
+    commands.add<ProductArguments>(
+        "product", text::help::kProductCommand,
+        [](Command& command, ProductArguments& arguments) {
+            command.argument("NUMBER", arguments.number, text::help::kProductNumber).data(arguments.dataFolder);
+            command.option("--company", arguments.company, text::help::kCompany);
+            command.number("--changes", arguments.changes, text::help::kProductChanges);
+            command.flag("--json", arguments.json, text::help::kJson);
+        },
+        productCommand);
 }
 
 }  // namespace

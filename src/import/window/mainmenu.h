@@ -24,7 +24,7 @@ class MainMenu {
     /// What has no button.
     struct Acts {
         std::function<void()> copyJob, readOtherFile, copyRow, search, saveTemplate, openTemplate, guide, about,
-            otherFolder;
+            otherFolder, products, registers;
         std::function<void(const std::filesystem::path&)> openFolder;
         std::function<void(const std::string& language)> speak;
     };
@@ -54,7 +54,7 @@ class MainMenu {
     Acts acts_;
     QMenuBar* bar_;
     QMenu *recent_, *language_;
-    QAction *copyJob_, *otherFile_, *copyRow_, *search_, *saveTemplate_, *guide_;
+    QAction *copyJob_, *otherFile_, *copyRow_, *search_, *saveTemplate_, *guide_, *products_, *registers_;
     std::vector<QAction*> aboutJob_, restful_;  ///< the latter are not to be had during a run
 };
 

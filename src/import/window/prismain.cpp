@@ -45,6 +45,8 @@
 #include "lang/keys/prisstyr.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
+#include "products/window/productwindow.h"
+#include "registers/window/registerswindow.h"
 #include "ui/controls.h"
 #include "ui/copyrows.h"
 #include "ui/filedialogs.h"
@@ -159,6 +161,8 @@ void PrisMain::buildMenu() {
                     const auto folder = program_.chooseDataFolder(this);
                     if (folder) leaveFor({.dataFolder = *folder, .language = {}});
                 },
+            .products = [this] { showProducts(program_, this); },
+            .registers = [this] { showRegisters(program_, this); },
             .openFolder =
                 [this](const std::filesystem::path& folder) { leaveFor({.dataFolder = folder, .language = {}}); },
             .speak = [this](const std::string& language) { leaveFor({.dataFolder = {}, .language = language}); }});

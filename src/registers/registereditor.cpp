@@ -1,0 +1,172 @@
+#include "registers/registereditor.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "lang/errortext.h"
+#include "lang/keys/registers.h"
+#include "lang/keys/registerswindow.h"
+#include "platform/searchwords.h"
+#include "platform/systemuser.h"
+#include "registers/registertexts.h"
+
+namespace kolmera {
+
+RegisterEditor::RegisterEditor(SqlLayer& sql, LanguageTexts& texts, const std::filesystem::path& dataFolder,
+                               std::string company)
+    : sql_(sql), texts_(texts), folder_(dataFolder), company_(std::move(company)) {}
+
+void RegisterEditor::open(const RegisterDefinition& definition) {
+    rows_.clear();
+    shown_.clear();
+    register_.emplace(definition, sql_, texts_);
+    for (int column = 0; column < static_cast<int>(register_->columns().size()); ++column) {
+        if (register_->column(column).listed) shown_.push_back(column);
+    }
+}
+
+void RegisterEditor::read(std::string_view words) {
+    const SearchWords wanted(words);
+    rows_.clear();
+    more_ = false;
+    register_->forEachRow([&](const RegisterRow& row) {
+        if (!wanted.empty()) {
+            std::string text;
+            for (const int column : shown_) text.append(register_->textOf(row, column)).append(" ");
+            if (!wanted.in(text)) return true;
+        }
+        more_ = rows_.size() >= kMostRows;
+        if (!more_) rows_.push_back(row);
+        return !more_;
+    });
+}
+
+bool RegisterEditor::canEdit(const RegisterRow& row, int column, bool isNew) const {
+    const RegisterColumn cell = register_->cell(row, column);
+    return !cell.fixed && (isNew || !cell.key);
+}
+
+std::vector<std::string> RegisterEditor::save(const RegisterRow& shown, bool isNew,
+                                              const std::map<int, std::string>& texts) {
+    RegisterValues values;
+    std::vector<RegisterProblem> problems;
+    RegisterRow named = shown;
+    for (const auto& [column, text] : texts) {
+        if (!isNew && text == register_->textOf(shown, column)) continue;
+        if (isNew && text.empty() && !register_->column(column).key) continue;  // the column's default
+        Value& value = values[column];
+        if (auto problem = register_->valueOf(shown, column, text, value)) problems.push_back(std::move(*problem));
+        if (isNew) named.cells.at(static_cast<std::size_t>(column)) = value;
+    }
+    if (!problems.empty()) return sentences(named, problems);
+    if (values.empty()) return {};
+    WritingCounts counts{.rows = 1};
+    (isNew ? counts.added : counts.changed) = 1;
+    return write(
+        named, [&] { return isNew ? register_->add(values) : register_->change(shown, values); }, counts);
+}
+
+std::vector<std::string> RegisterEditor::remove(const RegisterRow& shown) {
+    return write(shown, [&] { return register_->remove(shown); }, {.rows = 1, .removed = 1});
+}
+
+std::vector<std::string> RegisterEditor::write(const RegisterRow& row,
+                                               const std::function<std::vector<RegisterProblem>()>& write,
+                                               const WritingCounts& counts) {
+    RecordedWriting writing(*sql_.FtgDB, folder_, head());
+    std::vector<RegisterProblem> problems;
+    try {
+        problems = write();
+    } catch (...) {
+        writing.end("stopped", {});
+        throw;
+    }
+    writing.end(problems.empty() ? "completed" : "stopped", problems.empty() ? counts : WritingCounts{});
+    return sentences(row, problems);
+}
+
+std::vector<std::string> RegisterEditor::sentences(const RegisterRow& row,
+                                                   const std::vector<RegisterProblem>& problems) {
+    std::vector<std::string> told;
+    for (const RegisterProblem& problem : problems)
+        told.push_back(problemText(texts_, *register_, rowName(register_->keyOf(row)), problem));
+    return told;
+}
+
+RunHeader RegisterEditor::head() {
+    RunHeader head;
+    head.user = SystemUser::current().login;
+    head.version = KOLMERA_VERSION;
+    head.job = texts_.ModulTextMed(text::registers::kRun, register_->title());
+    head.companyFile = company_;
+    const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+    if (!settings->eof()) head.companyName = kolmera::textOf(settings->value("Företagsnamn"));
+    return head;
+}
+
+// Files.
+
+std::string RegisterEditor::textOf(const RegisterImport& import) {
+    constexpr std::size_t kMostReasons = 10;
+    std::string text;
+    const auto say = [&](ModuleKey label, const std::string& value) {
+        text += fmt::format("{}: {}\n", texts_.ModulText(label), value);
+    };
+    say(text::registers::kColumnsRead, fmt::format("{}", fmt::join(import.columns, ", ")));
+    if (!import.leftOut.empty())
+        say(text::registers::kColumnsLeftOut, fmt::format("{}", fmt::join(import.leftOut, ", ")));
+    say(text::registers::kRowsRead, fmt::format("{}", import.counts.rows));
+    say(text::registers::kRowsAdded, fmt::format("{}", import.counts.added));
+    say(text::registers::kRowsChanged, fmt::format("{}", import.counts.changed));
+    say(text::registers::kRowsSame, fmt::format("{}", import.same));
+    say(text::registers::kRowsRejected, fmt::format("{}", import.rejected));
+    for (std::size_t reason = 0; reason < std::min(import.reasons.size(), kMostReasons); ++reason) {
+        const RegisterImport::Rejected& one = import.reasons[reason];
+        text += problemText(texts_, *register_, fmt::format("{}", one.row), one.problem) + "\n";
+    }
+    return text;
+}
+
+RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, bool tryOut,
+                                            const std::function<bool()>& cancelled) {
+    try {
+        RegisterReader reader(*register_, sql_, file);
+        reader.cancelled = cancelled;
+        if (tryOut) {
+            const RegisterImport import = reader.tryOut();
+            return {.done = import.counts.written() > 0 && !import.cancelled, .text = textOf(import)};
+        }
+        RunHeader header = head();
+        header.priceFile.path = file.string();
+        RecordedWriting writing(*sql_.FtgDB, folder_, std::move(header));
+        RegisterImport import;
+        try {
+            import = reader.read();
+        } catch (...) {
+            writing.end("stopped", reader.soFar().counts);
+            throw;
+        }
+        writing.end(import.cancelled ? "cancelled" : "completed", import.counts);
+        Told told{.done = import.counts.written() > 0, .text = textOf(import)};
+        if (writing.failure()) {
+            told.text +=
+                texts_.ModulTextMed(text::registers::kNotRecorded, errorText(texts_, *writing.failure())) + "\n";
+        }
+        return told;
+    } catch (const UnfitFile& unfit) {
+        constexpr FormKey kTexts[] = {text::registerswindow::kNoHeadings, text::registerswindow::kNoKey,
+                                      text::registerswindow::kNoHeadings, text::registerswindow::kNoHeadings,
+                                      text::registerswindow::kTwice};
+        return {.done = false,
+                .text = texts_.FormulärSträngMed1(kTexts[static_cast<std::size_t>(unfit.what)], unfit.about)};
+    }
+}
+
+std::string RegisterEditor::exportTo(const std::filesystem::path& file) {
+    return texts_.ModulTextMed(text::registers::kExported, fmt::format("{}", writeRegister(*register_, file)));
+}
+
+}  // namespace kolmera

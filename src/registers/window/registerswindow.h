@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QDialog>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "registers/registereditor.h"
+#include "startup/companylist.h"
+#include "ui/filedialogs.h"
+#include "ui/program.h"
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QTreeWidget;
+
+namespace kolmera {
+
+/// The registers of a company, and the rows of one.
+class RegistersWindow final : public QDialog {
+  public:
+    RegistersWindow(Program& program, QWidget* parent);
+    ~RegistersWindow() override;
+    RegistersWindow(const RegistersWindow&) = delete;
+    RegistersWindow& operator=(const RegistersWindow&) = delete;
+
+    // Ask for a file; an empty answer is Cancel.
+    std::function<QString(const FileQuestion&question)> fileToRead, fileToWrite;
+
+  private:
+    void buildControls();
+    void layOut();
+    void setSizes();
+    void openCompany();
+    void openRegister();
+    void readRows();
+    void present();
+    void edit(bool isNew);
+    void remove();
+    void importFile();
+    void exportFile();
+    /// Lets `work` work; an error is told, and false.
+    bool attemptTo(const std::function<void()>& work);
+    [[nodiscard]] int currentRow() const;
+
+    Program& program_;
+    std::vector<Company> companies_;
+    std::unique_ptr<RegisterEditor> editor_;
+    QTimer searches_;
+
+    QLabel *companyLabel_, *remark_;
+    QComboBox* companyBox_;
+    QListWidget* registers_;
+    QLineEdit* search_;
+    QTreeWidget* list_;
+    QPushButton *new_, *edit_, *remove_, *import_, *export_, *close_;
+};
+
+/// Shows them modally.
+void showRegisters(Program& program, QWidget* parent);
+
+}  // namespace kolmera
