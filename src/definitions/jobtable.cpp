@@ -62,7 +62,10 @@ std::string JobTable::hiddenText(int number) const {
     std::string text = std::to_string(job.number);
     for (const std::string* each : {&job.mask, &job.company, &job.supplier, &job.command})
         text.append("\t").append(*each);
-    return text;
+    const auto company = suppliers_.find(upperCase(job.company));
+    if (company == suppliers_.end()) return text;
+    const auto name = company->second.find(upperCase(job.supplier));
+    return name == company->second.end() ? text : text.append("\t").append(name->second);
 }
 
 bool JobTable::has(std::vector<JobRow> rows) const {

@@ -35,7 +35,11 @@ class JobTable {
     [[nodiscard]] int count() const { return static_cast<int>(rows_.size()); }
     [[nodiscard]] const JobRow& row(int row) const { return rows_.at(static_cast<std::size_t>(row)); }
     [[nodiscard]] const std::string& text(int row, Column column) const;
-    /// What a row is found by beside what it shows: number, mask, company, supplier and command.
+    /// The names of suppliers by their numbers, of a company; both in upper case, as `companies` has it.
+    void tellSuppliers(const std::string& company, std::map<std::string, std::string> names) {
+        suppliers_[company] = std::move(names);
+    }
+    /// What a row is found by beside what it shows: number, mask, company, supplier and its name, and command.
     [[nodiscard]] std::string hiddenText(int row) const;
     [[nodiscard]] int rowOf(int JobbNr) const;
     /// The number that the selected job has among other rows: its own, if the job of that number still has its name,
@@ -71,6 +75,7 @@ class JobTable {
 
     std::vector<JobRow> rows_;
     std::map<std::string, std::string> lastRuns_;
+    std::map<std::string, std::map<std::string, std::string>> suppliers_;
     std::optional<Order> order_;  ///< none: file order
     int selected_ = kNoRow;
 };

@@ -334,6 +334,8 @@ TEST_F(PrisMainTest, CommandsAreInMenusAndUnderKeys) {
     QTest::keyClick(&list(), Qt::Key_F, Qt::ControlModifier);
     auto& search = control<QLineEdit>(*window, "Sök");
     EXPECT_TRUE(search.hasFocus());
+    QTest::keyClicks(&search, "rheinh");
+    EXPECT_EQ(selectedJob(), "Direktimport") << "not found by its supplier's name";
     search.setText("bruknäs");
     EXPECT_EQ(selectedJob(), "Bruknäs skruv och beslag");
     const int verktyg = JobFile(world.data).find(kMaskJob)->number;

@@ -34,7 +34,7 @@ std::string quoted(const std::string& text) {
     std::smatch end;
     if (std::regex_search(sentence, end, std::regex("[.?] "))) sentence.resize(static_cast<size_t>(end.position()) + 1);
     sentence.erase(0, sentence.find_first_not_of(' '));
-    return sentence;
+    return text.starts_with("<SP>") ? "… " + sentence : sentence;
 }
 
 /// What has to be explained: sentences, and what stands in them, but no titles, progress, or parts of confirmations.

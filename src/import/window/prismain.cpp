@@ -19,6 +19,7 @@
 #include <limits>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "definitions/jobcopy.h"
 #include "definitions/pricefilepath.h"
@@ -47,6 +48,7 @@
 #include "platform/lettercase.h"
 #include "products/window/productwindow.h"
 #include "registers/window/registerswindow.h"
+#include "startup/suppliernames.h"
 #include "ui/controls.h"
 #include "ui/copyrows.h"
 #include "ui/filedialogs.h"
@@ -178,6 +180,7 @@ void PrisMain::buildSearch() {
     companyLabel_ = label(*this, "Lbl_FöretagVal", "Företa&g");
     company_ = named(new QComboBox(this), "FöretagVal");
     companyLabel_->setBuddy(company_);
+    connect(search_, &QLineEdit::textEdited, this, [this] { nameSuppliers(); });
     setTabOrder(search_, company_);
     setTabOrder(company_, lista_);
     setTabOrder(lista_, ny_);
@@ -190,8 +193,18 @@ void PrisMain::buildSearch() {
     });
 }
 
+/// The first letter of a search opens the companies for the names of their suppliers, once until the list is read anew.
+void PrisMain::nameSuppliers() {
+    if (std::exchange(suppliersNamed_, true)) return;
+    const Hourglass reading(program_.boxes.port());
+    for (const std::string& company : jobs_.companies())
+        jobs_.tellSuppliers(company, supplierNames(program_.state, company));
+    search_->apply();
+}
+
 /// A choice among the companies of the jobs, where there is one to make.
 void PrisMain::offerCompanies() {
+    suppliersNamed_ = false;
     const std::vector<std::string> companies = jobs_.companies();
     const QVariant chosen = company_->currentData();
     company_->clear();

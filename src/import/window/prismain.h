@@ -68,6 +68,7 @@ class PrisMain final : public QWidget {
     void refresh();
     void readLastRuns();
     void offerCompanies();
+    void nameSuppliers();
     [[nodiscard]] bool isAsShown();
     [[nodiscard]] bool addsTradeJobs();
     void ny();
@@ -106,6 +107,7 @@ class PrisMain final : public QWidget {
     QTreeView* lista_;
     QLabel *searchLabel_, *companyLabel_;
     SearchBox* search_;
+    bool suppliersNamed_ = false;
     QComboBox* company_;
     ResultPanel* resultPanel_;
     RunPanel* runPanel_;
