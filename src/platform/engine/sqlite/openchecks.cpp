@@ -32,7 +32,8 @@ HeaderNumbers readHeader(SqliteConnection& connection) {
 /// What SQLite does not take for a database, or not for ours, may be a company file whose first page is gone.
 [[noreturn]] void refuse(const std::filesystem::path& file, const std::function<std::vector<TableDef>()>& knownTables) {
     if (jet::isAccessFile(file)) {
-        throw PlatformError(errors::kAccessFile, "an Access-format file, which has to be imported").about(file.string());
+        throw PlatformError(errors::kAccessFile, "an Access-format file, which has to be imported")
+            .about(file.string());
     }
     if (wasCompanyFile(file, knownTables)) sayDamaged(file);
     throw PlatformError(errors::kNotADatabase, "not a company file").about(file.string());
