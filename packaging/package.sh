@@ -32,7 +32,7 @@ in_root env LC_ALL=sv_SE.UTF-8 kolmera-cli run '(FINFO)' --data /tmp/demo --summ
 [ $status -eq 3 ] || { echo "FAILED: the job ended with $status" >&2; exit 1; }
 grep -q '"new": [1-9]' "$root/tmp/summary.json" || { echo "FAILED: no new products" >&2; exit 1; }
 in_root man -P cat kolmera-cli-run | grep -q -- --summary || { echo "FAILED: no manual page" >&2; exit 1; }
-ldd_missing=$(in_root ldd /usr/lib/kolmera/kolmera | grep 'not found' || true)
+ldd_missing=$(in_root ldd /usr/lib/kolmera/kolmera /usr/lib/kolmera/kolmera-access-reader | grep 'not found' || true)
 [ -z "$ldd_missing" ] || { echo "FAILED: $ldd_missing" >&2; exit 1; }
 
 echo "Removing them ..."

@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr rlim_t kMemory = rlim_t{1} << 30;
-constexpr rlim_t kSeconds = 60;
+constexpr rlim_t kMemory = rlim_t{512} << 20;
+constexpr rlim_t kSeconds = 20;
 constexpr rlim_t kSecondsPerMegabyte = 1;
 constexpr rlim_t kFiles = 16;
 #if defined(__SANITIZE_ADDRESS__)

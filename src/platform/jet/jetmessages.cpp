@@ -18,7 +18,7 @@ constexpr std::size_t kHeader = 5;
 constexpr std::size_t kMostTables = 32768;  // objects of a Jet file
 constexpr std::size_t kMostColumns = 255;
 constexpr std::size_t kMostIndexes = 255;
-constexpr std::size_t kLongestName = 64 * 4;  // of 64 characters
+constexpr std::size_t kLongestName = 256;  // of 64 characters
 
 template <typename Number>
 void putNumber(std::string& bytes, Number number) {
