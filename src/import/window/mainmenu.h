@@ -9,6 +9,7 @@
 
 class QAbstractButton;
 class QAction;
+class QKeySequence;
 class QMenu;
 class QMenuBar;
 
