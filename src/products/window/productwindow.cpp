@@ -282,6 +282,7 @@ void ProductWindow::showTables() {
     history_ = addTab(historyTable(program_.texts));
     auto* page = new QWidget(tabs_);
     auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
     historyRemark_ = named(new QLabel(toQt(program_.texts.ModulText(text::products::kReadingRuns)), page), "Läser");
     tabs_->removeTab(tabs_->indexOf(history_));
     layout->addWidget(history_, 1);

@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -15,12 +16,14 @@
 #include <algorithm>
 
 #include "lang/errortext.h"
+#include "lang/keys/boxes.h"
 #include "lang/keys/registerswindow.h"
 #include "registers/registertexts.h"
 #include "registers/window/rowwindow.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
+#include "ui/lockwait.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -262,7 +265,7 @@ void RegistersWindow::importFile() {
     const std::filesystem::path file = fromQt(fileToRead(question));
     if (file.empty()) return;
     RegisterEditor::Told told;
-    if (!attemptTo([&] { told = editor_->import(file, true); })) return;
+    if (!readFile(file, true, told)) return;
     if (!told.done) {
         program_.boxes.MeddelandeInfo(told.text);
         return;
@@ -270,8 +273,30 @@ void RegistersWindow::importFile() {
     if (program_.boxes.MeddelandeJaNej(
             told.text + "\n" + program_.texts.FormulärSträng(text::registerswindow::kAskToImport)) != Answer::Yes)
         return;
-    if (attemptTo([&] { told = editor_->import(file, false); })) program_.boxes.MeddelandeInfo(told.text);
+    readFile(file, false, told);
+    if (!told.text.empty()) program_.boxes.MeddelandeInfo(told.text);
     readRows();
+}
+
+/// With a small window and Cancel when it takes its time. False when trying out was cancelled, and for an error.
+bool RegistersWindow::readFile(const std::filesystem::path& file, bool tryOut, RegisterEditor::Told& told) {
+    constexpr int kPatience = 300, kPause = 40;  // milliseconds
+    told = {};
+    bool cancelled = false;
+    LockWait wait(*this);
+    QElapsedTimer sinceStart, sinceEvents;
+    sinceStart.start();
+    const auto asked = [&] {
+        if (cancelled || sinceStart.elapsed() < kPatience) return cancelled;
+        if (sinceEvents.isValid() && sinceEvents.elapsed() < kPause) return false;
+        cancelled = !wait.keepWaiting(toQt(program_.texts.FormulärSträng(text::registerswindow::kReading)),
+                                      toQt(program_.texts.ModulText(text::boxes::kCancel)));
+        sinceEvents.start();
+        return cancelled;
+    };
+    const bool read = attemptTo([&] { told = editor_->import(file, tryOut, asked); });
+    wait.over();
+    return read && !(cancelled && tryOut);
 }
 
 void RegistersWindow::exportFile() {
