@@ -17,7 +17,6 @@
 #include "import/run/runreport.h"
 #include "lang/keys/changes.h"
 #include "lang/keys/terminal.h"
-#include "platform/attempt.h"
 #include "startup/company.h"
 #include "startup/startup.h"
 
@@ -98,9 +97,10 @@ class Output {
                    .forEachRemark = [&record](const auto& take) { record.forEachRemark(take); }},
                   session.texts, session.state.locale, [&session](auto name) { return remarkText(session, name); }) {}
 
-    bool run(const RunHeader* previous) {
-        if (!report_.read(goOn_)) return false;
-        nameProducts();
+    int run(const RunHeader* previous) {
+        if (!report_.read(goOn_)) return exitcode::kCancelled;
+        const bool named = nameProducts();
+        if (!named && !output_.file.empty()) return exitcode::kStopped;  // half a list would be kept for a whole one
         report_.warn(previous);
         report_.list().show({});
         if (output_.json) {
@@ -109,11 +109,12 @@ class Output {
             printHead();
             if (output_.file.empty()) printTable();
         }
-        return goOn_(0) && save();
+        if (!goOn_(0) || !save()) return exitcode::kCancelled;
+        return named ? exitcode::kDone : exitcode::kPassedOver;
     }
 
   private:
-    void nameProducts();
+    [[nodiscard]] bool nameProducts();
     void printHead();
     void printTable();
     void printJson();
@@ -128,25 +129,30 @@ class Output {
     };
 };
 
-/// A company that cannot be opened is told of; its changes are shown without what only it knows.
-void Output::nameProducts() {
+/// False for a company that cannot be opened, which is told: its changes lack what only it knows.
+bool Output::nameProducts() {
     StartState& state = session_.state;
     const std::string& company = report_.header().companyFile;
     // One on a server is not opened for names, which can take long.
     std::error_code unknown;
     const bool here = !company.empty() && !SqlLayer::ÄrSQLDatabas(company) &&
                       std::filesystem::exists(state.drives.resolve(company, state.dataFolder()), unknown);
-    if (!here) return;
+    if (!here) return true;
     TerminalPort port(surroundings_.err, surroundings_.cancel, false);
     MessageBoxes boxes(port, {});
     CompanyRegister companies(state, session_.texts, boxes);
     companies.waitForLock = [] { return false; };
-    PassedOverSilently passedOver;
     LäsDorvikIni(state);
-    attempt(passedOver, "Produkt", [&] {
-        if (companies.ÖppnaDatabas(company)) kolmera::nameProducts(state.sql, report_.net());
-    });
+    bool named = false;
+    try {
+        named = companies.ÖppnaDatabas(company);
+        if (named) kolmera::nameProducts(state.sql, report_.net());
+    } catch (const PlatformError& error) {
+        named = false;
+        surroundings_.err << session_.text(text::terminal::kError) << ' ' << session_.explain(error) << '\n';
+    }
     state.sql.FtgDB.reset();
+    return named;
 }
 
 void Output::printHead() {
@@ -255,8 +261,8 @@ Json runJson(const RunHeader& run) {
             {"counts", counts.is_object() ? counts : Json::object()}};
 }
 
-bool printChanges(Session& session, const RecordReader& record, const RunHeader* previous, const ChangeOutput& output,
-                  const Surroundings& surroundings) {
+int printChanges(Session& session, const RecordReader& record, const RunHeader* previous, const ChangeOutput& output,
+                 const Surroundings& surroundings) {
     return Output(session, record, output, surroundings).run(previous);
 }
 

@@ -24,8 +24,9 @@ nlohmann::ordered_json runJson(const RunHeader& run);
 /// Prints a record: what it is about, warnings and other things to look at, figures, and every change; as text for
 /// people or as JSON. With a file the changes go there. `previous` is the run before of the same job, as far as there
 /// is one
-/// (`previousRun`). False when it was cancelled. Throws PlatformError.
-bool printChanges(Session& session, const RecordReader& record, const RunHeader* previous, const ChangeOutput& output,
-                  const Surroundings& surroundings);
+/// (`previousRun`). kPassedOver where the company could not be asked for its products' names (kStopped where they
+/// should be saved), kCancelled when it was cancelled, else kDone. Throws PlatformError.
+int printChanges(Session& session, const RecordReader& record, const RunHeader* previous, const ChangeOutput& output,
+                 const Surroundings& surroundings);
 
 }  // namespace kolmera::cli

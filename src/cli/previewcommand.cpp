@@ -12,9 +12,9 @@ namespace kolmera::cli {
 
 namespace {
 
-/// Prints or saves the changes; false when that was cancelled.
-bool printChanges(Session& session, const RecordReader& record, const ChangeOutput& output,
-                  const Surroundings& surroundings) {
+/// Prints or saves the changes.
+int printChanges(Session& session, const RecordReader& record, const ChangeOutput& output,
+                 const Surroundings& surroundings) {
     const std::vector<RunHeader> runs = RunFolder(session.state.dataFolder()).list();
     return cli::printChanges(session, record, previousRun(runs, record.header()), output, surroundings);
 }
@@ -42,14 +42,17 @@ int previewCommand(const PreviewArguments& arguments, const Surroundings& machin
     tellAbout(preview, arguments, session, surroundings.err);
     if (preview.summary.completed && !preview.summary.cancelled && !preview.record)
         command.result.exitCode = exitcode::kStopped;
-    const int code = command.result.exitCode;
+    int code = command.result.exitCode;
     if (!preview.record || code == exitcode::kCancelled || code == exitcode::kStopped) {
         command.tellOutcome();
         return code;
     }
     if (!arguments.output.json) command.printSummary();
     const bool wanted = arguments.output.json || !arguments.output.file.empty();
-    if (wanted && !printChanges(session, *preview.record, arguments.output, surroundings)) return exitcode::kCancelled;
+    const int printed =
+        wanted ? printChanges(session, *preview.record, arguments.output, surroundings) : exitcode::kDone;
+    if (printed == exitcode::kCancelled || printed == exitcode::kStopped) return printed;
+    if (code == exitcode::kDone) code = printed;
     const bool asItStands = code == exitcode::kDone;
     std::ostream& stream = asItStands && !arguments.output.json ? surroundings.out : surroundings.err;
     stream << session.text(asItStands ? text::preview::kNothingChanged : text::preview::kWithRemarks) << '\n';

@@ -20,9 +20,8 @@ int showCommand(const ShowArguments& arguments, const Surroundings& surroundings
         const bool good = printRejects(session, folder, run->id, arguments.rejectsFile, surroundings, told);
         return good ? exitcode::kDone : exitcode::kStopped;
     }
-    const bool whole = printChanges(session, RecordReader(folder.file(run->id)), previousRun(runs, *run),
-                                    arguments.output, surroundings);
-    return whole ? exitcode::kDone : exitcode::kCancelled;
+    return printChanges(session, RecordReader(folder.file(run->id)), previousRun(runs, *run), arguments.output,
+                        surroundings);
 }
 
 }  // namespace kolmera::cli

@@ -19,6 +19,8 @@
 namespace kolmera {
 namespace {
 
+constexpr const char* kOfferedLength = "100";
+
 bool within(int row, std::size_t count) { return row >= 0 && static_cast<std::size_t>(row) < count; }
 
 /// The letter of the entry at that place. A letter that the target's list does not offer has no place.
@@ -73,7 +75,7 @@ void MaskEditor::load(int maskNumber) {
     } else {
         if (!convertedFrom_.empty()) mask_.FilTyp = 'T';
         mask_.AntalRader = "10";
-        mask_.Postlängd = std::to_string(lengthOfSample());
+        mask_.Postlängd = kOfferedLength;
     }
     if (mask_.FilTyp != 'F' && mask_.FilTyp != 'T') mask_.FilTyp = 'P';
     // What is neither yes nor no is shown as no, and saved as it is shown.
@@ -83,13 +85,13 @@ void MaskEditor::load(int maskNumber) {
 }
 
 /// A run drops one character behind each record: what parts records that are lines, the last one of others.
-int MaskEditor::lengthOfSample() const {
-    constexpr int kOtherwise = 100;
+std::optional<int> MaskEditor::suggestedLength() const {
+    if (mask_.number != 0 || mask_.FilTyp != 'P' || mask_.Postlängd != kOfferedLength || sample_.empty()) return {};
     std::size_t repeated = 0;
     PassedOverSilently passedOver;
-    if (!sample_.empty())
-        attempt(passedOver, "sample", [&] { repeated = repeatedLengthOf(sample_, codePageOf(mask_)); });
-    return repeated > 1 ? static_cast<int>(repeated) - 1 : kOtherwise;
+    attempt(passedOver, "sample", [&] { repeated = repeatedLengthOf(sample_, codePageOf(mask_)); });
+    if (repeated < 2) return {};
+    return static_cast<int>(repeated) - 1;
 }
 
 std::string MaskEditor::caption() const {

@@ -53,6 +53,8 @@ class MaskEditor {
     void setUppdatLev(bool on) { mask_.UppdatLev = on ? 'J' : 'N'; }
     void setAntalRader(std::string typed);
     void setPostlängd(std::string typed);
+    /// How long the records of the file seem to be, for a new mask whose length is still the one that was offered.
+    [[nodiscard]] std::optional<int> suggestedLength() const;
     /// Caption for a new mask; empty for an existing one, whose window has its own.
     [[nodiscard]] std::string caption() const;
 
@@ -109,7 +111,6 @@ class MaskEditor {
 
   private:
     void load(int maskNumber);
-    [[nodiscard]] int lengthOfSample() const;
     void readSources();
     SourceFields cutSample();
     [[nodiscard]] bool doublesProducts() const;

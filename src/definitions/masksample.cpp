@@ -415,8 +415,21 @@ void MaskSample::moveBoundary(int from, int to) {
     present();
 }
 
+void MaskSample::takeSuggestedLength() {
+    const std::optional<int> length = editor_.suggestedLength();
+    if (!length) return;
+    editor_.setPostlängd(std::to_string(*length));
+    ruler_ = Ruler(*length);
+    for (const EditedRelation& edited : editor_.relations()) ruler_.setAround(pieceOf(edited.relation));
+    lines_.clear();
+    records_ = {};
+    record_ = 0;
+    readRecords();
+}
+
 void MaskSample::suggestBoundaries() {
     refusal_.clear();
+    if (hasRuler()) takeSuggestedLength();
     for (const int boundary : boundariesBehindBlanks(records_.bytes, ruler_.length())) {
         if (!isRead(ruler_.pieceAt(boundary))) ruler_.set(boundary);
     }

@@ -86,6 +86,7 @@ class MaskSample {
     void fillRow(Row& row, const Relation& relation);
     void fillValues();
     void suggest();
+    void takeSuggestedLength();
     [[nodiscard]] std::vector<FieldSample> samples() const;
     [[nodiscard]] std::vector<std::string> fieldsOf(std::size_t record) const;
     [[nodiscard]] std::string rawOf(int source, Piece piece) const;

@@ -136,7 +136,7 @@ TEST_F(MaskEditorTest, CutsTheSampleAsTheUserTypes) {
     }
 }
 
-TEST_F(MaskEditorTest, OffersTheLengthAfterWhichRecordsRepeat) {
+TEST_F(MaskEditorTest, SuggestsTheLengthAfterWhichRecordsRepeat) {
     const auto sample = [](std::string_view between) {
         std::string bytes;
         for (int i = 0; i < 50; ++i) bytes += fmt::format("{:06}{:20}{:8}{}", i * 77, "Skruv \xE5", i * i, between);
@@ -145,14 +145,18 @@ TEST_F(MaskEditorTest, OffersTheLengthAfterWhichRecordsRepeat) {
     const struct {
         const char* between;
         std::string bytes;
-        const char* length;
-    } cases[] = {{"CR", sample("\r"), "34"},
-                 {"CR LF", sample("\r\n"), "35"},
-                 {"nothing: a run drops a character all the same", sample(""), "33"},
-                 {"lines of any length", "4711\r\n", "100"}};
+        std::optional<int> length;
+    } cases[] = {{"CR", sample("\r"), 34},
+                 {"CR LF", sample("\r\n"), 35},
+                 {"nothing: a run drops a character all the same", sample(""), 33},
+                 {"lines of any length", "4711\r\n", std::nullopt}};
     for (const auto& c : cases) {
         open(c.bytes);
-        EXPECT_EQ(editor->mask().Postlängd, c.length) << c.between;
+        EXPECT_EQ(editor->mask().Postlängd, "100") << c.between;
+        editor->setFilTyp('P');
+        EXPECT_EQ(editor->suggestedLength(), c.length) << c.between;
+        editor->setPostlängd("99");
+        EXPECT_EQ(editor->suggestedLength(), std::nullopt) << "over what was typed";
     }
 }
 

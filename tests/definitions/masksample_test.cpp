@@ -201,6 +201,16 @@ TEST_F(MaskSampleTest, KeepsRelationsInPlaceUnderTheRuler) {
     EXPECT_THAT(relations(), ElementsAre("1>6 UI", "2>21 UI"));
 }
 
+TEST_F(MaskSampleTest, SuggestsTheLengthOfRecordsWithTheirBoundaries) {
+    std::string file;
+    for (int i = 0; i < 50; ++i) file += fmt::format("{:04}  Skruv   {:4}\n", i * 77, i * 31);
+    open(file, 'P', "100");
+    sample->suggestBoundaries();
+    EXPECT_EQ(editor->mask().Postlängd, "18");
+    EXPECT_EQ(sample->lines()[1], "0077  Skruv     31");
+    EXPECT_THAT(sample->ruler().boundaries(), ElementsAre(7, 15));
+}
+
 TEST_F(MaskSampleTest, ShowsRelationsThatOverlap) {
     Mask mask{.Namn = "Lapp", .FilTyp = 'P', .AntalRader = "1", .Postlängd = "6"};
     MaskFile(world.data())

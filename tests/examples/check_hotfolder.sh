@@ -3,7 +3,7 @@
 # in several ways.
 set -euo pipefail
 bin=$1 examples=$2 work=$3
-export PATH="$bin:$PATH" KOLMERA_DATA="$work/data" PRICEFILE=Prisfiler/VERKTYG.TXT SETTLE=1
+export PATH="$bin:$PATH" KOLMERA_DATA="$work/data" PRICEFILE=Prisfiler/VERKTYG.TXT SETTLE=2
 rm -rf "$work"
 mkdir -p "$work"
 kolmera-cli demo "$KOLMERA_DATA" >/dev/null
@@ -31,9 +31,9 @@ cp "$work/price.txt" "$inbox/.hidden"
 head -c 5000 "$work/price.txt" >"$inbox/slow file.txt"
 touch -d 2001-01-01 "$inbox/slow file.txt"
 {
-    for i in 1 2 3; do
-        sleep 0.7
-        tail -c +$((5000 * i + 1)) "$work/price.txt" | head -c 5000 >>"$inbox/slow file.txt"
+    for i in $(seq 15); do
+        sleep 0.2
+        head -c $((5000 + 1000 * i)) "$work/price.txt" | tail -c 1000 >>"$inbox/slow file.txt"
         touch -d 2001-01-01 "$inbox/slow file.txt"
     done
     tail -c +20001 "$work/price.txt" >>"$inbox/slow file.txt"

@@ -291,6 +291,14 @@ void ProductWindow::showTables() {
     tabs_->addTab(page, toQt(program_.texts.ModulText(text::products::kHistory)));
     connect(history_, &QTreeWidget::currentItemChanged, this, [this] { present(); });
     tabs_->setCurrentIndex(std::clamp(tab, 0, tabs_->count() - 1));
+    // They are made anew for each product, and would come last.
+    QWidget* before = tabs_;
+    for (auto* list : tabs_->findChildren<QTreeWidget*>()) {
+        setTabOrder(before, list);
+        before = list;
+    }
+    setTabOrder(before, why_);
+    setTabOrder(why_, close_);
 }
 
 void ProductWindow::stopReading() {
