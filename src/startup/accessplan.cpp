@@ -134,7 +134,9 @@ void AccessPlan::addIndexes(const jet::Table& table, AccessTable& planned) {
             if (!usable) break;
             const std::string& name = planned.made.fields[static_cast<std::size_t>(ordinal)].name;
             usable = name.find(';') == std::string::npos;
-            made.fields += (made.fields.empty() ? "" : ";") + std::string(descending ? "-" : "+") + name;
+            if (!made.fields.empty()) made.fields += ';';
+            made.fields += descending ? '-' : '+';
+            made.fields += name;
         }
         if (!usable) {
             remarks.push_back({Kind::IndexLeftOut, table.name + "." + index.name});
