@@ -21,7 +21,7 @@ struct ProductChange {
 };
 
 /// What of a product is looked for in the records.
-struct ProductRows {
+struct ProductRowIds {
     std::string number, companyFile;
     std::map<std::string, std::set<std::int64_t>> ids;
 };
@@ -40,7 +40,7 @@ class ProductHistory {
         bool all = false;            ///< no record is left
     };
 
-    ProductHistory(std::filesystem::path dataFolder, ProductRows rows) : folder_(dataFolder), rows_(std::move(rows)) {}
+    ProductHistory(std::filesystem::path dataFolder, ProductRowIds rows) : folder_(dataFolder), rows_(std::move(rows)) {}
 
     /// Gives the changes run by run, the newest run first and the changes of each in their order. Throws PlatformError
     /// for the folder; a record that cannot be read is counted.
@@ -52,7 +52,7 @@ class ProductHistory {
     [[nodiscard]] bool isOurs(const RowChange& change) const;
 
     RunFolder folder_;
-    ProductRows rows_;
+    ProductRowIds rows_;
 };
 
 /// A table of changes for people, newest run first: started, import, column, before, after, record.

@@ -1,6 +1,7 @@
 # Holds the #include lines of src against the table of rooms in docs/architecture.md, in both directions: an include that
 # the table does not allow is an error, and so is a permission that nobody uses, a room without a row, and a row whose
-# rooms could include each other in a circle. Qt's headers belong in ui, suite, app and the rooms named window.
+# rooms could include each other in a circle. Qt's headers belong in ui, suite, app and the rooms named window. Types of
+# headers have names of their own.
 cmake_minimum_required(VERSION 3.25)
 
 # The rows: | `room` | what for | `allowed` `allowed` ... |
@@ -34,6 +35,19 @@ foreach(source ${sources})
   if(NOT room IN_LIST rooms)
     message(SEND_ERROR "${source}: the room ${room} is not in the table")
     continue()
+  endif()
+  if(source MATCHES "\\.h$")
+    # Two types of one name, each with functions of its own, would be linked as one.
+    file(STRINGS ${SOURCE}/${source} space REGEX "^namespace [a-z:]+ {" LIMIT_COUNT 1 ENCODING UTF-8)
+    file(STRINGS ${SOURCE}/${source} types REGEX "^(class|struct|enum class) [^ ;]+ .*{" ENCODING UTF-8)
+    foreach(line ${types})
+      string(REGEX REPLACE "^(class|struct|enum class) ([^ ]+) .*" "\\2" type "${line}")
+      set(key "defined_${space}_${type}")
+      if(DEFINED ${key})
+        message(SEND_ERROR "${source}: ${type} is defined in ${${key}}, too")
+      endif()
+      set(${key} ${source})
+    endforeach()
   endif()
   file(STRINGS ${SOURCE}/${source} includes REGEX "^#include" ENCODING UTF-8)
   foreach(line ${includes})
