@@ -217,9 +217,15 @@ TEST(AccessImport, ReplacesOnlyWhatItMayAndWhenItIsWhole) {
     EXPECT_EQ(contentOf(world.path("FTG7.mdb")), "something else");
 }
 
+/// Files of other makers, which are no part of the project: where KOLMERA_SAMPLES says, or in a folder beside it.
 fs::path samples() {
     const char* folder = std::getenv("KOLMERA_SAMPLES");
-    return folder != nullptr ? fs::path(folder) : fs::path(KOLMERA_SOURCE_DIR) / "../shared/samples";
+    if (folder != nullptr) return folder;
+    std::error_code unreadable;
+    for (const auto& beside : fs::directory_iterator(fs::path(KOLMERA_SOURCE_DIR).parent_path(), unreadable)) {
+        if (fs::exists(beside.path() / "samples" / "orders.mdb", unreadable)) return beside.path() / "samples";
+    }
+    return "samples";
 }
 
 const fs::path kReader = fs::path(KOLMERA_BIN_DIR) / jet::kReaderProgram;
