@@ -40,7 +40,8 @@ class ProductHistory {
         bool all = false;            ///< no record is left
     };
 
-    ProductHistory(std::filesystem::path dataFolder, ProductRowIds rows) : folder_(dataFolder), rows_(std::move(rows)) {}
+    ProductHistory(std::filesystem::path dataFolder, ProductRowIds rows)
+        : folder_(dataFolder), rows_(std::move(rows)) {}
 
     /// Gives the changes run by run, the newest run first and the changes of each in their order. Throws PlatformError
     /// for the folder; a record that cannot be read is counted.
