@@ -23,7 +23,6 @@
 #include "platform/lettercase.h"
 #include "platform/printable.h"
 #include "platform/searchwords.h"
-#include "platform/systemuser.h"
 #include "registers/registerfile.h"
 #include "registers/registertexts.h"
 #include "startup/startup.h"
@@ -76,7 +75,6 @@ class RegisterCommand {
     /// Lets `write` write, as a run of its own, and tells what is wrong.
     int record(const std::string& row, WritingCounts& counts, ModuleKey done,
                const std::function<std::vector<RegisterProblem>()>& write);
-    [[nodiscard]] RunHeader head();
     int endRecord(RecordedWriting& writing, const char* outcome, const WritingCounts& counts);
     void print(const RegisterImport& import);
     [[nodiscard]] Json importJson(const RegisterImport& import);
@@ -315,17 +313,6 @@ std::optional<RegisterValues> RegisterCommand::valuesOf(const RegisterRow& row, 
     return std::nullopt;
 }
 
-RunHeader RegisterCommand::head() {
-    RunHeader head;
-    head.user = SystemUser::current().login;
-    head.version = KOLMERA_VERSION;
-    head.job = session_.text(text::registers::kRun, register_->title());
-    head.companyFile = company_;
-    const auto settings = sql().SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
-    if (!settings->eof()) head.companyName = textOf(settings->value("Företagsnamn"));
-    return head;
-}
-
 int RegisterCommand::endRecord(RecordedWriting& writing, const char* outcome, const WritingCounts& counts) {
     writing.end(outcome, counts);
     if (!writing.failure()) return exitcode::kDone;
@@ -336,7 +323,7 @@ int RegisterCommand::endRecord(RecordedWriting& writing, const char* outcome, co
 
 int RegisterCommand::record(const std::string& row, WritingCounts& counts, ModuleKey done,
                             const std::function<std::vector<RegisterProblem>()>& write) {
-    RecordedWriting writing(*sql().FtgDB, folder_, head());
+    RecordedWriting writing(*sql().FtgDB, folder_, headOfWriting(sql(), session_.texts, *register_, company_));
     std::vector<RegisterProblem> problems;
     try {
         problems = write();
@@ -426,7 +413,7 @@ int RegisterCommand::import(Words words) {
         if (arguments_.dryRun) {
             import = reader.tryOut();
         } else {
-            RunHeader header = head();
+            RunHeader header = headOfWriting(sql(), session_.texts, *register_, company_);
             header.priceFile.path = file.string();
             writing.emplace(*sql().FtgDB, folder_, std::move(header));
             try {

@@ -7,8 +7,21 @@
 #include <utility>
 
 #include "history/presentrows.h"
+#include "lang/keys/registers.h"
+#include "platform/systemuser.h"
 
 namespace kolmera {
+
+RunHeader headOfWriting(SqlLayer& sql, LanguageTexts& texts, Register& written, const std::string& company) {
+    RunHeader head;
+    head.user = SystemUser::current().login;
+    head.version = KOLMERA_VERSION;
+    head.job = texts.ModulTextMed(text::registers::kRun, written.title());
+    head.companyFile = company;
+    const auto settings = sql.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
+    if (!settings->eof()) head.companyName = textOf(settings->value("Företagsnamn"));
+    return head;
+}
 
 RecordedWriting::RecordedWriting(Database& database, const RunFolder& folder, RunHeader head)
     : database_(database), folder_(folder) {

@@ -8,6 +8,7 @@
 #include "history/runfolder.h"
 #include "history/runrecord.h"
 #include "platform/engine/database.h"
+#include "registers/register.h"
 
 namespace kolmera {
 
@@ -18,11 +19,14 @@ struct WritingCounts {
     [[nodiscard]] std::int64_t written() const { return added + changed + removed; }
 };
 
+/// Who writes to a register, and what that is called among the runs.
+RunHeader headOfWriting(SqlLayer& sql, LanguageTexts& texts, Register& written, const std::string& company);
+
 /// Writing to a register as a run with a record, which can be shown and taken back as others can. Begin, write, `end`;
 /// where nothing was written, no record stays. A record that cannot be made does not stop the writing.
 class RecordedWriting {
   public:
-    /// `head` tells who does it and what it is called: user, version, job, company and, for an import, its file.
+    /// `head` as of `headOfWriting`; for an import, with its file.
     RecordedWriting(Database& database, const RunFolder& folder, RunHeader head);
     RecordedWriting(const RecordedWriting&) = delete;
     RecordedWriting& operator=(const RecordedWriting&) = delete;

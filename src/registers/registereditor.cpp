@@ -10,7 +10,6 @@
 #include "lang/keys/registers.h"
 #include "lang/keys/registerswindow.h"
 #include "platform/searchwords.h"
-#include "platform/systemuser.h"
 #include "registers/registertexts.h"
 
 namespace kolmera {
@@ -76,7 +75,7 @@ std::vector<std::string> RegisterEditor::remove(const RegisterRow& shown) {
 std::vector<std::string> RegisterEditor::write(const RegisterRow& row,
                                                const std::function<std::vector<RegisterProblem>()>& write,
                                                const WritingCounts& counts) {
-    RecordedWriting writing(*sql_.FtgDB, folder_, head());
+    RecordedWriting writing(*sql_.FtgDB, folder_, headOfWriting(sql_, texts_, *register_, company_));
     std::vector<RegisterProblem> problems;
     try {
         problems = write();
@@ -94,17 +93,6 @@ std::vector<std::string> RegisterEditor::sentences(const RegisterRow& row,
     for (const RegisterProblem& problem : problems)
         told.push_back(problemText(texts_, *register_, rowName(register_->keyOf(row)), problem));
     return told;
-}
-
-RunHeader RegisterEditor::head() {
-    RunHeader head;
-    head.user = SystemUser::current().login;
-    head.version = KOLMERA_VERSION;
-    head.job = texts_.ModulTextMed(text::registers::kRun, register_->title());
-    head.companyFile = company_;
-    const auto settings = sql_.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);
-    if (!settings->eof()) head.companyName = kolmera::textOf(settings->value("Företagsnamn"));
-    return head;
 }
 
 // Files.
@@ -139,7 +127,7 @@ RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, b
             const RegisterImport import = reader.tryOut();
             return {.done = import.counts.written() > 0 && !import.cancelled, .text = textOf(import)};
         }
-        RunHeader header = head();
+        RunHeader header = headOfWriting(sql_, texts_, *register_, company_);
         header.priceFile.path = file.string();
         RecordedWriting writing(*sql_.FtgDB, folder_, std::move(header));
         RegisterImport import;

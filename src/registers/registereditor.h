@@ -60,7 +60,6 @@ class RegisterEditor {
                                    const WritingCounts& counts);
     [[nodiscard]] std::vector<std::string> sentences(const RegisterRow& row,
                                                      const std::vector<RegisterProblem>& problems);
-    [[nodiscard]] RunHeader head();
     [[nodiscard]] std::string textOf(const RegisterImport& import);
 
     SqlLayer& sql_;
