@@ -3,7 +3,7 @@
 # in several ways.
 set -euo pipefail
 bin=$1 examples=$2 work=$3
-export PATH="$bin:$PATH" KOLMERA_DATA="$work/data" PRICEFILE=Prisfiler/VERKTYG.TXT SETTLE=2
+export PATH="$bin:$PATH" KOLMERA_DATA="$work/data" PRICEFILE=Prisfiler/VERKTYG.TXT SETTLE=4
 rm -rf "$work"
 mkdir -p "$work"
 kolmera-cli demo "$KOLMERA_DATA" >/dev/null
@@ -65,12 +65,22 @@ cp "$work/price.txt" "$inbox/third.txt"
 flock "$inbox/.lock" "$examples/kolmera-hotfolder" "Smedhult verktyg" "$inbox" || fail "a second one is a failure"
 [ -e "$inbox/third.txt" ] || fail "two read one file"
 
-# Stopped from outside: the file stays for the next time, and nothing lies about.
-"$examples/kolmera-hotfolder" "Smedhult verktyg" "$inbox" &
+# Stopped from outside while it waits for a file to settle: the file stays for the next time, and nothing lies about.
+mkdir "$work/bin"
+cat >"$work/bin/sleep" <<SLEEP
+#!/bin/sh
+touch "$work/asleep"
+until [ -e "$work/awake" ]; do $(command -v sleep) 0.05; done
+SLEEP
+chmod +x "$work/bin/sleep"
+PATH="$work/bin:$PATH" SETTLE=1000 "$examples/kolmera-hotfolder" "Smedhult verktyg" "$inbox" &
 stopped=$!
-while flock -n "$inbox/.lock" true; do sleep 0.05; done
+until [ -e "$work/asleep" ]; do sleep 0.05; done
 kill -TERM $stopped
-wait $stopped || true
+touch "$work/awake"
+status=0
+wait $stopped || status=$?
+[ $status -eq 143 ] || fail "stopped from outside, it ended with $status"
 [ -e "$inbox/third.txt" ] || fail "a file is gone though nobody read it"
 hotfolder "Smedhult verktyg" "$inbox" || fail "nobody reads what was left"
 only done third.txt >/dev/null
