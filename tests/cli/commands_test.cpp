@@ -19,10 +19,12 @@ namespace {
 
 bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-std::int32_t products(const CliMachine& machine) {
+std::int32_t rowCount(const CliMachine& machine, std::string_view table) {
     const auto database = machine.open();
-    return database->open("Produkt", RecordsetType::Table)->recordCount();
+    return database->open(table, RecordsetType::Table)->recordCount();
 }
+
+std::int32_t products(const CliMachine& machine) { return rowCount(machine, "Produkt"); }
 
 }  // namespace
 
@@ -133,6 +135,16 @@ TEST(CommandLine, CancelDuringThePreparationEmptiesNothing) {
     machine.cancel = true;
     EXPECT_EQ(machine.runJob(job.name, {"--empty"}), cli::exitcode::kCancelled);
     EXPECT_EQ(products(machine), before);
+}
+
+TEST(CommandLine, EmptiesWhatAnInterruptedEmptyingLeft) {
+    const auto supplierPrices = [](bool interrupted) {
+        DemoMachine machine;
+        if (interrupted) machine.open()->execute("DELETE FROM Produkt");
+        EXPECT_NE(machine.runJob("Smedhult verktyg", {"--empty"}), cli::exitcode::kStopped) << machine.err();
+        return rowCount(machine, "Levprislista");
+    };
+    EXPECT_EQ(supplierPrices(true), supplierPrices(false));
 }
 
 TEST(CommandLine, AFolderIsMadeWholeOrNotAtAll) {
