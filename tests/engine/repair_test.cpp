@@ -203,6 +203,7 @@ TEST_F(Repair, EveryReadableRowSurvivesWhateverPageIsLost) {
          0},
         {"a misspelt column in SQLite's schema", [&] { misspell("Belopp\" CURRENCY"); }, 0},
         {"a misspelt index", [&] { misspell("Artikel.Namn"); }, 0},
+        {"a misspelt column of the copy", [&] { misspell("statement TEXT"); }, 0},
         {"schema and copy lost together",
          [&] {
              options.knownTables = [this] { return std::vector<TableDef>{artikel, suppliers_}; };
@@ -277,6 +278,7 @@ TEST_F(Repair, OpeningADamagedFileSaysSo) {
         {"the file's header", [&] { overwrite(1); }},
         {"the application's mark", [&] { overwrite(1, 68, 4); }},
         {"the schema", [&] { overwrite(1, 100, 3000); }},
+        {"a column of the schema's copy", [&] { misspell("statement TEXT"); }},
         {"the root of a table", [&] { overwrite(rootOf("Leverantör")); }},
         {"the end of the file missing", [&] { std::filesystem::resize_file(file, 20 * kPage); }},
         {"the middle of a table", [&] { overwrite(pagesOf("Artikel", "leaf").at(7)); }},

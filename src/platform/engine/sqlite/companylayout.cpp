@@ -296,7 +296,10 @@ void makeIndexes(SqliteConnection& connection, const TableDef& table) {
 }
 
 bool agreesWithCopy(SqliteConnection& connection) {
-    if (connection.number("SELECT count(*) FROM sqlite_master WHERE name = 'kolmera_layout'") == 0) return false;
+    // Not there without columns of these names, of which a letter may be damaged, too.
+    if (connection.number("SELECT group_concat(name) = 'mark,type,name,statement' "
+                          "FROM pragma_table_info('kolmera_layout')") == 0)
+        return false;
     // What is missing has been dropped; a name that has changed leaves the statement.
     SqliteStatement lines(connection,
                           "SELECT l.mark, l.type, l.name, l.statement, m.type, m.name, m.sql FROM kolmera_layout l "
