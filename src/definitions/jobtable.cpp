@@ -94,7 +94,7 @@ std::vector<std::string> JobTable::companies() const {
         if (!row.job.company.empty()) companies.push_back(upperCase(row.job.company));
     }
     std::ranges::sort(companies);
-    companies.erase(std::ranges::unique(companies).begin(), companies.end());
+    companies.erase(std::unique(companies.begin(), companies.end()), companies.end());
     return companies;
 }
 

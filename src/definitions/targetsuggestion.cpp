@@ -1,6 +1,7 @@
 #include "definitions/targetsuggestion.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <span>
 
@@ -40,7 +41,8 @@ bool isDate(std::string_view text) {
         return !isDigit(sign) && std::string_view("-/. ").find(sign) == std::string_view::npos;
     });
     if (!separated || others) return false;
-    return std::ranges::any_of(std::initializer_list{Locale::Kind::Swedish, Locale::Kind::English}, [&](auto kind) {
+    constexpr std::array kBoth{Locale::Kind::Swedish, Locale::Kind::English};
+    return std::ranges::any_of(kBoth, [&](Locale::Kind kind) {
         return Locale(kind).parseDate(text).has_value() ||
                Locale(kind).parseDate(replaceAll(text, ".", "/")).has_value();
     });

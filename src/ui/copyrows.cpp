@@ -51,7 +51,7 @@ QString textOfRows(const QAbstractItemView& list) {
     std::vector<int> rows;
     for (const QModelIndex& index : list.selectionModel()->selectedIndexes()) rows.push_back(index.row());
     std::ranges::sort(rows);
-    rows.erase(std::ranges::unique(rows).begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     const std::vector<int> columns = columnsOf(list);
     QString text;
     for (const int row : rows) {

@@ -47,7 +47,7 @@ Numbers rejectedRecords(const RecordReader& run) {
         return true;
     });
     std::ranges::sort(numbers);
-    numbers.erase(std::ranges::unique(numbers).begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     return numbers;
 }
 
