@@ -34,6 +34,6 @@ trap 'rm -f "$left"' EXIT
 export left deadline=$(($(date +%s) + ${TIDY_SECONDS:-86400}))
 # shellcheck disable=SC2016
 xargs -d '\n' -P "$(nproc)" -n 4 bash -c '
-    if (($(date +%s) < deadline)); then clang-tidy-14 -p build/tidy --quiet "$@"; else printf "%s\n" "$@" >>"$left"; fi
+    if (($(date +%s) < deadline)); then clang-tidy -p build/tidy --quiet "$@"; else printf "%s\n" "$@" >>"$left"; fi
 ' tidy <<<"$files"
 [ ! -s "$left" ] || echo "Not looked at, for lack of time: $(wc -l <"$left") files. ./test --tidy FILE ... looks at them."

@@ -2,12 +2,14 @@
 
 #include <QApplication>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <memory>
 #include <new>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -231,16 +233,40 @@ std::filesystem::path folderOfProgram() {
     return std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path();
 }
 
-/// Version and usage need no screen. False when neither is asked for.
-bool tellsOfItself(const StartArguments& arguments) {
-    if (arguments.version) std::puts("kolmera " KOLMERA_VERSION);
-    if (arguments.version || !arguments.help) return arguments.version;
+LanguageTexts textsBeforeTheScreen() {
     LanguageTexts texts;
     texts.ÖppnaSpråk(folderOfProgram(), {});
     texts.InitSpråkOrd(
         LanguageTexts::NormaliseraSpråk(SettingsStore(SettingsStore::userFile()).get("Start", "Lang", "SE")));
-    std::puts(texts.ModulText(text::startwindow::kUsage).c_str());
+    return texts;
+}
+
+/// Version and usage need no screen. False when neither is asked for.
+bool tellsOfItself(const StartArguments& arguments) {
+    if (arguments.version) std::puts("kolmera " KOLMERA_VERSION);
+    if (arguments.version || !arguments.help) return arguments.version;
+    std::puts(textsBeforeTheScreen().ModulText(text::startwindow::kUsage).c_str());
     return true;
+}
+
+/// While the application is made. Without a screen the toolkit tells of plugins in several lines and aborts.
+void endWithoutScreen(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    constexpr int kUnavailable = 69;  // EX_UNAVAILABLE, which ./run knows
+    // What the system answered comes without a category.
+    const bool aboutScreen = context.category == nullptr || std::string_view(context.category).starts_with("qt.qpa");
+    if (type != QtFatalMsg) {
+        if (!aboutScreen) std::fprintf(stderr, "%s\n", qPrintable(text));
+        return;
+    }
+    std::string tried;
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+        if (const char* value = std::getenv(name); value != nullptr && *value != '\0')
+            tried.append(tried.empty() ? " (" : ", ").append(name).append("=").append(value);
+    }
+    if (!tried.empty()) tried += ')';
+    const std::string told = textsBeforeTheScreen().ModulTextMed(text::startwindow::kNoDisplay, tried);
+    std::fprintf(stderr, "kolmera: %s\n", told.empty() ? qPrintable(text) : told.c_str());
+    std::_Exit(kUnavailable);
 }
 
 int run(KolmeraApplication& application) {
@@ -277,7 +303,9 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Kolmera"));
     try {
         if (kolmera::tellsOfItself(kolmera::startArguments({argv + 1, argv + argc}))) return 0;
+        qInstallMessageHandler(kolmera::endWithoutScreen);
         kolmera::KolmeraApplication application(argc, argv);
+        qInstallMessageHandler(nullptr);
         QApplication::setWindowIcon(kolmera::maskJobIcon(QApplication::palette()));
         return kolmera::run(application);
     } catch (const std::bad_alloc&) {

@@ -138,7 +138,7 @@ bool Output::nameProducts() {
     const bool here = !company.empty() && !SqlLayer::ÄrSQLDatabas(company) &&
                       std::filesystem::exists(state.drives.resolve(company, state.dataFolder()), unknown);
     if (!here) return true;
-    TerminalPort port(surroundings_.err, surroundings_.cancel, false);
+    TerminalPort port(session_, surroundings_.err, surroundings_.cancel, false);
     MessageBoxes boxes(port, {});
     CompanyRegister companies(state, session_.texts, boxes);
     companies.waitForLock = [] { return false; };

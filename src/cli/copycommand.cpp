@@ -74,7 +74,7 @@ int copyCompanyCommand(const CopyArguments& arguments, const Surroundings& surro
                          << '\n';
         return exitcode::kUsage;
     }
-    TerminalPort port(surroundings.err, surroundings.cancel, false);
+    TerminalPort port(session, surroundings.err, surroundings.cancel, false);
     MessageBoxes boxes(port, session.state.helpFile);
     CompanyRegister companies(session.state, session.texts, boxes);
     companies.waitForLock = [&] { return !port.cancelled(); };

@@ -39,7 +39,7 @@ class LetterCommand {
           surroundings_(surroundings),
           file_(fs::absolute(arguments.file).lexically_normal()),
           session_(surroundings, arguments.dataFolder),
-          port_(surroundings.err, surroundings.cancel, false),
+          port_(session_, surroundings.err, surroundings.cancel, false),
           boxes_(port_, {}),
           companies_(session_.state, session_.texts, boxes_) {
         companies_.waitForLock = [this] { return waitForLock(); };

@@ -9,7 +9,6 @@
 #include "cli/session.h"
 #include "cli/terminalport.h"
 #include "db/companyschema.h"
-#include "lang/errortext.h"
 #include "lang/keys/access.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
@@ -74,7 +73,7 @@ int importAccessCommand(const ImportAccessArguments& arguments, const Surroundin
     if (!arguments.replace && fs::exists(fs::symlink_status(company, missing))) {
         return fail(session.text(text::access::kExists, name), exitcode::kStopped);
     }
-    TerminalPort port(surroundings.err, surroundings.cancel, false);
+    TerminalPort port(session, surroundings.err, surroundings.cancel, false);
     MessageBoxes boxes(port, session.state.helpFile);
     CompanyRegister companies(session.state, session.texts, boxes);
     AccessImport import{.reader = surroundings.programFolder / jet::kReaderProgram,
@@ -95,7 +94,7 @@ try {
 } catch (const PlatformError& error) {
     if (!port.cancelled()) {
         const PlatformError named = error.subject().empty() ? error.about(arguments.file) : error;
-        return fail(session.text(text::access::kNotImported, arguments.file) + ' ' + errorText(session.texts, named),
+        return fail(session.text(text::access::kNotImported, arguments.file) + ' ' + session.explain(named),
                     exitcode::kStopped);
     }
 }

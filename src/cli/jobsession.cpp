@@ -84,7 +84,8 @@ Surroundings inLocale(const Surroundings& machine, const std::string& locale) {
 
 JobSession::JobSession(const JobArguments& arguments, const Surroundings& surroundings)
     : session(surroundings, arguments.dataFolder),
-      port(surroundings.err, surroundings.cancel, arguments.emptyTables, doubtful(arguments), !surroundings.quiet),
+      port(session, surroundings.err, surroundings.cancel, arguments.emptyTables, doubtful(arguments),
+           !surroundings.quiet),
       arguments_(arguments),
       surroundings_(surroundings) {
     result.numberForm = numberForm(session.state.locale);

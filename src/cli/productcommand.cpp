@@ -54,7 +54,7 @@ int productCommand(const ProductArguments& arguments, const Surroundings& surrou
     Session session(surroundings, arguments.dataFolder);
     if (!session.hasDataFolder(surroundings.err)) return exitcode::kStopped;
     LäsDorvikIni(session.state);
-    TerminalPort port(surroundings.err, surroundings.cancel, false);
+    TerminalPort port(session, surroundings.err, surroundings.cancel, false);
     MessageBoxes boxes(port, {});
     CompanyRegister companies(session.state, session.texts, boxes);
     const auto company = chosenCompany(session, companies, arguments.company, surroundings.err);

@@ -15,7 +15,6 @@
 #include "cli/session.h"
 #include "cli/terminalport.h"
 #include "cli/texttable.h"
-#include "lang/errortext.h"
 #include "lang/keys/company.h"
 #include "lang/keys/help.h"
 #include "lang/keys/registers.h"
@@ -40,7 +39,7 @@ class RegisterCommand {
         : arguments_(arguments),
           surroundings_(surroundings),
           session_(surroundings, arguments.dataFolder),
-          port_(surroundings.err, surroundings.cancel, false),
+          port_(session_, surroundings.err, surroundings.cancel, false),
           boxes_(port_, {}),
           companies_(session_.state, session_.texts, boxes_),
           folder_(session_.state.dataFolder()) {
@@ -316,8 +315,7 @@ std::optional<RegisterValues> RegisterCommand::valuesOf(const RegisterRow& row, 
 int RegisterCommand::endRecord(RecordedWriting& writing, const char* outcome, const WritingCounts& counts) {
     writing.end(outcome, counts);
     if (!writing.failure()) return exitcode::kDone;
-    surroundings_.err << session_.text(text::registers::kNotRecorded, errorText(session_.texts, *writing.failure()))
-                      << '\n';
+    surroundings_.err << session_.text(text::registers::kNotRecorded, session_.explain(*writing.failure())) << '\n';
     return exitcode::kPassedOver;
 }
 

@@ -40,7 +40,7 @@ int repairCommand(const RepairArguments& arguments, const Surroundings& surround
     };
     if (SqlLayer::ÄrSQLDatabas(upperCase(company)))
         return fail(session.text(text::repair::kOnlyFiles), exitcode::kUsage);
-    TerminalPort port(surroundings.err, surroundings.cancel, false);
+    TerminalPort port(session, surroundings.err, surroundings.cancel, false);
     MessageBoxes boxes(port, session.state.helpFile);
     CompanyRegister companies(session.state, session.texts, boxes);
     companies.waitForLock = [&] { return !port.cancelled(); };

@@ -33,11 +33,8 @@ Session::Session(const Surroundings& surroundings, const std::string& dataFolder
 }
 
 std::string Session::explain(const PlatformError& error) {
-    std::string told = errorText(texts, error);
-    if (!verbose) return told;
-    told += fmt::format(" [{}", error.number());
-    if (error.systemError() != 0) told += fmt::format(", errno {}", error.systemError());
-    return told + ": " + error.description() + ']';
+    const std::string told = errorText(texts, error);
+    return verbose ? fmt::format("{} [{}]", told, originalText(error)) : told;
 }
 
 bool Session::hasDataFolder(std::ostream& err) {

@@ -4,13 +4,15 @@
 
 #include <ostream>
 
+#include "cli/session.h"
 #include "platform/lettercase.h"
 
 namespace kolmera::cli {
 
-TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful,
-                           bool drawsProgress)
-    : errors_(errors),
+TerminalPort::TerminalPort(Session& session, std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables,
+                           Doubtful doubtful, bool drawsProgress)
+    : session_(session),
+      errors_(errors),
       cancel_(cancel),
       emptyTables_(emptyTables),
       doubtful_(doubtful),
@@ -19,6 +21,8 @@ TerminalPort::TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel
 Answer TerminalPort::show(const Message& message) {
     const bool titled = !message.title.empty() && !message.text.starts_with(message.title);
     print(titled ? message.title + ": " + message.text : message.text);
+    const std::string words = session_.verbose ? session_.texts.originalWords().in(message.text) : std::string();
+    if (!words.empty()) errors_ << '[' << words << ']' << std::endl;
     switch (message.buttons) {
         case Buttons::OK:
             return Answer::OK;

@@ -12,16 +12,18 @@
 
 namespace kolmera::cli {
 
+class Session;
+
 /// A run's surroundings on a terminal: messages go to the error stream, questions are answered No, confirmation is
-/// given, and Ctrl-C is Cancel.
+/// given, and Ctrl-C is Cancel. A verbose session sees the words that errors came with, too.
 class TerminalPort final : public RunPort, public PassedOver {
   public:
     /// Which price files are read that are not what the run expects. By itself, those that write less than was meant.
     enum class Doubtful { Harmless, None, All };
 
     /// `cancel` is set by the signal handler. `emptyTables` ticks the box of the confirmation.
-    TerminalPort(std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables, Doubtful doubtful = {},
-                 bool drawsProgress = true);
+    TerminalPort(Session& session, std::ostream& errors, const std::atomic<bool>& cancel, bool emptyTables,
+                 Doubtful doubtful = {}, bool drawsProgress = true);
 
     Answer show(const Message& message) override;
     [[nodiscard]] bool answers() const override { return false; }
@@ -56,6 +58,7 @@ class TerminalPort final : public RunPort, public PassedOver {
   private:
     void print(std::string_view text);
 
+    Session& session_;
     std::ostream& errors_;
     const std::atomic<bool>& cancel_;
     bool emptyTables_;

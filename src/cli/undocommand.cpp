@@ -36,7 +36,7 @@ class UndoCommand {
         : arguments_(arguments),
           surroundings_(surroundings),
           session_(surroundings, arguments.dataFolder),
-          port_(surroundings.err, surroundings.cancel, false),
+          port_(session_, surroundings.err, surroundings.cancel, false),
           boxes_(port_, {}),
           companies_(session_.state, session_.texts, boxes_),
           folder_(session_.state.dataFolder()) {

@@ -1,6 +1,7 @@
 #include "db/conversions.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 

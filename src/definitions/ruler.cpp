@@ -1,6 +1,7 @@
 #include "definitions/ruler.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace kolmera {
 

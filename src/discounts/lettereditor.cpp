@@ -1,6 +1,7 @@
 #include "discounts/lettereditor.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <utility>

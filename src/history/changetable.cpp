@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "lang/keys/changes.h"
 #include "platform/lettercase.h"

@@ -1,5 +1,7 @@
 #include "lang/errortext.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 
 #include "lang/keys/fault.h"
@@ -100,7 +102,16 @@ std::string errorText(LanguageTexts& texts, const PlatformError& error) {
     const bool ownWords = key == text::fault::kUnexpected || key == text::fault::kSystemError;
     const std::string about = ownWords ? error.description() : error.subject();
     const std::string quotation = ownWords ? std::string() : error.quotation();
-    return sentence + (about.empty() ? "" : ": " + about) + "." + (quotation.empty() ? "" : " (" + quotation + ")");
+    std::string told =
+        sentence + (about.empty() ? "" : ": " + about) + "." + (quotation.empty() ? "" : " (" + quotation + ")");
+    texts.originalWords().keep(told, originalText(error));
+    return told;
+}
+
+std::string originalText(const PlatformError& error) {
+    const std::string system =
+        error.systemError() != 0 ? fmt::format(", errno {}", error.systemError()) : std::string();
+    return fmt::format("{}{}: {}", error.number(), system, error.description());
 }
 
 }  // namespace kolmera

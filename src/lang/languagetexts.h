@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "lang/originalwords.h"
 #include "lang/textkeys.h"
 #include "platform/engine/database.h"
 #include "platform/settings.h"
@@ -27,6 +28,8 @@ class LanguageTexts {
     void fallBackOn(std::span<const std::string_view> lines) { fallback_ = lines; }
 
     [[nodiscard]] const std::string& language() const { return language_; }
+    /// Of the errors that were told in these texts (`errorText`).
+    [[nodiscard]] OriginalWords& originalWords() { return originalWords_; }
     [[nodiscard]] std::string SpråkText(std::string_view key);
     /// The stored text without decoding of markers, as form translation places it; nothing when the key is missing.
     [[nodiscard]] std::optional<std::string> storedText(std::string_view key);
@@ -68,6 +71,7 @@ class LanguageTexts {
     std::unique_ptr<Database> database_;
     std::unique_ptr<Recordset> lang_;
     std::span<const std::string_view> fallback_;
+    OriginalWords originalWords_;
 };
 
 /// Writes DVLang.sys from a table of texts (key TAB SE TAB EN, then what it does not need; header line, "#" comments).

@@ -5,6 +5,7 @@
 #define ZLIB_CONST  // zlib does not change what it reads
 #include <zlib.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <filesystem>

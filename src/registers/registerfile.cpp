@@ -1,6 +1,7 @@
 #include "registers/registerfile.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <charconv>

@@ -1,5 +1,6 @@
 #include "source/sourceformat.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "source/sourcejson.h"

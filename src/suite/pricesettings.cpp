@@ -1,6 +1,7 @@
 #include "suite/pricesettings.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <functional>
 #include <vector>

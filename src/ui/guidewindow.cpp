@@ -12,6 +12,7 @@
 #include <QTextBrowser>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "lang/keys/boxes.h"
 #include "platform/error.h"

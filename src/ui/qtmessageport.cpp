@@ -78,6 +78,8 @@ Answer QtMessagePort::show(const Message& message) {
     box.setDefaultButton(message.secondIsDefault && buttons.size() > 1 ? buttons[1] : buttons[0]);
     box.setEscapeButton(buttons.back());
     if (message.helpButton) addHelp(box, message);
+    const std::string words = texts_.originalWords().in(message.text);
+    if (!words.empty()) box.setDetailedText(toQt(words));
     box.exec();
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (box.clickedButton() == buttons[i]) return rows[i].answer;

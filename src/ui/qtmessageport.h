@@ -7,7 +7,8 @@ class QMessageBox;
 
 namespace kolmera {
 
-/// Shows message boxes over the active window, with buttons in the program's language.
+/// Shows message boxes over the active window, with buttons in the program's language. The words that the errors in a
+/// text came with can be unfolded.
 class QtMessagePort final : public MessagePort {
   public:
     explicit QtMessagePort(LanguageTexts& texts) : texts_(texts) {}

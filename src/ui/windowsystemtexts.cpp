@@ -22,6 +22,9 @@ constexpr Text kTexts[] = {
     {"Close", "Stäng"},
     {"&Yes", "&Ja"},
     {"&No", "&Nej"},
+    // A message box.
+    {"Show Details...", "Visa detaljer..."},
+    {"Hide Details...", "Dölj detaljer..."},
     // The file dialog.
     {"Find Directory", "Leta upp mapp"},
     {"Save As", "Spara som"},

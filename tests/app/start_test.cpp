@@ -81,6 +81,27 @@ TEST_F(StartTest, TellsOfItself) {
     }
 }
 
+TEST_F(StartTest, SaysInALineThatNoDisplayAnswers) {
+    for (const char* platform : {"xcb", "wayland"}) {
+        QProcess told;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_QPA_PLATFORM", platform);
+        environment.insert("DISPLAY", ":7777");
+        environment.insert("WAYLAND_DISPLAY", "gone");
+        environment.insert("XDG_RUNTIME_DIR", QString::fromStdString(folder.path().string()));
+        told.setProcessEnvironment(environment);
+        told.setProcessChannelMode(QProcess::MergedChannels);
+        told.start(QString::fromStdString((program / "kolmera").string()), QStringList());
+        ASSERT_TRUE(told.waitForFinished()) << platform;
+        EXPECT_EQ(told.exitStatus(), QProcess::NormalExit) << platform;
+        EXPECT_EQ(told.exitCode(), 69) << platform;
+        EXPECT_EQ(told.readAll().toStdString(),
+                  "kolmera: Ingen skärm svarar (DISPLAY=:7777, WAYLAND_DISPLAY=gone). "
+                  "Utan skärm används kolmera-cli.\n")
+            << platform;
+    }
+}
+
 TEST_F(StartTest, OnTheFolderThatTheSuiteNames) {
     nameDataFolder(data);
     EXPECT_TRUE(startsOn(data));

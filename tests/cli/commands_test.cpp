@@ -110,6 +110,9 @@ TEST(CommandLine, SaysAsMuchAsIsWanted) {
     std::filesystem::create_directory(machine.file("s.json"));
     EXPECT_EQ(machine.runJob("(EIO)", {"-v", "--summary", machine.file("s.json")}), cli::exitcode::kStopped);
     EXPECT_TRUE(contains(machine.err(), "errno 21: ")) << machine.err();
+    std::ofstream(machine.company(), std::ios::trunc) << "no company";
+    EXPECT_EQ(machine.runJob("(EIO)", {"-v"}), cli::exitcode::kStopped);
+    EXPECT_TRUE(contains(machine.err(), "[3343: ")) << "words of a message kept back: " << machine.err();
     EXPECT_EQ(machine.runJob("zzz"), cli::exitcode::kStopped);
     EXPECT_TRUE(contains(machine.err(), R"("Ekhult semikolonlista", "Granlid arbetsbok")")) << machine.err();
 }

@@ -85,6 +85,26 @@ TEST(Schemas, HoldForASummaryOfEveryOutcome) {
 
 TEST(Schemas, HoldForWhatCommandsPrint) {
     DemoMachine machine;
+    std::vector<std::pair<std::string, std::string>> files;
+    const auto keep = [&](const char* schema, std::vector<std::string> command, int exitCode = cli::exitcode::kDone) {
+        SCOPED_TRACE(schema);
+        command.emplace_back("--json");
+        if (command.front() != "inspect" && command.front() != "registers")
+            command.insert(command.end(), {"--data", machine.data()});
+        EXPECT_EQ(machine.run(command), exitCode) << machine.err();
+        files.emplace_back(schema, machine.file(fmt::format("output{}", files.size())));
+        std::ofstream(files.back().second) << machine.out();
+    };
+    const std::string prices = machine.data() + "/Prisfiler/";
+    for (const char* delivery : {"EK-1;Skruv;st;1,00 kr;\r\n", ""}) {
+        std::ofstream(prices + "EKHULT.CSV", std::ios::app) << delivery;
+        (void)machine.runJob("Ekhult semikolonlista");
+        std::filesystem::resize_file(prices + "EKHULT.CSV", std::filesystem::file_size(prices + "EKHULT.CSV") - 300);
+    }
+    keep("compare", {"compare", "last"});
+    const std::string rows = machine.file("rows.csv");
+    std::ofstream(rows) << "Kod;Levreskontra;Annat\nXAA;1,5;a\nXAB;b;c\n";
+    keep("register-import", {"register", "currencies", "import", rows}, cli::exitcode::kPassedOver);
     ASSERT_EQ(machine.runJob("Granlid arbetsbok"), cli::exitcode::kDone);
     const struct {
         const char* schema;
@@ -95,14 +115,20 @@ TEST(Schemas, HoldForWhatCommandsPrint) {
                  {"undo", {"undo", "last", "--dry-run"}},
                  {"undo", {"undo", "last"}},
                  {"changes", {"show", "last"}},
+                 {"inspect", {"inspect", rows}},
+                 {"inspect", {"inspect", prices + "GRANLID.XLSX"}},
+                 {"explain", {"explain", "Bruknäs skruv och beslag", "SK20060"}},
+                 {"limits", {"limits", "(EIO)", "--set", "largest-change=1"}},
+                 {"couplings", {"couplings", "(FINFO)"}},
+                 {"source", {"source", "Granlid arbetsbok"}},
+                 {"source", {"source", "(EIO)"}},
+                 {"product", {"product", "SK20060"}},
+                 {"registers", {"registers"}},
+                 {"register-columns", {"register", "currencies", "columns"}},
+                 {"register-list", {"register", "suppliers", "list"}},
+                 {"register-show", {"register", "suppliers", "show", "3020"}},
                  {"history", {"history"}}};
-    std::vector<std::pair<std::string, std::string>> files;
-    for (auto [schema, command] : cases) {
-        command.insert(command.end(), {"--data", machine.data(), "--json"});
-        EXPECT_EQ(machine.run(command), 0) << machine.err();
-        files.emplace_back(schema, machine.file(fmt::format("output{}", files.size())));
-        std::ofstream(files.back().second) << machine.out();
-    }
+    for (const auto& c : cases) keep(c.schema, c.command);
     const Validation good = validate(files);
     SKIP_WITHOUT_VALIDATOR(good);
     EXPECT_EQ(good.exitCode, 0);

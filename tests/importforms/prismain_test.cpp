@@ -163,6 +163,21 @@ TEST_F(PrisMainTest, PreviewsARunAndThenDoesIt) {
     EXPECT_TRUE(runs.came());
 }
 
+TEST_F(PrisMainTest, APreviewSaysOnceWhatItsRecordRemarks) {
+    select("Ekhult semikolonlista");
+    QStringList notices;
+    const WhenShown shown("ChangeWindow", [&](QDialog& changes) {
+        const auto& list = control<QListWidget>(changes, "Notiser");
+        for (int row = 0; row < list.count(); ++row) notices << list.item(row)->text();
+        changes.reject();
+    });
+    press("Förhandsgranska");
+    EXPECT_TRUE(shown.came());
+    const std::string told = fromQt(notices.join("\n"));
+    EXPECT_EQ(notices.filter("Rader som utelämnades").size(), 1) << told;
+    EXPECT_EQ(notices.filter("ring oss").size(), 1) << "what stands in the file is kept back: " << told;
+}
+
 TEST_F(PrisMainTest, DeletesEveryJobOfTheNameWhenTheUserSaysYes) {
     Job twin = *JobFile(world.data).find(kMaskJob);
     twin.number = 0;

@@ -76,6 +76,21 @@ TEST_F(TemplateFiles, AskBeforeTheyWriteOverAJob) {
     EXPECT_EQ(open([](QDialog& form) { control<QPushButton>(form, "Avbryt").click(); }, false), 0);
 }
 
+TEST_F(TemplateFiles, LeaveOptionsThatOthersHaveChangedMeanwhile) {
+    const Job shown = job("Smedhult verktyg");
+    save(shown);
+    const Limits others{.largestChange = 5};
+    const int written = open(
+        [&](QDialog& form) {
+            JobOptionsFile(world.data).setLimits(shown.name, others);
+            control<QCheckBox>(form, "SkrivÖver").click();
+            ok(form).click();
+        },
+        true);
+    EXPECT_EQ(written, 0);
+    EXPECT_EQ(JobOptionsFile(world.data).limits(shown.name), others) << "written over unseen";
+}
+
 TEST_F(TemplateFiles, AskForASupplierWhoHasAnotherNumberHere) {
     save(job("Bruknäs höstlista"));
     auto made = nlohmann::ordered_json::parse(readWholeFile(file));

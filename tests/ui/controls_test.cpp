@@ -10,7 +10,9 @@
 #include <QTest>
 #include <QTimer>
 
+#include "lang/errortext.h"
 #include "lang/keys/shared.h"
+#include "platform/printable.h"
 #include "support/qt/formworld.h"
 #include "ui/filedialogs.h"
 #include "ui/forms.h"
@@ -145,6 +147,32 @@ TEST(QtMessagePortTest, HelpLeavesTheBoxOpen) {
         QTest::mouseClick(&boxButton(box, "&Ja"), Qt::LeftButton);
     });
     EXPECT_EQ(answer, Answer::Yes);
+}
+
+TEST(QtMessagePortTest, UnfoldsTheWordsOfTheErrorsInItsText) {
+    FormWorld world;
+    const PlatformError full = PlatformError(errors::kDiskFull, "database or disk is full").about("FTG1.mdb");
+    const PlatformError server = PlatformError(errors::kServerGone, "server\nclosed the connection").ofSystem(104);
+    (void)errorText(world.texts, PlatformError(errors::kDamaged, "of another message"));
+    std::string told = errorText(world.texts, full);
+    told += "\r\n" + printable(errorText(world.texts, server), 1000);
+    const struct {
+        const char* fault;
+        std::string text, details;
+    } cases[] = {
+        {"words left out, or of another message", told,
+         "3026: FTG1.mdb: database or disk is full\n3151, errno 104: server\nclosed the connection"},
+        {"details where no error is told", "Ta bort?", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        Message message;
+        message.text = c.text;
+        answered(world, message, [&](QMessageBox& box) {
+            EXPECT_EQ(box.detailedText().toStdString(), c.details);
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+    }
 }
 
 TEST(FileDialogs, SaveUnderTheEndingOfTheirKind) {

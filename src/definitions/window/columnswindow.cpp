@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QSignalBlocker>
 #include <QTableWidget>
+#include <algorithm>
 
 #include "definitions/window/propertygrid.h"
 #include "lang/keys/source.h"

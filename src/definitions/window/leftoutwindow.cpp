@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <algorithm>
 
 #include "lang/keys/leftoutrows.h"
 #include "ui/controls.h"

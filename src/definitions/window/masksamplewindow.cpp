@@ -9,6 +9,7 @@
 #include <QSignalBlocker>
 #include <QTableView>
 #include <QTableWidget>
+#include <algorithm>
 
 #include "definitions/window/rulerview.h"
 #include "lang/keys/masksamplewindow.h"

@@ -9,6 +9,7 @@
 #include <QScrollArea>
 #include <QTableWidget>
 #include <QTimer>
+#include <algorithm>
 
 #include "definitions/convertedsample.h"
 #include "definitions/leftouteditor.h"

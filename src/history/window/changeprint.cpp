@@ -2,6 +2,7 @@
 
 #include <QPagedPaintDevice>
 #include <QPainter>
+#include <algorithm>
 #include <array>
 
 #include "lang/keys/changes.h"

@@ -59,10 +59,24 @@ bool readReport(Program& program, QWidget& parent, ChangeReport& report) {
     return true;
 }
 
-std::vector<Notice> noticesOf(std::span<const std::string> told) {
+/// Of a text that a preview told: what the notices of its record do not say already, a line.
+std::string notNoticed(const std::string& told, std::span<const Notice> notices) {
+    std::string line;
+    for (const std::string& paragraph : split(told, "\r\n\r\n")) {
+        // One that quotes the file says more than a notice.
+        const bool quotes = paragraph.find(": \"") != std::string::npos;
+        const auto saysIt = [&](const Notice& notice) { return paragraph.starts_with(notice.text + ": "); };
+        if (!quotes && std::ranges::any_of(notices, saysIt)) continue;
+        line.append(line.empty() ? "" : "  ").append(replaceAll(paragraph, "\r\n", " "));
+    }
+    return line;
+}
+
+std::vector<Notice> noticesOf(std::span<const std::string> told, std::span<const Notice> known) {
     std::vector<Notice> notices;
     for (const std::string& text : told) {
-        notices.push_back({.warning = true, .name = {}, .text = replaceAll(text, "\r\n", " "), .records = {}});
+        std::string line = notNoticed(text, known);
+        if (!line.empty()) notices.push_back({.warning = true, .name = {}, .text = std::move(line), .records = {}});
     }
     return notices;
 }
@@ -79,7 +93,7 @@ bool showRecord(Program& program, QWidget* parent, const RecordReader& record, s
         ChangeReport report(sourceOf(record), program.texts, program.state.locale,
                             [&](std::string_view name) { return remarkText(program.texts, name); });
         if (!readReport(program, *parent, report)) return false;
-        report.warn(noticesOf(told));
+        report.warn(noticesOf(told, report.notices()));
         ChangeWindow form(program, report, parent);
         const RecordedDefinition definition = recordedDefinition(record.header());
         RecordedPriceFile file(record.header().priceFile, definition.codePage, definition.source);

@@ -1,5 +1,7 @@
 #include "import/masks/recordreader.h"
 
+#include <algorithm>
+
 namespace kolmera {
 
 int cutLines(PriceFile& file, int lines, EntryList& entries) {

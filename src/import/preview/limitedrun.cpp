@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "definitions/joboptions.h"
 #include "history/changefigures.h"

@@ -1,5 +1,6 @@
 #include "import/run/recordkeeping.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "platform/settings.h"

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+
 #include "lang/errortext.h"
 #include "lang/keys/run.h"
 #include "platform/printable.h"

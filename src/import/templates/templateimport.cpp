@@ -43,14 +43,18 @@ bool TemplateImport::setName(const std::string& name) {
 
 /// The jobs of the trade formats are there from the start, without a price file.
 bool TemplateImport::isSetUp() const {
+    return !ÄrStandardFormat(job_->name) || !job_->priceFile.empty() || options_.limits.any() || options_.source;
+}
+
+TemplateImport::Options TemplateImport::storedOptions() const {
     const JobOptionsFile options(folder_);
-    return !ÄrStandardFormat(job_->name) || !job_->priceFile.empty() || options.limits(job_->name).any() ||
-           options.source(job_->name);
+    return {.limits = options.limits(job_->name), .source = options.source(job_->name)};
 }
 
 void TemplateImport::look() {
     const RunDefinition& definition = wanted_.definition;
     job_ = JobFile(folder_).find(definition.job.name);
+    options_ = job_ ? storedOptions() : Options{};
     couplings_ = CouplingFile(folder_).ofJob(definition.job.name);
     mask_ = definition.mask ? MaskFile(folder_).find(definition.mask->mask.Namn) : std::nullopt;
     writesOver_.clear();
@@ -120,6 +124,9 @@ int TemplateImport::save() const {
     if (definition.mask) putMask(change, *definition.mask, mask_);
     const int number = putJob(change, definition.job, job_);
     putCouplings(change, definition.job.name, definition.couplings, couplings_);
+    // The record did not change, and its options cannot from here on.
+    if (job_ && storedOptions() != options_)
+        throw PlatformError(errors::kChangedElsewhere, "the options of the job have changed").about(job_->name);
     putOptions(change.text(kJobOptionsFile), definition.job.name,
                {.limits = wanted_.limits, .source = definition.source});
     change.commit();

@@ -51,6 +51,13 @@ class TemplateImport {
   private:
     void look();
     [[nodiscard]] bool isSetUp() const;
+    /// What is kept of the job beside its record.
+    struct Options {
+        Limits limits;
+        std::optional<SourceSettings> source;
+        bool operator==(const Options&) const = default;
+    };
+    [[nodiscard]] Options storedOptions() const;
 
     std::filesystem::path folder_;
     JobTemplate wanted_;
@@ -58,6 +65,7 @@ class TemplateImport {
     std::vector<SupplierRow> company_;
     // What is here under the names.
     std::optional<Job> job_;
+    Options options_;
     std::optional<WholeMask> mask_;
     std::vector<Coupling> couplings_;
     std::vector<std::string> writesOver_;

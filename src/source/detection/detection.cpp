@@ -3,6 +3,7 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "platform/error.h"

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "platform/encodings.h"
 #include "source/characters.h"
 #include "source/readers/readers.h"

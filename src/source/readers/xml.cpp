@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <deque>
 
 #include "platform/error.h"

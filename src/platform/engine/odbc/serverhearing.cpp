@@ -1,6 +1,7 @@
 #include "platform/engine/odbc/serverhearing.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "platform/engine/fieldvalue.h"
 #include "platform/engine/odbc/servertable.h"

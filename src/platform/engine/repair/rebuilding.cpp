@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "platform/engine/sqlite/password.h"
 #include "platform/engine/sqlitenames.h"
 #include "platform/error.h"
