@@ -277,6 +277,7 @@ void ProductWindow::showTables() {
     while (tabs_->count() > 0) delete tabs_->widget(0);
     runs_.clear();
     heading_->setText(card_ ? toQt(card_->number + "  " + card_->name) : QString());
+    tabs_->setEnabled(card_.has_value());  // Tab would stop at nothing
     if (!card_) return;
     for (const CardTable& table : card_->tables) addTab(table);
     history_ = addTab(historyTable(program_.texts));
