@@ -245,6 +245,7 @@ def main():
     try:
         os.close(writing)
         os.environ["DISPLAY"] = ":" + os.read(reading, 100).decode().strip()
+        run("setxkbmap", "se")  # letters that a keyboard lacks come late
         session = Session(pathlib.Path(sys.argv[1]), artefacts)
         try:
             session.go()
