@@ -39,7 +39,7 @@ WINDOWS = (
             ("excerpt", ["alt+f"], []),
             ("calculation", ["alt+l", *"inpris", "Return", "F8"], []),
         ]),
-        ("runs", ["ctrl+h"], [("compare", ["Down", "alt+j"], []), ("undo", ["Home", "alt+aring"], [])]),
+        ("runs", ["ctrl+h"], [("compare", ["Home", "alt+j"], []), ("undo", ["Home", "alt+aring"], [])]),
         ("job", ["Home"] + ["Down"] * 5 + ["Return"], [
             ("limits", ["alt+g"], []),
             ("mask", ["alt+odiaeresis"], [("sample", ["alt+x"], [])]),
@@ -99,7 +99,7 @@ class Session:
     def keys(self, *keys):
         if keys[-1] == PAUSE:
             self.keys(*keys[:-1])
-            time.sleep(1)
+            time.sleep(1.5)
             return
         run("xdotool", "key", "--delay", "5", *keys)
 
@@ -149,9 +149,9 @@ class Session:
                 return
 
     # --- one window
-    def next_stop(self):
+    def next_stop(self, key="Tab"):
         self.focused = None
-        self.keys("Tab")
+        self.keys(key)
         try:
             until(lambda: self.focused is not None, "")
         except Failed:
@@ -188,6 +188,7 @@ class Session:
             stops.append(stop)
         else:
             self.faults.append(f"{name}: Tab never comes round")
+        self.next_stop("shift+Tab")  # to where the window began
         self.said += [f"{name}: {role} \"{said}\"" for _, said, role, _ in stops]
         backwards = [(stops[i - 1], stops[i]) for i in range(len(stops)) if goes_back(stops[i - 1], stops[i])]
         if len(backwards) > 1:  # once it has to begin anew
