@@ -333,15 +333,19 @@ void PrisMTyp::setColumnWidths() {
             case Column::Mål:
                 return 24;
             case Column::TypKod:
-                return 28;
+                return 32;
             case Column::Division:
-                return 20;
+                return 22;
             default:
                 return 17;
         }
     };
-    for (int place = 0; const Column column : relations_.columns())
-        relationer_->setColumnWidth(place++, letters(column) * fontMetrics().averageCharWidth());
+    const QHeaderView& header = *relationer_->horizontalHeader();
+    for (int place = 0; const Column column : relations_.columns()) {
+        const int width = letters(column) * fontMetrics().averageCharWidth();
+        relationer_->setColumnWidth(place, std::max(width, header.sectionSizeHint(place)));
+        ++place;
+    }
 }
 
 void PrisMTyp::showMask() {

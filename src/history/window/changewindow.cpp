@@ -314,7 +314,7 @@ void ChangeWindow::connectKeys() {
 
 void ChangeWindow::setSizes() {
     constexpr int kWindowLetters = 165, kWindowLines = 44, kNoticeLines = 4, kOverLetters = 6, kColumnLetters = 24;
-    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 34, 12, 12, 15, 11, 9};
+    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 34, 15, 15, 13, 11, 9};
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     for (std::size_t column = 0; column < kLetters.size(); ++column) {
