@@ -100,26 +100,85 @@ std::string MaskEditor::caption() const {
                                      convertedFrom_.empty() ? sample_.filename().string() : convertedFrom_);
 }
 
-void MaskEditor::setFilTyp(char structure) {
-    mask_.FilTyp = structure;
+void MaskEditor::asOneStep(const std::function<void()>& changes, Kind kind) {
+    if (withinStep_) return changes();
+    struct Within {
+        bool& within;
+        ~Within() { within = false; }
+    };
+    State before = state();
+    {
+        const Within step{withinStep_};
+        withinStep_ = true;
+        changes();
+    }
+    if (before.mask == mask_ && before.relations == relations_) return;
+    history_.changed(std::move(before), static_cast<int>(kind));
+}
+
+void MaskEditor::undo() {
+    if (std::optional<State> before = history_.undo(state())) restore(std::move(*before));
+}
+
+void MaskEditor::redo() {
+    if (std::optional<State> after = history_.redo(state())) restore(std::move(*after));
+}
+
+void MaskEditor::restore(State state) {
+    const int number = mask_.number;  // given by saving, which is not taken back
+    mask_ = std::move(state.mask);
+    mask_.number = number;
+    relations_ = std::move(state.relations);
     FrånPos_.clear();
     Längd_.clear();
     readSources();
+    chooseRelation(state.chosenRelation);
+}
+
+void MaskEditor::setNamn(std::string name) {
+    asOneStep([&] { mask_.Namn = std::move(name); }, Kind::Namn);
+}
+
+void MaskEditor::setSkapaNya(char rule) {
+    asOneStep([&] { mask_.SkapaNya = rule; });
+}
+
+void MaskEditor::setUppdatLev(bool on) {
+    asOneStep([&] { mask_.UppdatLev = on ? 'J' : 'N'; });
+}
+
+void MaskEditor::setFilTyp(char structure) {
+    asOneStep([&] {
+        mask_.FilTyp = structure;
+        FrånPos_.clear();
+        Längd_.clear();
+        readSources();
+    });
 }
 
 void MaskEditor::setTecken(char characterSet) {
-    mask_.Tecken = characterSet;
-    readSources();
+    asOneStep([&] {
+        mask_.Tecken = characterSet;
+        readSources();
+    });
 }
 
 void MaskEditor::setAntalRader(std::string typed) {
-    mask_.AntalRader = std::move(typed);
-    if (mask_.FilTyp == 'F') readSources();
+    asOneStep(
+        [&] {
+            mask_.AntalRader = std::move(typed);
+            if (mask_.FilTyp == 'F') readSources();
+        },
+        Kind::AntalRader);
 }
 
 void MaskEditor::setPostlängd(std::string typed) {
-    mask_.Postlängd = std::move(typed);
-    if (mask_.FilTyp == 'P') readSources();
+    asOneStep(
+        [&] {
+            mask_.Postlängd = std::move(typed);
+            if (mask_.FilTyp == 'P') readSources();
+        },
+        Kind::Postlängd);
 }
 
 std::vector<Piece> MaskEditor::pieces() const {
@@ -203,17 +262,22 @@ void MaskEditor::chooseRelation(int row) {
     chosen_.division = placeOf(divisions_, relation.Division);
 }
 
+std::string MaskEditor::sourceText(const Relation& relation) const {
+    return within(relation.Källa - 1, sources_.size()) ? sources_[static_cast<std::size_t>(relation.Källa - 1)].text
+                                                       : fmt::format("{:2}.\t", relation.Källa);
+}
+
+Target MaskEditor::targetOf(const Relation& relation) const {
+    const int row = targets_.row(relation.Mål);
+    return row < 0 ? Target{.code = relation.Mål, .text = std::to_string(relation.Mål) + ".\t"}
+                   : targets()[static_cast<std::size_t>(row)];
+}
+
 std::string MaskEditor::relationText(const EditedRelation& edited) const {
     constexpr std::size_t kSourceLetters = 12;
     const Relation& relation = edited.relation;
-    const std::string source = within(relation.Källa - 1, sources_.size())
-                                   ? sources_[static_cast<std::size_t>(relation.Källa - 1)].text
-                                   : fmt::format("{:2}.\t", relation.Källa);
-    const int row = targets_.row(relation.Mål);
-    // A column that this company does not have is shown by its code.
-    const Target target = row < 0 ? Target{.code = relation.Mål, .text = std::to_string(relation.Mål) + ".\t"}
-                                  : targets()[static_cast<std::size_t>(row)];
-    return fmt::format("{}..\t-->  {}\t{}\t{}", firstCharacters(source, kSourceLetters), target.text,
+    const Target target = targetOf(relation);
+    return fmt::format("{}..\t-->  {}\t{}\t{}", firstCharacters(sourceText(relation), kSourceLetters), target.text,
                        ruleText(kolmera::updateRules(target, texts_), relation.TypKod),
                        ruleText(kolmera::divisions(target, texts_), relation.Division));
 }
@@ -251,7 +315,11 @@ void MaskEditor::createRelation() {
     const Relation relation = newRelation();
     if (relation.Mål > 0 && hasTarget(relation.Mål)) {
         if (chosen_.relation < 0 || !agreesToReplace(relation.Mål)) return;
-        dropRelation(chosen_.relation);
+        asOneStep([&] {
+            dropRelation(chosen_.relation);
+            join(relation);
+        });
+        return;
     }
     join(relation);
 }
@@ -261,9 +329,11 @@ bool MaskEditor::join(const Relation& relation) {
         boxes_.MeddelandeInfo(texts_.FormulärSträng(text::prismtyp::kTooManyRelations));
         return false;
     }
-    relations_.push_back({freeSlot(), relation});
-    numberPieces();
-    if (showsPositions()) readSources();
+    asOneStep([&] {
+        relations_.push_back({freeSlot(), relation});
+        numberPieces();
+        if (showsPositions()) readSources();
+    });
     return true;
 }
 
@@ -277,19 +347,39 @@ Relation MaskEditor::ordinaryRelation(int targetRow, int source, Piece piece) {
 }
 
 void MaskEditor::movePiece(int relationRow, Piece piece) {
-    Relation& relation = relations_.at(static_cast<std::size_t>(relationRow)).relation;
-    relation.FrånPos = piece.FrånPos;
-    relation.Längd = piece.Längd;
-    readSources();
+    asOneStep([&] {
+        Relation& relation = relations_.at(static_cast<std::size_t>(relationRow)).relation;
+        relation.FrånPos = piece.FrånPos;
+        relation.Längd = piece.Längd;
+        readSources();
+    });
+}
+
+void MaskEditor::changeRelation(int row, const Relation& relation) {
+    asOneStep([&] {
+        relations_.at(static_cast<std::size_t>(row)).relation = relation;
+        if (showsPositions()) readSources();
+    });
+    chooseRelation(row);
 }
 
 void MaskEditor::removeRelation() {
-    if (chosen_.relation < 0) return;
-    dropRelation(chosen_.relation);
-    FrånPos_.clear();
-    Längd_.clear();
-    numberPieces();
-    if (showsPositions()) readSources();
+    if (chosen_.relation >= 0) removeRelations({chosen_.relation});
+}
+
+void MaskEditor::removeRelations(const std::vector<int>& rows) {
+    std::vector<int> fromBehind = rows;
+    std::ranges::sort(fromBehind, std::ranges::greater());
+    fromBehind.erase(std::ranges::unique(fromBehind).begin(), fromBehind.end());
+    asOneStep([&] {
+        for (const int row : fromBehind) {
+            if (within(row, relations_.size())) dropRelation(row);
+        }
+        FrånPos_.clear();
+        Längd_.clear();
+        numberPieces();
+        if (showsPositions()) readSources();
+    });
 }
 
 /// The selected relation goes: the user may well mean the one that has the target.

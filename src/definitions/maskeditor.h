@@ -11,6 +11,7 @@
 #include "definitions/rulelists.h"
 #include "definitions/sourcelist.h"
 #include "definitions/targetlist.h"
+#include "definitions/undohistory.h"
 #include "startup/messageboxes.h"
 
 namespace kolmera {
@@ -22,6 +23,7 @@ struct EditedRelation {
 
     /// "1", then slot, source and target in three digits each.
     [[nodiscard]] std::int64_t identity() const;
+    bool operator==(const EditedRelation&) const = default;
 };
 
 /// What a run through the mask would do wrong with the sample, each in a sentence or two.
@@ -46,11 +48,11 @@ class MaskEditor {
 
     // The mask. Whatever the sample is cut by cuts it anew.
     [[nodiscard]] const Mask& mask() const { return mask_; }
-    void setNamn(std::string name) { mask_.Namn = std::move(name); }
+    void setNamn(std::string name);
     void setFilTyp(char structure);
     void setTecken(char characterSet);
-    void setSkapaNya(char rule) { mask_.SkapaNya = rule; }
-    void setUppdatLev(bool on) { mask_.UppdatLev = on ? 'J' : 'N'; }
+    void setSkapaNya(char rule);
+    void setUppdatLev(bool on);
     void setAntalRader(std::string typed);
     void setPostlängd(std::string typed);
     /// How long the records of the file seem to be, for a new mask whose length is still the one that was offered.
@@ -63,6 +65,10 @@ class MaskEditor {
     [[nodiscard]] const std::vector<Target>& targets() const { return targets_.targets; }
     [[nodiscard]] const std::vector<EditedRelation>& relations() const { return relations_; }
     [[nodiscard]] std::string relationText(const EditedRelation& edited) const;
+    /// The field that a relation reads, as the sample shows it, or its number alone where the sample has none.
+    [[nodiscard]] std::string sourceText(const Relation& relation) const;
+    /// A column that this company does not have is shown by its code.
+    [[nodiscard]] Target targetOf(const Relation& relation) const;
     [[nodiscard]] const RuleEntries& updateRules() const { return updateRules_; }
     [[nodiscard]] const RuleEntries& divisions() const { return divisions_; }
 
@@ -100,9 +106,24 @@ class MaskEditor {
     bool join(const Relation& relation);
     void movePiece(int relationRow, Piece piece);
 
+    /// What the relation becomes where it stands. It is chosen.
+    void changeRelation(int row, const Relation& relation);
+
+    // Every change of the mask and its relations can be taken back, and done again.
+    /// Changes that are one step. Those of a kind that follow each other are one, too; a step alone has none.
+    enum class Kind { Alone, Namn, AntalRader, Postlängd, Boundary };
+    void asOneStep(const std::function<void()>& changes, Kind kind = Kind::Alone);
+    [[nodiscard]] bool canUndo() const { return history_.canUndo(); }
+    [[nodiscard]] bool canRedo() const { return history_.canRedo(); }
+    void undo();
+    void redo();
+
     // The buttons.
     void createRelation();
+    /// The chosen one.
     void removeRelation();
+    /// Several at once, by their rows.
+    void removeRelations(const std::vector<int>& rows);
     enum class Saved { Yes, WrongName, Failed };
     /// Tells the user what stands in the way, and of a saved mask what a run with it would do wrong.
     Saved save();
@@ -110,6 +131,13 @@ class MaskEditor {
     [[nodiscard]] bool changed() const { return edited() != begun_; }
 
   private:
+    struct State {
+        Mask mask;
+        std::vector<EditedRelation> relations;
+        int chosenRelation;
+    };
+    [[nodiscard]] State state() const { return {mask_, relations_, chosen_.relation}; }
+    void restore(State state);
     void load(int maskNumber);
     void readSources();
     SourceFields cutSample();
@@ -143,6 +171,8 @@ class MaskEditor {
     RuleEntries updateRules_, divisions_;
     Choice chosen_;
     std::string FrånPos_, Längd_;
+    UndoHistory<State> history_;
+    bool withinStep_ = false;
 };
 
 }  // namespace kolmera

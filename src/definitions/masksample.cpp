@@ -336,11 +336,13 @@ void MaskSample::setTarget(int targetRow) {
         refusal_ = texts_.ModulTextMed(text::masksample::kTargetTaken, nameOf(target));
         return;
     }
-    if (row.relation >= 0) {
-        editor_.chooseRelation(row.relation);
-        editor_.removeRelation();
-    }
-    if (target.code > 0) editor_.join(editor_.ordinaryRelation(targetRow, row.source, row.piece));
+    editor_.asOneStep([&] {
+        if (row.relation >= 0) {
+            editor_.chooseRelation(row.relation);
+            editor_.removeRelation();
+        }
+        if (target.code > 0) editor_.join(editor_.ordinaryRelation(targetRow, row.source, row.piece));
+    });
     present();
 }
 
@@ -357,9 +359,11 @@ void MaskSample::accept() {
 }
 
 void MaskSample::acceptAll() {
-    for (const TargetSuggestion& suggestion : suggestions_) {
-        if (!editor_.join(relationOf(suggestion))) break;
-    }
+    editor_.asOneStep([&] {
+        for (const TargetSuggestion& suggestion : suggestions_) {
+            if (!editor_.join(relationOf(suggestion))) break;
+        }
+    });
     present();
 }
 
@@ -394,8 +398,10 @@ void MaskSample::toggleBoundary(int byte) {
             return;
         }
         ruler_.remove(byte);
-        changePiece(left, ruler_.pieceAt(byte));
-        changePiece(right, ruler_.pieceAt(byte));
+        editor_.asOneStep([&] {
+            changePiece(left, ruler_.pieceAt(byte));
+            changePiece(right, ruler_.pieceAt(byte));
+        });
     }
     findHeadings();
     present();
@@ -409,8 +415,12 @@ void MaskSample::moveBoundary(int from, int to) {
     ruler_.remove(from);
     ruler_.set(to);
     // The piece that grows is changed first: the other's new place may be its old one.
-    changePiece(left, ruler_.pieceAt(to - 1));
-    changePiece(right, ruler_.pieceAt(to));
+    editor_.asOneStep(
+        [&] {
+            changePiece(left, ruler_.pieceAt(to - 1));
+            changePiece(right, ruler_.pieceAt(to));
+        },
+        MaskEditor::Kind::Boundary);
     findHeadings();
     present();
 }

@@ -49,7 +49,10 @@ class CopiesOnKey final : public QObject {
 
 QString textOfRows(const QAbstractItemView& list) {
     std::vector<int> rows;
-    for (const QModelIndex& index : list.selectionModel()->selectedIndexes()) rows.push_back(index.row());
+    const auto* table = dynamic_cast<const QTableView*>(&list);
+    for (const QModelIndex& index : list.selectionModel()->selectedIndexes()) {
+        if (table == nullptr || !table->isRowHidden(index.row())) rows.push_back(index.row());
+    }
     std::ranges::sort(rows);
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     const std::vector<int> columns = columnsOf(list);

@@ -117,7 +117,10 @@ bool WindowMemory::restore(QWidget& form) const {
 
 void WindowMemory::keep(const QWidget& form) {
     if (form.objectName().isEmpty()) return;
+    // A list that has other columns now keeps those that it had.
     Kept kept;
+    const std::string before = settings_.get(kWindows, fromQt(form.objectName()));
+    if (!before.empty() && !unpack(QByteArray::fromBase64(QByteArray::fromStdString(before)), kept)) kept = {};
     kept.geometry = form.saveGeometry();
     forEachPart(form, [&](const QString& name, const auto& part) { kept.parts.insert(name, part.saveState()); });
     set(kWindows, fromQt(form.objectName()), packed(kept).toBase64().toStdString());

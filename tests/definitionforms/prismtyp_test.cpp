@@ -1,11 +1,13 @@
 #include "definitions/window/prismtyp.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTableView>
 #include <QTest>
 
 #include "definitions/jobfile.h"
@@ -33,6 +35,24 @@ class PrisMTypTest : public testing::Test {
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&*form));
     }
     QListWidget& list(const char* name) { return control<QListWidget>(*form, name); }
+    QTableView& relations() { return control<QTableView>(*form, "Relationer"); }
+    int relationCount() { return relations().model()->rowCount(); }
+    void chooseRelation(int row, int column = 0) {
+        relations().setCurrentIndex(relations().model()->index(row, column));
+    }
+    /// What the cells show, with " | " between rows.
+    std::string cells(int column) {
+        QStringList texts;
+        for (int row = 0; row < relationCount(); ++row)
+            texts += relations().model()->index(row, column).data().toString().trimmed();
+        return fromQt(texts.join(" | "));
+    }
+    /// Keys of the current cell's own editor.
+    void edit(const QList<int>& keys) {
+        QTest::keyClick(&relations(), Qt::Key_F2);
+        for (const int key : keys) QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key));
+        QCoreApplication::processEvents();
+    }
     void chooseTarget(int code) {
         QListWidget& targets = list("TillLista");
         targets.setCurrentItem(targets.findItems(QString::number(code) + ".", Qt::MatchStartsWith).value(0));
@@ -74,14 +94,14 @@ TEST_F(PrisMTypTest, MakesChangesAndKeepsATabMask) {
     chooseTarget(1);
     const QPoint place = list("TillLista").visualItemRect(list("TillLista").currentItem()).center();
     QTest::mouseClick(list("TillLista").viewport(), Qt::LeftButton, {}, place);
-    EXPECT_EQ(list("Relationer").count(), 0) << "created by a single click";
+    EXPECT_EQ(relationCount(), 0) << "created by a single click";
     QTest::mouseDClick(list("TillLista").viewport(), Qt::LeftButton, {}, place);
     EXPECT_EQ(control<QComboBox>(*form, "Division").currentText(), "Söknyckel");
     join(2, 24);
-    list("Relationer").setCurrentRow(1);
+    chooseRelation(1);
     chooseTarget(6);
-    QTest::mouseClick(list("Relationer").viewport(), Qt::LeftButton, {},
-                      list("Relationer").visualItemRect(list("Relationer").currentItem()).center());
+    QTest::mouseClick(relations().viewport(), Qt::LeftButton, {},
+                      relations().visualRect(relations().currentIndex()).center());
     EXPECT_EQ(control<QComboBox>(*form, "TypKod").count(), 6) << "a click does not show the relation again";
     control<QComboBox>(*form, "TypKod").setCurrentIndex(1);
     control<QComboBox>(*form, "Division").setCurrentIndex(2);
@@ -112,11 +132,49 @@ TEST_F(PrisMTypTest, MakesAFixedLengthMaskPieceByPiece) {
     press("Skapa");
     EXPECT_EQ(control<QLineEdit>(*form, "FrånPos").text(), "16");
     EXPECT_EQ(list("FrånLista").count(), 2);
-    list("Relationer").setCurrentRow(0);
+    chooseRelation(0);
     press("Tabort");
-    EXPECT_EQ(list("Relationer").count(), 0);
+    EXPECT_EQ(relationCount(), 0);
     EXPECT_FALSE(control(*form, "Tabort").isEnabled());
     EXPECT_EQ(control<QLineEdit>(*form, "FrånPos").text(), "1");
+}
+
+TEST_F(PrisMTypTest, ChangesCellsByKeysAlone) {
+    FormWorld world(Data::Demo);
+    open(world, "SKRUV.TXT");
+    check("FilTyp_2");
+    for (const int code : {1, 6, 24}) join(code == 24 ? 3 : 1, code);
+    EXPECT_EQ(cells(1), "-->  1. Nummer | -->  6. Benämning | -->  24. 1Utpris");
+    relations().setFocus();
+    chooseRelation(1, 0);
+    edit({Qt::Key_Down, Qt::Key_Return});
+    EXPECT_EQ(cells(0).substr(0, 19), "1. SB-10000.. | 2. ") << "by a key and Enter";
+    EXPECT_EQ(relations().currentIndex(), relations().model()->index(1, 0)) << "the place is lost";
+    edit({Qt::Key_Down, Qt::Key_Escape});
+    EXPECT_EQ(editor->relations()[1].relation.Källa, 2) << "Escape keeps what was chosen";
+    EXPECT_TRUE(form->isVisible());
+    chooseRelation(1, 1);
+    edit({Qt::Key_Home, Qt::Key_Down, Qt::Key_Return});
+    EXPECT_EQ(editor->relations()[1].relation.Mål, 6) << "a target of another relation";
+    EXPECT_NE(control<QLabel>(*form, "Anmärkning").text(), "") << "refused in silence";
+
+    // Several rows at once, and back.
+    QTest::keyClick(&relations(), Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(&relations(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().count('\n'), 2);
+    QTest::keyClick(&relations(), Qt::Key_Delete);
+    EXPECT_EQ(cells(1), "-->  1. Nummer");
+    QTest::keyClick(&relations(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(relationCount(), 3);
+    type("Namn", "Skruv");
+    QTest::keyClick(&control(*form, "Namn"), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(control<QLineEdit>(*form, "Namn").text(), "");
+    QTest::keyClick(&control(*form, "Namn"), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(editor->mask().Namn, "Skruv");
+    while (control(*form, "Ångra").isEnabled()) press("Ångra");
+    EXPECT_TRUE(control<QRadioButton>(*form, "FilTyp_3").isChecked() ||
+                control<QRadioButton>(*form, "FilTyp_1").isChecked());
+    EXPECT_FALSE(editor->changed());
 }
 
 TEST_F(PrisMTypTest, ShowsEveryDemoMaskAsItIsStored) {
@@ -129,8 +187,8 @@ TEST_F(PrisMTypTest, ShowsEveryDemoMaskAsItIsStored) {
         const std::string before = stored(world, mask.number);
         open(world, split(job.priceFile, "\\").back().c_str(), mask.number);
         EXPECT_EQ(control<QLineEdit>(*form, "Namn").text(), toQt(mask.Namn));
-        for (int row = 0; row < list("Relationer").count(); ++row) {
-            list("Relationer").setCurrentRow(row);
+        for (int row = 0; row < relationCount(); ++row) {
+            chooseRelation(row);
             EXPECT_GE(control<QComboBox>(*form, "TypKod").currentIndex(), 0) << "rule not offered, row " << row;
             EXPECT_GE(control<QComboBox>(*form, "Division").currentIndex(), 0) << "rule not offered, row " << row;
         }
@@ -158,10 +216,10 @@ TEST_F(PrisMTypTest, SpeaksBothLanguages) {
         FormWorld world(Data::Demo, language);
         open(world, "DJURKAMP.DAT", 4);
         expectTextsInBothLanguages(*form, world);
-        for (const char* name : {"FrånLista", "TillLista", "Relationer"}) EXPECT_NE(list(name).accessibleName(), "");
+        for (const char* name : {"FrånLista", "TillLista"}) EXPECT_NE(list(name).accessibleName(), "");
         takePicture(*form, std::string("prismtyp-fixed-") + language);
         open(world, "SKRUV.TXT", 1);
-        list("Relationer").setCurrentRow(2);
+        chooseRelation(2);
         takePicture(*form, std::string("prismtyp-tabs-") + language);
     }
 }

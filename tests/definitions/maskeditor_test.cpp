@@ -1,17 +1,20 @@
 #include "definitions/maskeditor.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <gmock/gmock.h>
 
 #include <fstream>
 #include <map>
 
 #include "definitions/editorworld.h"
+#include "definitions/relationtable.h"
 #include "import/masks/masklook.h"
 #include "lang/keys/definitions.h"
 #include "lang/keys/files.h"
 #include "lang/keys/look.h"
 #include "lang/keys/mask.h"
+#include "lang/keys/masksample.h"
 #include "lang/keys/prismtyp.h"
 
 namespace kolmera {
@@ -336,6 +339,135 @@ TEST_F(MaskEditorTest, TellsOfRelationsThatItCannotShow) {
     world.port.expect(world.texts().ModulTextMed(text::mask::kRelationsLeftOut, "Annan"), "Kolmera");
     open("a\r\n", 1);
     EXPECT_EQ(relations().size(), 100U);
+}
+
+TEST_F(MaskEditorTest, TakesBackEveryChange) {
+    using Column = RelationTable::Column;
+    RelationTable* table = nullptr;
+    const struct {
+        const char* change;
+        std::function<void()> make;
+    } cases[] = {
+        {"name", [&] { editor->setNamn("Annan"); }},
+        {"structure", [&] { editor->setFilTyp('F'); }},
+        {"structure with a count of columns", [&] { editor->setFilTyp('T'); }},
+        {"characters", [&] { editor->setTecken('J'); }},
+        {"new products", [&] { editor->setSkapaNya('J'); }},
+        {"supplier's prices", [&] { editor->setUppdatLev(true); }},
+        {"lines", [&] { editor->setAntalRader("3"); }},
+        {"length", [&] { editor->setPostlängd("30"); }},
+        {"new relation", [&] { join(3, 21); }},
+        {"relation in place of another", [&] { editor->chooseRelation(0), join(3, 1); }},
+        {"removed relation", [&] { editor->chooseRelation(0), editor->removeRelation(); }},
+        {"removed relations, slots freed",
+         [&] {
+             editor->removeRelations({1, 0, 1});
+         }},
+        {"moved piece",
+         [&] {
+             editor->movePiece(0, {3, 1});
+         }},
+        {"start in its cell", [&] { table->type(1, Column::FrånPos, "2"); }},
+        {"length in its cell", [&] { table->type(1, Column::Längd, "9"); }},
+        {"target in its cell", [&] { table->choose(1, Column::Mål, rowOf(2)); }},
+        {"rule in its cell", [&] { table->choose(1, Column::TypKod, 1); }},
+        {"search key that moves", [&] { table->choose(1, Column::Division, 0); }},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.change);
+        open("4711Skruv  1050");
+        RelationTable relationTable(world.texts(), *editor);
+        table = &relationTable;
+        editor->setFilTyp('P');
+        for (const int code : {1, 4}) editor->setLängd("4"), chooseTarget(code), editor->createRelation();
+        const auto everything = [&] { return std::pair(editor->mask(), editor->relations()); };
+        const auto before = everything();
+        const std::vector<std::string> sourcesBefore = sources();
+        c.make();
+        const auto after = everything();
+        EXPECT_NE(after, before) << "nothing happened";
+        EXPECT_FALSE(editor->canRedo());
+        editor->undo();
+        EXPECT_EQ(everything(), before);
+        EXPECT_EQ(sources(), sourcesBefore);
+        editor->redo();
+        EXPECT_EQ(everything(), after);
+        while (editor->canUndo()) editor->undo();
+        EXPECT_FALSE(editor->changed()) << "more than one step, or none";
+    }
+}
+
+TEST_F(MaskEditorTest, TakesBackTypingAtOnce) {
+    open("a\tb\r\n");
+    for (const char* typed : {"S", "Sk", "Skruv"}) editor->setNamn(typed);
+    editor->setNamn("Skruv");
+    editor->undo();
+    EXPECT_EQ(editor->mask().Namn, "") << "letter by letter";
+    editor->redo();
+    editor->setNamn("Mutter");
+    EXPECT_FALSE(editor->canRedo());
+    editor->undo();
+    EXPECT_EQ(editor->mask().Namn, "Skruv") << "typing after taking back joined to what was done again";
+}
+
+TEST_F(MaskEditorTest, ChangesRelationsInTheirCells) {
+    using Column = RelationTable::Column;
+    world.add("Prodaltrubrik", {{"Nummer", std::int64_t{1}}, {"Rubrik", "EAN"}});
+    const auto keyMoved = [&] { return world.texts().FormulärSträngMed1(text::prismtyp::kKeyMoved, "Nummer"); };
+    const auto taken = [&] { return world.texts().ModulTextMed(text::masksample::kTargetTaken, "1Utpris"); };
+    const auto noKey = [&] { return world.texts().FormulärSträng(text::prismtyp::kNoKeyLeft); };
+    const struct {
+        const char* fault;
+        int row;
+        Column column;
+        int code;  ///< a target's, or a place
+        std::string relations;
+        std::function<std::string()> remark;
+    } cases[] = {
+        {"another field", 1, Column::Källa, 2, "1>1 US 3>24 U2 3>0 II", nullptr},
+        {"a target twice", 0, Column::Mål, 24, "1>1 US 2>24 U2 3>0 II", taken},
+        {"rules kept that the target has", 1, Column::Mål, 25, "1>1 US 2>25 U2 3>0 II", nullptr},
+        {"a division of a text", 1, Column::Mål, 6, "1>1 US 2>6 UI 3>0 II", nullptr},
+        {"a second search key by itself", 1, Column::Mål, 138, "1>1 US 2>138 UI 3>0 II", nullptr},
+        {"a target at last, never updated", 2, Column::Mål, 6, "1>1 US 2>24 U2 3>6 UI", nullptr},
+        {"the search key moves with its target", 0, Column::Mål, 4, "1>4 US 2>24 U2 3>0 II", nullptr},
+        {"the search key goes unseen", 0, Column::Mål, 6, "1>6 UI 2>24 U2 3>0 II", noKey},
+        {"no search key any more", 0, Column::Division, 1, "1>1 UI 2>24 U2 3>0 II", noKey},
+        {"price without VAT", 1, Column::TypKod, 3, "1>1 US 2>24 32 3>0 II", nullptr},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        open("a\tb\tc\r\n");
+        editor->setFilTyp('T');
+        join(1, 1), join(2, 24), join(3, 0);
+        RelationTable table(world.texts(), *editor);
+        table.choose(1, Column::Division, 2);
+        table.choose(c.row, c.column, c.column == Column::Mål ? rowOf(c.code) : c.code);
+        EXPECT_EQ(fmt::format("{}", fmt::join(relations(), " ")), c.relations);
+        EXPECT_EQ(table.remark(), c.remark ? c.remark() : "");
+    }
+    RelationTable table(world.texts(), *editor);
+    join(2, 138);
+    table.choose(3, Column::Division, 0);
+    EXPECT_THAT(relations(), ElementsAre("1>1 UI", "2>24 32", "3>0 II", "2>138 US"));
+    EXPECT_EQ(table.remark(), keyMoved());
+    EXPECT_EQ(table.text(1, Column::Källa) + "|" + table.text(1, Column::Mål) + "|" + table.text(1, Column::Exempel),
+              " 2. b..|-->  24. 1Utpris|b");
+}
+
+TEST_F(MaskEditorTest, TakesWholeNumbersInCells) {
+    open("4711Skruv  1050");
+    editor->setFilTyp('P');
+    chooseTarget(1), editor->createRelation();
+    RelationTable table(world.texts(), *editor);
+    EXPECT_FALSE(table.canChange(RelationTable::Column::Källa)) << "a piece is not chosen by its number";
+    for (const char* wrong : {"", "0", "-1", "1,5", "4 x", "10000", "99999999999999999999"}) {
+        EXPECT_FALSE(table.type(0, RelationTable::Column::Längd, wrong)) << wrong;
+        EXPECT_NE(table.remark(), "") << wrong;
+    }
+    EXPECT_TRUE(table.type(0, RelationTable::Column::Längd, " 0004 "));
+    EXPECT_THAT(sources(), ElementsAre(" 1.\t4711", " 2.\tSkruv  1050")) << "cut as before";
+    EXPECT_EQ(table.remark(), "");
 }
 
 // Saving.

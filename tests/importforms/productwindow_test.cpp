@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -80,6 +81,12 @@ TEST_F(ProductWindowTest, ShowsAProductAndItsChangesAndAsksWhy) {
     expectNamesForScreenReaders(*form);
     expectUniqueMnemonics(*form);
     takePicture(*form, "productwindow");
+    constexpr int kWide = 222;
+    EXPECT_NE(list.columnWidth(0), list.header()->defaultSectionSize()) << "not as wide as what it shows";
+    list.setColumnWidth(0, kWide);
+    control<QLineEdit>(*form, "Sök").clear();
+    type(product.substr(0, 2));
+    EXPECT_EQ(list.columnWidth(0), kWide) << "the user's width is lost while he types";
     form.reset();
     EXPECT_EQ(world.state.sql.FtgDB, nullptr);
 }

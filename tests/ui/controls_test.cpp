@@ -3,10 +3,14 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 
@@ -212,6 +216,35 @@ TEST(WindowSystemTextsTest, FileDialogSpeaksSwedish) {
     takePicture(dialog, "filedialog-SE");
     EXPECT_EQ(QCoreApplication::translate("Kolmera", "Open"), "Open") << "a text of the program's own was changed";
     QCoreApplication::removeTranslator(&texts);
+}
+
+/// What stands on a form, also behind its "more".
+QStringList textsOn(const QWidget& form) {
+    QStringList texts;
+    for (const QWidget* child : form.findChildren<QWidget*>()) {
+        if (const auto* label = dynamic_cast<const QLabel*>(child)) texts += label->text();
+        if (const auto* button = dynamic_cast<const QAbstractButton*>(child)) texts += button->text();
+        if (const auto* group = dynamic_cast<const QGroupBox*>(child)) texts += group->title();
+        if (const auto* tabs = dynamic_cast<const QTabWidget*>(child)) {
+            for (int tab = 0; tab < tabs->count(); ++tab) texts += tabs->tabText(tab);
+        }
+    }
+    texts.removeAll(QString());
+    return texts;
+}
+
+TEST(WindowSystemTextsTest, PrintDialogSpeaksSwedish) {
+    QPrinter printer;
+    const QStringList english = textsOn(QPrintDialog(&printer));
+    WindowSystemTexts texts;
+    QCoreApplication::installTranslator(&texts);
+    const QStringList swedish = textsOn(QPrintDialog(&printer));
+    QCoreApplication::removeTranslator(&texts);
+    ASSERT_EQ(english.size(), swedish.size());
+    EXPECT_GT(english.size(), 20);
+    for (qsizetype i = 0; i < english.size(); ++i) {
+        EXPECT_TRUE(english[i] != swedish[i] || english[i].size() <= 3) << fromQt(english[i]);
+    }
 }
 
 }  // namespace

@@ -184,6 +184,9 @@ void MaskSampleWindow::setSizes() {
     fält_->verticalHeader()->setDefaultSectionSize(metrics.lineSpacing() + metrics.lineSpacing() / 3);
     if (poster_ != nullptr) {
         poster_->setMinimumHeight(kLines * metrics.lineSpacing());
+        // Number and column: not every style gives a header of two lines its height.
+        const int margin = style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, poster_);
+        poster_->horizontalHeader()->setMinimumHeight(2 * (metrics.lineSpacing() + margin));
         poster_->horizontalHeader()->setDefaultSectionSize(kRecordLetters * metrics.averageCharWidth());
         poster_->verticalHeader()->setDefaultSectionSize(metrics.lineSpacing() + metrics.lineSpacing() / 3);
     }

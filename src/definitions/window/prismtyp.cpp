@@ -1,20 +1,31 @@
 #include "definitions/window/prismtyp.h"
 
+#include <QAccessible>
+#include <QAction>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
+#include <QTableView>
+#include <algorithm>
 
 #include "definitions/masksample.h"
 #include "definitions/window/masksamplewindow.h"
+#include "definitions/window/relationmodel.h"
+#include "lang/keys/prismtyp.h"
+#include "ui/commands.h"
 #include "ui/controls.h"
+#include "ui/copyrows.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/lists.h"
@@ -29,13 +40,12 @@ constexpr int kNumberLength = 4;
 constexpr char kFilTyper[] = {'F', 'T', 'P'};
 constexpr char kTecken[] = {'J', 'N'};
 constexpr char kSkapaNya[] = {'J', 'N'};
-const std::vector<int> kFieldTabStops{18};                       ///< dialog units
-const std::vector<int> kRelationTabStops{16, 64, 94, 168, 244};  ///< dialog units
+const std::vector<int> kFieldTabStops{18};  ///< dialog units
 
-QListWidget* list(QWidget& parent, const char* name, QLabel& caption, const std::vector<int>& tabStops) {
+QListWidget* list(QWidget& parent, const char* name, QLabel& caption) {
     auto* made = named(new QListWidget(&parent), name);
     made->setUniformItemSizes(true);
-    setTabStops(*made, tabStops);
+    setTabStops(*made, kFieldTabStops);
     installEnterSomTabOn(*made);
     caption.setBuddy(made);
     return made;
@@ -92,13 +102,18 @@ void setTextQuietly(QLineEdit& box, const std::string& text) {
 }  // namespace
 
 PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, MaskSurroundings around)
-    : QDialog(parent), program_(program), editor_(editor), around_(std::move(around)) {
+    : QDialog(parent),
+      program_(program),
+      editor_(editor),
+      relations_(program.texts, editor),
+      around_(std::move(around)) {
     const Hourglass loading(program.boxes.port());
     setObjectName(QStringLiteral("PrisMTyp"));
     setWindowTitle(QStringLiteral("Mask (filtyp)"));
     buildMask();
     buildLists();
     buildRules();
+    buildRelations();
     buildButtons();
     layOut();
     installEnterSomTab(*this);
@@ -107,9 +122,14 @@ PrisMTyp::PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, MaskSu
     showMask();
     connectMask();
     connectLists();
+    connectRelations();
     connectButtons();
+    connectUndo();
     present();
 }
+
+// The base class hides its children when the relations are gone.
+PrisMTyp::~PrisMTyp() { relationer_->setModel(nullptr); }
 
 void PrisMTyp::buildMask() {
     lblNamn_ = label(*this, "Lbl_Namn", "&Namn på mask");
@@ -167,7 +187,7 @@ QLineEdit* PrisMTyp::addNumber(QGroupBox& frame, const char* name, const char* c
 
 void PrisMTyp::buildLists() {
     lblFrånLista_ = label(*this, "Lbl_FrånLista", "&Fält i prisfilen");
-    frånLista_ = list(*this, "FrånLista", *lblFrånLista_, kFieldTabStops);
+    frånLista_ = list(*this, "FrånLista", *lblFrånLista_);
     positioner_ = named(new QGroupBox(QStringLiteral("Position i posten"), this), "Positioner");
     QLabel* from = label(*positioner_, "Lbl_FrånPos", "Fr&ån position");
     frånPos_ = numberBox(*positioner_, "FrånPos");
@@ -182,7 +202,7 @@ void PrisMTyp::buildLists() {
     }
     boxes->addStretch(1);
     lblTillLista_ = label(*this, "Lbl_TillLista", "Fält i företa&get");
-    tillLista_ = list(*this, "TillLista", *lblTillLista_, kFieldTabStops);
+    tillLista_ = list(*this, "TillLista", *lblTillLista_);
     sökTill_ = searchBoxOf(program_, *tillLista_, *this, "SökTill");
     sökTill_->takeFindKey(*this);
 }
@@ -196,12 +216,38 @@ void PrisMTyp::buildRules() {
     lblDivision_->setBuddy(division_);
 }
 
-void PrisMTyp::buildButtons() {
+// In the order of the list, which is that of the file: not to be sorted.
+void PrisMTyp::buildRelations() {
     skapa_ = button(*this, "Skapa", "Skapa &relation");
     tabort_ = button(*this, "Tabort", "&Ta bort relation");
     lblRelationer_ = label(*this, "Lbl_Relationer", "Relat&ioner");
-    relationer_ = list(*this, "Relationer", *lblRelationer_, kRelationTabStops);
+    ångra_ = button(*this, "Ångra", "Ångra");
+    ångra_->setIcon(QIcon::fromTheme(QStringLiteral("edit-undo")));
+    ångra_->setAutoDefault(false);
+    görOm_ = button(*this, "GörOm", "Gör om");
+    görOm_->setIcon(QIcon::fromTheme(QStringLiteral("edit-redo")));
+    görOm_->setAutoDefault(false);
+    relationer_ = named(new QTableView(this), "Relationer");
+    modell_ = new RelationModel(relations_, editor_, this);
+    relationer_->setModel(modell_);
+    relationer_->setItemDelegate(new RelationDelegate(*modell_, relationer_));
+    relationer_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    relationer_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    relationer_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                                 QAbstractItemView::AnyKeyPressed);
+    relationer_->setTabKeyNavigation(false);
+    relationer_->setWordWrap(false);
+    relationer_->verticalHeader()->hide();
+    relationer_->horizontalHeader()->setStretchLastSection(true);
+    relationer_->horizontalHeader()->setHighlightSections(false);
+    lblRelationer_->setBuddy(relationer_);
+    installEnterSomTabOn(*relationer_);
+    anmärkning_ = named(new QLabel(this), "Anmärkning");
+    anmärkning_->setWordWrap(true);
     sökRelation_ = searchBoxOf(program_, *relationer_, *this, "SökRelation");
+}
+
+void PrisMTyp::buildButtons() {
     exempel_ = button(*this, "Exempel", "Föreslå och prova mot e&xempel...");
     spara_ = button(*this, "Spara", "&Spara");
     spara_->setDefault(true);
@@ -222,7 +268,10 @@ void PrisMTyp::layOut() {
     layout->addLayout(layOutMask());
     layout->addLayout(layOutFields(), 3);
     auto* relations = new QHBoxLayout;
-    relations->addWidget(lblRelationer_, 1);
+    relations->addWidget(lblRelationer_);
+    relations->addWidget(anmärkning_, 2);
+    relations->addWidget(ångra_);
+    relations->addWidget(görOm_);
     relations->addWidget(sökRelation_, 1);
     layout->addLayout(relations);
     layout->addWidget(relationer_, 2);
@@ -264,29 +313,52 @@ QLayout* PrisMTyp::layOutFields() {
 }
 
 void PrisMTyp::setSizes() {
-    constexpr int kLetters = 130, kLines = 8, kRelationLines = 5;
+    constexpr int kLetters = 130, kLines = 8, kRelationLines = 6;
     const QFontMetrics metrics = fontMetrics();
     for (QListWidget* fields : {frånLista_, tillLista_}) fields->setMinimumHeight(kLines * metrics.lineSpacing());
-    relationer_->setMinimumHeight(kRelationLines * metrics.lineSpacing());
+    const int line = metrics.lineSpacing() + metrics.lineSpacing() / 3;
+    relationer_->verticalHeader()->setDefaultSectionSize(line);
+    relationer_->setMinimumHeight(kRelationLines * line);
     // Not the window's own minimum: that one would replace what its layout needs.
     relationer_->setMinimumWidth(kLetters * metrics.averageCharWidth());
 }
 
+void PrisMTyp::setColumnWidths() {
+    using Column = RelationTable::Column;
+    const auto letters = [](Column column) {
+        switch (column) {
+            case Column::FrånPos:
+            case Column::Längd:
+                return 7;
+            case Column::Mål:
+                return 24;
+            case Column::TypKod:
+                return 32;
+            case Column::Division:
+                return 22;
+            default:
+                return 17;
+        }
+    };
+    const QHeaderView& header = *relationer_->horizontalHeader();
+    for (int place = 0; const Column column : relations_.columns()) {
+        const int width = letters(column) * fontMetrics().averageCharWidth();
+        relationer_->setColumnWidth(place, std::max(width, header.sectionSizeHint(place)));
+        ++place;
+    }
+}
+
 void PrisMTyp::showMask() {
-    const Mask& mask = editor_.mask();
-    namn_->setText(toQt(mask.Namn));
-    antalRader_->setText(toQt(mask.AntalRader));
-    postlängd_->setText(toQt(mask.Postlängd));
-    check(*filTyp_, kFilTyper, mask.FilTyp);
-    check(*tecken_, kTecken, mask.Tecken);
-    check(*skapaNya_, kSkapaNya, mask.SkapaNya);
-    uppdatLev_->setChecked(mask.UppdatLev == 'J');
+    presentMask();
     for (const Target& target : editor_.targets()) tillLista_->addItem(toQt(target.text));
     if (const std::string caption = editor_.caption(); !caption.empty()) setWindowTitle(toQt(caption));
 }
 
 void PrisMTyp::connectMask() {
-    connect(namn_, &QLineEdit::textEdited, this, [this](const QString& text) { editor_.setNamn(fromQt(text)); });
+    connect(namn_, &QLineEdit::textEdited, this, [this](const QString& text) {
+        editor_.setNamn(fromQt(text));
+        presentUndo();
+    });
     connect(filTyp_, &QButtonGroup::idToggled, this, [this](int option, bool on) {
         if (!on) return;
         editor_.setFilTyp(letterOf(kFilTyper, option));
@@ -299,8 +371,12 @@ void PrisMTyp::connectMask() {
     });
     connect(skapaNya_, &QButtonGroup::idToggled, this, [this](int option, bool on) {
         if (on) editor_.setSkapaNya(letterOf(kSkapaNya, option));
+        presentUndo();
     });
-    connect(uppdatLev_, &QCheckBox::toggled, this, [this](bool on) { editor_.setUppdatLev(on); });
+    connect(uppdatLev_, &QCheckBox::toggled, this, [this](bool on) {
+        editor_.setUppdatLev(on);
+        presentUndo();
+    });
     connect(antalRader_, &QLineEdit::textEdited, this, [this](const QString& text) {
         editor_.setAntalRader(fromQt(text));
         present();
@@ -321,17 +397,83 @@ void PrisMTyp::connectLists() {
         presentChoice();
     });
     connect(tillLista_, &QListWidget::itemDoubleClicked, this, [this] { skapa_->click(); });
-    const auto chooseRelation = [this] {
-        editor_.chooseRelation(relationer_->currentRow());
-        presentChoice();
-    };
-    connect(relationer_, &QListWidget::currentRowChanged, this, chooseRelation);
-    // A click on the selected relation shows it again.
-    connect(relationer_, &QListWidget::itemClicked, this, chooseRelation);
     connect(typKod_, &QComboBox::currentIndexChanged, this, [this](int place) { editor_.chooseUpdateRule(place); });
     connect(division_, &QComboBox::currentIndexChanged, this, [this](int place) { editor_.chooseDivision(place); });
     connect(frånPos_, &QLineEdit::textEdited, this, [this](const QString& text) { editor_.setFrånPos(fromQt(text)); });
     connect(längd_, &QLineEdit::textEdited, this, [this](const QString& text) { editor_.setLängd(fromQt(text)); });
+}
+
+void PrisMTyp::connectRelations() {
+    const auto chooseRelation = [this] {
+        if (presenting_) return;
+        editor_.chooseRelation(relationer_->currentIndex().row());
+        presentChoice();
+    };
+    connect(relationer_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, chooseRelation);
+    // A click on the selected relation shows it again.
+    connect(relationer_, &QTableView::clicked, this, chooseRelation);
+    modell_->changed = [this] {
+        present();
+        // A screen reader says it at once.
+        if (relations_.remark().empty()) return;
+        QAccessibleEvent alert(anmärkning_, QAccessible::Alert);
+        QAccessible::updateAccessibility(&alert);
+    };
+    const auto inTable = [this](const QKeySequence& key, const std::function<void()>& act) {
+        onKey(*relationer_, key, act, Qt::WidgetShortcut);
+    };
+    inTable(QKeySequence::Delete, [this] { removeRelations(); });
+    relationer_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    auto* copy = new QAction(toQt(program_.texts.FormulärSträng(text::prismtyp::kCopyRows)), this);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    connect(copy, &QAction::triggered, this, [this] { copyRows(*relationer_); });
+    relationer_->addAction(copy);
+    for (QPushButton* each : {tabort_, ångra_, görOm_}) relationer_->addAction(new ButtonAction(*each, *this, {}));
+    nameButtonActions(*this);
+}
+
+std::vector<int> PrisMTyp::selectedRelations() const {
+    std::vector<int> rows;
+    for (const QModelIndex& index : relationer_->selectionModel()->selectedRows()) {
+        if (!relationer_->isRowHidden(index.row())) rows.push_back(index.row());
+    }
+    if (rows.empty() && editor_.chosen().relation >= 0) rows.push_back(editor_.chosen().relation);
+    return rows;
+}
+
+void PrisMTyp::removeRelations() {
+    editor_.removeRelations(selectedRelations());
+    present();
+}
+
+void PrisMTyp::connectUndo() {
+    connect(ångra_, &QPushButton::clicked, this, [this] { takeBack(&MaskEditor::undo); });
+    connect(görOm_, &QPushButton::clicked, this, [this] { takeBack(&MaskEditor::redo); });
+    pressOnKey(*this, QKeySequence(Qt::CTRL | Qt::Key_Z), *ångra_);
+    for (const auto key : {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y})
+        pressOnKey(*this, QKeySequence(key), *görOm_);
+    ångra_->setToolTip(QKeySequence(Qt::CTRL | Qt::Key_Z).toString(QKeySequence::NativeText));
+    görOm_->setToolTip(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z).toString(QKeySequence::NativeText));
+    // Their own undoing would be a change of the mask.
+    for (QLineEdit* box : {namn_, antalRader_, postlängd_}) box->installEventFilter(this);
+}
+
+bool PrisMTyp::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        const bool undo = key.matches(QKeySequence::Undo), redo = key.matches(QKeySequence::Redo);
+        if (undo) ångra_->click();
+        if (redo) görOm_->click();
+        if (undo || redo) return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void PrisMTyp::takeBack(void (MaskEditor::*step)()) {
+    (editor_.*step)();
+    presentMask();
+    present();
 }
 
 void PrisMTyp::connectButtons() {
@@ -340,10 +482,7 @@ void PrisMTyp::connectButtons() {
         present();
         relationer_->scrollToBottom();  // where the new one stands
     });
-    connect(tabort_, &QPushButton::clicked, this, [this] {
-        editor_.removeRelation();
-        present();
-    });
+    connect(tabort_, &QPushButton::clicked, this, [this] { removeRelations(); });
     connect(exempel_, &QPushButton::clicked, this, [this] { tryOnSample(); });
     connect(spara_, &QPushButton::clicked, this, [this] { save(); });
     connect(avbryt_, &QPushButton::clicked, this, [this] { QDialog::reject(); });
@@ -386,6 +525,23 @@ void PrisMTyp::save() {
     }
 }
 
+void PrisMTyp::presentMask() {
+    const QSignalBlocker structure(filTyp_), characters(tecken_), products(skapaNya_), supplier(uppdatLev_);
+    const Mask& mask = editor_.mask();
+    setTextQuietly(*namn_, mask.Namn);
+    setTextQuietly(*antalRader_, mask.AntalRader);
+    setTextQuietly(*postlängd_, mask.Postlängd);
+    check(*filTyp_, kFilTyper, mask.FilTyp);
+    check(*tecken_, kTecken, mask.Tecken);
+    check(*skapaNya_, kSkapaNya, mask.SkapaNya);
+    uppdatLev_->setChecked(mask.UppdatLev == 'J');
+}
+
+void PrisMTyp::presentUndo() {
+    ångra_->setEnabled(editor_.canUndo());
+    görOm_->setEnabled(editor_.canRedo());
+}
+
 // The one place that fills, enables and hides.
 void PrisMTyp::present() {
     const char structure = editor_.mask().FilTyp;
@@ -404,21 +560,27 @@ void PrisMTyp::presentSources() {
 }
 
 void PrisMTyp::presentRelations() {
-    const QSignalBlocker quiet(relationer_);
-    relationer_->clear();
-    for (const EditedRelation& edited : editor_.relations()) {
-        auto* item = new QListWidgetItem(toQt(editor_.relationText(edited)), relationer_);
-        item->setData(kIdRole, QVariant::fromValue<qlonglong>(edited.identity()));
-    }
+    const QScopedValueRollback presenting(presenting_, true);
+    const int columns = modell_->columnCount(), column = std::max(relationer_->currentIndex().column(), 0);
+    modell_->refresh();
+    if (columns != modell_->columnCount()) setColumnWidths();
+    if (const int row = editor_.chosen().relation; row >= 0 && !relationer_->currentIndex().isValid())
+        relationer_->setCurrentIndex(modell_->index(row, std::min(column, modell_->columnCount() - 1)));
+    anmärkning_->setText(toQt(relations_.remark()));
 }
 
 void PrisMTyp::presentChoice() {
     const MaskEditor::Choice& chosen = editor_.chosen();
     select(*frånLista_, chosen.source);
     select(*tillLista_, chosen.target);
-    select(*relationer_, chosen.relation);
+    // Its cell stays, and what is selected beside it.
+    if (relationer_->currentIndex().row() != chosen.relation) {
+        const QScopedValueRollback presenting(presenting_, true);
+        selectRow(*relationer_, chosen.relation);
+    }
     skapa_->setEnabled(chosen.source >= 0 && chosen.target >= 0);
     tabort_->setEnabled(chosen.relation >= 0);
+    presentUndo();
     presentRules();
     presentPositions();
 }

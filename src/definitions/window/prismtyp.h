@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "definitions/maskeditor.h"
+#include "definitions/relationtable.h"
 #include "ui/program.h"
 
 class QButtonGroup;
@@ -17,9 +18,11 @@ class QLayout;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
+class QTableView;
 
 namespace kolmera {
 
+class RelationModel;
 class SearchBox;
 
 /// What the mask editor is shown against.
@@ -38,6 +41,12 @@ class PrisMTyp final : public QDialog {
     /// `editor` is open already.
     PrisMTyp(Program& program, MaskEditor& editor, QWidget* parent, MaskSurroundings around = {});
 
+    ~PrisMTyp() override;
+    PrisMTyp(const PrisMTyp&) = delete;
+    PrisMTyp& operator=(const PrisMTyp&) = delete;
+    PrisMTyp(PrisMTyp&&) = delete;
+    PrisMTyp& operator=(PrisMTyp&&) = delete;
+
     void reject() override;
 
   private:
@@ -46,20 +55,30 @@ class PrisMTyp final : public QDialog {
     QLineEdit* addNumber(QGroupBox& frame, const char* name, const char* caption);
     void buildLists();
     void buildRules();
+    void buildRelations();
     void buildButtons();
     void layOut();
     QLayout* layOutMask();
     QLayout* layOutFields();
     void setSizes();
+    void setColumnWidths();
     void connectMask();
     void connectLists();
+    void connectRelations();
     void connectButtons();
+    void connectUndo();
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void showMask();
+    void takeBack(void (MaskEditor::*step)());
+    void removeRelations();
+    [[nodiscard]] std::vector<int> selectedRelations() const;
 
     void present();
+    void presentMask();
     void presentSources();
     void presentRelations();
     void presentChoice();
+    void presentUndo();
     void presentRules();
     void presentPositions();
     void save();
@@ -67,6 +86,7 @@ class PrisMTyp final : public QDialog {
 
     Program& program_;
     MaskEditor& editor_;
+    RelationTable relations_;
     MaskSurroundings around_;
     QLabel* lblNamn_;
     QLineEdit* namn_;
@@ -74,12 +94,15 @@ class PrisMTyp final : public QDialog {
     QButtonGroup *filTyp_, *tecken_, *skapaNya_;
     QLineEdit *antalRader_, *postlängd_;
     QCheckBox* uppdatLev_;
-    QLabel *lblFrånLista_, *lblTillLista_, *lblTypKod_, *lblDivision_, *lblRelationer_;
-    QListWidget *frånLista_, *tillLista_, *relationer_;
+    QLabel *lblFrånLista_, *lblTillLista_, *lblTypKod_, *lblDivision_, *lblRelationer_, *anmärkning_;
+    QListWidget *frånLista_, *tillLista_;
+    QTableView* relationer_;
+    RelationModel* modell_;
+    bool presenting_ = false;  ///< the table shows another row than the user's
     SearchBox *sökTill_, *sökRelation_;
     QLineEdit *frånPos_, *längd_;
     QComboBox *typKod_, *division_;
-    QPushButton *skapa_, *tabort_, *exempel_, *spara_, *avbryt_;
+    QPushButton *skapa_, *tabort_, *ångra_, *görOm_, *exempel_, *spara_, *avbryt_;
 };
 
 /// Edits the mask of that number, 0 for a new one, against a sample file; the company database is open. Answers the

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kPoints = 8, kTitlePoints = 12;
 /// Parts of the page's width that the columns take.
-constexpr std::array<int, ChangeTable::kColumns> kWidths{12, 24, 24, 8, 8, 9, 8, 7};
+constexpr std::array<int, ChangeTable::kColumns> kWidths{11, 24, 25, 9, 9, 9, 8, 5};
 constexpr int kWidth = 100;
 constexpr std::array kNumbers{ChangeTable::kBefore, ChangeTable::kAfter, ChangeTable::kPercent, ChangeTable::kRecord};
 

@@ -162,7 +162,8 @@ void ChangeWindow::buildNotices() {
     const bool any = notices_->count() > 0;
     lblNotices_->setVisible(any);
     notices_->setVisible(any);
-    connect(notices_, &QListWidget::currentRowChanged, this, [this] { filter(); });
+    // Not by the current row: the Tab key, going through, makes the first one that.
+    connect(notices_, &QListWidget::itemSelectionChanged, this, [this] { filter(); });
 }
 
 void ChangeWindow::buildFilter() {
@@ -313,7 +314,7 @@ void ChangeWindow::connectKeys() {
 
 void ChangeWindow::setSizes() {
     constexpr int kWindowLetters = 165, kWindowLines = 44, kNoticeLines = 4, kOverLetters = 6, kColumnLetters = 24;
-    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 34, 12, 12, 15, 11, 9};
+    constexpr std::array<int, ChangeTable::kColumns> kLetters{20, 0, 34, 15, 15, 13, 11, 9};
     const QFontMetrics metrics = fontMetrics();
     const int letter = metrics.averageCharWidth();
     for (std::size_t column = 0; column < kLetters.size(); ++column) {
@@ -333,7 +334,7 @@ ChangeQuery ChangeWindow::wanted() const {
     query.over = program_.state.locale.parseNumber(fromQt(over_->text()));
     query.onlyNew = onlyNew_->isChecked();
     query.onlyMarked = onlyMarked_->isChecked();
-    if (notices_->currentRow() >= 0) query.mark = notices_->currentRow();
+    if (const int notice = chosenNotice(); notice >= 0) query.mark = notice;
     if (const int row = column_->currentIndex(); row > 0) {
         const ChangedColumn& column = report_.list().columns()[static_cast<std::size_t>(row) - 1];
         query.column = {column.table, column.column};
@@ -368,9 +369,14 @@ int ChangeWindow::currentRow() const {
     return current.isValid() ? current.row() : -1;
 }
 
+int ChangeWindow::chosenNotice() const {
+    const QModelIndexList chosen = notices_->selectionModel()->selectedIndexes();
+    return chosen.empty() ? -1 : chosen.front().row();
+}
+
 /// Of the notice that is chosen.
 std::span<const std::int64_t> ChangeWindow::noticeRecords() const {
-    const int notice = notices_->currentRow();
+    const int notice = chosenNotice();
     if (notice < 0) return {};
     return report_.notices()[static_cast<std::size_t>(notice)].records;
 }

@@ -68,6 +68,7 @@ class ChangeWindow final : public QDialog {
     void present();
     [[nodiscard]] ChangeQuery wanted() const;
     [[nodiscard]] int currentRow() const;
+    [[nodiscard]] int chosenNotice() const;
     [[nodiscard]] std::span<const std::int64_t> noticeRecords() const;
     [[nodiscard]] std::int64_t currentRecord() const;
     [[nodiscard]] const ChangeRow* currentPrice() const;

@@ -15,6 +15,7 @@
 #include "lang/errortext.h"
 #include "lang/keys/boxes.h"
 #include "lang/keys/changes.h"
+#include "lang/keys/terminal.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
 #include "ui/forms.h"
@@ -33,6 +34,7 @@ RecordSource sourceOf(const RecordReader& reader) {
 }
 
 std::string remarkText(LanguageTexts& texts, std::string_view name) {
+    if (name == kFailedStatement) return texts.ModulText(text::terminal::kFailedStatements);
     for (const RemarkKind& kind : kRemarks) {
         if (kind.name == name) return texts.ModulText(kind.text);
     }

@@ -18,6 +18,7 @@
 #include "lang/errortext.h"
 #include "lang/keys/products.h"
 #include "platform/attempt.h"
+#include "ui/columnfit.h"
 #include "ui/controls.h"
 #include "ui/copyrows.h"
 #include "ui/forms.h"
@@ -49,9 +50,10 @@ QTreeWidgetItem* addRow(QTreeWidget& list, const std::vector<std::string>& cells
     return row;
 }
 
+constexpr int kMostLetters = 34;  ///< of a column that fits its texts
+
 void fitColumns(QTreeWidget& list) {
-    constexpr int kLetters = 34;
-    const int most = kLetters * list.fontMetrics().averageCharWidth();
+    const int most = kMostLetters * list.fontMetrics().averageCharWidth();
     for (int column = 0; column < list.columnCount(); ++column) {
         list.resizeColumnToContents(column);
         list.setColumnWidth(column, std::min(list.columnWidth(column), most));
@@ -95,6 +97,7 @@ void ProductWindow::buildControls() {
     search_->setClearButtonEnabled(true);
     search_->installEventFilter(this);
     list_ = rowList(*this, "Hittade");
+    fit_ = new ColumnFit(*list_);
     list_->setToolTip(QStringLiteral("Produkter"));
     remark_ = named(new QLabel(this), "Anmärkning");
     remark_->setWordWrap(true);
@@ -233,7 +236,7 @@ void ProductWindow::search() {
                                 toQt(program_.texts.ModulText(text::products::kName))});
         for (const FoundProduct& each : found)
             addRow(*list_, {each.number, each.name.empty() ? each.searchName : each.name});
-        fitColumns(*list_);
+        fit_->fit(kMostLetters * list_->fontMetrics().averageCharWidth());
         if (!found.empty()) list_->setCurrentItem(list_->topLevelItem(0));
     }
     showProduct();
@@ -277,6 +280,7 @@ void ProductWindow::showTables() {
     while (tabs_->count() > 0) delete tabs_->widget(0);
     runs_.clear();
     heading_->setText(card_ ? toQt(card_->number + "  " + card_->name) : QString());
+    tabs_->setEnabled(card_.has_value());  // Tab would stop at nothing
     if (!card_) return;
     for (const CardTable& table : card_->tables) addTab(table);
     history_ = addTab(historyTable(program_.texts));

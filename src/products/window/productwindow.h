@@ -24,6 +24,8 @@ class QTreeWidget;
 
 namespace kolmera {
 
+class ColumnFit;
+
 /// Products of a company: found as one types, and what the company and its past runs know of one.
 class ProductWindow final : public QDialog {
   public:
@@ -68,6 +70,7 @@ class ProductWindow final : public QDialog {
     QComboBox* companyBox_;
     QLineEdit* search_;
     QTreeWidget *list_, *history_ = nullptr;
+    ColumnFit* fit_;
     QSplitter* halves_;
     QTabWidget* tabs_;
     QPushButton *why_, *close_;

@@ -20,6 +20,7 @@
 #include "lang/keys/registerswindow.h"
 #include "registers/registertexts.h"
 #include "registers/window/rowwindow.h"
+#include "ui/columnfit.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
@@ -78,6 +79,7 @@ void RegistersWindow::buildControls() {
     search_ = named(new QLineEdit(this), "Sök");
     search_->setClearButtonEnabled(true);
     list_ = named(new QTreeWidget(this), "Rader");
+    fit_ = new ColumnFit(*list_);
     list_->setToolTip(QStringLiteral("Rader"));
     list_->setRootIsDecorated(false);
     list_->setUniformRowHeights(true);
@@ -180,6 +182,12 @@ void RegistersWindow::openCompany() {
 
 void RegistersWindow::openRegister() {
     const int row = registers_->currentRow();
+    {
+        const QSignalBlocker quiet(list_);
+        list_->clear();
+        list_->setColumnCount(0);
+    }
+    fit_->forget();
     if (editor_ && row >= 0) attemptTo([&] { editor_->open(registerDefinitions()[static_cast<std::size_t>(row)]); });
     readRows();
 }
@@ -190,7 +198,6 @@ void RegistersWindow::readRows() {
     {
         const QSignalBlocker quiet(list_);
         list_->clear();
-        list_->setColumnCount(0);
         remark_->clear();
         if (editor_ && editor_->isOpen() && attemptTo([&] { editor_->read(fromQt(search_->text())); })) {
             QStringList headings;
@@ -205,11 +212,7 @@ void RegistersWindow::readRows() {
                 rows.push_back(new QTreeWidgetItem(cells));
             }
             list_->addTopLevelItems(rows);
-            for (int column = 0; column < list_->columnCount(); ++column) {
-                list_->resizeColumnToContents(column);
-                list_->setColumnWidth(
-                    column, std::min(list_->columnWidth(column), kLetters * fontMetrics().averageCharWidth()));
-            }
+            fit_->fit(kLetters * fontMetrics().averageCharWidth());
             list_->setCurrentItem(list_->topLevelItem(std::min(current, list_->topLevelItemCount() - 1)));
             if (editor_->more())
                 remark_->setText(toQt(program_.texts.FormulärSträngMed1(text::registerswindow::kMore,

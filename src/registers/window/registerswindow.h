@@ -21,6 +21,8 @@ class QTreeWidget;
 
 namespace kolmera {
 
+class ColumnFit;
+
 /// The registers of a company, and the rows of one.
 class RegistersWindow final : public QDialog {
   public:
@@ -59,6 +61,7 @@ class RegistersWindow final : public QDialog {
     QListWidget* registers_;
     QLineEdit* search_;
     QTreeWidget* list_;
+    ColumnFit* fit_;
     QPushButton *new_, *edit_, *remove_, *import_, *export_, *close_;
 };
 
