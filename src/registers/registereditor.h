@@ -42,9 +42,17 @@ class RegisterEditor {
 
     /// Whether a form offers a column of a row: not what the program keeps, and keys of new rows only.
     [[nodiscard]] bool canEdit(const RegisterRow& row, int column, bool isNew) const;
+    /// What is wrong with a row: of a column (as `fieldText` has it), or of the whole row (-1).
+    struct Fault {
+        int column;
+        std::string text;
+    };
+    /// What is wrong with a text in a field, without looking at the others; empty: nothing. A text that is right is
+    /// put as the program writes it.
+    [[nodiscard]] std::string check(const RegisterRow& row, int column, std::string& text);
     /// Writes a new row, or what has changed of one; texts by columns. Says all that is wrong with it, and writes
     /// nothing then.
-    std::vector<std::string> save(const RegisterRow& shown, bool isNew, const std::map<int, std::string>& texts);
+    std::vector<Fault> save(const RegisterRow& shown, bool isNew, const std::map<int, std::string>& texts);
     std::vector<std::string> remove(const RegisterRow& shown);
 
     /// What an import would do, or has done, in the user's words.
@@ -56,10 +64,9 @@ class RegisterEditor {
     std::string exportTo(const std::filesystem::path& file);
 
   private:
-    std::vector<std::string> write(const RegisterRow& row, const std::function<std::vector<RegisterProblem>()>& write,
-                                   const WritingCounts& counts);
-    [[nodiscard]] std::vector<std::string> sentences(const RegisterRow& row,
-                                                     const std::vector<RegisterProblem>& problems);
+    std::vector<RegisterProblem> write(const std::function<std::vector<RegisterProblem>()>& write,
+                                       const WritingCounts& counts);
+    [[nodiscard]] std::vector<Fault> faults(const RegisterRow& row, const std::vector<RegisterProblem>& problems);
     [[nodiscard]] std::string textOf(const RegisterImport& import);
 
     SqlLayer& sql_;
