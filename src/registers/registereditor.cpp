@@ -113,9 +113,9 @@ std::vector<RegisterEditor::Fault> RegisterEditor::faults(const RegisterRow& row
 
 // Files.
 
-std::string RegisterEditor::textOf(const RegisterImport& import) {
-    constexpr std::size_t kMostReasons = 10;
-    std::string text;
+RegisterEditor::Told RegisterEditor::told(const RegisterImport& import) {
+    Told told;
+    std::string& text = told.text;
     const auto say = [&](ModuleKey label, const std::string& value) {
         text += fmt::format("{}: {}\n", texts_.ModulText(label), value);
     };
@@ -127,21 +127,25 @@ std::string RegisterEditor::textOf(const RegisterImport& import) {
     say(text::registers::kRowsChanged, fmt::format("{}", import.counts.changed));
     say(text::registers::kRowsSame, fmt::format("{}", import.same));
     say(text::registers::kRowsRejected, fmt::format("{}", import.rejected));
-    for (std::size_t reason = 0; reason < std::min(import.reasons.size(), kMostReasons); ++reason) {
-        const RegisterImport::Rejected& one = import.reasons[reason];
-        text += problemText(texts_, *register_, fmt::format("{}", one.row), one.problem) + "\n";
+    for (const RegisterImport::Rejected& one : import.reasons) {
+        const bool ofColumn = one.problem.column >= 0;
+        told.refused.push_back({one.row, ofColumn ? register_->column(one.problem.column).caption : std::string(),
+                                one.problem.text, reasonText(texts_, one.problem)});
     }
-    return text;
+    told.done = import.counts.written() > 0;
+    return told;
 }
 
-RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, bool tryOut,
-                                            const std::function<bool()>& cancelled) {
+RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, const std::vector<int>& columns,
+                                            bool tryOut, const std::function<bool()>& cancelled) {
     try {
-        RegisterReader reader(*register_, sql_, file);
+        RegisterReader reader(*register_, sql_, file, columns);
         reader.cancelled = cancelled;
         if (tryOut) {
             const RegisterImport import = reader.tryOut();
-            return {.done = import.counts.written() > 0 && !import.cancelled, .text = textOf(import)};
+            Told told = this->told(import);
+            told.done = told.done && !import.cancelled;
+            return told;
         }
         RunHeader header = headOfWriting(sql_, texts_, *register_, company_);
         header.priceFile.path = file.string();
@@ -154,7 +158,7 @@ RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, b
             throw;
         }
         writing.end(import.cancelled ? "cancelled" : "completed", import.counts);
-        Told told{.done = import.counts.written() > 0, .text = textOf(import)};
+        Told told = this->told(import);
         if (writing.failure()) {
             told.text +=
                 texts_.ModulTextMed(text::registers::kNotRecorded, errorText(texts_, *writing.failure())) + "\n";
@@ -165,7 +169,8 @@ RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, b
                                       text::registerswindow::kNoHeadings, text::registerswindow::kNoHeadings,
                                       text::registerswindow::kTwice};
         return {.done = false,
-                .text = texts_.FormulärSträngMed1(kTexts[static_cast<std::size_t>(unfit.what)], unfit.about)};
+                .text = texts_.FormulärSträngMed1(kTexts[static_cast<std::size_t>(unfit.what)], unfit.about),
+                .refused = {}};
     }
 }
 

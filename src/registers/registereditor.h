@@ -57,17 +57,27 @@ class RegisterEditor {
 
     /// What an import would do, or has done, in the user's words.
     struct Told {
+        struct Refused {
+            std::uint64_t row;  ///< of the file
+            std::string column, text, reason;
+        };
         bool done = false;  ///< some row would be written, or has been
-        std::string text;
+        std::string text;   ///< what was counted, or why the file does not fit
+        std::vector<Refused> refused;
     };
-    Told import(const std::filesystem::path& file, bool tryOut, const std::function<bool()>& cancelled = {});
+    [[nodiscard]] FileColumns columnsOf(const std::filesystem::path& file) {
+        return RegisterReader::columnsOf(*register_, sql_, file);
+    }
+    /// `columns` says for each of the file's which one of the register it is, -1 for none.
+    Told import(const std::filesystem::path& file, const std::vector<int>& columns, bool tryOut,
+                const std::function<bool()>& cancelled = {});
     std::string exportTo(const std::filesystem::path& file);
 
   private:
     std::vector<RegisterProblem> write(const std::function<std::vector<RegisterProblem>()>& write,
                                        const WritingCounts& counts);
     [[nodiscard]] std::vector<Fault> faults(const RegisterRow& row, const std::vector<RegisterProblem>& problems);
-    [[nodiscard]] std::string textOf(const RegisterImport& import);
+    [[nodiscard]] Told told(const RegisterImport& import);
 
     SqlLayer& sql_;
     LanguageTexts& texts_;

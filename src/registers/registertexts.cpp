@@ -52,6 +52,10 @@ ModuleKey sentence(RegisterProblem::What what) {
 
 std::string rowName(const std::vector<std::string>& key) { return fmt::format("{}", fmt::join(key, " / ")); }
 
+std::string reasonText(LanguageTexts& texts, const RegisterProblem& problem) {
+    return texts.ModulTextMed(sentence(problem.what), printable(problem.about, kShownCharacters));
+}
+
 std::string choiceText(LanguageTexts& texts, char choice) {
     switch (choice) {
         case 'I':
@@ -71,7 +75,7 @@ std::string choiceText(LanguageTexts& texts, char choice) {
 std::string fieldText(LanguageTexts& texts, const Register& of, const RegisterProblem& problem) {
     std::string text = problem.column < 0 ? of.shortName() : of.column(problem.column).caption;
     if (!problem.text.empty()) text += fmt::format(" \"{}\"", printable(problem.text, kShownCharacters));
-    return text + ' ' + texts.ModulTextMed(sentence(problem.what), printable(problem.about, kShownCharacters));
+    return text + ' ' + reasonText(texts, problem);
 }
 
 std::string problemText(LanguageTexts& texts, const Register& of, const std::string& row,
@@ -79,7 +83,7 @@ std::string problemText(LanguageTexts& texts, const Register& of, const std::str
     std::string text = texts.ModulTextMed(text::registers::kRow, printable(row, kShownCharacters));
     if (problem.column >= 0) text += fmt::format(", {}:", of.column(problem.column).caption);
     if (!problem.text.empty()) text += fmt::format(" \"{}\"", printable(problem.text, kShownCharacters));
-    return text + ' ' + texts.ModulTextMed(sentence(problem.what), printable(problem.about, kShownCharacters));
+    return text + ' ' + reasonText(texts, problem);
 }
 
 }  // namespace kolmera

@@ -9,6 +9,9 @@ namespace kolmera {
 /// A row by its key: "100", "4711 / 100".
 std::string rowName(const std::vector<std::string>& key);
 
+/// What is wrong, the end of the sentences below: "is no number."
+std::string reasonText(LanguageTexts& texts, const RegisterProblem& problem);
+
 /// What a choice of one character means: "M", a price list.
 std::string choiceText(LanguageTexts& texts, char choice);
 

@@ -4,7 +4,6 @@
 #include <fmt/ranges.h>
 
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -14,16 +13,16 @@
 #include <QScreen>
 #include <QTreeWidget>
 #include <algorithm>
+#include <utility>
 
 #include "lang/errortext.h"
-#include "lang/keys/boxes.h"
 #include "lang/keys/registerswindow.h"
 #include "registers/registertexts.h"
+#include "registers/window/importwindow.h"
 #include "registers/window/rowwindow.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
-#include "ui/lockwait.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -257,46 +256,17 @@ void RegistersWindow::remove() {
     readRows();
 }
 
-/// What the file would change is shown, and written when the user says so.
 void RegistersWindow::importFile() {
     FileQuestion question;
     question.title = toQt(program_.texts.FormulärSträng(text::registerswindow::kImportTitle));
     question.filters = toQt(program_.texts.FormulärSträng(text::registerswindow::kReadFilters));
     const std::filesystem::path file = fromQt(fileToRead(question));
     if (file.empty()) return;
-    RegisterEditor::Told told;
-    if (!readFile(file, true, told)) return;
-    if (!told.done) {
-        program_.boxes.MeddelandeInfo(told.text);
-        return;
-    }
-    if (program_.boxes.MeddelandeJaNej(
-            told.text + "\n" + program_.texts.FormulärSträng(text::registerswindow::kAskToImport)) != Answer::Yes)
-        return;
-    readFile(file, false, told);
-    if (!told.text.empty()) program_.boxes.MeddelandeInfo(told.text);
+    FileColumns columns;
+    if (!attemptTo([&] { columns = editor_->columnsOf(file); })) return;
+    ImportWindow form(program_, *editor_, file, std::move(columns), this);
+    VisaFormulär(program_, form, true);
     readRows();
-}
-
-/// With a small window and Cancel when it takes its time. False when trying out was cancelled, and for an error.
-bool RegistersWindow::readFile(const std::filesystem::path& file, bool tryOut, RegisterEditor::Told& told) {
-    constexpr int kPatience = 300, kPause = 40;  // milliseconds
-    told = {};
-    bool cancelled = false;
-    LockWait wait(*this);
-    QElapsedTimer sinceStart, sinceEvents;
-    sinceStart.start();
-    const auto asked = [&] {
-        if (cancelled || sinceStart.elapsed() < kPatience) return cancelled;
-        if (sinceEvents.isValid() && sinceEvents.elapsed() < kPause) return false;
-        cancelled = !wait.keepWaiting(toQt(program_.texts.FormulärSträng(text::registerswindow::kReading)),
-                                      toQt(program_.texts.ModulText(text::boxes::kCancel)));
-        sinceEvents.start();
-        return cancelled;
-    };
-    const bool read = attemptTo([&] { told = editor_->import(file, tryOut, asked); });
-    wait.over();
-    return read && !(cancelled && tryOut);
 }
 
 void RegistersWindow::exportFile() {

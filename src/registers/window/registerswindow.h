@@ -43,7 +43,6 @@ class RegistersWindow final : public QDialog {
     void edit(bool isNew);
     void remove();
     void importFile();
-    bool readFile(const std::filesystem::path& file, bool tryOut, RegisterEditor::Told& told);
     void exportFile();
     /// Lets `work` work; an error is told, and false.
     bool attemptTo(const std::function<void()>& work);
