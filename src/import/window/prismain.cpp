@@ -30,6 +30,7 @@
 #include "import/preview/limitedrun.h"
 #include "import/preview/preview.h"
 #include "import/run/runresult.h"
+#include "import/window/firststepspanel.h"
 #include "import/window/jobicons.h"
 #include "import/window/joblistmodel.h"
 #include "import/window/mainmenu.h"
@@ -90,6 +91,7 @@ PrisMain::PrisMain(Program& program)
       watch_(this, [this] { refresh(); }),
       model_(new JobListModel(jobs_, this)),
       lista_(new QTreeView(this)),
+      stepsPanel_(new FirstStepsPanel(*this)),
       resultPanel_(new ResultPanel(program, this)),
       runPanel_(new RunPanel(program, this)) {
     setObjectName(toQt(kForm));
@@ -135,6 +137,10 @@ void PrisMain::buildControls() {
     });
     runPanel_->onRunMode = [this] { centreOnScreen(*this); };
     runPanel_->onOpenJobSettings = [this] { öppna(); };
+    stepsPanel_->onSuppliers = [this] { openRegisters("suppliers"); };
+    stepsPanel_->onLetters = [this] { openRegisters("letters"); };
+    stepsPanel_->onNewJob = [this] { ny(); };
+    stepsPanel_->onCouplings = [this] { openRegisters(kCouplings); };
     resultPanel_->onShowChanges = [this] { visaÄndringar(); };
 }
 
@@ -164,7 +170,7 @@ void PrisMain::buildMenu() {
                     if (folder) leaveFor({.dataFolder = *folder, .language = {}});
                 },
             .products = [this] { showProducts(program_, this); },
-            .registers = [this] { showRegisters(program_, this); },
+            .registers = [this] { openRegisters(); },
             .openFolder =
                 [this](const std::filesystem::path& folder) { leaveFor({.dataFolder = folder, .language = {}}); },
             .speak = [this](const std::string& language) { leaveFor({.dataFolder = {}, .language = language}); }});
@@ -291,6 +297,7 @@ void PrisMain::layOut() {
     upper->addLayout(buttons);
     auto* layout = new QVBoxLayout(this);
     layout->setMenuBar(menu_->bar());
+    layout->addWidget(stepsPanel_);
     layout->addLayout(upper, 1);
     layout->addWidget(resultPanel_);
     layout->addWidget(new UCFadeLine(this));
@@ -336,8 +343,19 @@ void PrisMain::showRows(std::vector<JobRow> rows, int JobbNr, const std::string&
     model_->fill(std::move(rows), JobbNr, otherwise);
     offerCompanies();
     showSelection();
+    showFirstSteps();
     present();
     watchFolders();
+}
+
+void PrisMain::showFirstSteps() {
+    steps_ = firstSteps(program_.state, jobs_.jobs());
+    stepsPanel_->present(steps_, !running_);
+}
+
+void PrisMain::openRegisters(std::string_view name) {
+    showRegisters(program_, this, name);
+    showFirstSteps();
 }
 
 void PrisMain::beginWatching() {
@@ -426,6 +444,7 @@ void PrisMain::present() {
     förhandsgranska_->setEnabled(!running_ && jobs_.canRun());
     search_->setEnabled(!running_);
     company_->setEnabled(!running_);
+    stepsPanel_->present(steps_, !running_);
     menu_->present(running_, jobs_.canRun(), jobs_.canCopy());
     tidigare_->setEnabled(!running_);
     rabattbrev_->setEnabled(!running_ && program_.showPrisRab);
@@ -461,6 +480,7 @@ void PrisMain::öppna() {
 void PrisMain::openSettings(int JobbNr, bool ÄrStandardJobb) {
     if (!program_.showPrisStyr) return;
     if (const auto saved = program_.showPrisStyr(this, JobbNr, ÄrStandardJobb)) FyllJobbLista(*saved);
+    showFirstSteps();
 }
 
 void PrisMain::taBort() {
