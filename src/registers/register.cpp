@@ -1,8 +1,10 @@
 #include "registers/register.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "db/companyschema.h"
 #include "db/conversions.h"
@@ -13,6 +15,7 @@
 #include "pricing/clsvaluta.h"
 #include "pricing/listsetting.h"
 #include "registers/registerstore.h"
+#include "registers/registertexts.h"
 #include "registers/registervalues.h"
 
 namespace kolmera {
@@ -162,9 +165,67 @@ bool Register::isThere(const std::string& table, const Value& key) {
     if (equalNoCase(table, "Syvaluta") && kolmera::textOf(key) == kHomeCurrency) return true;
     const RegisterDefinition* named = registerOfTable(table);
     if (named == nullptr) return true;
-    std::unique_ptr<RegisterStore>& store = named_[named];
-    if (!store) store = tableStore(*named, sql_);
-    return store->find({&key, 1}).has_value();
+    return storeOf(*named).find({&key, 1}).has_value();
+}
+
+RegisterStore& Register::storeOf(const RegisterDefinition& named) {
+    std::unique_ptr<RegisterStore>& store = named_[&named];
+    if (!store) store = named.rows == nullptr ? tableStore(named, sql_) : settingStore(named, sql_, texts_);
+    return *store;
+}
+
+Register::Problems Register::problemsOfText(const RegisterRow& row, int column, std::string_view text) {
+    RegisterValues values;
+    Problems problems;
+    if (auto problem = valueOf(row, column, text, values[column])) {
+        problems.push_back(std::move(*problem));
+    } else {
+        checkValues(row, values, problems);
+    }
+    return problems;
+}
+
+RegisterChoices Register::choices(const RegisterColumn& cell, std::string_view typed) {
+    RegisterChoices choices;
+    for (const char choice : cell.choices) choices.rows.push_back({std::string(1, choice), choiceText(texts_, choice)});
+    if (const RegisterDefinition* named = cell.refersTo()) return rowsOf(*named, typed);
+    if (cell.suggests.empty()) return choices;
+    RegisterStore& store = storeOf(*registerNamed(cell.suggests));
+    const RegisterColumn value = store.columns().back();
+    const auto next = store.rows();
+    for (RegisterRow row; next(row);)
+        choices.rows.push_back(
+            {TillText(row.cells.front(), sql_.locale()), TillText(row.cells.back(), value.type, sql_.locale()) + " %"});
+    return choices;
+}
+
+RegisterChoices Register::rowsOf(const RegisterDefinition& named, std::string_view typed) {
+    const auto columns = namingColumns(named.table);
+    const IndexDef* index = sql_.FtgDB->table(named.table).index(named.index);
+    const bool byStart = equalNoCase(named.table, "Produkt");
+    RegisterChoices choices{.rows = {}, .more = byStart};
+    if (index == nullptr || (byStart && trimmed(typed).empty())) return choices;
+    const std::string key = index->columns().front();
+    std::string where;
+    if (byStart) {
+        constexpr std::string_view kLast = "\uFFFF";  // behind every letter in the orders of files and servers
+        where = fmt::format(" WHERE {0} >= {1} AND {0} <= {2}", key, SqlLayer::SQLText(trimmed(typed)),
+                            SqlLayer::SQLText(fmt::format("{}{}", trimmed(typed), kLast)));
+    }
+    const auto rows = sql_.SQLÖppnaRs(
+        fmt::format("SELECT {0}, {1} FROM {2}{3} ORDER BY {0}", key, fmt::join(columns, ", "), named.table, where),
+        RecordsetType::Snapshot, options::kReadOnly);
+    for (; !rows->eof(); rows->moveNext()) {
+        if (choices.rows.size() == kMostChoices) {
+            choices.more = true;
+            break;
+        }
+        RegisterChoice& choice = choices.rows.emplace_back();
+        choice.key = TillText(rows->value(0), sql_.locale());
+        for (int column = 1; column <= static_cast<int>(columns.size()) && choice.name.empty(); ++column)
+            choice.name = TillText(rows->value(column), sql_.locale());
+    }
+    return choices;
 }
 
 Register::Problems Register::problemsOfAdding(const RegisterValues& values) {

@@ -30,6 +30,7 @@ struct RegisterColumn {
     double low = 0, high = 0;   ///< numbers that it takes, where low is not high
     std::string choices;        ///< the only texts that it takes, one character each; empty: any
     std::string refersToTable;  ///< a table by whose key it names a row; empty: none
+    std::string suggests;       ///< a register whose keys it has as a rule; empty: none
 
     [[nodiscard]] bool required() const { return key; }
     /// The register whose rows it names; nullptr for none.
@@ -44,6 +45,15 @@ struct RegisterRow {
 
 /// New values by columns; what is not named stays, or has its default in a new row.
 using RegisterValues = std::map<int, Value>;
+
+/// What a cell can be given, and what that is in words.
+struct RegisterChoice {
+    std::string key, name;
+};
+struct RegisterChoices {
+    std::vector<RegisterChoice> rows;
+    bool more = false;  ///< there are others: ask for those that begin with what is typed
+};
 
 /// Why a row was not written, or a value not understood. `registerText` tells it.
 struct RegisterProblem {
@@ -117,6 +127,14 @@ class Register {
     [[nodiscard]] std::optional<RegisterProblem> valueOf(const RegisterRow& row, int column, std::string_view text,
                                                          Value& value) const;
 
+    static constexpr std::size_t kMostChoices = 2000;
+    /// What a cell of this kind can be given, by its key; empty where it takes anything. Of products those only that
+    /// begin with `typed`, because they may be hundreds of thousands.
+    [[nodiscard]] RegisterChoices choices(const RegisterColumn& cell, std::string_view typed = {});
+    /// What is wrong with a text in this cell, without looking at others.
+    [[nodiscard]] std::vector<RegisterProblem> problemsOfText(const RegisterRow& row, int column,
+                                                              std::string_view text);
+
     /// All that is wrong with writing a new row, or these columns of one; nothing when it can be done. Nothing is
     /// written.
     [[nodiscard]] std::vector<RegisterProblem> problemsOfAdding(const RegisterValues& values);
@@ -135,6 +153,8 @@ class Register {
     [[nodiscard]] std::string textOf(const RegisterColumn& cell, const Value& value) const;
     void checkValues(const RegisterRow& row, const RegisterValues& values, Problems& problems);
     [[nodiscard]] bool isThere(const std::string& table, const Value& key);
+    RegisterStore& storeOf(const RegisterDefinition& named);
+    [[nodiscard]] RegisterChoices rowsOf(const RegisterDefinition& named, std::string_view typed);
     [[nodiscard]] std::optional<std::string> namedBy(const RegisterRow& row);
     [[nodiscard]] bool anyRow(const std::string& table, const std::string& column, const Value& value);
     [[nodiscard]] std::vector<Value> keyValues(const RegisterRow& row) const;

@@ -48,8 +48,17 @@ bool RegisterEditor::canEdit(const RegisterRow& row, int column, bool isNew) con
     return !cell.fixed && (isNew || !cell.key);
 }
 
-std::vector<std::string> RegisterEditor::save(const RegisterRow& shown, bool isNew,
-                                              const std::map<int, std::string>& texts) {
+std::string RegisterEditor::check(const RegisterRow& row, int column, std::string& text) {
+    const std::vector<RegisterProblem> problems = register_->problemsOfText(row, column, text);
+    if (!problems.empty()) return fieldText(texts_, *register_, problems.front());
+    RegisterRow written = row;
+    Value& value = written.cells.at(static_cast<std::size_t>(column));
+    if (!text.empty() && !register_->valueOf(row, column, text, value)) text = register_->textOf(written, column);
+    return {};
+}
+
+std::vector<RegisterEditor::Fault> RegisterEditor::save(const RegisterRow& shown, bool isNew,
+                                                        const std::map<int, std::string>& texts) {
     RegisterValues values;
     std::vector<RegisterProblem> problems;
     RegisterRow named = shown;
@@ -60,21 +69,24 @@ std::vector<std::string> RegisterEditor::save(const RegisterRow& shown, bool isN
         if (auto problem = register_->valueOf(shown, column, text, value)) problems.push_back(std::move(*problem));
         if (isNew) named.cells.at(static_cast<std::size_t>(column)) = value;
     }
-    if (!problems.empty()) return sentences(named, problems);
+    if (!problems.empty()) return faults(named, problems);
     if (values.empty()) return {};
     WritingCounts counts{.rows = 1};
     (isNew ? counts.added : counts.changed) = 1;
-    return write(
-        named, [&] { return isNew ? register_->add(values) : register_->change(shown, values); }, counts);
+    const auto wrong = write([&] { return isNew ? register_->add(values) : register_->change(shown, values); }, counts);
+    return faults(named, wrong);
 }
 
 std::vector<std::string> RegisterEditor::remove(const RegisterRow& shown) {
-    return write(shown, [&] { return register_->remove(shown); }, {.rows = 1, .removed = 1});
+    std::vector<std::string> told;
+    for (const RegisterProblem& problem :
+         write([&] { return register_->remove(shown); }, {.rows = 1, .added = 0, .changed = 0, .removed = 1}))
+        told.push_back(problemText(texts_, *register_, rowName(register_->keyOf(shown)), problem));
+    return told;
 }
 
-std::vector<std::string> RegisterEditor::write(const RegisterRow& row,
-                                               const std::function<std::vector<RegisterProblem>()>& write,
-                                               const WritingCounts& counts) {
+std::vector<RegisterProblem> RegisterEditor::write(const std::function<std::vector<RegisterProblem>()>& write,
+                                                   const WritingCounts& counts) {
     RecordedWriting writing(*sql_.FtgDB, folder_, headOfWriting(sql_, texts_, *register_, company_));
     std::vector<RegisterProblem> problems;
     try {
@@ -84,22 +96,26 @@ std::vector<std::string> RegisterEditor::write(const RegisterRow& row,
         throw;
     }
     writing.end(problems.empty() ? "completed" : "stopped", problems.empty() ? counts : WritingCounts{});
-    return sentences(row, problems);
+    return problems;
 }
 
-std::vector<std::string> RegisterEditor::sentences(const RegisterRow& row,
-                                                   const std::vector<RegisterProblem>& problems) {
-    std::vector<std::string> told;
-    for (const RegisterProblem& problem : problems)
-        told.push_back(problemText(texts_, *register_, rowName(register_->keyOf(row)), problem));
-    return told;
+std::vector<RegisterEditor::Fault> RegisterEditor::faults(const RegisterRow& row,
+                                                          const std::vector<RegisterProblem>& problems) {
+    std::vector<Fault> faults;
+    for (const RegisterProblem& problem : problems) {
+        const bool ofField = problem.column >= 0;
+        faults.push_back(
+            {problem.column, ofField ? fieldText(texts_, *register_, problem)
+                                     : problemText(texts_, *register_, rowName(register_->keyOf(row)), problem)});
+    }
+    return faults;
 }
 
 // Files.
 
-std::string RegisterEditor::textOf(const RegisterImport& import) {
-    constexpr std::size_t kMostReasons = 10;
-    std::string text;
+RegisterEditor::Told RegisterEditor::told(const RegisterImport& import) {
+    Told told;
+    std::string& text = told.text;
     const auto say = [&](ModuleKey label, const std::string& value) {
         text += fmt::format("{}: {}\n", texts_.ModulText(label), value);
     };
@@ -111,21 +127,25 @@ std::string RegisterEditor::textOf(const RegisterImport& import) {
     say(text::registers::kRowsChanged, fmt::format("{}", import.counts.changed));
     say(text::registers::kRowsSame, fmt::format("{}", import.same));
     say(text::registers::kRowsRejected, fmt::format("{}", import.rejected));
-    for (std::size_t reason = 0; reason < std::min(import.reasons.size(), kMostReasons); ++reason) {
-        const RegisterImport::Rejected& one = import.reasons[reason];
-        text += problemText(texts_, *register_, fmt::format("{}", one.row), one.problem) + "\n";
+    for (const RegisterImport::Rejected& one : import.reasons) {
+        const bool ofColumn = one.problem.column >= 0;
+        told.refused.push_back({one.row, ofColumn ? register_->column(one.problem.column).caption : std::string(),
+                                one.problem.text, reasonText(texts_, one.problem)});
     }
-    return text;
+    told.done = import.counts.written() > 0;
+    return told;
 }
 
-RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, bool tryOut,
-                                            const std::function<bool()>& cancelled) {
+RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, const std::vector<int>& columns,
+                                            bool tryOut, const std::function<bool()>& cancelled) {
     try {
-        RegisterReader reader(*register_, sql_, file);
+        RegisterReader reader(*register_, sql_, file, columns);
         reader.cancelled = cancelled;
         if (tryOut) {
             const RegisterImport import = reader.tryOut();
-            return {.done = import.counts.written() > 0 && !import.cancelled, .text = textOf(import)};
+            Told told = this->told(import);
+            told.done = told.done && !import.cancelled;
+            return told;
         }
         RunHeader header = headOfWriting(sql_, texts_, *register_, company_);
         header.priceFile.path = file.string();
@@ -138,7 +158,7 @@ RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, b
             throw;
         }
         writing.end(import.cancelled ? "cancelled" : "completed", import.counts);
-        Told told{.done = import.counts.written() > 0, .text = textOf(import)};
+        Told told = this->told(import);
         if (writing.failure()) {
             told.text +=
                 texts_.ModulTextMed(text::registers::kNotRecorded, errorText(texts_, *writing.failure())) + "\n";
@@ -149,7 +169,8 @@ RegisterEditor::Told RegisterEditor::import(const std::filesystem::path& file, b
                                       text::registerswindow::kNoHeadings, text::registerswindow::kNoHeadings,
                                       text::registerswindow::kTwice};
         return {.done = false,
-                .text = texts_.FormulärSträngMed1(kTexts[static_cast<std::size_t>(unfit.what)], unfit.about)};
+                .text = texts_.FormulärSträngMed1(kTexts[static_cast<std::size_t>(unfit.what)], unfit.about),
+                .refused = {}};
     }
 }
 

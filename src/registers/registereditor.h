@@ -42,25 +42,42 @@ class RegisterEditor {
 
     /// Whether a form offers a column of a row: not what the program keeps, and keys of new rows only.
     [[nodiscard]] bool canEdit(const RegisterRow& row, int column, bool isNew) const;
+    /// What is wrong with a row: of a column (as `fieldText` has it), or of the whole row (-1).
+    struct Fault {
+        int column;
+        std::string text;
+    };
+    /// What is wrong with a text in a field, without looking at the others; empty: nothing. A text that is right is
+    /// put as the program writes it.
+    [[nodiscard]] std::string check(const RegisterRow& row, int column, std::string& text);
     /// Writes a new row, or what has changed of one; texts by columns. Says all that is wrong with it, and writes
     /// nothing then.
-    std::vector<std::string> save(const RegisterRow& shown, bool isNew, const std::map<int, std::string>& texts);
+    std::vector<Fault> save(const RegisterRow& shown, bool isNew, const std::map<int, std::string>& texts);
     std::vector<std::string> remove(const RegisterRow& shown);
 
     /// What an import would do, or has done, in the user's words.
     struct Told {
+        struct Refused {
+            std::uint64_t row;  ///< of the file
+            std::string column, text, reason;
+        };
         bool done = false;  ///< some row would be written, or has been
-        std::string text;
+        std::string text;   ///< what was counted, or why the file does not fit
+        std::vector<Refused> refused;
     };
-    Told import(const std::filesystem::path& file, bool tryOut, const std::function<bool()>& cancelled = {});
+    [[nodiscard]] FileColumns columnsOf(const std::filesystem::path& file) {
+        return RegisterReader::columnsOf(*register_, sql_, file);
+    }
+    /// `columns` says for each of the file's which one of the register it is, -1 for none.
+    Told import(const std::filesystem::path& file, const std::vector<int>& columns, bool tryOut,
+                const std::function<bool()>& cancelled = {});
     std::string exportTo(const std::filesystem::path& file);
 
   private:
-    std::vector<std::string> write(const RegisterRow& row, const std::function<std::vector<RegisterProblem>()>& write,
-                                   const WritingCounts& counts);
-    [[nodiscard]] std::vector<std::string> sentences(const RegisterRow& row,
-                                                     const std::vector<RegisterProblem>& problems);
-    [[nodiscard]] std::string textOf(const RegisterImport& import);
+    std::vector<RegisterProblem> write(const std::function<std::vector<RegisterProblem>()>& write,
+                                       const WritingCounts& counts);
+    [[nodiscard]] std::vector<Fault> faults(const RegisterRow& row, const std::vector<RegisterProblem>& problems);
+    [[nodiscard]] Told told(const RegisterImport& import);
 
     SqlLayer& sql_;
     LanguageTexts& texts_;

@@ -48,19 +48,68 @@ bool means(const ColumnBinding& binding, std::size_t cell, const std::vector<std
 }  // namespace
 
 RegisterReader::RegisterReader(Register& to, SqlLayer& sql, const std::filesystem::path& file,
-                               const std::vector<ColumnBinding>& bindings)
+                               std::nullptr_t /*unbound*/)
     : to_(to), sql_(sql), file_(file) {
-    Row first;
-    std::optional<SourceTable> table;
-    bool any = false;
     try {
         lookAt();
-        table.emplace(openRows(file_, format_), format_);
-        any = table->next(first);
     } catch (const PlatformError& error) {
         throw error.about(file_.string());
     }
-    bind(table->headings().empty() && any ? std::vector<std::string>(first.cells.size()) : table->headings(), bindings);
+}
+
+RegisterReader::RegisterReader(Register& to, SqlLayer& sql, const std::filesystem::path& file,
+                               const std::vector<ColumnBinding>& bindings)
+    : RegisterReader(to, sql, file, nullptr) {
+    bind(readHeadings(), bindings);
+}
+
+RegisterReader::RegisterReader(Register& to, SqlLayer& sql, const std::filesystem::path& file,
+                               const std::vector<int>& columns)
+    : RegisterReader(to, sql, file, nullptr) {
+    const std::vector<std::string> headings = readHeadings();
+    for (std::size_t cell = 0; cell < headings.size(); ++cell) {
+        if (cell < columns.size() && columns[cell] >= 0) {
+            bindOne(cell, columns[cell], headings[cell]);
+        } else if (!trimmed(headings[cell]).empty()) {
+            leftOut_.push_back(headings[cell]);
+        }
+    }
+    checkBound(headings);
+}
+
+FileColumns RegisterReader::columnsOf(Register& to, SqlLayer& sql, const std::filesystem::path& file) {
+    RegisterReader reader(to, sql, file, nullptr);
+    FileColumns found;
+    std::vector<std::vector<std::string>> samples;
+    for (const std::string& heading : reader.readHeadings([&](const Row& row) {
+             auto& sample = samples.emplace_back();
+             for (const Cell& cell : row.cells) sample.emplace_back(cell.text);
+         })) {
+        const std::size_t cell = found.columns.size();
+        FileColumns::Column& column = found.columns.emplace_back();
+        column.heading = heading;
+        for (const auto& sample : samples)
+            column.samples.push_back(cell < sample.size() ? sample[cell] : std::string());
+        const int named = to.columnNamed(heading);
+        const bool twice = std::ranges::count(found.columns, named, &FileColumns::Column::column) > 0;
+        if (named >= 0 && !twice && !to.column(named).fixed) column.column = named;
+    }
+    return found;
+}
+
+/// One for each column; empty ones where the file has no headings.
+std::vector<std::string> RegisterReader::readHeadings(const std::function<void(const Row&)>& sample) {
+    try {
+        SourceTable table(openRows(file_, format_), format_);
+        std::size_t rows = 0, cells = 0;
+        for (Row row; rows < (sample ? FileColumns::kSamples : 1) && table.next(row); ++rows) {
+            if (rows == 0) cells = row.cells.size();
+            if (sample) sample(row);
+        }
+        return table.headings().empty() ? std::vector<std::string>(cells) : table.headings();
+    } catch (const PlatformError& error) {
+        throw error.about(file_.string());
+    }
 }
 
 /// What the file is. Names of columns are needed, so its first row has them, unless columns are named by number.
@@ -98,6 +147,11 @@ void RegisterReader::bind(const std::vector<std::string>& headings, const std::v
     for (std::size_t i = 0; i < bindings.size(); ++i) {
         if (!used[i]) throw UnfitFile{What::UnknownHeading, bindings[i].heading};
     }
+    checkBound(headings);
+}
+
+void RegisterReader::checkBound(const std::vector<std::string>& headings) const {
+    using What = UnfitFile::What;
     if (bound_.empty()) throw UnfitFile{What::NoHeadings, fmt::format("{}", fmt::join(headings, ", "))};
     for (int key = 0; key < to_.keys(); ++key) {
         if (std::ranges::find(bound_, key, &Bound::column) == bound_.end())

@@ -19,6 +19,17 @@ struct ColumnBinding {
     std::string column;   ///< of the register
 };
 
+/// A file as it is bound to a register by hand.
+struct FileColumns {
+    struct Column {
+        std::string heading;
+        std::vector<std::string> samples;  ///< of the first rows
+        int column = -1;                   ///< of the register, as its heading says; -1: none
+    };
+    static constexpr std::size_t kSamples = 3;
+    std::vector<Column> columns;
+};
+
 /// What an import did, or would do.
 struct RegisterImport {
     struct Rejected {
@@ -51,6 +62,11 @@ class RegisterReader {
     RegisterReader(Register& to, SqlLayer& sql, const std::filesystem::path& file,
                    const std::vector<ColumnBinding>& bindings = {});
 
+    /// Each column of the file by hand, by its place: a column of the register, or -1 for one that is not read.
+    RegisterReader(Register& to, SqlLayer& sql, const std::filesystem::path& file, const std::vector<int>& columns);
+    /// The columns of a file, none bound twice.
+    static FileColumns columnsOf(Register& to, SqlLayer& sql, const std::filesystem::path& file);
+
     /// Asked between rows; true ends it behind what was written so far.
     std::function<bool()> cancelled;
     /// In batches. Throws PlatformError.
@@ -66,7 +82,11 @@ class RegisterReader {
         int column;
     };
 
+    RegisterReader(Register& to, SqlLayer& sql, const std::filesystem::path& file, std::nullptr_t unbound);
+
     void lookAt();
+    std::vector<std::string> readHeadings(const std::function<void(const Row&)>& sample = {});
+    void checkBound(const std::vector<std::string>& headings) const;
     void bind(const std::vector<std::string>& headings, const std::vector<ColumnBinding>& bindings);
     void bindOne(std::size_t cell, int column, const std::string& heading);
     void readAll(const std::function<void()>& nextRow);

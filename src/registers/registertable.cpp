@@ -124,6 +124,16 @@ const RegisterDefinition kRegisters[] = {
     {"documents", "dokument", text::registers::kDocuments, "Proddokument", "Nummer"},
 };
 
+struct Naming {
+    std::string_view table;
+    std::vector<std::string_view> columns;
+};
+const Naming kNaming[] = {{"Leverantör", {"Söknamn", "Namn"}},
+                          {"Prodgrupp", {"Benämning"}},
+                          {"Produkt", {"Benämning", "Söknamn"}},
+                          {"Prodaltrubrik", {"Rubrik"}},
+                          {"Syvaluta", {"Benämning"}}};
+
 /// Of all tables that have them.
 constexpr std::string_view kKept[] = {"ID", "Förändringsdatum", "Räknare", "Postversion", "Postlås"};
 
@@ -141,6 +151,17 @@ const RegisterDefinition* registerOfTable(std::string_view table) {
     const auto* const found = std::ranges::find_if(
         kRegisters, [&](const auto& one) { return !one.table.empty() && equalNoCase(one.table, table); });
     return found == std::end(kRegisters) ? nullptr : found;
+}
+
+std::span<const std::string_view> namingColumns(std::string_view table) {
+    const auto* const found =
+        std::ranges::find_if(kNaming, [&](const auto& one) { return equalNoCase(one.table, table); });
+    if (found == std::end(kNaming)) return {};
+    return found->columns;
+}
+
+std::string_view suggestedRegister(std::string_view column) {
+    return equalNoCase(column, "Momskod") || equalNoCase(column, "PMomsKod") ? "vat" : "";
 }
 
 bool isKeptByProgram(std::string_view column) {

@@ -57,6 +57,11 @@ const RegisterDefinition* registerNamed(std::string_view name);
 /// The register that a table is; nullptr for none.
 const RegisterDefinition* registerOfTable(std::string_view table);
 
+/// The columns that say in words what a row of a table is, the first that is filled before the others.
+std::span<const std::string_view> namingColumns(std::string_view table);
+/// The register whose keys a column has as a rule, though others do no harm; empty for none.
+std::string_view suggestedRegister(std::string_view column);
+
 /// Columns that the program keeps by itself: shown, never set.
 bool isKeptByProgram(std::string_view column);
 

@@ -52,12 +52,38 @@ ModuleKey sentence(RegisterProblem::What what) {
 
 std::string rowName(const std::vector<std::string>& key) { return fmt::format("{}", fmt::join(key, " / ")); }
 
+std::string reasonText(LanguageTexts& texts, const RegisterProblem& problem) {
+    return texts.ModulTextMed(sentence(problem.what), printable(problem.about, kShownCharacters));
+}
+
+std::string choiceText(LanguageTexts& texts, char choice) {
+    switch (choice) {
+        case 'I':
+            return texts.FormulärSträng(text::registers::kOnNetPrice);
+        case 'V':
+            return texts.FormulärSträng(text::registers::kOnAveragePrice);
+        case 'M':
+            return texts.FormulärSträng(text::registers::kOnListWithVat);
+        case '0':
+        case '-':
+            return texts.FormulärSträng(text::registers::kOnNothing);
+        default:
+            return fmt::format("{} {}", texts.FormulärSträng(text::registers::kPriceList), choice);
+    }
+}
+
+std::string fieldText(LanguageTexts& texts, const Register& of, const RegisterProblem& problem) {
+    std::string text = problem.column < 0 ? of.shortName() : of.column(problem.column).caption;
+    if (!problem.text.empty()) text += fmt::format(" \"{}\"", printable(problem.text, kShownCharacters));
+    return text + ' ' + reasonText(texts, problem);
+}
+
 std::string problemText(LanguageTexts& texts, const Register& of, const std::string& row,
                         const RegisterProblem& problem) {
     std::string text = texts.ModulTextMed(text::registers::kRow, printable(row, kShownCharacters));
     if (problem.column >= 0) text += fmt::format(", {}:", of.column(problem.column).caption);
     if (!problem.text.empty()) text += fmt::format(" \"{}\"", printable(problem.text, kShownCharacters));
-    return text + ' ' + texts.ModulTextMed(sentence(problem.what), printable(problem.about, kShownCharacters));
+    return text + ' ' + reasonText(texts, problem);
 }
 
 }  // namespace kolmera

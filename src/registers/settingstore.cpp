@@ -87,6 +87,7 @@ void SettingStore::refineBy(const SettingCell& cell, RegisterColumn& column) con
     column.type = field.type;
     column.size = field.size;
     column.mayBeNull = field.defaultNull;
+    column.suggests = suggestedRegister(cell.column);
     for (const Reference& reference : kReferences) {
         if (equalNoCase(reference.table, cell.table) && equalNoCase(reference.column, cell.column))
             column.refersToTable = reference.named;

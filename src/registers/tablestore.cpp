@@ -146,6 +146,7 @@ RegisterColumn TableStore::columnOf(const FieldDef& field) const {
         column.low = kFirstHeading;
         column.high = kLastHeading;
     }
+    column.suggests = suggestedRegister(field.name);
     for (const Reference& reference : kReferences) {
         if (!equalNoCase(reference.table, table_.name) || !equalNoCase(reference.column, field.name)) continue;
         column.refersToTable = reference.named;

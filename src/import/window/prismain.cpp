@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "history/runlist.h"
+#include "import/window/firststepspanel.h"
 #include "import/window/jobicons.h"
 #include "import/window/joblistmodel.h"
 #include "import/window/mainmenu.h"
@@ -57,6 +58,7 @@ PrisMain::PrisMain(Program& program)
       watch_(this, [this] { refresh(); }),
       model_(new JobListModel(jobs_, this)),
       lista_(new QTreeView(this)),
+      stepsPanel_(new FirstStepsPanel(*this)),
       resultPanel_(new ResultPanel(program, this)),
       runPanel_(new RunPanel(program, this)) {
     setObjectName(toQt(kForm));
@@ -102,6 +104,10 @@ void PrisMain::buildControls() {
     });
     runPanel_->onRunMode = [this] { centreOnScreen(*this); };
     runPanel_->onOpenJobSettings = [this] { öppna(); };
+    stepsPanel_->onSuppliers = [this] { openRegisters("suppliers"); };
+    stepsPanel_->onLetters = [this] { openRegisters("letters"); };
+    stepsPanel_->onNewJob = [this] { ny(); };
+    stepsPanel_->onCouplings = [this] { openRegisters(kCouplings); };
     resultPanel_->onShowChanges = [this] { visaÄndringar(); };
 }
 
@@ -131,7 +137,7 @@ void PrisMain::buildMenu() {
                     if (folder) leaveFor({.dataFolder = *folder, .language = {}});
                 },
             .products = [this] { showProducts(program_, this); },
-            .registers = [this] { showRegisters(program_, this); },
+            .registers = [this] { openRegisters(); },
             .openFolder =
                 [this](const std::filesystem::path& folder) { leaveFor({.dataFolder = folder, .language = {}}); },
             .speak = [this](const std::string& language) { leaveFor({.dataFolder = {}, .language = language}); }});
@@ -235,6 +241,7 @@ void PrisMain::layOut() {
     upper->addLayout(buttons);
     auto* layout = new QVBoxLayout(this);
     layout->setMenuBar(menu_->bar());
+    layout->addWidget(stepsPanel_);
     layout->addLayout(upper, 1);
     layout->addWidget(resultPanel_);
     layout->addWidget(new UCFadeLine(this));
@@ -256,6 +263,7 @@ void PrisMain::present() {
     förhandsgranska_->setEnabled(!running_ && jobs_.canRun());
     search_->setEnabled(!running_);
     company_->setEnabled(!running_);
+    stepsPanel_->present(steps_, !running_);
     menu_->present(running_, jobs_.canRun(), jobs_.canCopy());
     tidigare_->setEnabled(!running_);
     rabattbrev_->setEnabled(!running_ && program_.showPrisRab);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "definitions/firststeps.h"
 #include "definitions/jobtable.h"
 #include "history/lastruns.h"
 #include "import/run/importcontext.h"
@@ -20,6 +21,7 @@ class QTreeView;
 
 namespace kolmera {
 
+class FirstStepsPanel;
 class JobListModel;
 class MainMenu;
 class ResultPanel;
@@ -58,6 +60,8 @@ class PrisMain final : public QWidget {
     void nameColumns();
     void setSizes();
     void drawIcons();
+    void showFirstSteps();
+    void openRegisters(std::string_view name = {});
     void showSelection();
     void present();
     void fill(int JobbNr, const std::string& otherwise);
@@ -109,6 +113,8 @@ class PrisMain final : public QWidget {
     SearchBox* search_;
     bool suppliersNamed_ = false;
     QComboBox* company_;
+    FirstSteps steps_;
+    FirstStepsPanel* stepsPanel_;
     ResultPanel* resultPanel_;
     RunPanel* runPanel_;
     std::unique_ptr<MainMenu> menu_;

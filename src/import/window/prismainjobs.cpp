@@ -43,6 +43,7 @@ void PrisMain::öppna() {
 void PrisMain::openSettings(int JobbNr, bool ÄrStandardJobb) {
     if (!program_.showPrisStyr) return;
     if (const auto saved = program_.showPrisStyr(this, JobbNr, ÄrStandardJobb)) FyllJobbLista(*saved);
+    showFirstSteps();
 }
 
 void PrisMain::taBort() {

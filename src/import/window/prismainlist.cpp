@@ -11,6 +11,7 @@
 
 #include "definitions/pricefilepath.h"
 #include "history/runlist.h"
+#include "import/window/firststepspanel.h"
 #include "import/window/joblistmodel.h"
 #include "import/window/prismain.h"
 #include "lang/errortext.h"
@@ -19,6 +20,7 @@
 #include "lang/keys/prismain.h"
 #include "platform/attempt.h"
 #include "platform/lettercase.h"
+#include "registers/window/registerswindow.h"
 #include "startup/suppliernames.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
@@ -99,8 +101,19 @@ void PrisMain::showRows(std::vector<JobRow> rows, int JobbNr, const std::string&
     model_->fill(std::move(rows), JobbNr, otherwise);
     offerCompanies();
     showSelection();
+    showFirstSteps();
     present();
     watchFolders();
+}
+
+void PrisMain::showFirstSteps() {
+    steps_ = firstSteps(program_.state, jobs_.jobs());
+    stepsPanel_->present(steps_, !running_);
+}
+
+void PrisMain::openRegisters(std::string_view name) {
+    showRegisters(program_, this, name);
+    showFirstSteps();
 }
 
 void PrisMain::beginWatching() {

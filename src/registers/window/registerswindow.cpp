@@ -4,7 +4,6 @@
 #include <fmt/ranges.h>
 
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -14,17 +13,19 @@
 #include <QScreen>
 #include <QTreeWidget>
 #include <algorithm>
+#include <utility>
 
 #include "lang/errortext.h"
-#include "lang/keys/boxes.h"
+#include "lang/keys/registers.h"
 #include "lang/keys/registerswindow.h"
+#include "platform/searchwords.h"
 #include "registers/registertexts.h"
+#include "registers/window/importwindow.h"
 #include "registers/window/rowwindow.h"
 #include "ui/columnfit.h"
 #include "ui/controls.h"
 #include "ui/forms.h"
 #include "ui/keys.h"
-#include "ui/lockwait.h"
 #include "ui/qttext.h"
 
 namespace kolmera {
@@ -34,7 +35,8 @@ constexpr std::chrono::milliseconds kTyping{250};
 
 }  // namespace
 
-RegistersWindow::RegistersWindow(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+RegistersWindow::RegistersWindow(Program& program, QWidget* parent, std::string_view name)
+    : QDialog(parent), program_(program) {
     const Hourglass loading(program.boxes.port());
     setObjectName(QStringLiteral("RegistersWindow"));
     setWindowTitle(QStringLiteral("Företagets register"));
@@ -49,13 +51,17 @@ RegistersWindow::RegistersWindow(Program& program, QWidget* parent) : QDialog(pa
     loadForm(program_, *this);
     for (const RegisterDefinition& each : registerDefinitions())
         registers_->addItem(toQt(program_.texts.FormulärSträng(each.title)));
+    registers_->addItem(toQt(program_.texts.FormulärSträng(text::registerswindow::kCouplings)));
     setSizes();
     companies_ = companyList(program.companies, program.state.dataFolder());
     for (const Company& company : companies_) companyBox_->addItem(toQt(company.name));
     companyBox_->setCurrentIndex(std::max(placeOfDatabase(companies_, program.state.StandardFöretag), 0));
     companyLabel_->setVisible(companies_.size() > 1);
     companyBox_->setVisible(companies_.size() > 1);
-    registers_->setCurrentRow(0);
+    const RegisterDefinition* named = registerNamed(name);
+    registers_->setCurrentRow(name == kCouplings ? registers_->count() - 1
+                              : named == nullptr ? 0
+                                                 : static_cast<int>(named - registerDefinitions().data()));
     connect(companyBox_, &QComboBox::activated, this, [this] { openCompany(); });
     connect(registers_, &QListWidget::currentRowChanged, this, [this] {
         search_->clear();
@@ -188,8 +194,60 @@ void RegistersWindow::openRegister() {
         list_->setColumnCount(0);
     }
     fit_->forget();
-    if (editor_ && row >= 0) attemptTo([&] { editor_->open(registerDefinitions()[static_cast<std::size_t>(row)]); });
+    if (editor_ && row >= 0 && !ofCouplings())
+        attemptTo([&] { editor_->open(registerDefinitions()[static_cast<std::size_t>(row)]); });
     readRows();
+}
+
+bool RegistersWindow::ofCouplings() const { return registers_->currentRow() == registers_->count() - 1; }
+
+void RegistersWindow::showCouplings() {
+    list_->setColumnCount(4);
+    QStringList headings;
+    for (const FormKey key : {text::registerswindow::kJob, text::registers::kCode, text::registerswindow::kSupplier,
+                              text::registerswindow::kMainSupplier})
+        headings.push_back(toQt(program_.texts.FormulärSträng(key)));
+    list_->setHeaderLabels(headings);
+    const SearchWords wanted(fromQt(search_->text()));
+    const auto place = static_cast<std::size_t>(companyBox_->currentIndex());
+    coupled_.clear();
+    attemptTo([&] {
+        if (place < companies_.size()) coupled_ = coupledJobs(program_.state, companies_[place].database);
+    });
+    std::erase_if(coupled_, [&](const CoupledJob& one) {
+        return !wanted.in(fmt::format("{} {} {}", one.name, one.coupling.code, one.coupling.supplier));
+    });
+    for (const CoupledJob& one : coupled_)
+        new QTreeWidgetItem(list_, {toQt(one.name), toQt(one.coupling.code), toQt(one.coupling.supplier),
+                                    one.coupling.mainSupplier ? QStringLiteral("H") : QString()});
+    remark_->setText(toQt(program_.texts.FormulärSträng(text::registerswindow::kCouplingsAreChanged)));
+}
+
+/// Couplings are changed where their job is. The company is opened anew then, because the job window closes it.
+void RegistersWindow::openJob() {
+    const auto row = static_cast<std::size_t>(currentRow());
+    if (currentRow() < 0 || row >= coupled_.size() || !program_.showPrisStyr) return;
+    editor_.reset();
+    program_.state.sql.FtgDB.reset();
+    program_.showPrisStyr(this, coupled_[row].number, true);
+    openCompany();
+}
+
+void RegistersWindow::showRows() {
+    QStringList headings;
+    for (const int column : editor_->shown()) headings.push_back(toQt(editor_->opened().column(column).caption));
+    list_->setColumnCount(static_cast<int>(headings.size()));
+    list_->setHeaderLabels(headings);
+    QList<QTreeWidgetItem*> rows;
+    for (std::size_t row = 0; row < editor_->count(); ++row) {
+        QStringList cells;
+        for (const int column : editor_->shown()) cells.push_back(toQt(editor_->cell(row, column)));
+        rows.push_back(new QTreeWidgetItem(cells));
+    }
+    list_->addTopLevelItems(rows);
+    if (editor_->more())
+        remark_->setText(
+            toQt(program_.texts.FormulärSträngMed1(text::registerswindow::kMore, fmt::format("{}", editor_->count()))));
 }
 
 void RegistersWindow::readRows() {
@@ -199,25 +257,13 @@ void RegistersWindow::readRows() {
         const QSignalBlocker quiet(list_);
         list_->clear();
         remark_->clear();
-        if (editor_ && editor_->isOpen() && attemptTo([&] { editor_->read(fromQt(search_->text())); })) {
-            QStringList headings;
-            for (const int column : editor_->shown())
-                headings.push_back(toQt(editor_->opened().column(column).caption));
-            list_->setColumnCount(static_cast<int>(headings.size()));
-            list_->setHeaderLabels(headings);
-            QList<QTreeWidgetItem*> rows;
-            for (std::size_t row = 0; row < editor_->count(); ++row) {
-                QStringList cells;
-                for (const int column : editor_->shown()) cells.push_back(toQt(editor_->cell(row, column)));
-                rows.push_back(new QTreeWidgetItem(cells));
-            }
-            list_->addTopLevelItems(rows);
-            fit_->fit(kLetters * fontMetrics().averageCharWidth());
-            list_->setCurrentItem(list_->topLevelItem(std::min(current, list_->topLevelItemCount() - 1)));
-            if (editor_->more())
-                remark_->setText(toQt(program_.texts.FormulärSträngMed1(text::registerswindow::kMore,
-                                                                        fmt::format("{}", editor_->count()))));
+        if (ofCouplings()) {
+            showCouplings();
+        } else if (editor_ && editor_->isOpen() && attemptTo([&] { editor_->read(fromQt(search_->text())); })) {
+            showRows();
         }
+        fit_->fit(kLetters * fontMetrics().averageCharWidth());
+        list_->setCurrentItem(list_->topLevelItem(std::min(current, list_->topLevelItemCount() - 1)));
     }
     remark_->setVisible(!remark_->text().isEmpty());
     present();
@@ -230,17 +276,21 @@ int RegistersWindow::currentRow() const {
 
 // The one place that enables.
 void RegistersWindow::present() {
-    const bool open = editor_ && editor_->isOpen();
+    const bool open = editor_ && editor_->isOpen() && !ofCouplings();
     const bool takesRows = open && editor_->opened().takesRows();
     const bool onRow = open && currentRow() >= 0;
     new_->setEnabled(takesRows);
-    edit_->setEnabled(onRow);
+    edit_->setEnabled(onRow || (ofCouplings() && currentRow() >= 0 && program_.showPrisStyr));
     remove_->setEnabled(takesRows && onRow);
     import_->setEnabled(open);
     export_->setEnabled(open);
 }
 
 void RegistersWindow::edit(bool isNew) {
+    if (ofCouplings()) {
+        if (!isNew) openJob();
+        return;
+    }
     if (!editor_ || !editor_->isOpen() || (!isNew && currentRow() < 0)) return;
     RegisterRow row = isNew ? editor_->opened().newRow() : editor_->row(static_cast<std::size_t>(currentRow()));
     RowWindow form(program_, *editor_, std::move(row), isNew, this);
@@ -260,46 +310,17 @@ void RegistersWindow::remove() {
     readRows();
 }
 
-/// What the file would change is shown, and written when the user says so.
 void RegistersWindow::importFile() {
     FileQuestion question;
     question.title = toQt(program_.texts.FormulärSträng(text::registerswindow::kImportTitle));
     question.filters = toQt(program_.texts.FormulärSträng(text::registerswindow::kReadFilters));
     const std::filesystem::path file = fromQt(fileToRead(question));
     if (file.empty()) return;
-    RegisterEditor::Told told;
-    if (!readFile(file, true, told)) return;
-    if (!told.done) {
-        program_.boxes.MeddelandeInfo(told.text);
-        return;
-    }
-    if (program_.boxes.MeddelandeJaNej(
-            told.text + "\n" + program_.texts.FormulärSträng(text::registerswindow::kAskToImport)) != Answer::Yes)
-        return;
-    readFile(file, false, told);
-    if (!told.text.empty()) program_.boxes.MeddelandeInfo(told.text);
+    FileColumns columns;
+    if (!attemptTo([&] { columns = editor_->columnsOf(file); })) return;
+    ImportWindow form(program_, *editor_, file, std::move(columns), this);
+    VisaFormulär(program_, form, true);
     readRows();
-}
-
-/// With a small window and Cancel when it takes its time. False when trying out was cancelled, and for an error.
-bool RegistersWindow::readFile(const std::filesystem::path& file, bool tryOut, RegisterEditor::Told& told) {
-    constexpr int kPatience = 300, kPause = 40;  // milliseconds
-    told = {};
-    bool cancelled = false;
-    LockWait wait(*this);
-    QElapsedTimer sinceStart, sinceEvents;
-    sinceStart.start();
-    const auto asked = [&] {
-        if (cancelled || sinceStart.elapsed() < kPatience) return cancelled;
-        if (sinceEvents.isValid() && sinceEvents.elapsed() < kPause) return false;
-        cancelled = !wait.keepWaiting(toQt(program_.texts.FormulärSträng(text::registerswindow::kReading)),
-                                      toQt(program_.texts.ModulText(text::boxes::kCancel)));
-        sinceEvents.start();
-        return cancelled;
-    };
-    const bool read = attemptTo([&] { told = editor_->import(file, tryOut, asked); });
-    wait.over();
-    return read && !(cancelled && tryOut);
 }
 
 void RegistersWindow::exportFile() {
@@ -313,8 +334,8 @@ void RegistersWindow::exportFile() {
     if (attemptTo([&] { told = editor_->exportTo(file); })) program_.boxes.MeddelandeInfo(told);
 }
 
-void showRegisters(Program& program, QWidget* parent) {
-    RegistersWindow form(program, parent);
+void showRegisters(Program& program, QWidget* parent, std::string_view name) {
+    RegistersWindow form(program, parent, name);
     VisaFormulär(program, form, true);
 }
 

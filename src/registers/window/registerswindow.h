@@ -5,8 +5,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "definitions/firststeps.h"
 #include "registers/registereditor.h"
 #include "startup/companylist.h"
 #include "ui/filedialogs.h"
@@ -23,10 +25,15 @@ namespace kolmera {
 
 class ColumnFit;
 
-/// The registers of a company, and the rows of one.
+/// The couplings among the names of registers.
+inline constexpr std::string_view kCouplings = "couplings";
+
+/// The registers of a company, and the rows of one; behind them the supplier couplings of its jobs, which the job
+/// window changes.
 class RegistersWindow final : public QDialog {
   public:
-    RegistersWindow(Program& program, QWidget* parent);
+    /// `name`: a register, or `kCouplings`; empty: the first one.
+    RegistersWindow(Program& program, QWidget* parent, std::string_view name = {});
     ~RegistersWindow() override;
     RegistersWindow(const RegistersWindow&) = delete;
     RegistersWindow& operator=(const RegistersWindow&) = delete;
@@ -41,11 +48,14 @@ class RegistersWindow final : public QDialog {
     void openCompany();
     void openRegister();
     void readRows();
+    void showRows();
+    void showCouplings();
+    void openJob();
+    [[nodiscard]] bool ofCouplings() const;
     void present();
     void edit(bool isNew);
     void remove();
     void importFile();
-    bool readFile(const std::filesystem::path& file, bool tryOut, RegisterEditor::Told& told);
     void exportFile();
     /// Lets `work` work; an error is told, and false.
     bool attemptTo(const std::function<void()>& work);
@@ -54,6 +64,7 @@ class RegistersWindow final : public QDialog {
     Program& program_;
     std::vector<Company> companies_;
     std::unique_ptr<RegisterEditor> editor_;
+    std::vector<CoupledJob> coupled_;
     QTimer searches_;
 
     QLabel *companyLabel_, *remark_;
@@ -65,7 +76,7 @@ class RegistersWindow final : public QDialog {
     QPushButton *new_, *edit_, *remove_, *import_, *export_, *close_;
 };
 
-/// Shows them modally.
-void showRegisters(Program& program, QWidget* parent);
+/// Shows them modally, beginning with the one of that name.
+void showRegisters(Program& program, QWidget* parent, std::string_view name = {});
 
 }  // namespace kolmera

@@ -5,14 +5,15 @@
 #include <string>
 
 #include "registers/registereditor.h"
+#include "registers/window/rowfield.h"
 #include "ui/program.h"
 
-class QLineEdit;
 class QPushButton;
+class QScrollArea;
 
 namespace kolmera {
 
-/// The fields of one row of a register. Closes when the row has been saved.
+/// The fields of one row of a register; what is wrong stands at its field. Closes when the row has been saved.
 class RowWindow final : public QDialog {
   public:
     RowWindow(Program& program, RegisterEditor& editor, RegisterRow row, bool isNew, QWidget* parent);
@@ -21,7 +22,9 @@ class RowWindow final : public QDialog {
 
   private:
     void buildFields();
+    void check(int column);
     void save();
+    void tell(const std::vector<RegisterEditor::Fault>& faults);
     [[nodiscard]] bool isChanged() const;
     [[nodiscard]] std::map<int, std::string> texts() const;
 
@@ -29,8 +32,9 @@ class RowWindow final : public QDialog {
     RegisterEditor& editor_;
     RegisterRow row_;
     bool new_;
-    std::map<int, QLineEdit*> fields_;
+    std::map<int, RowField*> fields_;
     std::map<int, std::string> before_;
+    QScrollArea* area_ = nullptr;
     QPushButton *save_, *cancel_;
 };
 
