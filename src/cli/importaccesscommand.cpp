@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <ostream>
+#include <string>
 
 #include "cli/printablelines.h"
 #include "cli/session.h"
@@ -16,23 +16,13 @@
 #include "platform/jet/jetreader.h"
 #include "platform/lettercase.h"
 #include "startup/accessimport.h"
+#include "startup/accesstexts.h"
 #include "startup/company.h"
 
 namespace kolmera::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// In the order of AccessRemark::Kind.
-constexpr std::array kRemarks = {
-    text::access::kBinaryLeftOut,  text::access::kTimeCut,      text::access::kDigitsRounded,
-    text::access::kNotFitting,     text::access::kUnreadable,   text::access::kCharactersDamaged,
-    text::access::kOtherType,      text::access::kAsText,       text::access::kStandardLeftOut,
-    text::access::kColumnLeftOut,  text::access::kRowsRefused,  text::access::kRowsLost,
-    text::access::kTableLeftOut,   text::access::kIndexLeftOut, text::access::kLinkLeftOut,
-    text::access::kObjectsLeftOut, text::access::kMissing,      text::access::kMissing,
-};
-static_assert(kRemarks.size() == static_cast<std::size_t>(AccessRemark::Kind::ColumnMissing) + 1);
 
 bool isCompanyName(const std::string& name) {
     const std::string upper = upperCase(name);
@@ -45,12 +35,8 @@ int tell(Session& session, const AccessResult& result, const std::string& compan
     out << session.text(text::access::kImported, company) << '\n';
     if (result.remarks.empty()) return exitcode::kDone;
     PrintableStream err(surroundings.err);
-    err << session.text(text::access::kRemarks) << '\n';
-    for (const AccessRemark& remark : result.remarks) {
-        err << "  " << remark.place << (remark.place.empty() ? "" : ": ");
-        if (remark.count > 0) err << remark.count << ' ';
-        err << session.text(kRemarks[static_cast<std::size_t>(remark.kind)]) << '\n';
-    }
+    err << session.text(text::access::kRemarks, std::to_string(result.remarks.size())) << '\n';
+    for (const AccessRemark& remark : result.remarks) err << "  " << remarkText(session.texts, remark) << '\n';
     return exitcode::kPassedOver;
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -105,13 +106,10 @@ class Importing : public jet::ContentListener {
     }
 
     void other(jet::OtherObject kind, std::string name) override {
-        if (kind == jet::OtherObject::UnreadableTable) {
-            plan_.remarks.push_back({Kind::TableLeftOut, std::move(name)});
-        } else if (kind == jet::OtherObject::LinkedTable) {
-            plan_.remarks.push_back({Kind::LinkLeftOut, std::move(name)});
-        } else {
-            ++objects_;
-        }
+        constexpr Kind kLeftOut[] = {Kind::TableLeftOut, Kind::LinkLeftOut, Kind::QueryLeftOut, Kind::RelationLeftOut,
+                                     Kind::ObjectLeftOut};
+        static_assert(std::size(kLeftOut) == jet::kOtherObjects);
+        plan_.remarks.push_back({kLeftOut[static_cast<std::size_t>(kind)], std::move(name)});
     }
 
     void rowsOf(std::size_t table) override {
@@ -154,7 +152,6 @@ class Importing : public jet::ContentListener {
         endTable();
         addFirstRows();
         database_.reset();
-        if (objects_ > 0) plan_.remarks.push_back({Kind::ObjectsLeftOut, {}, objects_});
         for (const auto& [place, values] : counts_) {
             const jet::Table& table = fileTables_[place.first.first];
             const std::string& column = table.columns[place.first.second].name;
@@ -229,7 +226,7 @@ class Importing : public jet::ContentListener {
     std::unique_ptr<Database> database_;
     std::optional<BatchTransaction> batch_;
     std::optional<std::size_t> current_;
-    std::int64_t come_ = 0, taken_ = 0, objects_ = 0;
+    std::int64_t come_ = 0, taken_ = 0;
     std::vector<int> columns_;
     std::vector<Value> values_;
     std::map<std::pair<std::pair<std::size_t, std::size_t>, Kind>, std::int64_t> counts_;
