@@ -1,20 +1,16 @@
 #include "cli/importaccesscommand.h"
 
-#include <fmt/format.h>
-
+#include <filesystem>
 #include <ostream>
 #include <string>
 
 #include "cli/printablelines.h"
 #include "cli/session.h"
 #include "cli/terminalport.h"
-#include "db/companyschema.h"
-#include "lang/errortext.h"
 #include "lang/keys/access.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
-#include "platform/jet/jetreader.h"
-#include "platform/lettercase.h"
+#include "startup/accesscompany.h"
 #include "startup/accessimport.h"
 #include "startup/accesstexts.h"
 #include "startup/company.h"
@@ -23,11 +19,6 @@ namespace kolmera::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-bool isCompanyName(const std::string& name) {
-    const std::string upper = upperCase(name);
-    return upper.starts_with("FTG") && upper.ends_with(".MDB") && name.find('/') == std::string::npos;
-}
 
 int tell(Session& session, const AccessResult& result, const std::string& company, const Surroundings& surroundings) {
     PrintableStream out(surroundings.out);
@@ -51,42 +42,42 @@ int importAccessCommand(const ImportAccessArguments& arguments, const Surroundin
     };
     const std::string name =
         arguments.company.empty() ? fs::path(arguments.file).filename().string() : arguments.company;
-    if (!isCompanyName(name)) return fail(session.text(text::access::kNameNeeded, name), exitcode::kUsage);
-    const fs::path company = session.state.drives.resolve(name, session.state.dataFolder());
-    std::error_code missing;
-    if (fs::equivalent(company, arguments.file, missing) || jet::isAccessFile(company)) {
-        return fail(session.text(text::access::kSameFile, company.string()), exitcode::kStopped);
-    }
-    if (!arguments.replace && fs::exists(fs::symlink_status(company, missing))) {
-        return fail(session.text(text::access::kExists, name), exitcode::kStopped);
-    }
-    TerminalPort port(surroundings.err, surroundings.cancel, false);
+    if (!isCompanyFileName(name)) return fail(session.text(text::access::kNameNeeded, name), exitcode::kUsage);
+    TerminalPort port(surroundings.err, surroundings.cancel, false, {}, !surroundings.quiet);
     MessageBoxes boxes(port, session.state.helpFile);
     CompanyRegister companies(session.state, session.texts, boxes);
-    AccessImport import{.reader = surroundings.programFolder / jet::kReaderProgram,
-                        .file = arguments.file,
-                        .company = company,
-                        .companyName = fs::path(name).stem().string(),
-                        .replace = arguments.replace,
-                        .options = {}};
-    import.options.locale = session.state.locale;
-    import.options.password = companies.LösenFör(name);
-    import.options.wait = [&] { return !port.cancelled();
-};
-import.options.knownTables = companySchema;
-try {
-    const AccessResult result =
-        importAccessFile(import, [&](std::string_view, std::int64_t) { return !port.cancelled(); });
-    if (!result.cancelled) return tell(session, result, name, surroundings);
-} catch (const PlatformError& error) {
-    if (!port.cancelled()) {
-        const PlatformError named = error.subject().empty() ? error.about(arguments.file) : error;
-        return fail(session.text(text::access::kNotImported, arguments.file) + ' ' + errorText(session.texts, named),
-                    exitcode::kStopped);
+    AccessImport import =
+        accessImportOf(session.state, companies, arguments.file, name, [&] { return !port.cancelled(); });
+    import.replace = arguments.replace;
+    switch (obstacleTo(import)) {
+        case AccessObstacle::SameFile:
+            return fail(session.text(text::access::kSameFile, import.company.string()), exitcode::kStopped);
+        case AccessObstacle::Exists:
+            return fail(session.text(text::access::kExists, name), exitcode::kStopped);
+        case AccessObstacle::Name:
+        case AccessObstacle::None:
+            break;
     }
+    try {
+        const AccessResult result = importAccessFile(import, [&](const AccessProgress& progress) {
+            const bool begun = progress.of > 0;
+            port.status(session.text(text::access::kReading, begun ? std::string(progress.table) : arguments.file));
+            port.progress(static_cast<std::uint64_t>(progress.rows),
+                          static_cast<std::uint64_t>(begun ? progress.of : 1), progress.rows);
+            return !port.cancelled();
+        });
+        port.runMode(false);
+        if (!result.cancelled) return tell(session, result, name, surroundings);
+    } catch (const PlatformError& error) {
+        port.runMode(false);
+        if (!port.cancelled()) {
+            const PlatformError named = error.subject().empty() ? error.about(arguments.file) : error;
+            return fail(session.text(text::access::kNotImported, arguments.file) + ' ' + session.explain(named),
+                        exitcode::kStopped);
+        }
+    }
+    surroundings.err << session.text(text::access::kCancelled) << '\n';
+    return exitcode::kCancelled;
 }
-surroundings.err << session.text(text::access::kCancelled) << '\n';
-return exitcode::kCancelled;
-}  // namespace kolmera::cli
 
 }  // namespace kolmera::cli

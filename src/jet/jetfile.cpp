@@ -234,7 +234,7 @@ class JetFile {
         Column result{.name = nameOf(column.name),
                       .type = known ? static_cast<ColumnType>(column.col_type) : ColumnType::Other,
                       .size = static_cast<std::uint32_t>(column.col_size),
-                      .counter = column.is_long_auto != 0 || column.is_uuid_auto != 0,
+                      .counter = column.is_long_auto != 0 || (column.col_type == MDB_REPID && column.is_uuid_auto != 0),
                       .standard = textOrNothing(property("DefaultValue")),
                       .rule = textOrNothing(property("ValidationRule")),
                       .required = says("Required", "yes"),

@@ -136,7 +136,7 @@ TEST(ImportAccess, MakesACompanyThatRunsLikeTheOneItWas) {
                                                   .companyName = "",
                                                   .replace = true,
                                                   .options = {}},
-                                                 [](std::string_view, std::int64_t) { return true; });
+                                                 [](const AccessProgress&) { return true; });
     EXPECT_TRUE(result.remarks.empty());
     EXPECT_EQ(toldBy(*machine.open()), toldBy(*original.open()));
     const int code = original.runJob("(FINFO)");

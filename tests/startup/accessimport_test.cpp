@@ -41,7 +41,7 @@ class AccessWorld {
                                   .companyName = "Provbolaget",
                                   .replace = replace,
                                   .options = {}};
-        return importAccessFile(import, [this](std::string_view, std::int64_t) { return goOn; });
+        return importAccessFile(import, [this](const AccessProgress&) { return goOn; });
     }
     int errorOf(bool replace = false) {
         try {
