@@ -1,7 +1,9 @@
 #include "jet/jetfile.h"
 
+#include <fcntl.h>
 #include <mdbtools.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <map>
@@ -11,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "jet/jetpassword.h"
+#include "platform/descriptor.h"
 #include "platform/encodings.h"
 #include "platform/jet/jetmessages.h"
 
@@ -335,7 +339,10 @@ class JetFile {
         std::string text(bytes.size() * 4 + 1, '\0');
         const int length = mdb_unicode2ascii(file_.get(), bytes.data(), bytes.size(), text.data(), text.size());
         text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
-        return text;
+        // The library puts a question mark for what it cannot convert.
+        std::string valid = validText(text);
+        if (valid != text || std::ranges::count(text, '?') > std::ranges::count(bytes, '?')) return DamagedText{valid};
+        return valid;
     }
 
     /// A long text lies in the row, in another row, or in a chain of rows.
@@ -400,12 +407,20 @@ class JetFile {
     std::set<std::string> relationships_;  ///< told with their columns
 };
 
+std::string firstPage(const char* file) {
+    std::string page(MDB_PGSIZE, '\0');
+    const Descriptor descriptor(file, O_RDONLY | O_CLOEXEC);
+    page.resize(descriptor.readAt(0, page.data(), page.size()));
+    return page;
+}
+
 }  // namespace
 
 void tellJetFile(const char* file, const Say& say) {
     MdbHandle* opened = mdb_open(file, MDB_NOFLAGS);
     if (opened == nullptr) return say(failureMessage(Failure::Damaged));
     if (opened->f->jet_version > MDB_VER_JET4) return say(failureMessage(Failure::NewerFormat));
+    if (hasPassword(firstPage(file))) say(otherMessage(OtherObject::Password, ""));
     if (!JetFile(opened, say).tell()) say(failureMessage(Failure::Damaged));
 }
 

@@ -88,8 +88,8 @@ class Importing : public jet::ContentListener {
     }
 
     void other(jet::OtherObject kind, std::string name) override {
-        constexpr Kind kLeftOut[] = {Kind::TableLeftOut, Kind::LinkLeftOut, Kind::QueryLeftOut, Kind::RelationLeftOut,
-                                     Kind::ObjectLeftOut};
+        constexpr Kind kLeftOut[] = {Kind::TableLeftOut,    Kind::LinkLeftOut,   Kind::QueryLeftOut,
+                                     Kind::RelationLeftOut, Kind::ObjectLeftOut, Kind::PasswordLeftOut};
         static_assert(std::size(kLeftOut) == jet::kOtherObjects);
         plan_.remarks.push_back({kLeftOut[static_cast<std::size_t>(kind)], std::move(name)});
     }

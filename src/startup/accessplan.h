@@ -35,6 +35,7 @@ struct AccessRemark {
         QueryLeftOut,
         RelationLeftOut,  ///< columns that had to agree
         ObjectLeftOut,    ///< forms, reports, macros, modules
+        PasswordLeftOut,  ///< of the file
         TableMissing,     ///< a table that companies have, and the file has not
         ColumnMissing,    ///< such a column
     };

@@ -19,7 +19,8 @@ constexpr std::array kRemarks = {
     text::access::kPropertiesLeftOut, text::access::kColumnLeftOut,   text::access::kRowsRefused,
     text::access::kRowsLost,          text::access::kTableLeftOut,    text::access::kIndexLeftOut,
     text::access::kLinkLeftOut,       text::access::kQueryLeftOut,    text::access::kRelationLeftOut,
-    text::access::kObjectLeftOut,     text::access::kMissing,         text::access::kMissing,
+    text::access::kObjectLeftOut,     text::access::kPasswordLeftOut, text::access::kMissing,
+    text::access::kMissing,
 };
 static_assert(kRemarks.size() == static_cast<std::size_t>(AccessRemark::Kind::ColumnMissing) + 1);
 

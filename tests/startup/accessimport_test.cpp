@@ -182,6 +182,28 @@ TEST(AccessImport, TellsWhatTablesLoseBesidesTheirRows) {
     EXPECT_EQ(std::ranges::count(remarks, ':'), static_cast<std::ptrdiff_t>(std::size(lost))) << remarks;
 }
 
+TEST(AccessImport, TakesNamesAndNumbersOfColumnsAsTheyCome) {
+    jet::Table table{.name = "a]b \"c' [d];--", .rows = 1, .columns = {}, .indexes = {}};
+    jet::Row row;
+    for (int i = 0; i < 255; ++i) {
+        table.columns.push_back(column("", ColumnType::Long));
+        table.columns.back().name = fmt::format("{} {}", i % 2 == 0 ? "x]\"'" : "[select", i);
+        row.emplace_back(std::int64_t{i});
+    }
+    table.indexes = {{"and; \"or\"", true, {{0, false}, {1, true}}}};
+    AccessWorld world;
+    world.readerSays(jet::tableMessage(table) + jet::otherMessage(jet::OtherObject::Password, "") +
+                     jet::beginningMessage(0) + jet::rowMessage(row) + jet::endMessage());
+    const AccessResult result = world.import();
+    EXPECT_EQ(remarksOf(result), fmt::format("{}:=0 ", static_cast<int>(Kind::PasswordLeftOut)));
+    const auto company = openFileDatabase(world.path("FTG7.mdb"), {});
+    const auto records = company->open(table.name, RecordsetType::Table);
+    ASSERT_FALSE(records->eof());
+    ASSERT_EQ(records->fields().size(), row.size());
+    EXPECT_EQ(records->value(254), Value(std::int64_t{254}));
+    EXPECT_EQ(records->fields()[253].name, "[select 253");
+}
+
 TEST(AccessImport, TakesAnyMisbehavingOfTheReaderForDamage) {
     const std::string table = jet::tableMessage(kOwn);
     const std::string begun = table + jet::beginningMessage(0);
@@ -223,7 +245,7 @@ TEST(AccessImport, TakesAnyMisbehavingOfTheReaderForDamage) {
         EXPECT_TRUE(world.isBare());
     }
     world.goOn = false;
-    world.readerSays(begun, "sleep 1000");
+    world.readerSays(begun, "exec sleep 1000");
     EXPECT_TRUE(world.import().cancelled);
     EXPECT_TRUE(world.isBare());
 }

@@ -165,6 +165,7 @@ void PrisMain::buildMenu() {
                 },
             .products = [this] { showProducts(program_, this); },
             .registers = [this] { showRegisters(program_, this); },
+            .accessFile = [this] { program_.importAccess(this); },
             .openFolder =
                 [this](const std::filesystem::path& folder) { leaveFor({.dataFolder = folder, .language = {}}); },
             .speak = [this](const std::string& language) { leaveFor({.dataFolder = {}, .language = language}); }});

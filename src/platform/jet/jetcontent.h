@@ -55,8 +55,8 @@ struct Table {
 };
 
 /// What is in a file besides tables that can be read.
-enum class OtherObject : std::uint8_t { UnreadableTable, LinkedTable, Query, Relationship, Other };
-inline constexpr std::uint8_t kOtherObjects = 5;
+enum class OtherObject : std::uint8_t { UnreadableTable, LinkedTable, Query, Relationship, Other, Password };
+inline constexpr std::uint8_t kOtherObjects = 6;
 
 struct Nothing {};
 struct TenThousandths {
