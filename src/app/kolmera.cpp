@@ -28,6 +28,7 @@
 #include "lang/keys/terminal.h"
 #include "platform/attempt.h"
 #include "platform/systemuser.h"
+#include "setup/window/accesswindow.h"
 #include "setup/window/startwindow.h"
 #include "signin/signin.h"
 #include "signin/window/loggain.h"
@@ -80,6 +81,7 @@ void openWindowsOfOthers(Program& program) {
         return readSample(program.state.sql, program.texts, Date::today(), supplier, mask, relations, sample, record);
     };
     program.saveRejects = [&program](QWidget* parent, const RecordReader& run) { saveRejects(program, parent, run); };
+    program.importAccess = [&program](QWidget* parent) { importAccessCompany(program, parent); };
     program.showPrisRab = [&program](QWidget* parent, int JobbNr) { visaPrisRab(program, parent, JobbNr); };
 }
 

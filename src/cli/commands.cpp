@@ -341,7 +341,8 @@ void addCompanies(Commands& commands) {
         copyCompanyCommand);
     commands.add<ImportAccessArguments>(
         "import-access", text::help::kImportAccess,
-        [](Command& command, ImportAccessArguments& arguments) {
+        [&commands](Command& command, ImportAccessArguments& arguments) {
+            commands.mayBeQuiet(command);
             command.argument("FILE", arguments.file, text::help::kAccessFile).data(arguments.dataFolder);
             command.option("--company", arguments.company, text::help::kAccessCompany);
             command.flag("--replace", arguments.replace, text::help::kAccessReplace);

@@ -1,20 +1,18 @@
 #include "cli/importaccesscommand.h"
 
-#include <fmt/format.h>
-
-#include <array>
+#include <filesystem>
 #include <ostream>
+#include <string>
 
 #include "cli/printablelines.h"
 #include "cli/session.h"
 #include "cli/terminalport.h"
-#include "db/companyschema.h"
 #include "lang/keys/access.h"
 #include "lang/keys/terminal.h"
 #include "platform/error.h"
-#include "platform/jet/jetreader.h"
-#include "platform/lettercase.h"
+#include "startup/accesscompany.h"
 #include "startup/accessimport.h"
+#include "startup/accesstexts.h"
 #include "startup/company.h"
 
 namespace kolmera::cli {
@@ -22,34 +20,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// In the order of AccessRemark::Kind.
-constexpr std::array kRemarks = {
-    text::access::kBinaryLeftOut,  text::access::kTimeCut,      text::access::kDigitsRounded,
-    text::access::kNotFitting,     text::access::kUnreadable,   text::access::kCharactersDamaged,
-    text::access::kOtherType,      text::access::kAsText,       text::access::kStandardLeftOut,
-    text::access::kColumnLeftOut,  text::access::kRowsRefused,  text::access::kRowsLost,
-    text::access::kTableLeftOut,   text::access::kIndexLeftOut, text::access::kLinkLeftOut,
-    text::access::kObjectsLeftOut, text::access::kMissing,      text::access::kMissing,
-};
-static_assert(kRemarks.size() == static_cast<std::size_t>(AccessRemark::Kind::ColumnMissing) + 1);
-
-bool isCompanyName(const std::string& name) {
-    const std::string upper = upperCase(name);
-    return upper.starts_with("FTG") && upper.ends_with(".MDB") && name.find('/') == std::string::npos;
-}
-
 int tell(Session& session, const AccessResult& result, const std::string& company, const Surroundings& surroundings) {
     PrintableStream out(surroundings.out);
     for (const CopiedTable& table : result.tables) out << table.name << ": " << table.rows << '\n';
     out << session.text(text::access::kImported, company) << '\n';
     if (result.remarks.empty()) return exitcode::kDone;
     PrintableStream err(surroundings.err);
-    err << session.text(text::access::kRemarks) << '\n';
-    for (const AccessRemark& remark : result.remarks) {
-        err << "  " << remark.place << (remark.place.empty() ? "" : ": ");
-        if (remark.count > 0) err << remark.count << ' ';
-        err << session.text(kRemarks[static_cast<std::size_t>(remark.kind)]) << '\n';
-    }
+    err << session.text(text::access::kRemarks, std::to_string(result.remarks.size())) << '\n';
+    for (const AccessRemark& remark : result.remarks) err << "  " << remarkText(session.texts, remark) << '\n';
     return exitcode::kPassedOver;
 }
 
@@ -64,42 +42,42 @@ int importAccessCommand(const ImportAccessArguments& arguments, const Surroundin
     };
     const std::string name =
         arguments.company.empty() ? fs::path(arguments.file).filename().string() : arguments.company;
-    if (!isCompanyName(name)) return fail(session.text(text::access::kNameNeeded, name), exitcode::kUsage);
-    const fs::path company = session.state.drives.resolve(name, session.state.dataFolder());
-    std::error_code missing;
-    if (fs::equivalent(company, arguments.file, missing) || jet::isAccessFile(company)) {
-        return fail(session.text(text::access::kSameFile, company.string()), exitcode::kStopped);
-    }
-    if (!arguments.replace && fs::exists(fs::symlink_status(company, missing))) {
-        return fail(session.text(text::access::kExists, name), exitcode::kStopped);
-    }
-    TerminalPort port(session, surroundings.err, surroundings.cancel, false);
+    if (!isCompanyFileName(name)) return fail(session.text(text::access::kNameNeeded, name), exitcode::kUsage);
+    TerminalPort port(session, surroundings.err, surroundings.cancel, false, {}, !surroundings.quiet);
     MessageBoxes boxes(port, session.state.helpFile);
     CompanyRegister companies(session.state, session.texts, boxes);
-    AccessImport import{.reader = surroundings.programFolder / jet::kReaderProgram,
-                        .file = arguments.file,
-                        .company = company,
-                        .companyName = fs::path(name).stem().string(),
-                        .replace = arguments.replace,
-                        .options = {}};
-    import.options.locale = session.state.locale;
-    import.options.password = companies.LösenFör(name);
-    import.options.wait = [&] { return !port.cancelled();
-};
-import.options.knownTables = companySchema;
-try {
-    const AccessResult result =
-        importAccessFile(import, [&](std::string_view, std::int64_t) { return !port.cancelled(); });
-    if (!result.cancelled) return tell(session, result, name, surroundings);
-} catch (const PlatformError& error) {
-    if (!port.cancelled()) {
-        const PlatformError named = error.subject().empty() ? error.about(arguments.file) : error;
-        return fail(session.text(text::access::kNotImported, arguments.file) + ' ' + session.explain(named),
-                    exitcode::kStopped);
+    AccessImport import =
+        accessImportOf(session.state, companies, arguments.file, name, [&] { return !port.cancelled(); });
+    import.replace = arguments.replace;
+    switch (obstacleTo(import)) {
+        case AccessObstacle::SameFile:
+            return fail(session.text(text::access::kSameFile, import.company.string()), exitcode::kStopped);
+        case AccessObstacle::Exists:
+            return fail(session.text(text::access::kExists, name), exitcode::kStopped);
+        case AccessObstacle::Name:
+        case AccessObstacle::None:
+            break;
     }
+    try {
+        const AccessResult result = importAccessFile(import, [&](const AccessProgress& progress) {
+            const bool begun = progress.of > 0;
+            port.status(session.text(text::access::kReading, begun ? std::string(progress.table) : arguments.file));
+            port.progress(static_cast<std::uint64_t>(progress.rows),
+                          static_cast<std::uint64_t>(begun ? progress.of : 1), progress.rows);
+            return !port.cancelled();
+        });
+        port.runMode(false);
+        if (!result.cancelled) return tell(session, result, name, surroundings);
+    } catch (const PlatformError& error) {
+        port.runMode(false);
+        if (!port.cancelled()) {
+            const PlatformError named = error.subject().empty() ? error.about(arguments.file) : error;
+            return fail(session.text(text::access::kNotImported, arguments.file) + ' ' + session.explain(named),
+                        exitcode::kStopped);
+        }
+    }
+    surroundings.err << session.text(text::access::kCancelled) << '\n';
+    return exitcode::kCancelled;
 }
-surroundings.err << session.text(text::access::kCancelled) << '\n';
-return exitcode::kCancelled;
-}  // namespace kolmera::cli
 
 }  // namespace kolmera::cli

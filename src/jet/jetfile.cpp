@@ -1,14 +1,20 @@
 #include "jet/jetfile.h"
 
+#include <fcntl.h>
 #include <mdbtools.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "jet/jetpassword.h"
+#include "platform/descriptor.h"
 #include "platform/encodings.h"
 #include "platform/jet/jetmessages.h"
 
@@ -23,6 +29,7 @@ constexpr std::size_t kMemoHeader = 12;
 constexpr std::size_t kDecimalBytes = 17;
 constexpr std::size_t kGuidBytes = 16;
 constexpr int kWindows1252 = 1252;
+constexpr unsigned char kPrimaryIndex = 1;
 constexpr unsigned char kForeignIndex = 2;  // belongs to a relationship
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
@@ -30,6 +37,11 @@ struct Close {
     void operator()(MdbHandle* file) const { mdb_close(file); }
     void operator()(MdbTableDef* table) const { mdb_free_tabledef(table); }
 };
+constexpr std::string_view kRelationships = "MSysRelationships";
+/// What a column or a table is shown and written by, besides its rule and its standard value.
+constexpr const char* kProperties[] = {"Caption",   "Description", "Format",         "InputMask",
+                                       "RowSource", "Expression",  "ValidationText", "Filter"};
+
 using TablePointer = std::unique_ptr<MdbTableDef, Close>;
 
 template <typename Element>
@@ -89,7 +101,11 @@ class JetFile {
     bool tell() {
         GPtrArray* catalogue = mdb_read_catalog(file_.get(), MDB_ANY);
         if (catalogue == nullptr) return false;
-        for (MdbCatalogEntry* entry : elements<MdbCatalogEntry>(catalogue)) tellObject(entry);
+        const auto entries = elements<MdbCatalogEntry>(catalogue);
+        for (MdbCatalogEntry* entry : entries) {
+            if (entry->object_name == kRelationships) tellRelationships(entry);
+        }
+        for (MdbCatalogEntry* entry : entries) tellObject(entry);
         std::uint32_t number = 0;
         for (MdbCatalogEntry* entry : tables_) {
             say_(beginningMessage(number++));
@@ -116,7 +132,7 @@ class JetFile {
                 say_(otherMessage(OtherObject::Query, name));
                 break;
             case MDB_RELATIONSHIP:
-                say_(otherMessage(OtherObject::Relationship, name));
+                if (!relationships_.contains(name)) say_(otherMessage(OtherObject::Relationship, name));
                 break;
             case MDB_FORM:
             case MDB_MACRO:
@@ -126,6 +142,22 @@ class JetFile {
                 break;
             default:  // the file's own
                 break;
+        }
+    }
+
+    /// Tells the columns that relationships tie together.
+    void tellRelationships(MdbCatalogEntry* entry) {
+        const TablePointer table = open(entry);
+        while (table && mdb_fetch_row(table.get())) {
+            std::map<std::string, std::string> texts;
+            for (const MdbColumn* column : elements<MdbColumn>(table->columns)) {
+                const Cell cell = cellOf(*column);
+                if (const auto* text = std::get_if<std::string>(&cell)) texts[nameOf(column->name)] = *text;
+            }
+            relationships_.insert(texts["szRelationship"]);
+            say_(otherMessage(OtherObject::Relationship, texts["szObject"] + "." + texts["szColumn"] + " = " +
+                                                             texts["szReferencedObject"] + "." +
+                                                             texts["szReferencedColumn"]));
         }
     }
 
@@ -139,8 +171,27 @@ class JetFile {
     }
 
     /// The library does not understand every name.
-    static std::string nameOf(const char* name) {
-        std::string_view rest(name, strnlen(name, MDB_MAX_OBJ_NAME));
+    static std::string nameOf(const char* name) { return validText({name, strnlen(name, MDB_MAX_OBJ_NAME)}); }
+
+    static std::string textOrNothing(const char* text) { return text != nullptr ? validText(text) : std::string(); }
+
+    static void appendName(std::string& names, std::string_view name) {
+        if (!names.empty()) names += ", ";
+        names += name;
+    }
+
+    /// The names of those that have a value.
+    template <typename Property>
+    static std::string propertiesOf(const Property& property) {
+        std::string names;
+        for (const char* name : kProperties) {
+            const char* value = property(name);
+            if (value != nullptr && *value != '\0') appendName(names, name);
+        }
+        return names;
+    }
+
+    static std::string validText(std::string_view rest) {
         std::string valid;
         while (!rest.empty()) {
             const FirstCharacter first = firstCharacter(rest);
@@ -160,14 +211,18 @@ class JetFile {
     void tellTable(MdbCatalogEntry* entry) {
         const TablePointer opened = open(entry);
         if (!opened) return say_(otherMessage(OtherObject::UnreadableTable, nameOf(entry->object_name)));
+        const auto property = [&](const char* name) { return mdb_table_get_prop(opened.get(), name); };
         Table table{.name = nameOf(entry->object_name), .rows = opened->num_rows, .columns = {}, .indexes = {}};
+        table.rule = textOrNothing(property("ValidationRule"));
+        table.properties = propertiesOf(property);
         const auto columns = elements<MdbColumn>(opened->columns);
         for (const MdbColumn* column : columns) table.columns.push_back(described(*column));
         mdb_read_indices(opened.get());
         for (const MdbIndex* index : elements<MdbIndex>(opened->indices)) {
-            if (index != nullptr && index->index_type != kForeignIndex) {
-                table.indexes.push_back(described(*index, columns.size()));
-            }
+            if (index == nullptr || index->index_type == kForeignIndex) continue;
+            table.indexes.push_back(described(*index, columns.size()));
+            if (index->index_type != kPrimaryIndex && (index->flags & MDB_IDX_REQUIRED) == 0) continue;
+            for (const auto& column : table.indexes.back().columns) table.columns[column.first].required = true;
         }
         say_(tableMessage(table));
         tables_.push_back(entry);
@@ -175,12 +230,20 @@ class JetFile {
 
     [[nodiscard]] Column described(const MdbColumn& column) const {
         const bool known = column.col_type >= MDB_BOOL && column.col_type <= MDB_NUMERIC;
-        const char* standard = mdb_col_get_prop(&column, "DefaultValue");
+        const auto property = [&](const char* name) { return mdb_col_get_prop(&column, name); };
+        const auto says = [&](const char* name, const char* value) {
+            const char* said = property(name);
+            return said != nullptr && std::strcmp(said, value) == 0;
+        };
         Column result{.name = nameOf(column.name),
                       .type = known ? static_cast<ColumnType>(column.col_type) : ColumnType::Other,
                       .size = static_cast<std::uint32_t>(column.col_size),
-                      .counter = column.is_long_auto != 0,
-                      .standard = standard != nullptr ? standard : ""};
+                      .counter = column.is_long_auto != 0 || (column.col_type == MDB_REPID && column.is_uuid_auto != 0),
+                      .standard = textOrNothing(property("DefaultValue")),
+                      .rule = textOrNothing(property("ValidationRule")),
+                      .required = says("Required", "yes"),
+                      .properties = propertiesOf(property)};
+        if (says("AllowZeroLength", "no")) appendName(result.properties, "AllowZeroLength");
         if (result.type == ColumnType::Text && !isJet3()) result.size /= 2;
         return result;
     }
@@ -276,7 +339,10 @@ class JetFile {
         std::string text(bytes.size() * 4 + 1, '\0');
         const int length = mdb_unicode2ascii(file_.get(), bytes.data(), bytes.size(), text.data(), text.size());
         text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
-        return text;
+        // The library puts a question mark for what it cannot convert.
+        std::string valid = validText(text);
+        if (valid != text || std::ranges::count(text, '?') > std::ranges::count(bytes, '?')) return DamagedText{valid};
+        return valid;
     }
 
     /// A long text lies in the row, in another row, or in a chain of rows.
@@ -338,7 +404,15 @@ class JetFile {
     std::unique_ptr<MdbHandle, Close> file_;
     const Say& say_;
     std::vector<MdbCatalogEntry*> tables_;
+    std::set<std::string> relationships_;  ///< told with their columns
 };
+
+std::string firstPage(const char* file) {
+    std::string page(MDB_PGSIZE, '\0');
+    const Descriptor descriptor(file, O_RDONLY | O_CLOEXEC);
+    page.resize(descriptor.readAt(0, page.data(), page.size()));
+    return page;
+}
 
 }  // namespace
 
@@ -346,6 +420,7 @@ void tellJetFile(const char* file, const Say& say) {
     MdbHandle* opened = mdb_open(file, MDB_NOFLAGS);
     if (opened == nullptr) return say(failureMessage(Failure::Damaged));
     if (opened->f->jet_version > MDB_VER_JET4) return say(failureMessage(Failure::NewerFormat));
+    if (hasPassword(firstPage(file))) say(otherMessage(OtherObject::Password, ""));
     if (!JetFile(opened, say).tell()) say(failureMessage(Failure::Damaged));
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -15,7 +16,7 @@
 #include "platform/engine/privatedatabase.h"
 #include "platform/error.h"
 #include "platform/jet/jetreader.h"
-#include "platform/privatename.h"
+#include "platform/privatefolder.h"
 
 namespace kolmera {
 
@@ -72,46 +73,25 @@ struct CellReader {
     }
 };
 
-/// A company file under a name of its own, gone with its log when it has not been moved to its place.
-class UnfinishedCompany {
-  public:
-    explicit UnfinishedCompany(const fs::path& company)
-        : path_(company.string().append(".import-").append(privateDigits())) {}
-    UnfinishedCompany(const UnfinishedCompany&) = delete;
-    UnfinishedCompany& operator=(const UnfinishedCompany&) = delete;
-    ~UnfinishedCompany() {
-        for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-            std::error_code gone;
-            fs::remove(path_.string() + suffix, gone);
-        }
-    }
-    [[nodiscard]] const fs::path& path() const { return path_; }
-
-  private:
-    fs::path path_;
-};
-
 /// Writes what the reader tells into the unfinished company.
 class Importing : public jet::ContentListener {
   public:
-    using Progress = std::function<bool(std::string_view, std::int64_t)>;
+    using Progress = std::function<bool(const AccessProgress&)>;
 
     Importing(const AccessImport& import, const fs::path& company, const Progress& progress)
         : import_(import), company_(company), progress_(progress) {}
 
     void table(jet::Table table) override {
         plan_.add(table);
+        said_ += table.rows;
         fileTables_.push_back(std::move(table));
     }
 
     void other(jet::OtherObject kind, std::string name) override {
-        if (kind == jet::OtherObject::UnreadableTable) {
-            plan_.remarks.push_back({Kind::TableLeftOut, std::move(name)});
-        } else if (kind == jet::OtherObject::LinkedTable) {
-            plan_.remarks.push_back({Kind::LinkLeftOut, std::move(name)});
-        } else {
-            ++objects_;
-        }
+        constexpr Kind kLeftOut[] = {Kind::TableLeftOut,    Kind::LinkLeftOut,   Kind::QueryLeftOut,
+                                     Kind::RelationLeftOut, Kind::ObjectLeftOut, Kind::PasswordLeftOut};
+        static_assert(std::size(kLeftOut) == jet::kOtherObjects);
+        plan_.remarks.push_back({kLeftOut[static_cast<std::size_t>(kind)], std::move(name)});
     }
 
     void rowsOf(std::size_t table) override {
@@ -145,8 +125,8 @@ class Importing : public jet::ContentListener {
     }
 
     bool goOn() {
-        if (!current_) return progress_({}, 0);
-        return progress_(fileTables_[*current_].name, come_);
+        if (!current_) return progress_({});
+        return progress_({.table = fileTables_[*current_].name, .rows = before_ + come_, .of = said_});
     }
 
     AccessResult finish() {
@@ -154,7 +134,6 @@ class Importing : public jet::ContentListener {
         endTable();
         addFirstRows();
         database_.reset();
-        if (objects_ > 0) plan_.remarks.push_back({Kind::ObjectsLeftOut, {}, objects_});
         for (const auto& [place, values] : counts_) {
             const jet::Table& table = fileTables_[place.first.first];
             const std::string& column = table.columns[place.first.second].name;
@@ -207,6 +186,8 @@ class Importing : public jet::ContentListener {
             if (taken_ < come_) plan_.remarks.push_back({Kind::RowsRefused, name, come_ - taken_});
             tables_.push_back({name, taken_});
         }
+        before_ += come_;
+        come_ = 0;
         current_.reset();
     }
 
@@ -229,7 +210,8 @@ class Importing : public jet::ContentListener {
     std::unique_ptr<Database> database_;
     std::optional<BatchTransaction> batch_;
     std::optional<std::size_t> current_;
-    std::int64_t come_ = 0, taken_ = 0, objects_ = 0;
+    std::int64_t come_ = 0, taken_ = 0;   ///< rows of the table
+    std::int64_t before_ = 0, said_ = 0;  ///< rows of the tables before it; of all
     std::vector<int> columns_;
     std::vector<Value> values_;
     std::map<std::pair<std::pair<std::size_t, std::size_t>, Kind>, std::int64_t> counts_;
@@ -239,18 +221,22 @@ class Importing : public jet::ContentListener {
 }  // namespace
 
 AccessResult importAccessFile(const AccessImport& import,
-                              const std::function<bool(std::string_view table, std::int64_t rows)>& goOn) {
-    const UnfinishedCompany unfinished(import.company);
+                              const std::function<bool(const AccessProgress& progress)>& goOn) {
+    // What is not finished lies in a folder that the next import removes when this one is killed.
+    const std::string prefix = import.company.filename().string().append(".import");
+    PrivateFolder::sweep(import.company.parent_path(), prefix);
+    const PrivateFolder folder(import.company.parent_path(), prefix);
+    const fs::path unfinished = folder.path() / "company.mdb";
     AccessResult result;
     {
-        Importing importing(import, unfinished.path(), goOn);
+        Importing importing(import, unfinished, goOn);
         if (!jet::readAccessFile(import.reader, import.file, importing, [&] { return importing.goOn(); })) {
             result.cancelled = true;
             return result;
         }
         result = importing.finish();
     }
-    placeFileDatabase(unfinished.path(), import.company, import.replace, import.options);
+    placeFileDatabase(unfinished, import.company, import.replace, import.options);
     return result;
 }
 

@@ -23,6 +23,13 @@ struct AccessImport {
     OpenOptions options = {};       ///< how the company is opened
 };
 
+/// How far an import has come.
+struct AccessProgress {
+    std::string_view table = {};  ///< whose rows come; empty before the first
+    std::int64_t rows = 0;        ///< of all tables that have come
+    std::int64_t of = 0;          ///< as the file says; 0 while that is not known
+};
+
 struct AccessResult {
     bool cancelled = false;             ///< nothing has been made
     std::vector<CopiedTable> tables;    ///< of the file, and how many rows came over
@@ -31,10 +38,10 @@ struct AccessResult {
 
 /// Makes a company of an Access-format file, which is only read: all its tables, and empty ones where it lacks a table
 /// that companies have. The company is there when it is whole, and not before; one that is to be replaced stays until
-/// then. `goOn` is told the table and how many of its rows have come, again and again; false ends the import. Throws
+/// then. `goOn` is told how far the import has come, again and again; false ends the import. Throws
 /// PlatformError: kDamaged, kNotADatabase, kNewerAccessFile, kFileNotFound for the file, kLocked when somebody has the
 /// company open that is to be replaced.
 AccessResult importAccessFile(const AccessImport& import,
-                              const std::function<bool(std::string_view table, std::int64_t rows)>& goOn);
+                              const std::function<bool(const AccessProgress& progress)>& goOn);
 
 }  // namespace kolmera

@@ -1,5 +1,7 @@
 #include "startup/accessplan.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "db/companyschema.h"
@@ -42,10 +44,14 @@ bool isBinary(jet::ColumnType type) {
 }
 
 /// Whether new rows get by themselves what the file says.
-bool isKeptStandard(std::string_view standard) {
-    constexpr std::string_view kKept[] = {"", "0", "=0", "No", "=No", "False", "=False", "\"\"", "=\"\"", "Null"};
-    return std::ranges::find(kKept, standard) != std::end(kKept);
+bool isKeptStandard(std::string_view standard, const FieldDef& field) {
+    constexpr std::string_view kZero[] = {"0", "=0", "No", "=No", "False", "=False"};
+    constexpr std::string_view kEmpty[] = {"", "\"\"", "=\"\"", "Null"};
+    if (std::ranges::find(kZero, standard) != std::end(kZero)) return !field.defaultNull;
+    return std::ranges::find(kEmpty, standard) != std::end(kEmpty);
 }
+
+std::string withText(const std::string& name, std::string_view text) { return fmt::format("{} ({})", name, text); }
 
 bool isUsableName(std::string_view table) {
     return !table.starts_with(kInternalPrefix) && !lowerCase(table).starts_with("sqlite_");
@@ -81,7 +87,12 @@ AccessTable AccessPlan::planned(const jet::Table& table, TableDef made, bool kno
         const bool taken = ordinal >= 0 && std::ranges::find(result.columns, ordinal) != result.columns.end();
         if (taken) remarks.push_back({Kind::ColumnLeftOut, table.name + "." + column.name});
         result.columns.push_back(taken ? -1 : ordinal);
+        const int kept = result.columns.back();
+        remarkLost(column, kept < 0 ? FieldDef() : result.made.fields[static_cast<std::size_t>(kept)],
+                   table.name + "." + column.name);
     }
+    if (!table.rule.empty()) remarks.push_back({Kind::RuleLeftOut, withText(table.name, table.rule)});
+    if (!table.properties.empty()) remarks.push_back({Kind::PropertiesLeftOut, withText(table.name, table.properties)});
     for (std::size_t i = 0; known && i < knownColumns; ++i) {
         if (std::ranges::find(result.columns, static_cast<int>(i)) != result.columns.end()) continue;
         remarks.push_back({Kind::ColumnMissing, table.name + "." + result.made.fields[i].name});
@@ -115,13 +126,22 @@ int AccessPlan::place(const jet::Column& column, TableDef& made, std::size_t kno
         remarks.push_back({Kind::ColumnLeftOut, name});
         return -1;
     }
-    if (!isKeptStandard(column.standard))
-        remarks.push_back({Kind::StandardLeftOut, name + " (" + column.standard + ")"});
     made.fields.push_back(field);
     // One key a table: a second column that counts keeps its numbers only.
     FieldDef& added = made.fields.back();
     if (std::ranges::count(made.fields, true, &FieldDef::counter) > 1) added.counter = false;
     return static_cast<int>(made.fields.size()) - 1;
+}
+
+/// Tells what a column of the file had and the field that keeps its values has not.
+void AccessPlan::remarkLost(const jet::Column& column, const FieldDef& kept, const std::string& name) {
+    if (!isKeptStandard(column.standard, kept)) {
+        remarks.push_back({Kind::StandardLeftOut, withText(name, column.standard)});
+    }
+    if (!column.rule.empty()) remarks.push_back({Kind::RuleLeftOut, withText(name, column.rule)});
+    if (column.counter && !kept.counter) remarks.push_back({Kind::CounterLeftOut, name});
+    if (column.required && !kept.counter) remarks.push_back({Kind::RequiredLeftOut, name});
+    if (!column.properties.empty()) remarks.push_back({Kind::PropertiesLeftOut, withText(name, column.properties)});
 }
 
 void AccessPlan::addIndexes(const jet::Table& table, AccessTable& planned) {

@@ -22,18 +22,25 @@ struct AccessRemark {
         OtherType,          ///< a column that has another type in companies
         AsText,             ///< a column of a type that companies do not have
         StandardLeftOut,    ///< a column's value for new rows
+        RuleLeftOut,        ///< a condition that values of a column, or rows of a table, had to meet
+        RequiredLeftOut,    ///< a column that had to have a value
+        CounterLeftOut,     ///< a column that got its values by itself
+        PropertiesLeftOut,  ///< what a column or a table was shown and written by
         ColumnLeftOut,      ///< a column whose name cannot be used
         RowsRefused,        ///< rows that have a value of a unique index twice
         RowsLost,           ///< rows that the file says it has
         TableLeftOut,       ///< a table that is damaged, or whose name cannot be used
         IndexLeftOut,       ///< an index of columns that are left out
         LinkLeftOut,        ///< a table that lies in another file
-        ObjectsLeftOut,     ///< queries, forms, relationships and the like
-        TableMissing,       ///< a table that companies have, and the file has not
-        ColumnMissing,      ///< such a column
+        QueryLeftOut,
+        RelationLeftOut,  ///< columns that had to agree
+        ObjectLeftOut,    ///< forms, reports, macros, modules
+        PasswordLeftOut,  ///< of the file
+        TableMissing,     ///< a table that companies have, and the file has not
+        ColumnMissing,    ///< such a column
     };
     Kind kind;
-    std::string place;  ///< "Table", "Table.Column"
+    std::string place;  ///< "Table", "Table.Column", and what was there in brackets
     std::int64_t count = 0;
 };
 
@@ -70,6 +77,7 @@ class AccessPlan {
     };
     AccessTable planned(const jet::Table& table, TableDef made, bool known);
     int place(const jet::Column& column, TableDef& made, std::size_t knownColumns, const std::string& name);
+    void remarkLost(const jet::Column& column, const FieldDef& kept, const std::string& name);
     void addIndexes(const jet::Table& table, AccessTable& planned);
 
     std::vector<Known> known_;

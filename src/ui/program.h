@@ -42,6 +42,8 @@ struct Program {
     /// Opens the job settings modally for a job number (0: a new job). Answers the number of the job that was saved
     /// (SvarOK), or nothing.
     std::function<std::optional<int>(QWidget* parent, int JobbNr, bool ÄrStandardJobb)> showPrisStyr{};
+    /// Lets the user make a company of an Access-format file.
+    std::function<void(QWidget* parent)> importAccess{};
     /// Opens the discount letters modally.
     std::function<void(QWidget* parent, int JobbNr)> showPrisRab{};
     /// Shows how the prices of a product came about in a run, or in a preview, from `column` ("Produkt.Inpris") on.

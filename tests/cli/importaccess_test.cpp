@@ -83,6 +83,18 @@ TEST(ImportAccess, IsNamedWhereSuchAFileIsOpened) {
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), bytes);
 }
 
+TEST(ImportAccess, IsNamedWhereAJobsCompanyIsSuchAFile) {
+    DemoMachine machine;
+    AccessMachine::write(machine.company(), accessFile("Standard Jet DB"));
+    for (const std::vector<std::string>& line : std::vector<std::vector<std::string>>{
+             {"run", "(FINFO)"}, {"preview", "(FINFO)"}, {"product", "1", "--company", "FTG1.mdb"}}) {
+        std::vector<std::string> whole = line;
+        whole.insert(whole.end(), {"--data", machine.data()});
+        EXPECT_NE(machine.run(whole), 0);
+        EXPECT_THAT(machine.err(), HasSubstr("import-access")) << line.front();
+    }
+}
+
 struct AsCell {
     jet::Cell operator()(Null) const { return jet::Nothing{}; }
     jet::Cell operator()(Date date) const { return jet::Moment{static_cast<double>(date.day)}; }
@@ -136,7 +148,7 @@ TEST(ImportAccess, MakesACompanyThatRunsLikeTheOneItWas) {
                                                   .companyName = "",
                                                   .replace = true,
                                                   .options = {}},
-                                                 [](std::string_view, std::int64_t) { return true; });
+                                                 [](const AccessProgress&) { return true; });
     EXPECT_TRUE(result.remarks.empty());
     EXPECT_EQ(toldBy(*machine.open()), toldBy(*original.open()));
     const int code = original.runJob("(FINFO)");

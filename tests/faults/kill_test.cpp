@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
 
 #include "faults/runworld.h"
 #include "history/runfolder.h"
+#include "platform/jet/jetmessages.h"
+#include "platform/jet/jetreader.h"
 #include "platform/tsv.h"
 #include "support/companyrows.h"
 
@@ -159,6 +162,66 @@ TEST(KilledCopy, OfACompanyIsFinishedByTheSameCommand) {
         }
     }
 }
+
+/// A program that stands for the reader of such files and tells of some hundred products.
+void makeReader(const DataFolder& data) {
+    const auto column = [](const char* name, jet::ColumnType type) {
+        return jet::Column{.name = name, .type = type, .size = 25};
+    };
+    constexpr std::int64_t kRows = 1200;
+    const jet::Table products{.name = "Produkt",
+                              .rows = kRows,
+                              .columns = {column("ID", jet::ColumnType::Long), column("Nummer", jet::ColumnType::Text)},
+                              .indexes = {}};
+    std::string said = jet::tableMessage(products) + jet::beginningMessage(0);
+    for (std::int64_t id = 1; id <= kRows; ++id) said += jet::rowMessage({id, fmt::format("N{}", id)});
+    std::ofstream(data.file("said"), std::ios::binary) << said << jet::endMessage();
+    const fs::path reader = data.file(jet::kReaderProgram);
+    std::ofstream(reader) << "#!/bin/sh\nexec /bin/cat '" << data.file("said").string() << "'\n";
+    fs::permissions(reader, fs::perms::owner_all);
+    std::ofstream(data.file("old.mdb"), std::ios::binary) << "the company of an older system";
+}
+
+TEST(KilledAccessImport, LeavesTheOldCompanyOrTheNewAndIsRepeatable) {
+    const RunWorld world("tabs", 1);
+    const auto import = [&world](CallPlan plan, const std::function<void(const DataFolder&, const Outcome&)>& look) {
+        DataFolder data(world.before().path());
+        data.programFolder = data.root();
+        makeReader(data);
+        const std::vector<std::string> command = {"import-access", data.file("old.mdb").string(), "--company",
+                                                  "FTG1.mdb", "--replace"};
+        const Outcome outcome = data.run(command, plan);
+        look(data, outcome);
+        if (!outcome.killed) return;
+        EXPECT_EQ(data.run(command).exitCode, 3) << "what the file lacks is told";
+        look(data, {});
+    };
+    int calls = 0;
+    std::string whole;
+    import({.clockSpeed = kSpeed}, [&](const DataFolder& data, const Outcome& outcome) {
+        ASSERT_EQ(outcome.exitCode, 3) << outcome.told;
+    calls = outcome.calls;
+    whole = data.rows();
+});
+ASSERT_NE(whole, world.before().rows());
+const auto names = [](const DataFolder& data) {
+    std::set<fs::path> found;
+    for (const auto& entry : fs::directory_iterator(data.path())) found.insert(entry.path().filename());
+    return found;
+};
+for (const int call : spread(calls, trials(4, 100))) {
+    SCOPED_TRACE(fmt::format("killed at call {} of {}", call, calls));
+        import({.fault = Fault::Kill, .at = call, .clockSpeed = kSpeed},
+               [&](const DataFolder& data, const Outcome& outcome) {
+                   const std::string rows = data.rows();
+        EXPECT_TRUE(rows == whole || (outcome.killed && rows == world.before().rows())) << "half a company";
+        EXPECT_EQ(readWholeFile(data.file("old.mdb")), "the company of an older system");
+        if (outcome.killed) return;
+        EXPECT_EQ(names(data), names(world.before())) << "something is left behind";
+});
+if (HasFailure()) return;
+}  // namespace
+}  // namespace kolmera::test
 
 }  // namespace
 }  // namespace kolmera::test

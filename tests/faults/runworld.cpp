@@ -108,14 +108,15 @@ std::vector<int> spread(int calls, int trials) {
 DataFolder::DataFolder(const fs::path& like) { fs::copy(like, path(), fs::copy_options::recursive); }
 
 std::function<int(std::ostream& told)> DataFolder::command(const std::vector<std::string>& arguments) const {
-    return [arguments, data = path().string(), settings = folder_ / "settings.ini"](std::ostream& told) {
+    const fs::path programs = programFolder.empty() ? fs::path(KOLMERA_BIN_DIR) : programFolder;
+    return [arguments, programs, data = path().string(), settings = folder_ / "settings.ini"](std::ostream& told) {
         std::vector<std::string> all = arguments;
         all.insert(all.end(), {"--data", data});
         std::ostringstream out;
         const std::atomic<bool> cancel{false};
         return cli::runCommandLine(all, {.out = out,
                                          .err = told,
-                                         .programFolder = KOLMERA_BIN_DIR,
+                                         .programFolder = programs,
                                          .settingsFile = settings,
                                          .locale = Locale(Locale::Kind::Swedish),
                                          .cancel = cancel});

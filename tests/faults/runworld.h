@@ -42,6 +42,8 @@ class DataFolder {
     /// All files but the company, its log and the records of runs, by name.
     [[nodiscard]] std::map<std::string, std::string> otherFiles() const;
 
+    std::filesystem::path programFolder = {};  ///< of the programs that commands start; empty: that of the build
+
   private:
     TemporaryFolder folder_;
 };

@@ -41,7 +41,7 @@ class AccessWorld {
                                   .companyName = "Provbolaget",
                                   .replace = replace,
                                   .options = {}};
-        return importAccessFile(import, [this](std::string_view, std::int64_t) { return goOn; });
+        return importAccessFile(import, [this](const AccessProgress&) { return goOn; });
     }
     int errorOf(bool replace = false) {
         try {
@@ -95,7 +95,7 @@ std::string remarksOf(const AccessResult& result) {
 }
 
 Column column(const char* name, ColumnType type, std::uint32_t size = 0, bool counter = false) {
-    return {.name = name, .type = type, .size = size, .counter = counter, .standard = ""};
+    return {.name = name, .type = type, .size = size, .counter = counter};
 }
 
 const jet::Table kProducts = {
@@ -139,13 +139,69 @@ TEST(AccessImport, MakesACompanyOfWhatTheReaderTells) {
     for (const std::string& remark :
          {place(Kind::AsText, "produkt.Eget=0"), place(Kind::OtherType, "produkt.Vikt=0"),
           place(Kind::IndexLeftOut, "produkt.Bilder=0"), place(Kind::LinkLeftOut, "Order=0"),
-          place(Kind::RowsLost, "produkt=1"), place(Kind::RowsRefused, "produkt=1"), place(Kind::ObjectsLeftOut, "=1"),
-          place(Kind::BinaryLeftOut, "produkt.Bild2=3"), place(Kind::TimeCut, "produkt.Prisändrdat=2"),
-          place(Kind::DigitsRounded, "produkt.Utpris1=1"), place(Kind::NotFitting, "produkt.Vikt=1"),
-          place(Kind::CharactersDamaged, "Egen tabell.Not=1")}) {
+          place(Kind::RowsLost, "produkt=1"), place(Kind::RowsRefused, "produkt=1"),
+          place(Kind::QueryLeftOut, "Fråga=0"), place(Kind::BinaryLeftOut, "produkt.Bild2=3"),
+          place(Kind::TimeCut, "produkt.Prisändrdat=2"), place(Kind::DigitsRounded, "produkt.Utpris1=1"),
+          place(Kind::NotFitting, "produkt.Vikt=1"), place(Kind::CharactersDamaged, "Egen tabell.Not=1")}) {
         EXPECT_THAT(remarks, testing::HasSubstr(remark));
     }
     EXPECT_EQ(std::ranges::count(remarks, '='), 12) << remarks;
+}
+
+TEST(AccessImport, TellsWhatTablesLoseBesidesTheirRows) {
+    jet::Table table{.name = "Produkt", .rows = 0, .columns = {}, .indexes = {}, .rule = "[Vikt]>0", .properties = ""};
+    Column number = column("Nummer", ColumnType::Text, 25), counted = column("Extra", ColumnType::Long, 4, true),
+           weight = column("Vikt", ColumnType::Double), guid = column("Nyckel", ColumnType::Guid, 16, true),
+           price = column("Utpris1", ColumnType::Currency);
+    number.standard = "\"A\"";
+    number.rule = "Is Not Null";
+    weight.required = true;
+    price.standard = "0";
+    guid.properties = "Caption, Format";
+    Column id = column("ID", ColumnType::Long, 4, true);
+    id.required = true;
+    table.columns = {id, number, counted, weight, guid, price};
+    AccessWorld world;
+    world.readerSays(jet::tableMessage(table) + jet::otherMessage(jet::OtherObject::Relationship, "A.B = C.D") +
+                     jet::otherMessage(jet::OtherObject::Other, "Formulär") + jet::beginningMessage(0) +
+                     jet::endMessage());
+    const std::string remarks = remarksOf(world.import());
+    const std::pair<Kind, const char*> lost[] = {{Kind::StandardLeftOut, "Produkt.Nummer (\"A\")"},
+                                                 {Kind::RuleLeftOut, "Produkt.Nummer (Is Not Null)"},
+                                                 {Kind::RuleLeftOut, "Produkt ([Vikt]>0)"},
+                                                 {Kind::CounterLeftOut, "Produkt.Extra"},
+                                                 {Kind::CounterLeftOut, "Produkt.Nyckel"},
+                                                 {Kind::AsText, "Produkt.Nyckel"},
+                                                 {Kind::RequiredLeftOut, "Produkt.Vikt"},
+                                                 {Kind::PropertiesLeftOut, "Produkt.Nyckel (Caption, Format)"},
+                                                 {Kind::RelationLeftOut, "A.B = C.D"},
+                                                 {Kind::ObjectLeftOut, "Formulär"}};
+    for (const auto& [kind, what] : lost) {
+        EXPECT_THAT(remarks, testing::HasSubstr(fmt::format("{}:{}=0 ", static_cast<int>(kind), what)));
+    }
+    EXPECT_EQ(std::ranges::count(remarks, ':'), static_cast<std::ptrdiff_t>(std::size(lost))) << remarks;
+}
+
+TEST(AccessImport, TakesNamesAndNumbersOfColumnsAsTheyCome) {
+    jet::Table table{.name = "a]b \"c' [d];--", .rows = 1, .columns = {}, .indexes = {}};
+    jet::Row row;
+    for (int i = 0; i < 255; ++i) {
+        table.columns.push_back(column("", ColumnType::Long));
+        table.columns.back().name = fmt::format("{} {}", i % 2 == 0 ? "x]\"'" : "[select", i);
+        row.emplace_back(std::int64_t{i});
+    }
+    table.indexes = {{"and; \"or\"", true, {{0, false}, {1, true}}}};
+    AccessWorld world;
+    world.readerSays(jet::tableMessage(table) + jet::otherMessage(jet::OtherObject::Password, "") +
+                     jet::beginningMessage(0) + jet::rowMessage(row) + jet::endMessage());
+    const AccessResult result = world.import();
+    EXPECT_EQ(remarksOf(result), fmt::format("{}:=0 ", static_cast<int>(Kind::PasswordLeftOut)));
+    const auto company = openFileDatabase(world.path("FTG7.mdb"), {});
+    const auto records = company->open(table.name, RecordsetType::Table);
+    ASSERT_FALSE(records->eof());
+    ASSERT_EQ(records->fields().size(), row.size());
+    EXPECT_EQ(records->value(254), Value(std::int64_t{254}));
+    EXPECT_EQ(records->fields()[253].name, "[select 253");
 }
 
 TEST(AccessImport, TakesAnyMisbehavingOfTheReaderForDamage) {
@@ -189,7 +245,7 @@ TEST(AccessImport, TakesAnyMisbehavingOfTheReaderForDamage) {
         EXPECT_TRUE(world.isBare());
     }
     world.goOn = false;
-    world.readerSays(begun, "sleep 1000");
+    world.readerSays(begun, "exec sleep 1000");
     EXPECT_TRUE(world.import().cancelled);
     EXPECT_TRUE(world.isBare());
 }
@@ -245,6 +301,11 @@ TEST(AccessSamples, AreReadWholeAndLeftAsTheyAre) {
               "Carrera 52 con Ave. Bolívar #65-98 Llano Largo\n");
     EXPECT_EQ(world.rows("SELECT COUNT(*) FROM Umsätze"), "830\n");
     EXPECT_EQ(world.rows("SELECT COUNT(*) FROM Products WHERE Discontinued = 1"), "8\n");
+    const std::string remarks = remarksOf(result);
+    for (const char* lost : {"Orders.CustomerID = Customers.CustomerID=0", "Shippers.CompanyName=0",
+                             "Shippers.CompanyName (Caption, Description, AllowZeroLength)=0"}) {
+        EXPECT_THAT(remarks, testing::HasSubstr(lost));
+    }
 }
 
 TEST(AccessSamples, DamagedOnesNeverHarmTheProgram) {

@@ -112,7 +112,9 @@ void MainMenu::fillRest(const Buttons& buttons) {
     tools.addAction(new ButtonAction(buttons.tidigare, form_, {Qt::CTRL | Qt::Key_H}));
     products_ = action(tools, "Produkter", "&Produkter...", Qt::CTRL | Qt::Key_P, acts_.products);
     registers_ = action(tools, "Register", "Företagets re&gister...", Qt::CTRL | Qt::Key_G, acts_.registers);
-    restful_.insert(restful_.end(), {products_, registers_});
+    QAction* access = action(tools, "AccessFil", "Företag från en &Access-fil...", {}, acts_.accessFile);
+    access->setVisible(static_cast<bool>(program_.importAccess));
+    restful_.insert(restful_.end(), {products_, registers_, access});
     QMenu& help = *menu("MenyHjälp", "&Hjälp");
     guide_ = action(help, "Handbok", "&Handbok", {}, acts_.guide);
     action(help, "Om", "&Om Kolmera", {}, acts_.about);

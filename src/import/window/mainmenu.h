@@ -25,7 +25,7 @@ class MainMenu {
     /// What has no button.
     struct Acts {
         std::function<void()> copyJob, readOtherFile, copyRow, search, saveTemplate, openTemplate, guide, about,
-            otherFolder, products, registers;
+            otherFolder, products, registers, accessFile;
         std::function<void(const std::filesystem::path&)> openFolder;
         std::function<void(const std::string& language)> speak;
     };

@@ -138,6 +138,7 @@ void PrisMain::buildMenu() {
                 },
             .products = [this] { showProducts(program_, this); },
             .registers = [this] { openRegisters(); },
+            .accessFile = [this] { program_.importAccess(this); },
             .openFolder =
                 [this](const std::filesystem::path& folder) { leaveFor({.dataFolder = folder, .language = {}}); },
             .speak = [this](const std::string& language) { leaveFor({.dataFolder = {}, .language = language}); }});

@@ -33,7 +33,10 @@ struct Column {
     ColumnType type = ColumnType::Other;
     std::uint32_t size = 0;  ///< characters of a text
     bool counter = false;
-    std::string standard;  ///< the expression of the value that new rows get; empty without one
+    std::string standard = {};    ///< the expression of the value that new rows get; empty without one
+    std::string rule = {};        ///< the condition that values have to meet; empty without one
+    bool required = false;        ///< no row may leave it empty
+    std::string properties = {};  ///< names of others that it has: its caption, its form, its choices
 };
 
 struct Index {
@@ -47,11 +50,13 @@ struct Table {
     std::uint32_t rows = 0;  ///< as the file says
     std::vector<Column> columns;
     std::vector<Index> indexes;
+    std::string rule = {};        ///< the condition that rows have to meet
+    std::string properties = {};  ///< names of others that it has
 };
 
 /// What is in a file besides tables that can be read.
-enum class OtherObject : std::uint8_t { UnreadableTable, LinkedTable, Query, Relationship, Other };
-inline constexpr std::uint8_t kOtherObjects = 5;
+enum class OtherObject : std::uint8_t { UnreadableTable, LinkedTable, Query, Relationship, Other, Password };
+inline constexpr std::uint8_t kOtherObjects = 6;
 
 struct Nothing {};
 struct TenThousandths {

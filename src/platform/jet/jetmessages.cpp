@@ -166,6 +166,9 @@ Column columnOf(Pieces& pieces) {
     column.size = pieces.number<std::uint32_t>();
     column.counter = pieces.flag();
     column.standard = pieces.text();
+    column.rule = pieces.text();
+    column.required = pieces.flag();
+    column.properties = pieces.text();
     return column;
 }
 
@@ -194,6 +197,9 @@ std::string tableMessage(const Table& table) {
         putNumber(content, column.size);
         putNumber(content, std::uint8_t{column.counter});
         putText(content, column.standard);
+        putText(content, column.rule);
+        putNumber(content, std::uint8_t{column.required});
+        putText(content, column.properties);
     }
     putNumber(content, static_cast<std::uint32_t>(table.indexes.size()));
     for (const Index& index : table.indexes) {
@@ -205,6 +211,8 @@ std::string tableMessage(const Table& table) {
             putNumber(content, std::uint8_t{descending});
         }
     }
+    putText(content, table.rule);
+    putText(content, table.properties);
     return message('t', content);
 }
 
@@ -286,6 +294,8 @@ void MessageParser::table(std::string_view content) {
     for (std::size_t left = pieces.count(kMostIndexes); left > 0; --left) {
         table.indexes.push_back(indexOf(pieces, table.columns.size()));
     }
+    table.rule = pieces.text();
+    table.properties = pieces.text();
     pieces.end();
     columns_.push_back(table.columns.size());
     listener_.table(std::move(table));

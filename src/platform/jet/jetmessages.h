@@ -12,7 +12,8 @@ namespace kolmera::jet {
 /// The messages of the reader, in its standard output: one byte that says what it is, its length (four bytes, the
 /// lowest first), its content. Numbers have their lowest byte first; a text is its length in four bytes and UTF-8.
 ///
-///     t  table      name, rows, columns (name, type, size, counter, standard), indexes (name, unique, columns)
+///     t  table      name, rows, columns (name, type, size, counter, standard, rule, required, properties),
+///                   indexes (name, unique, columns), rule, properties
 ///     o  other      kind, name
 ///     b  beginning  of the rows of a table: its number
 ///     r  row        a cell for every column: one byte, and what it calls for
