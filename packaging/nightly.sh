@@ -4,7 +4,7 @@ set -uo pipefail
 cd "$(dirname "$0")/.."
 export KOLMERA_ALL_WORLDS=1  # also on database servers
 failed=()
-for kind in "" --long --tidy --clang --sanitize --memcheck --bare "--bare --no-window" --package; do
+for kind in "" --long --tidy --clang --sanitize --memcheck --invariants --bare "--bare --no-window" --package; do
     echo "=== ./test $kind"
     ./test $kind || failed+=("./test $kind")
 done

@@ -10,6 +10,7 @@
 
 #include "faults/operations.h"
 #include "history/runfolder.h"
+#include "platform/lettercase.h"
 #include "platform/tsv.h"
 
 namespace kolmera::test {
@@ -109,25 +110,31 @@ TEST(DamagedFile, IsReadOrRefused) {
     DataFolder whole(run.before->path());
     ASSERT_EQ(whole.run(operations.world().command(false)).exitCode, 0);
     ASSERT_EQ(whole.run({"limits", "Test", "--set", "largest-change=50"}).exitCode, 0);
+    ASSERT_EQ(whole.run({"add-server", "A", "--connect", "DSN=a"}).exitCode, 0);
+    ASSERT_EQ(whole.run({"couplings", "(EIO)", "--set", "AB=1010", "--main"}).exitCode, 0);
     const std::string record = RunFolder(whole.path()).list().front().id;
     std::vector<fs::path> files;
     for (const auto& [name, content] : whole.otherFiles()) {
         if (!content.empty()) files.emplace_back(name);
     }
     files.push_back(fs::relative(RunFolder(whole.path()).file(record), whole.path()));
-    EXPECT_GT(files.size(), 6U);
+    EXPECT_GT(files.size(), 7U);
+    const auto commandsThatRead = [&](const fs::path& file) -> std::vector<std::vector<std::string>> {
+        if (file.has_parent_path()) return {{"show", record}, {"undo", record}};
+        if (equalNoCase(file.string(), "PRISLEV.TXT"))
+            return {{"couplings", "(EIO)"}, {"couplings", "(EIO)", "--set", "CD=1010"}};
+        if (equalNoCase(file.string(), "DVSQLSvr.ini"))
+            return {{"add-server", "B", "--connect", "DSN=b"}, {"copy-company", "FTG1.mdb", "SQL;A"}};
+        return {{"limits", "Test"}, operations.world().command(false)};
+    };
     std::mt19937 chance(3);
     for (const fs::path& file : files) {
         SCOPED_TRACE(file.string());
-        for (int trial = 0; trial < trials(2, 500); ++trial) {
+        for (int trial = 0; trial < trials(2, 1000); ++trial) {
             SCOPED_TRACE(trial);
             const DataFolder data(whole.path());
             damage(data.path() / file, chance);
-            const std::vector<std::string> history = {"show", record}, undo = {"undo", record},
-                                           limits = {"limits", "Test"};
-            const bool isRecord = file.has_parent_path();
-            expectAnAnswer(data.run(isRecord ? history : limits));
-            expectAnAnswer(data.run(isRecord ? undo : operations.world().command(false)));
+            for (const auto& command : commandsThatRead(file)) expectAnAnswer(data.run(command));
             if (HasFailure()) break;
         }
     }
