@@ -36,8 +36,8 @@ RowWriter::Row RowWriter::editOrAdd(Keys keys) {
     searched_ = keys;
     written_.clear();
     attempt(passedOver_, table_, [&] {
-        const bool exists = find(keys);
-        begin(exists);
+        const bool exists = find(keys) && !looksOnly_;
+        if (!looksOnly_) begin(exists);
         row = exists ? Row::Existing : Row::New;
     });
     added_ = row == Row::New;
@@ -45,6 +45,7 @@ RowWriter::Row RowWriter::editOrAdd(Keys keys) {
 }
 
 bool RowWriter::set(const Column& column, Value value) {
+    if (looksOnly_) return true;
     return attempt(passedOver_, column.statement, [&] {
         if (!added_) return rows_->set(column.ordinal, std::move(value));
         rows_->set(column.ordinal, value);
@@ -58,11 +59,13 @@ void RowWriter::write(const Column& column, const std::optional<Date>& date) {
 
 double RowWriter::number(const Column& column) {
     double number = 0;
+    if (looksOnly_) return number;
     attempt(passedOver_, column.statement, [&] { number = TillDbl(rows_->value(column.ordinal), sql_.locale()); });
     return number;
 }
 
 bool RowWriter::save() {
+    if (looksOnly_) return true;
     return attempt(passedOver_, table_, [&] {
         try {
             update();

@@ -46,6 +46,10 @@ class RowWriter {
     /// Hears of every price that is written from now on; null for nobody.
     void tellTo(PriceTrace* trace) { trace_ = trace; }
 
+    /// From now on `editOrAdd` only looks a row up, which passes for a new one, and what is written to it and saved
+    /// goes nowhere: for work that is done again when the answers are known.
+    void lookOnly(bool on) { looksOnly_ = on; }
+
     /// Edits the row that has this key, or begins a new one. When neither succeeds the row is unreachable, and nothing
     /// is to be written.
     template <typename... Key>
@@ -96,7 +100,8 @@ class RowWriter {
     std::string table_;
     std::unique_ptr<Recordset> rows_;
     SeekKeys keys_;
-    Keys searched_;                               ///< of the row at hand, in `keys_`
+    Keys searched_;  ///< of the row at hand, in `keys_`
+    bool looksOnly_ = false;
     bool added_ = false;                          ///< it is new, and `save` is to come
     std::vector<std::pair<int, Value>> written_;  ///< into a new row
     std::int64_t* counted_ = nullptr;

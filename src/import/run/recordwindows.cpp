@@ -90,7 +90,8 @@ bool RecordWindows::at(const RecordPlace& place) {
     return true;
 }
 
-bool RecordWindows::carryOut(const std::function<void()>& work, const std::function<void()>& restore) {
+bool RecordWindows::carryOut(const std::function<void()>& work, const std::function<void()>& restore,
+                             const std::function<void()>& look) {
     Database& database = *run_.sql().FtgDB;
     RunReport& report = run_.report();
     RemarkListener* const listener = report.listener();
@@ -107,10 +108,15 @@ bool RecordWindows::carryOut(const std::function<void()>& work, const std::funct
     Clock::duration waited{};
     auto end = WindowEnd::Again;
     for (int times = 1; end == WindowEnd::Again; ++times) {
+        const bool looks = times == 1 && look;
         bool complete = false;
         try {
-            work();
-            complete = true;
+            if (looks) {
+                look();
+            } else {
+                work();
+                complete = true;
+            }
         } catch (const WindowBroken&) {
             complete = false;
         } catch (const PlatformError&) {
@@ -123,6 +129,10 @@ bool RecordWindows::carryOut(const std::function<void()>& work, const std::funct
         const auto begin = Clock::now();
         try {
             end = database.endWindow(complete, times < kMostTimes);
+            if (looks && end == WindowEnd::Alone) {  // they look up nothing, or what cannot be asked together
+                database.beginWindow();
+                end = WindowEnd::Again;
+            }
         } catch (const PlatformError&) {
             putBack(false);  // the connection is lost
             throw;

@@ -51,7 +51,9 @@ class RecordWindows {
     [[nodiscard]] std::size_t size() const { return size_; }
     /// `work` imports the records of a window, `restore` brings its own state back to before it. False: nothing of it
     /// has happened, and its records are to be imported one by one.
-    [[nodiscard]] bool carryOut(const std::function<void()>& work, const std::function<void()>& restore);
+    /// `look` only looks up what `work` does, for the first time. It throws nothing but WindowBroken.
+    [[nodiscard]] bool carryOut(const std::function<void()>& work, const std::function<void()>& restore,
+                                const std::function<void()>& look = {});
     /// For `work`: the record at hand. Whether to tell of it, and listen for Cancel: what has been done before has only
     /// been tried.
     [[nodiscard]] bool at(const RecordPlace& place);

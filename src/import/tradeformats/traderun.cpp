@@ -71,11 +71,22 @@ bool emptyTables(RunMachinery& run, ProductRows& products, SupplierPriceRows& su
 
 std::int64_t rowsWritten(const RunSummary& summary) { return summary.saved + summary.priceList + summary.alternatives; }
 
+class LookOnly {
+  public:
+    explicit LookOnly(TradeTables& tables) : tables_(tables) { tables_.lookOnly(true); }
+    LookOnly(const LookOnly&) = delete;
+    LookOnly& operator=(const LookOnly&) = delete;
+    ~LookOnly() { tables_.lookOnly(false); }
+
+  private:
+    TradeTables& tables_;
+};
+
 /// Takes the lines of the price file to the format.
 class LineLoop {
   public:
-    LineLoop(RunMachinery& run, std::unique_ptr<TradeFormat> format)
-        : run_(run), summary_(run.summary()), file_(run.priceFile()), format_(std::move(format)) {}
+    LineLoop(RunMachinery& run, std::unique_ptr<TradeFormat> format, TradeTables& tables)
+        : run_(run), summary_(run.summary()), file_(run.priceFile()), format_(std::move(format)), tables_(tables) {}
 
     void read() {
         if (run_.sql().FtgDB->hasWindows()) return readInWindows();
@@ -152,7 +163,8 @@ class LineLoop {
         while (!stopped_ && !file_.atEnd()) {
             readAhead();
             const auto before = format_->copy();
-            const bool kept = windows_.carryOut([this] { takeAhead(); }, [&] { format_ = before->copy(); });
+            const bool kept =
+                windows_.carryOut([this] { takeAhead(); }, [&] { format_ = before->copy(); }, [this] { lookAhead(); });
             if (kept) {
                 run_.noteKept(ahead_.back().number);
             } else {
@@ -176,6 +188,15 @@ class LineLoop {
         } catch (const PlatformError&) {
             if (ahead_.empty()) throw;
             unreadable_ = std::current_exception();
+        }
+    }
+
+    /// What the lines of a window look up.
+    void lookAhead() {
+        const LookOnly meanwhile(tables_);
+        for (const KeptLine& line : ahead_) {
+            begin(line.line());
+            format_->takeLine(line.text);
         }
     }
 
@@ -209,6 +230,7 @@ class LineLoop {
     RunSummary& summary_;
     PriceFile& file_;
     std::unique_ptr<TradeFormat> format_;
+    TradeTables& tables_;
     std::int64_t read_ = 0, written_ = 0;
     RecordWindows windows_{run_};
     std::vector<KeptLine> ahead_;
@@ -252,7 +274,7 @@ void readPriceFile(RunMachinery& run, const TradeJob& job, ProductRows& products
                               .job = run.job(),
                               .locale = sql.locale(),
                               .Idag = Idag});
-    LineLoop(run, std::move(format)).read();
+    LineLoop(run, std::move(format), tables).read();
 }
 
 bool readsFile(RunMachinery& run, const TradeJob& job, const std::vector<CoupledSupplier>& suppliers) {

@@ -52,6 +52,13 @@ TradeTables::TradeTables(const Parts& parts) : parts_(parts) {
     parts_.supplierPrices.row.tellTo(parts_.trace);
 }
 
+void TradeTables::lookOnly(bool on) {
+    looksOnly_ = on;
+    parts_.products.row.lookOnly(on);
+    parts_.supplierPrices.row.lookOnly(on);
+    if (parts_.alternatives) parts_.alternatives->row.lookOnly(on);
+}
+
 double TradeTables::discounted(double price, double discount) const {
     const double net = price - price * discount;
     if (parts_.trace) parts_.trace->step({.step = PriceStep::Deduction, .value = net, .operand = discount * 100});
@@ -59,21 +66,22 @@ double TradeTables::discounted(double price, double discount) const {
 }
 
 double TradeTables::roundedInpris(double price) const {
-    return parts_.prices.Avrunda(ordinal(kProdukt, "Inpris"), price);
+    return looksOnly_ ? price : parts_.prices.Avrunda(ordinal(kProdukt, "Inpris"), price);
 }
 
 double TradeTables::roundedUtpris(double price, int level) const {
-    return parts_.prices.Avrunda(utprisOrdinal(level), price);
+    return looksOnly_ ? price : parts_.prices.Avrunda(utprisOrdinal(level), price);
 }
 
 RowWriter::Row TradeTables::editOrAddProduct(std::string_view number) {
     RowWriter& row = parts_.products.row;
     const RowWriter::Row found = row.editOrAdd(number);
-    if (found == RowWriter::Row::New) parts_.defaults.SättNyProduktStandard(row.rows());
+    if (found == RowWriter::Row::New && !looksOnly_) parts_.defaults.SättNyProduktStandard(row.rows());
     return found;
 }
 
 void TradeTables::saveProduct(std::string_view number, RowWriter::Row row) {
+    if (looksOnly_) return;
     ProductRows& products = parts_.products;
     products.row.write(products.Förändringsdatum, parts_.Idag);
     if (!products.row.save()) return;

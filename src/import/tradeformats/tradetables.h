@@ -72,6 +72,9 @@ class TradeTables {
     };
     explicit TradeTables(const Parts& parts);
 
+    /// As `RowWriter::lookOnly`: rows are looked up, prices are not worked out, and nothing is counted.
+    void lookOnly(bool on);
+
     [[nodiscard]] ProductRows& products() { return parts_.products; }
     [[nodiscard]] SupplierPriceRows& supplierPrices() { return parts_.supplierPrices; }
     [[nodiscard]] double discount(std::string_view supplier, std::string_view code) {
@@ -98,6 +101,7 @@ class TradeTables {
 
   private:
     Parts parts_;
+    bool looksOnly_ = false;
 };
 
 }  // namespace kolmera

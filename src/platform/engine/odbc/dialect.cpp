@@ -13,7 +13,10 @@ namespace kolmera {
 namespace {
 
 // Locks are waited for by the program, which stays alive and can be cancelled; the server waits only a moment.
-constexpr std::string_view kPostgresSession[] = {"SET lock_timeout = 200", "SET standard_conforming_strings = on"};
+// One plan for however many rows: with the rows of a window at hand PostgreSQL counts on each of them finding many, and
+// reads whole tables for them, with a sort key of every text.
+constexpr std::string_view kPostgresSession[] = {"SET lock_timeout = 200", "SET standard_conforming_strings = on",
+                                                 "SET plan_cache_mode = force_generic_plan"};
 // READ COMMITTED: a batch sees what others have committed, and locks no gaps between rows.
 constexpr std::string_view kMariaSession[] = {
     "SET SESSION sql_mode = 'STRICT_ALL_TABLES,NO_BACKSLASH_ESCAPES,NO_AUTO_VALUE_ON_ZERO'",

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t kLongestShortText = 4000;  // characters; longer ones are sent as long texts
 constexpr std::size_t kBufferUnits = 2048;
+constexpr std::size_t kCellUnits = 256;  // of a bound column, with the NUL at its end
 
 SQLWCHAR* wideText(std::u16string& text) { return reinterpret_cast<SQLWCHAR*>(text.data()); }
 
@@ -44,6 +45,42 @@ std::string_view withoutFrame(std::string_view message) {
     }
     message = message.substr(0, message.find(";\nError while"));
     return message.substr(0, message.find_last_not_of(" \r\n") + 1);
+}
+
+// Values as they come.
+
+Value wholeValue(SQLBIGINT whole, FieldType type) {
+    if (type == FieldType::Boolean) return whole != 0;
+    return static_cast<std::int64_t>(whole);
+}
+
+Value numberValue(double number, FieldType type) {
+    return type == FieldType::Single ? static_cast<double>(static_cast<float>(number)) : number;
+}
+
+/// A number that comes as text. A Single is read as what it is: the double nearest to its digits is another number.
+Value digitsValue(std::string_view text, FieldType type) {
+    if (type == FieldType::Single) {
+        float number = 0;
+        std::from_chars(text.data(), text.data() + text.size(), number);
+        return static_cast<double>(number);
+    }
+    double number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+Value dateValue(const SQL_DATE_STRUCT& date) {
+    const auto day = Date::fromCivil(date.year, date.month, date.day);
+    return day ? Value(*day) : Value();
+}
+
+/// Whether a driver gives a column once more that it has put into its buffer, and any column at any time.
+bool reReadsColumns(SQLHDBC connection) {
+    constexpr SQLUINTEGER kNeeded = SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER | SQL_GD_BOUND;
+    SQLUINTEGER can = 0;
+    const SQLRETURN code = SQLGetInfo(connection, SQL_GETDATA_EXTENSIONS, &can, sizeof can, nullptr);
+    return SQL_SUCCEEDED(code) && (can & kNeeded) == kNeeded;
 }
 
 struct OdbcType {
@@ -93,6 +130,7 @@ OdbcStatement::OdbcStatement(SQLHDBC connection, const Dialect& dialect) : diale
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection, &handle_))) {
         error_ = odbcError(SQL_HANDLE_DBC, connection);
     }
+    reReads_ = reReadsColumns(connection);
 }
 
 OdbcStatement::~OdbcStatement() {
@@ -220,15 +258,91 @@ bool OdbcStatement::fetchAll(std::span<const FieldType> types, StatementResult& 
         for (const FieldDef& field : result.fields) described.push_back(field.type);
         types = described;
     }
+    const bool bound = described.empty() && reReads_ && types.size() == static_cast<std::size_t>(columns);
+    if (bound && !bindCells(types)) return false;
     for (;;) {
         const SQLRETURN code = SQLFetch(handle_);
         if (code == SQL_NO_DATA) return true;
         if (!good(code)) return false;
         std::vector<Value>& row = result.rows.emplace_back(types.size());
         for (std::size_t i = 0; i < types.size(); ++i) {
-            if (!read(static_cast<SQLUSMALLINT>(i + 1), types[i], row[i])) return false;
+            const auto column = static_cast<SQLUSMALLINT>(i + 1);
+            if (!(bound ? takeCell(column, cells_[i], row[i]) : read(column, types[i], row[i]))) return false;
         }
     }
+}
+
+/// The columns stay bound when the statement is run again.
+bool OdbcStatement::bindCells(std::span<const FieldType> types) {
+    if (std::ranges::equal(cells_, types, {}, &Cell::type)) return true;
+    if (!good(SQLFreeStmt(handle_, SQL_UNBIND))) return false;
+    cells_.clear();
+    for (const FieldType type : types) {
+        Cell& cell = cells_.emplace_back();
+        cell.type = type;
+        if (bindCell(static_cast<SQLUSMALLINT>(cells_.size()), cell)) continue;
+        cells_.clear();
+        return false;
+    }
+    return true;
+}
+
+bool OdbcStatement::bindCell(SQLUSMALLINT column, Cell& cell) {
+    const auto bindTo = [&](SQLSMALLINT kind, void* place, std::size_t size) {
+        return good(SQLBindCol(handle_, column, kind, place, static_cast<SQLLEN>(size), &cell.length));
+    };
+    const bool isText = cell.type == FieldType::Text;
+    if (comesAsDigits(cell.type) || (isText && dialect_.utf8Texts)) {
+        cell.narrow.resize(kCellUnits);
+        return bindTo(SQL_C_CHAR, cell.narrow.data(), cell.narrow.size());
+    }
+    switch (cell.type) {
+        case FieldType::Boolean:
+        case FieldType::Byte:
+        case FieldType::Integer:
+        case FieldType::Long:
+            return bindTo(SQL_C_SBIGINT, &cell.whole, sizeof cell.whole);
+        case FieldType::Single:
+        case FieldType::Double:
+            return bindTo(SQL_C_DOUBLE, &cell.number, sizeof cell.number);
+        case FieldType::Date:
+            return bindTo(SQL_C_TYPE_DATE, &cell.date, sizeof cell.date);
+        case FieldType::Text:
+            cell.wide.resize(kCellUnits);
+            return bindTo(SQL_C_WCHAR, cell.wide.data(), cell.wide.size() * sizeof(SQLWCHAR));
+        case FieldType::Currency:
+        case FieldType::Memo:
+            break;
+    }
+    return true;  // a long text is asked for by itself
+}
+
+/// What does not fit the buffer is asked for by itself, too.
+bool OdbcStatement::takeCell(SQLUSMALLINT column, Cell& cell, Value& into) {
+    if (cell.type == FieldType::Memo) return read(column, cell.type, into);
+    if (cell.length == SQL_NULL_DATA) {
+        into = Null{};
+        return true;
+    }
+    const bool isText = !cell.narrow.empty() || !cell.wide.empty();
+    const std::size_t unit = cell.wide.empty() ? 1 : sizeof(SQLWCHAR);
+    const bool whole = cell.length >= 0 && static_cast<std::size_t>(cell.length) / unit < kCellUnits;
+    if (isText && !whole) return read(column, cell.type, into);
+    const std::size_t units = static_cast<std::size_t>(cell.length) / unit;
+    if (!cell.wide.empty()) {
+        into = fromWide(std::u16string_view(cell.wide).substr(0, units));
+    } else if (cell.type == FieldType::Text) {
+        into = cell.narrow.substr(0, units);
+    } else if (!cell.narrow.empty()) {
+        into = digitsValue(std::string_view(cell.narrow).substr(0, units), cell.type);
+    } else if (cell.type == FieldType::Date) {
+        into = dateValue(cell.date);
+    } else if (cell.type == FieldType::Single || cell.type == FieldType::Double) {
+        into = numberValue(cell.number, cell.type);
+    } else {
+        into = wholeValue(cell.whole, cell.type);
+    }
+    return true;
 }
 
 bool OdbcStatement::describe(SQLSMALLINT columns, StatementResult& result) {
@@ -252,6 +366,7 @@ bool OdbcStatement::describe(SQLSMALLINT columns, StatementResult& result) {
 }
 
 bool OdbcStatement::read(SQLUSMALLINT column, FieldType type, Value& into) {
+    if (comesAsDigits(type)) return readDigits(column, type, into);
     switch (type) {
         case FieldType::Boolean:
         case FieldType::Byte:
@@ -260,11 +375,10 @@ bool OdbcStatement::read(SQLUSMALLINT column, FieldType type, Value& into) {
             return readWhole(column, type, into);
         case FieldType::Single:
         case FieldType::Double:
-            return dialect_.textNumbers ? readDigits(column, type, into) : readNumber(column, type, into);
-        case FieldType::Currency:
-            return readDigits(column, type, into);
+            return readNumber(column, type, into);
         case FieldType::Date:
             return readDate(column, into);
+        case FieldType::Currency:
         case FieldType::Text:
         case FieldType::Memo:
             break;
@@ -276,13 +390,7 @@ bool OdbcStatement::readWhole(SQLUSMALLINT column, FieldType type, Value& into) 
     SQLBIGINT whole = 0;
     SQLLEN length = 0;
     if (!good(SQLGetData(handle_, column, SQL_C_SBIGINT, &whole, sizeof whole, &length))) return false;
-    if (length == SQL_NULL_DATA) {
-        into = Null{};
-    } else if (type == FieldType::Boolean) {
-        into = whole != 0;
-    } else {
-        into = static_cast<std::int64_t>(whole);
-    }
+    into = length == SQL_NULL_DATA ? Value() : wholeValue(whole, type);
     return true;
 }
 
@@ -290,28 +398,16 @@ bool OdbcStatement::readNumber(SQLUSMALLINT column, FieldType type, Value& into)
     double number = 0;
     SQLLEN length = 0;
     if (!good(SQLGetData(handle_, column, SQL_C_DOUBLE, &number, sizeof number, &length))) return false;
-    if (type == FieldType::Single) number = static_cast<double>(static_cast<float>(number));
-    into = length == SQL_NULL_DATA ? Value() : Value(number);
+    into = length == SQL_NULL_DATA ? Value() : numberValue(number, type);
     return true;
 }
 
-/// A number that comes as text. A Single is read as what it is: the double nearest to its digits is another number.
 bool OdbcStatement::readDigits(SQLUSMALLINT column, FieldType type, Value& into) {
     std::array<char, 400> text{};
     SQLLEN length = 0;
     if (!good(SQLGetData(handle_, column, SQL_C_CHAR, text.data(), text.size(), &length))) return false;
-    into = Null{};
-    if (length < 0) return true;
-    const char* const end = text.data() + std::min(static_cast<std::size_t>(length), text.size() - 1);
-    if (type == FieldType::Single) {
-        float number = 0;
-        std::from_chars(text.data(), end, number);
-        into = static_cast<double>(number);
-    } else {
-        double number = 0;
-        std::from_chars(text.data(), end, number);
-        into = number;
-    }
+    const std::size_t digits = std::min(static_cast<std::size_t>(std::max<SQLLEN>(length, 0)), text.size() - 1);
+    into = length < 0 ? Value() : digitsValue({text.data(), digits}, type);
     return true;
 }
 
@@ -319,8 +415,7 @@ bool OdbcStatement::readDate(SQLUSMALLINT column, Value& into) {
     SQL_DATE_STRUCT date = {};
     SQLLEN length = 0;
     if (!good(SQLGetData(handle_, column, SQL_C_TYPE_DATE, &date, sizeof date, &length))) return false;
-    const auto day = Date::fromCivil(date.year, date.month, date.day);
-    into = length == SQL_NULL_DATA || !day ? Value() : Value(*day);
+    into = length == SQL_NULL_DATA ? Value() : dateValue(date);
     return true;
 }
 

@@ -57,6 +57,17 @@ class OdbcStatement {
         SQLLEN length = 0;
     };
 
+    /// A column of the row at hand, where the driver puts it by itself.
+    struct Cell {
+        FieldType type = FieldType::Memo;
+        SQLBIGINT whole = 0;
+        double number = 0;
+        SQL_DATE_STRUCT date = {};
+        std::u16string wide;
+        std::string narrow;
+        SQLLEN length = 0;
+    };
+
     bool bind(SQLUSMALLINT parameter, const Value& value);
     bool bindText(SQLUSMALLINT parameter, Bound& bound, std::string_view text);
     bool bindNumber(SQLUSMALLINT parameter, Bound& bound, double value);
@@ -64,6 +75,13 @@ class OdbcStatement {
     void finish(std::span<const FieldType> types, StatementResult& result);
     bool fetchAll(std::span<const FieldType> types, StatementResult& result);
     bool describe(SQLSMALLINT columns, StatementResult& result);
+    bool bindCells(std::span<const FieldType> types);
+    bool bindCell(SQLUSMALLINT column, Cell& cell);
+    bool takeCell(SQLUSMALLINT column, Cell& cell, Value& into);
+    [[nodiscard]] bool comesAsDigits(FieldType type) const {
+        return type == FieldType::Currency ||
+               ((type == FieldType::Single || type == FieldType::Double) && dialect_.textNumbers);
+    }
     bool read(SQLUSMALLINT column, FieldType type, Value& into);
     bool readWhole(SQLUSMALLINT column, FieldType type, Value& into);
     bool readNumber(SQLUSMALLINT column, FieldType type, Value& into);
@@ -79,6 +97,8 @@ class OdbcStatement {
     const Dialect& dialect_;
     SQLHSTMT handle_ = SQL_NULL_HSTMT;
     std::deque<Bound> bound_;
+    bool reReads_ = false;  ///< a bound column can be asked for again, whatever its place
+    std::deque<Cell> cells_;
     std::u16string wideBuffer_;
     std::string buffer_;
     std::optional<ServerError> error_;
