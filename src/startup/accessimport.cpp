@@ -139,6 +139,11 @@ class Importing : public jet::ContentListener {
             const std::string& column = table.columns[place.first.second].name;
             plan_.remarks.push_back({place.second, table.name + "." + column, values});
         }
+        // What holds no data is long, and told last.
+        std::ranges::stable_partition(plan_.remarks, [](const AccessRemark& remark) {
+            return remark.kind != Kind::QueryLeftOut && remark.kind != Kind::ObjectLeftOut &&
+                   remark.kind != Kind::PropertiesLeftOut;
+        });
         return {.cancelled = false, .tables = std::move(tables_), .remarks = std::move(plan_.remarks)};
     }
 

@@ -33,7 +33,7 @@ struct AccessProgress {
 struct AccessResult {
     bool cancelled = false;             ///< nothing has been made
     std::vector<CopiedTable> tables;    ///< of the file, and how many rows came over
-    std::vector<AccessRemark> remarks;  ///< in the order of the file
+    std::vector<AccessRemark> remarks;  ///< queries, forms and captions last
 };
 
 /// Makes a company of an Access-format file, which is only read: all its tables, and empty ones where it lacks a table
