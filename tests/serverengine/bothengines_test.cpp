@@ -68,6 +68,12 @@ TEST_F(BothEngines, ValuesOfEveryTypeComeBackAsTheyWere) {
              for (int i = 0; i < 60; ++i) text += "å";
              return text;
          }()},
+        {"more bytes than a column's buffer has", "Bild",
+         [] {
+             std::string text;
+             for (int i = 0; i < 200; ++i) text += "å";
+             return text;
+         }()},
         {"Null", "Inpris", Null{}},
         {"a number behind Null", "Inpris", 2.5},
         // Refused: the same number, and the old value stays.
