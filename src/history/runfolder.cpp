@@ -8,8 +8,10 @@
 #include <initializer_list>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "history/recordfile.h"
+#include "history/registerruns.h"
 #include "history/runlock.h"
 #include "platform/error.h"
 
@@ -48,6 +50,16 @@ bool writtenWithinADay(const fs::path& file) {
         const fs::file_time_type written = fs::last_write_time(fs::path(file) += beside, unknown);
         return !unknown && fs::file_time_type::clock::now() - written <= kDay;
     });
+}
+
+/// Of writing to a register, by a window or a command. Such records are many and small: as many are kept of them
+/// as of the others, and none pushes a run out.
+bool isOfRegister(const fs::path& file) {
+    try {
+        return RecordReader(file).header().definition.starts_with(kRegisterDefinition);
+    } catch (const PlatformError&) {
+        return false;
+    }
 }
 
 }  // namespace
@@ -116,13 +128,16 @@ bool RunFolder::mayBeUnderWay(const fs::path& file) const {
 void RunFolder::remove(std::string_view id) const { removeRecordFile(file(id)); }
 
 std::int64_t RunFolder::thin(const RecordLimits& limits) const {
-    std::int64_t removed = 0, bytes = 0, number = 0;
-    for (const std::string& id : ids()) {
+    std::int64_t removed = 0, bytes = 0, ofRuns = 0, ofRegisters = 0;
+    const std::vector<std::string> all = this->ids();
+    const bool many = std::cmp_greater(all.size(), limits.number);
+    for (const std::string& id : all) {
         const fs::path record = path_ / (id + std::string(kRecordEnding));
         const std::int64_t size = bytesOf(record);
+        std::int64_t& number = many && isOfRegister(record) ? ofRegisters : ofRuns;
         ++number;
         bytes += size;
-        if (number == 1 || (number <= limits.number && bytes <= limits.bytes) || mayBeUnderWay(record)) continue;
+        if (id == all.front() || (number <= limits.number && bytes <= limits.bytes) || mayBeUnderWay(record)) continue;
         removeRecordFile(record);
         ++removed;
         --number;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "history/presentrows.h"
+#include "history/registerruns.h"
 #include "lang/keys/registers.h"
 #include "platform/systemuser.h"
 
@@ -16,6 +17,7 @@ RunHeader headOfWriting(SqlLayer& sql, LanguageTexts& texts, Register& written, 
     RunHeader head;
     head.user = SystemUser::current().login;
     head.version = KOLMERA_VERSION;
+    head.definition = fmt::format("{}\"{}\"}}", kRegisterDefinition, written.definition().name);
     head.job = texts.ModulTextMed(text::registers::kRun, written.title());
     head.companyFile = company;
     const auto settings = sql.SQLÖppnaRs("Syinställningar", RecordsetType::Dynaset, options::kReadOnly);

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "history/recordreader.h"
+#include "history/registerruns.h"
 #include "history/runfolder.h"
 #include "history/runrecord.h"
 #include "platform/engine/database.h"
@@ -254,6 +255,24 @@ TEST_F(Recording, OldRecordsGoAndOthersStay) {
     std::int64_t unreadable = 0;
     EXPECT_TRUE(runs.list(&unreadable).empty());
     EXPECT_EQ(unreadable, 2);
+}
+
+TEST_F(Recording, WritingToRegistersPushesNoRunsOut) {
+    fs::create_directory(runs.path());
+    const auto made = [&](const std::string& definition) {
+        RunHeader head;
+        head.definition = definition;
+        RunRecord record(runs.path(), head);
+        record.change([](RunHeader& header) { header.ended = "2026-01-01T00:00:00"; });
+        record.close();
+        return record.header().id;
+    };
+    const std::string ofRegister = std::string(kRegisterDefinition) + "\"suppliers\"}";
+    const std::string run = made("");
+    made(ofRegister);
+    const std::string second = made(ofRegister);
+    EXPECT_EQ(runs.thin({.number = 1}), 1);
+    EXPECT_EQ(runs.ids(), (std::vector<std::string>{second, run}));
 }
 
 }  // namespace

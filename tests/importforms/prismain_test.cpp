@@ -21,12 +21,14 @@
 #include <fstream>
 
 #include "db/conversions.h"
+#include "definitions/datafolder.h"
 #include "definitions/jobfile.h"
 #include "import/window/prisutfa.h"
 #include "import/window/prisutfo.h"
 #include "lang/keys/definitions.h"
 #include "lang/keys/look.h"
 #include "lang/keys/prismain.h"
+#include "startup/newcompany.h"
 #include "support/qt/formworld.h"
 #include "ui/lists.h"
 #include "ui/qttext.h"
@@ -124,6 +126,37 @@ TEST_F(PrisMainTest, EnablesWhatTheSelectedJobAllows) {
     select(kMaskJob);
     press("CmdRabattbrev");
     EXPECT_EQ(discountLettersFor, 4);
+}
+
+TEST(PrisMainOfANewCompany, LeadsOnUntilThereIsSomethingToImportBy) {
+    for (const std::string language : {"SE", "EN"}) {
+        SCOPED_TRACE(language);
+        FormWorld world(Data::Empty, language);
+        createDataFolder(world.data);
+        createCompany(world.data, kFirstCompany, "Nytt", {}, FirstRows::Filled);
+        world.state.StandardFöretag = "FTG1.MDB";
+        PrisMain window(world.program);
+        window.show();
+        const auto& panel = control<QFrame>(window, "FörstaStegen");
+        ASSERT_TRUE(panel.isVisible());
+        expectTextsInBothLanguages(window, world);
+        takePicture(window, "firststeps-" + language);
+        const WhenShown registers("RegistersWindow", [&](QDialog& form) {
+            EXPECT_EQ(control<QListWidget>(form, "Register").currentItem()->text(),
+                      language == "SE" ? "Leverantörer" : "Suppliers");
+            form.close();
+        });
+        control<QPushButton>(window, "StegLeverantör").click();
+        EXPECT_TRUE(registers.came());
+        world.program.showPrisStyr = [&](QWidget* /*parent*/, int job, bool /*trade*/) -> std::optional<int> {
+            EXPECT_EQ(job, 0) << "not a new job";
+            Job own;
+            own.name = "Egen";
+            return JobFile(world.data).save(own);
+        };
+        control<QPushButton>(window, "StegInläsning").click();
+        EXPECT_FALSE(panel.isVisible()) << "stays when it is done";
+    }
 }
 
 TEST_F(PrisMainTest, PreviewsARunAndThenDoesIt) {

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <fstream>
 
+#include "definitions/jobfile.h"
 #include "history/runfolder.h"
 #include "support/qt/formworld.h"
 #include "ui/qttext.h"
@@ -137,6 +138,26 @@ TEST_F(RegistersWindowTest, TellsAtTheFieldWhatDoesNotFit) {
     });
     button("Ny").click();
     EXPECT_TRUE(window.came());
+}
+
+TEST_F(RegistersWindowTest, HasTheCouplingsOfJobsBehindTheRegisters) {
+    int opened = 0;
+    world.program.showPrisStyr = [&](QWidget* /*parent*/, int job, bool trade) -> std::optional<int> {
+        EXPECT_TRUE(trade);
+        EXPECT_FALSE(world.state.sql.FtgDB) << "the job window opens the company";
+        opened = job;
+        return std::nullopt;
+    };
+    auto& registers = control<QListWidget>(*form, "Register");
+    registers.setCurrentRow(registers.count() - 1);
+    ASSERT_GE(rows().topLevelItemCount(), 3) << "not the trade formats";
+    EXPECT_FALSE(button("Ny").isEnabled());
+    button("Ändra").click();
+    ASSERT_GT(opened, 0);
+    EXPECT_EQ(toQt(JobFile(world.data).read(opened)->name), rows().currentItem()->text(0));
+    registers.setCurrentRow(0);
+    EXPECT_GT(rows().topLevelItemCount(), 0) << "the company stayed closed";
+    takePicture(*form, "couplings");
 }
 
 TEST_F(RegistersWindowInEnglish, ShowsWhatAFileWouldChangeBeforeItIsWritten) {

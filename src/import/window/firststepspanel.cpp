@@ -52,6 +52,8 @@ FirstStepsPanel::FirstStepsPanel(QWidget& form) : QFrame(&form) {
     for (QPushButton* each : {suppliers_, letters_, newJob_, couplings_, hide_}) each->setAutoDefault(false);
 }
 
+void FirstStepsPanel::goOnTo(QWidget& next) const { setTabOrder(couplings_, &next); }
+
 void FirstStepsPanel::present(const FirstSteps& steps, bool enabled) {
     supplierMark_->setText(steps.supplier ? QStringLiteral("\u2713") : QStringLiteral("1"));
     for (QPushButton* each : {suppliers_, letters_, newJob_, couplings_}) each->setEnabled(enabled);

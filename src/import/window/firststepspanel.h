@@ -18,6 +18,8 @@ class FirstStepsPanel final : public QFrame {
 
     std::function<void()> onSuppliers, onLetters, onNewJob, onCouplings;
 
+    /// What Tab comes to behind the panel.
+    void goOnTo(QWidget& next) const;
     void present(const FirstSteps& steps, bool enabled);
 
   private:

@@ -155,6 +155,7 @@ void PrisMain::buildSearch() {
     company_ = named(new QComboBox(this), "FöretagVal");
     companyLabel_->setBuddy(company_);
     connect(search_, &QLineEdit::textEdited, this, [this] { nameSuppliers(); });
+    stepsPanel_->goOnTo(*search_);
     setTabOrder(search_, company_);
     setTabOrder(company_, lista_);
     setTabOrder(lista_, ny_);
