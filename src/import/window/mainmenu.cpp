@@ -3,8 +3,10 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QActionGroup>
+#include <QIcon>
 #include <QMenu>
 #include <QMenuBar>
+#include <utility>
 
 #include "ui/commands.h"
 #include "ui/controls.h"
@@ -22,6 +24,7 @@ MainMenu::MainMenu(Program& program, QWidget& form, const Buttons& buttons, Acts
     fillFile(buttons);
     fillJob(buttons);
     fillRest(buttons);
+    giveIcons();
 }
 
 QMenu* MainMenu::menu(const char* name, const char* caption) {
@@ -83,21 +86,22 @@ void MainMenu::addLanguages(QMenu& menu) {
 
 void MainMenu::fillJob(const Buttons& buttons) {
     QMenu& job = *menu("MenyInläsning", "&Inläsning");
-    const auto ofButton = [&](QAbstractButton& button, const QList<QKeySequence>& keys) {
+    const auto ofButton = [&](QAbstractButton& button, const QList<QKeySequence>& keys, const char* icon) {
         auto* made = new ButtonAction(button, form_, keys);
+        made->setIcon(QIcon::fromTheme(QLatin1String(icon)));
         job.addAction(made);
         return made;
     };
-    ofButton(buttons.ny, {QKeySequence::New});
-    QAction* open = ofButton(buttons.öppna, {});
+    ofButton(buttons.ny, {QKeySequence::New}, "document-new");
+    QAction* open = ofButton(buttons.öppna, {}, "document-open");
     copyJob_ = action(job, "Duplicera", "&Duplicera...", Qt::CTRL | Qt::Key_D, acts_.copyJob);
-    QAction* remove = ofButton(buttons.taBort, {QKeySequence::Delete, Qt::Key_F9});
+    QAction* remove = ofButton(buttons.taBort, {QKeySequence::Delete, Qt::Key_F9}, "edit-delete");
     job.addSeparator();
     saveTemplate_ = action(job, "SparaMall", "Spara so&m mall...", {}, acts_.saveTemplate);
     QAction* openTemplate = action(job, "ÖppnaMall", "Öppna m&all...", {}, acts_.openTemplate);
     job.addSeparator();
-    QAction* run = ofButton(buttons.utför, {Qt::CTRL | Qt::Key_R});
-    QAction* preview = ofButton(buttons.förhandsgranska, {Qt::Key_F5});
+    QAction* run = ofButton(buttons.utför, {Qt::CTRL | Qt::Key_R}, "media-playback-start");
+    QAction* preview = ofButton(buttons.förhandsgranska, {Qt::Key_F5}, "document-print-preview");
     otherFile_ = action(job, "AnnanFil", "Läs en annan fi&l...", Qt::CTRL | Qt::Key_L, acts_.readOtherFile);
     job.addSeparator();
     copyRow_ = action(job, "KopieraRad", "&Kopiera rad", {}, acts_.copyRow);
@@ -118,6 +122,15 @@ void MainMenu::fillRest(const Buttons& buttons) {
     QMenu& help = *menu("MenyHjälp", "&Hjälp");
     guide_ = action(help, "Handbok", "&Handbok", {}, acts_.guide);
     action(help, "Om", "&Om Kolmera", {}, acts_.about);
+}
+
+/// The desktop's own, where it has them and shows them in menus.
+void MainMenu::giveIcons() {
+    const std::pair<QAction*, const char*> icons[] = {
+        {copyJob_, "edit-copy"}, {saveTemplate_, "document-save-as"}, {copyRow_, "edit-copy"},
+        {search_, "edit-find"},  {products_, "system-search"},        {guide_, "help-contents"},
+    };
+    for (const auto& [action, icon] : icons) action->setIcon(QIcon::fromTheme(QLatin1String(icon)));
 }
 
 void MainMenu::name() {

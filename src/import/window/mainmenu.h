@@ -47,6 +47,7 @@ class MainMenu {
     void fillFile(const Buttons& buttons);
     void fillJob(const Buttons& buttons);
     void fillRest(const Buttons& buttons);
+    void giveIcons();
     void addRecent();
     void addLanguages(QMenu& menu);
 
