@@ -12,7 +12,7 @@
 
 namespace kolmera::cli {
 
-class Session;
+struct Session;
 
 /// A run's surroundings on a terminal: messages go to the error stream, questions are answered No, confirmation is
 /// given, and Ctrl-C is Cancel. A verbose session sees the words that errors came with, too.
