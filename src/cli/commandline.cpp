@@ -117,6 +117,11 @@ int misread(const CLI::App& app, const CLI::ParseError& error, Session& session,
     return exitcode::kUsage;
 }
 
+/// The exit code of a command that has not come to its end.
+int stopped(const Surroundings& surroundings) {
+    return surroundings.cancel.load() ? exitcode::kCancelled : exitcode::kStopped;
+}
+
 int carryOutLine(const std::vector<std::string>& arguments, Surroundings& surroundings) {
     Teller teller(surroundings);
     // Only help shows these texts, and looking all of them up takes as long as a small run. Options of a group without
@@ -139,13 +144,14 @@ int carryOutLine(const std::vector<std::string>& arguments, Surroundings& surrou
         return misread(app, error, teller.session(), surroundings.err);
     }
     try {
-        return chosen();
+        const int code = chosen();
+        return code == exitcode::kStopped ? stopped(surroundings) : code;
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const PlatformError& error) {
         Session& session = teller.session();
         surroundings.err << session.text(text::terminal::kError) << ' ' << session.explain(error) << '\n';
-        return exitcode::kStopped;
+        return stopped(surroundings);
     } catch (const std::exception& error) {
         Session& session = teller.session();
         surroundings.err << session.text(text::terminal::kError) << ' '

@@ -27,6 +27,7 @@ class TerminalPort final : public RunPort, public PassedOver {
 
     Answer show(const Message& message) override;
     [[nodiscard]] bool answers() const override { return false; }
+    [[nodiscard]] bool givesUp() override { return cancelled(); }
     void letEventsRun() override {}
     void note(std::string_view /*what*/, const PlatformError& /*error*/) override { ++passedOver_; }
     void status(std::string_view text) override;

@@ -23,12 +23,14 @@ constexpr std::size_t kMaxKeys = 5;
 constexpr std::string_view kColumnSeparator = ", ";
 
 /// Waits in short slices, so that a window stays alive meanwhile.
-void pauseFor(std::chrono::milliseconds time, const std::function<void()>& letEventsRun) {
+/// False as soon as `meanwhile`, which is called again and again, says so.
+bool pauseFor(std::chrono::milliseconds time, const std::function<bool()>& meanwhile) {
     constexpr std::chrono::milliseconds kSlice(20);
     for (; time.count() > 0; time -= kSlice) {
-        if (letEventsRun) letEventsRun();
+        if (!meanwhile()) return false;
         std::this_thread::sleep_for(std::min(time, kSlice));
     }
+    return true;
 }
 
 /// The table that an action statement changes, as it is called when it fails; the statement's first word when it names
@@ -121,14 +123,19 @@ bool SqlLayer::SQLÖppnaServer(const std::function<void()>& letEventsRunMeanwhil
     const ServerOptions options{
         .locale = locale_, .wait = waitForLock, .waitForAnswer = waitForAnswer, .tables = companySchema()};
     constexpr int kTries = 4;
+    constexpr std::chrono::seconds kBetweenTries(1);
     serverError_.reset();
     FtgDB.reset();
+    bool givenUp = false;
+    const auto meanwhile = [&] {
+        if (letEventsRunMeanwhile) letEventsRunMeanwhile();
+        givenUp = givenUp || (waitForAnswer && !waitForAnswer({}));
+        return !givenUp;
+    };
     for (int tries = 1; !tryServer(options); ++tries) {
-        if (tries == kTries || !worthAnotherTry(*serverError_)) {
-            FtgDB.reset();
-            return false;
-        }
-        pauseFor(std::chrono::milliseconds(1000), letEventsRunMeanwhile);
+        if (tries < kTries && worthAnotherTry(*serverError_) && pauseFor(kBetweenTries, meanwhile)) continue;
+        FtgDB.reset();
+        return false;
     }
     return true;
 }
@@ -192,7 +199,11 @@ std::string SqlLayer::indexFields(std::string_view table, std::string_view index
         } catch (const PlatformError& error) {
             if (error.number() != kOutOfResources) break;
         }
-        if (reads > 2) pauseFor(std::chrono::milliseconds(100), letEventsRun);
+        if (reads <= 2) continue;
+        static_cast<void>(pauseFor(std::chrono::milliseconds(100), [this] {
+            if (letEventsRun) letEventsRun();
+            return true;
+        }));
     }
     return {};
 }

@@ -30,6 +30,8 @@ class MessagePort {
     virtual Answer show(const Message& message) = 0;
     /// Somebody is there who answers questions.
     [[nodiscard]] virtual bool answers() const { return true; }
+    /// What waits for a database server shall give up.
+    [[nodiscard]] virtual bool givesUp() { return false; }
     /// The hourglass or the normal mouse pointer.
     virtual void hourglass(bool /*on*/) {}
     /// Lets waiting window events run once.

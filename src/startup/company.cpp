@@ -62,8 +62,11 @@ bool CompanyRegister::openServer(std::string_view name) {
     SqlLayer& sql = state_.sql;
     sql.ÄrSQLFöretag = SqlLayer::ÄrSQLDatabas(upperCase(name));
     if (sql.ÄrSQLFöretag) sql.ÄrSQLFöretag = sql.SQLServerSlåUpp(state_.dataFolder(), name);
-    if (sql.ÄrSQLFöretag)
-        sql.ÄrSQLFöretag = sql.SQLÖppnaServer([this] { boxes_.port().letEventsRun(); }, waitForLock, waitForAnswer);
+    if (!sql.ÄrSQLFöretag) return false;
+    MessagePort& port = boxes_.port();
+    const auto untilGivenUp = [&port](std::chrono::milliseconds) { return !port.givesUp(); };
+    sql.ÄrSQLFöretag =
+        sql.SQLÖppnaServer([&port] { port.letEventsRun(); }, waitForLock, waitForAnswer ? waitForAnswer : untilGivenUp);
     return sql.ÄrSQLFöretag;
 }
 

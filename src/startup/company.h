@@ -32,7 +32,7 @@ class CompanyRegister {
     /// Asked again and again while another session holds a lock; returns false to give up. Set by runs.
     std::function<bool()> waitForLock;
     /// Asked again and again while a server does not answer, with the time that it has been waited for; returns false
-    /// to give up. Set by runs.
+    /// to give up. Set by runs; without it the messages' port is asked.
     std::function<bool(std::chrono::milliseconds waited)> waitForAnswer;
     /// Asks whether a damaged company shall be repaired, and repairs it. Nobody may have it open here. Returns whether
     /// it has been repaired. Where nobody answers, it says how to repair it.

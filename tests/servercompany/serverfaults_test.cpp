@@ -10,6 +10,7 @@
 #include "lang/keys/run.h"
 #include "lang/keys/shared.h"
 #include "support/companyrows.h"
+#include "support/serverline.h"
 #include "support/testserver.h"
 #include "support/world.h"
 
@@ -62,16 +63,35 @@ TEST(ServerNotThere, IsTriedFourTimesAndTold) {
     EXPECT_FALSE(world.run().completed);
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3)) << "not tried again";
     EXPECT_GT(turns, 100) << "the window stands still meanwhile";
+
+    turns = 0;
+    world.port.onEvents = [&] {
+        if (++turns == 5) world.port.pressCancel();
+    };
+    world.port.expectBeginning(title + " Sql;Test.\r\n\r\n3151\r\n", title);
+    EXPECT_TRUE(world.run().cancelled);
+    EXPECT_LT(turns, 20) << "tried again after Cancel";
 }
 
 TEST(LostConnection, EndsTheRunAndTheNextOneConverges) {
     const std::string undisturbed = rowsOfAnUndisturbedRun();
-    for (const int at : {2, 7, 12}) {
-        SCOPED_TRACE(at);
+    const struct {
+        const char* fault;
+        int at;
+        bool silent;
+    } cases[] = {{"lost in the first window", 2, false}, {"lost later", 7, false}, {"a black hole", 12, true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
         FaultWorld world;
+        ServerLine line;
+        registerServer(world.data(),
+                       {world.job.company, "",
+                        TestServer::ofProcess().connectString() + line.words() + (c.silent ? ";QueryTimeout=5" : "")});
         int turns = 0;
         world.port.onEvents = [&] {
-            if (++turns == at) TestServer::ofProcess().endSessions();
+            if (!world.port.inRunMode || ++turns != c.at) return;
+            if (c.silent) return line.fallSilent();
+            TestServer::ofProcess().endSessions();
         };
         world.expectStop();
         const RunSummary summary = world.run();
@@ -84,6 +104,7 @@ TEST(LostConnection, EndsTheRunAndTheNextOneConverges) {
         EXPECT_GE(kept, summary.records - 2 * kBatch) << "committed batches are lost";
 
         world.port.onEvents = nullptr;
+        line.speakAnew();
         EXPECT_TRUE(world.run().completed);
         EXPECT_THAT(world.port.passedOver, IsEmpty());
         EXPECT_EQ(firstDifference(allRows(), undisturbed), "");

@@ -1,6 +1,5 @@
 #include "import/run/recordwindows.h"
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -9,10 +8,7 @@
 namespace kolmera {
 namespace {
 
-constexpr std::size_t kMostRecords = 2000;
-constexpr double kWanted = 250;  // milliseconds that the server takes for a window
 constexpr int kMostTimes = 5;
-constexpr std::size_t kBatch = 25;  // whole batches, as without windows
 
 using Clock = std::chrono::steady_clock;
 
@@ -123,7 +119,7 @@ bool RecordWindows::carryOut(const std::function<void()>& work, const std::funct
             // What the records before it have written counts, and is written when it comes again without a window.
             putBack(false);
             end = database.endWindow(false, false);
-            adapt(false, 0);
+            pace_.startAnew();
             return false;
         }
         const auto begin = Clock::now();
@@ -146,20 +142,11 @@ bool RecordWindows::carryOut(const std::function<void()>& work, const std::funct
         counts.keep();
         report.tellTo(listener);
         if (listener != nullptr) remarks_.tell(run_, *listener);
+        pace_.took(std::chrono::duration<double, std::milli>(waited).count());
+    } else {
+        pace_.startAnew();
     }
-    adapt(kept, std::chrono::duration<double, std::milli>(waited).count());
     return kept;
-}
-
-/// Part of the time does not depend on the number of records, so that a step may be too short, never too long.
-void RecordWindows::adapt(bool kept, double milliseconds) {
-    if (!kept) {
-        size_ = kFirstSize;
-        return;
-    }
-    const double factor = std::clamp(kWanted / std::max(milliseconds, 1.0), 0.5, 2.0);
-    const auto wanted = static_cast<std::size_t>(static_cast<double>(size_) * factor);
-    size_ = std::clamp(wanted / kBatch * kBatch, kFirstSize, kMostRecords);
 }
 
 }  // namespace kolmera

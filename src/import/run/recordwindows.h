@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "import/run/runmachinery.h"
+#include "import/run/windowpace.h"
 
 namespace kolmera {
 
@@ -38,8 +39,7 @@ class HeldRemarks final : public RemarkListener {
 
 /// Takes the records of a run to a server many at a time (`Database::beginWindow`). How they are imported does not
 /// change: a window is done over and over from the same state, until the server has been asked for all that its records
-/// look up. As many records as the server takes a quarter of a second for, 2000 at most: Cancel waits that long, and
-/// others wait for their rows while they are written.
+/// look up.
 class RecordWindows {
   public:
     /// Records of more bytes make a window smaller.
@@ -48,7 +48,7 @@ class RecordWindows {
     explicit RecordWindows(RunMachinery& run) : run_(run) {}
 
     /// How many records the next window should have.
-    [[nodiscard]] std::size_t size() const { return size_; }
+    [[nodiscard]] std::size_t size() const { return pace_.size(); }
     /// `work` imports the records of a window, `restore` brings its own state back to before it. False: nothing of it
     /// has happened, and its records are to be imported one by one.
     /// `look` only looks up what `work` does, for the first time. It throws nothing but WindowBroken.
@@ -59,13 +59,9 @@ class RecordWindows {
     [[nodiscard]] bool at(const RecordPlace& place);
 
   private:
-    static constexpr std::size_t kFirstSize = 50;
-
-    void adapt(bool kept, double milliseconds);
-
     RunMachinery& run_;
     HeldRemarks remarks_;
-    std::size_t size_ = kFirstSize;
+    WindowPace pace_;
     bool tried_ = false;
     std::int64_t told_ = 0;
 };

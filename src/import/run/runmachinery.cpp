@@ -90,8 +90,8 @@ bool RunMachinery::openCompany(std::span<const std::string_view> untouched) {
         if (waited >= kNoticeable) port().status(texts().ModulText(text::run::kWaitingForServer));
         return !port().cancelled();
     };
-    if (!context_.preview) return context_.companies.ÖppnaDatabas(job_.company);
-    const bool open = context_.preview->openCopy(job_.company, untouched);
+    const bool open = context_.preview ? context_.preview->openCopy(job_.company, untouched)
+                                       : context_.companies.ÖppnaDatabas(job_.company);
     summary_.cancelled = !open && port().cancelled();
     return open;
 }

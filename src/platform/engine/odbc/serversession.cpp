@@ -352,9 +352,21 @@ StatementResult ServerSession::tables() {
     return run([this](StatementResult& result) { return connection_.tables(result); });
 }
 
+/// Over a slow line a table takes a while, and work begins by learning many: who gives up is heard in between.
+void ServerSession::askWhetherToGoOn() {
+    constexpr std::chrono::seconds kNoticeable(1);
+    const auto now = std::chrono::steady_clock::now();
+    if (!options_.waitForAnswer || now - asked_ < kNoticeable) return;
+    asked_ = now;
+    if (options_.waitForAnswer({})) return;
+    lose({.state = std::string(kSilentState), .native = 0, .description = "cancelled while tables were looked up"});
+}
+
 /// A table that another session has locked is waited for first: what a driver says of its own statements on the
 /// catalogue does not tell a lock from any other error.
 StatementResult ServerSession::columns(std::string_view table) {
+    requireConnection();
+    askWhetherToGoOn();
     runStatement({"SELECT 1 FROM " + quotedName(dialect(), table) + " WHERE 1 = 0"}, {}, true);
     return run([&](StatementResult& result) { return connection_.columns(table, result); });
 }

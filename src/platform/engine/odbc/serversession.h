@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -113,6 +114,7 @@ class ServerSession {
     void requireTransaction() const;
     [[nodiscard]] bool connectionLost(const ServerError& error, Failure failure);
     [[noreturn]] void lose(const ServerError& error);
+    void askWhetherToGoOn();
     void end();
 
     ServerOptions options_;
@@ -125,6 +127,7 @@ class ServerSession {
     bool committing_ = false;  ///< if the connection is lost now, nobody knows what the server has kept
     ChangeListener* listener_ = nullptr;
     std::vector<Kept> kept_;
+    std::chrono::steady_clock::time_point asked_ = std::chrono::steady_clock::now();
     std::uint64_t epoch_ = 0;
     std::optional<PlatformError> lost_;  ///< why there is no connection any more
 };
