@@ -94,7 +94,9 @@ int UndoCommand::run() {
     } catch (const PlatformError&) {
         if (goOn()) throw;
     }
-    return goOn() ? exitcode::kStopped : exitcode::kCancelled;
+    if (goOn()) return exitcode::kStopped;
+    surroundings_.err << session_.text(text::history::kUndoCancelled, run->id) << '\n';
+    return exitcode::kCancelled;
 }
 
 int UndoCommand::takeBack(const RunHeader& run) {
