@@ -26,7 +26,7 @@ FirstStepsPanel::FirstStepsPanel(QWidget& form) : QFrame(&form) {
                           QLabel*& mark) {
         const int row = grid->rowCount();
         mark = new QLabel(QString::number(row), this);
-        auto* told = label(*this, (std::string(name) + "Text").c_str(), text);
+        auto* told = label(*this, ("Lbl_" + std::string(name)).c_str(), text);
         told->setWordWrap(true);
         auto* made = button(*this, name, caption);
         made->setAccessibleDescription(told->text());
