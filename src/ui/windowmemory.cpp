@@ -102,10 +102,12 @@ void fitOnScreen(QWidget& form) {
     if (const QRect wanted(place, size); wanted != form.geometry()) form.setGeometry(wanted);
 }
 
+std::string keyOf(const QWidget& form) { return fromQt(form.objectName() + form.property(kOwnMemory).toString()); }
+
 }  // namespace
 
 bool WindowMemory::restore(QWidget& form) const {
-    const std::string text = settings_.get(kWindows, fromQt(form.objectName()));
+    const std::string text = settings_.get(kWindows, keyOf(form));
     Kept kept;
     if (text.empty() || !unpack(QByteArray::fromBase64(QByteArray::fromStdString(text)), kept)) return false;
     if (form.restoreGeometry(kept.geometry)) fitOnScreen(form);
@@ -119,11 +121,11 @@ void WindowMemory::keep(const QWidget& form) {
     if (form.objectName().isEmpty()) return;
     // A list that has other columns now keeps those that it had.
     Kept kept;
-    const std::string before = settings_.get(kWindows, fromQt(form.objectName()));
+    const std::string before = settings_.get(kWindows, keyOf(form));
     if (!before.empty() && !unpack(QByteArray::fromBase64(QByteArray::fromStdString(before)), kept)) kept = {};
     kept.geometry = form.saveGeometry();
     forEachPart(form, [&](const QString& name, const auto& part) { kept.parts.insert(name, part.saveState()); });
-    set(kWindows, fromQt(form.objectName()), packed(kept).toBase64().toStdString());
+    set(kWindows, keyOf(form), packed(kept).toBase64().toStdString());
 }
 
 QString WindowMemory::folder(const QString& purpose) const {

@@ -9,6 +9,9 @@ class QWidget;
 
 namespace kolmera {
 
+/// A form's property that tells windows of one name apart, each of which is remembered by itself.
+inline constexpr const char* kOwnMemory = "ownMemory";
+
 /// How the user left each window: its place and size, the columns and the order of its lists, its splitters, and the
 /// folders that its file dialogs showed. Kept in the user's own settings, never in a data folder; what cannot be read
 /// is as if it were not there, and what cannot be written is forgotten.

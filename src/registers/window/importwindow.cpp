@@ -25,7 +25,8 @@
 namespace kolmera {
 namespace {
 
-constexpr int kBound = 1;  // behind the heading; samples follow
+constexpr int kBound = 1;   // behind the heading; samples follow
+constexpr int kReason = 3;  // why a row was refused, behind its text
 
 QTreeWidget* rowsOf(QWidget& form, const char* name, const char* caption) {
     auto* list = named(new QTreeWidget(&form), name);
@@ -205,7 +206,12 @@ void ImportWindow::showTold() {
     refused_->setHeaderLabels(headings);
     for (const auto& one : told_.refused)
         new QTreeWidgetItem(refused_, {QString::number(one.row), toQt(one.column), toQt(one.text), toQt(one.reason)});
-    for (int column = 0; column < refused_->columnCount(); ++column) refused_->resizeColumnToContents(column);
+    constexpr int kMostLetters = 40;
+    for (int column = 0; column < refused_->columnCount(); ++column) {
+        refused_->resizeColumnToContents(column);
+        const int most = kMostLetters * fontMetrics().averageCharWidth();
+        if (column != kReason) refused_->setColumnWidth(column, std::min(refused_->columnWidth(column), most));
+    }
     present();
 }
 

@@ -17,12 +17,14 @@
 #include "ui/forms.h"
 #include "ui/keys.h"
 #include "ui/qttext.h"
+#include "ui/windowmemory.h"
 
 namespace kolmera {
 
 RowWindow::RowWindow(Program& program, RegisterEditor& editor, RegisterRow row, bool isNew, QWidget* parent)
     : QDialog(parent), program_(program), editor_(editor), row_(std::move(row)), new_(isNew) {
     setObjectName(QStringLiteral("RegisterRow"));
+    setProperty(kOwnMemory, toQt(editor.opened().definition().name));
     auto* fields = new QScrollArea(this);
     area_ = fields;
     fields->setWidgetResizable(true);
