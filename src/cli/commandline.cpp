@@ -133,7 +133,8 @@ int carryOutLine(const std::vector<std::string>& arguments, Surroundings& surrou
     translate(app, helpText);
     app.set_version_flag("--version", std::string("kolmera ") + KOLMERA_VERSION, helpText(text::help::kVersion));
     std::function<int()> chosen;
-    describeCommands(app, helpText, surroundings, chosen);
+    const bool begins = !arguments.empty() && !arguments[0].starts_with('-');
+    describeCommands(app, begins ? std::string_view(arguments[0]) : std::string_view(), helpText, surroundings, chosen);
     if (!knowsCommand(app, arguments, teller, surroundings.err)) return exitcode::kUsage;
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // CLI11 takes them last first

@@ -66,8 +66,9 @@ class Command {
 
 class Commands {
   public:
-    Commands(CLI::App& app, const HelpText& text, Surroundings& surroundings, std::function<int()>& chosen)
-        : app_(app), text_(text), surroundings_(surroundings), chosen_(chosen) {
+    Commands(CLI::App& app, std::string_view named, const HelpText& text, Surroundings& surroundings,
+             std::function<int()>& chosen)
+        : app_(app), named_(named), text_(text), surroundings_(surroundings), chosen_(chosen) {
         app_.require_subcommand(1);
     }
 
@@ -76,6 +77,7 @@ class Commands {
     void add(const char* name, ModuleKey purpose, Describe&& describe,
              int (*carryOut)(const Arguments&, const Surroundings&), CLI::App* above = nullptr) {
         CLI::App* command = (above ? above : &app_)->add_subcommand(name, text_(purpose));
+        if (!named_.empty() && named_ != (above ? above->get_name() : name)) return;
         const auto arguments = std::make_shared<Arguments>();
         Command described(*command, text_);
         describe(described, *arguments);
@@ -122,6 +124,7 @@ class Commands {
     }
 
     CLI::App& app_;
+    std::string_view named_;
     const HelpText& text_;
     Surroundings& surroundings_;
     std::function<int()>& chosen_;
@@ -396,8 +399,9 @@ void addRegisters(Commands& commands) {
 
 }  // namespace
 
-void describeCommands(CLI::App& app, const HelpText& text, Surroundings& surroundings, std::function<int()>& chosen) {
-    Commands commands(app, text, surroundings, chosen);
+void describeCommands(CLI::App& app, std::string_view named, const HelpText& text, Surroundings& surroundings,
+                      std::function<int()>& chosen) {
+    Commands commands(app, named, text, surroundings, chosen);
     addFolders(commands);
     addJobs(commands);
     addSources(commands);
