@@ -370,7 +370,7 @@ void MaskEditor::removeRelation() {
 void MaskEditor::removeRelations(const std::vector<int>& rows) {
     std::vector<int> fromBehind = rows;
     std::ranges::sort(fromBehind, std::ranges::greater());
-    fromBehind.erase(std::ranges::unique(fromBehind).begin(), fromBehind.end());
+    fromBehind.erase(std::unique(fromBehind.begin(), fromBehind.end()), fromBehind.end());
     asOneStep([&] {
         for (const int row : fromBehind) {
             if (within(row, relations_.size())) dropRelation(row);

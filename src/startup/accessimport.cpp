@@ -140,7 +140,7 @@ class Importing : public jet::ContentListener {
             plan_.remarks.push_back({place.second, table.name + "." + column, values});
         }
         // What holds no data is long, and told last.
-        std::ranges::stable_partition(plan_.remarks, [](const AccessRemark& remark) {
+        std::stable_partition(plan_.remarks.begin(), plan_.remarks.end(), [](const AccessRemark& remark) {
             return remark.kind != Kind::QueryLeftOut && remark.kind != Kind::ObjectLeftOut &&
                    remark.kind != Kind::PropertiesLeftOut;
         });
