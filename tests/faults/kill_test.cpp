@@ -33,6 +33,9 @@ std::vector<RunHeader> readableRuns(const DataFolder& data) {
     return list;
 }
 
+/// The clock makes a run commit here or there: it may need fewer calls than the one that counted them.
+bool wasDoneBefore(const Outcome& outcome, int call) { return outcome.exitCode == 0 && outcome.calls < call; }
+
 /// One operation that is killed again and again.
 struct Killed {
     const DataFolder& before;
@@ -81,6 +84,7 @@ TEST(KilledRun, KeepsWholeBatchesAndIsRepeatable) {
                 SCOPED_TRACE(fmt::format("killed at call {} of {}", call, run.calls));
                 const DataFolder data(world.before().path());
                 const Outcome outcome = data.run(run.command, {.fault = Fault::Kill, .at = call, .clockSpeed = kSpeed});
+                if (wasDoneBefore(outcome, call)) continue;
                 ASSERT_TRUE(outcome.killed) << outcome.told;
                 const std::string rows = data.rows();
                 EXPECT_GE(world.batches(rows, run.afterRows, emptied), 0) << "not whole batches";
@@ -114,6 +118,7 @@ TEST(KilledUndo, IsRepeatable) {
             SCOPED_TRACE(fmt::format("killed at call {} of {}", call, undo.calls));
             const DataFolder data(ran.path());
             const Outcome outcome = data.run(undo.command, {.fault = Fault::Kill, .at = call, .clockSpeed = kSpeed});
+            if (wasDoneBefore(outcome, call)) continue;
             ASSERT_TRUE(outcome.killed) << outcome.told;
             readableRuns(data);
             undo.expectWholeFiles(data);
@@ -135,6 +140,7 @@ TEST(KilledDiscounts, LeaveTheOldLetterOrTheNew) {
         SCOPED_TRACE(fmt::format("killed at call {} of {}", call, import.calls));
         const DataFolder data(start.path());
         const Outcome outcome = data.run(import.command, {.fault = Fault::Kill, .at = call, .clockSpeed = kSpeed});
+        if (wasDoneBefore(outcome, call)) continue;
         ASSERT_TRUE(outcome.killed) << outcome.told;
         const std::string rows = data.rows();
         EXPECT_TRUE(rows == import.beforeRows || rows == import.afterRows) << "half a letter";
