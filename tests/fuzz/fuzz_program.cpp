@@ -84,7 +84,7 @@ World& worldInUse(Make make) {
 /// The first byte chooses structure, code page and locale.
 void mask(std::string_view bytes) {
     const std::uint8_t choice = takeByte(bytes);
-    World& world = worldInUse([] {
+    World& world = worldInUse([]() noexcept {
         auto made = std::make_unique<World>();
         made->job.supplier = "1010";
         made->add("Leverantör", {{"Nummer", "1010"}, {"Söknamn", "Grossisten"}});
@@ -117,7 +117,7 @@ void mask(std::string_view bytes) {
 }
 
 void trade(const char* job, std::string_view bytes) {
-    World& world = worldInUse([job] { return std::make_unique<TradeWorld>(job); });
+    World& world = worldInUse([job]() noexcept { return std::make_unique<TradeWorld>(job); });
     world.rawPriceFile(bytes);
     world.run();
 }
@@ -126,7 +126,7 @@ void finfo(std::string_view bytes) { trade("(FINFO)", bytes); }
 /// As many bytes as the first one says, sixteen times, are RKOD.DAT.
 void rsk(std::string_view bytes) {
     const std::size_t groups = std::min<std::size_t>(takeByte(bytes) * 16U, bytes.size());
-    World& world = worldInUse([] { return std::make_unique<TradeWorld>("(RSK)"); });
+    World& world = worldInUse([]() noexcept { return std::make_unique<TradeWorld>("(RSK)"); });
     writeFile(world.data() / "RKOD.DAT", bytes.substr(0, groups));
     world.rawPriceFile(bytes.substr(groups));
     world.run();
@@ -168,7 +168,7 @@ void definitions(std::string_view bytes) {
 void company(std::string_view bytes) {
     static const TemporaryFolder folder;
     static const std::vector<TableDef> tables = {{companySchema().front(), companySchema().back()}};
-    static const std::string sound = [] {
+    static const std::string sound = []() noexcept {
         createFileDatabase(folder / "sound.mdb", tables);
         const auto database = openFileDatabase(folder / "sound.mdb", OpenOptions());
         for (const TableDef& table : tables) {
@@ -176,7 +176,8 @@ void company(std::string_view bytes) {
             for (int row = 0; row < 40; ++row) {
                 rows->addNew();
                 for (const FieldDef& field : table.fields) {
-                    if (field.type == FieldType::Text) rows->set(field.name, "T" + std::to_string(row));
+                    if (field.type == FieldType::Text && field.size >= 4)
+                        rows->set(field.name, "T" + std::to_string(row));
                 }
                 rows->update();
             }
@@ -214,7 +215,7 @@ void record(std::string_view bytes) {
         return;
     }
     static const TemporaryFolder folder;
-    static const std::string sound = [] {
+    static const std::string sound = []() noexcept {
         TradeWorld world("(EIO)");
         world.keeping = RecordKeeping{.folder = folder.path(), .user = {}};
         world.rawPriceFile(line({{1, "1"}, {2, "12345678"}, {10, "Kabel"}, {35, "261123"}}) +
@@ -234,7 +235,7 @@ void record(std::string_view bytes) {
 
 void language(std::string_view bytes) {
     static const TemporaryFolder folder;
-    static const std::string sound = [] {
+    static const std::string sound = []() noexcept {
         writeFile(folder / "texts.tsv", "key\tSE\tEN\tname\nRES1\tEtt %1\tOne %1\ta\nKMR2\tTvå\tTwo\tb\n");
         buildLanguageDatabase(folder / "texts.tsv", folder / "DVLang.sys");
         return fileOf(folder / "DVLang.sys");
