@@ -3,6 +3,7 @@
 #   packaging/tidy.sh               all files
 #   packaging/tidy.sh FILE ...      these
 #   packaging/tidy.sh --changed     those that differ from the main branch, or on it from the commit before
+# The fuzzers are left out: they need options of their own (tests/fuzz).
 # TIDY_SECONDS, where it is set, is how long new files are begun; how many were left is told, and is no error.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -15,11 +16,11 @@ changed_files() {
         echo "There is no earlier commit here to compare with." >&2
         return 0
     }
-    git diff --name-only --diff-filter=d "$base" -- 'src/*.cpp' 'tests/*.cpp'
+    git diff --name-only --diff-filter=d "$base" -- 'src/*.cpp' 'tests/*.cpp' ':!tests/fuzz'
 }
 
 case "${1:-}" in
-    '') files=$(git ls-files -co --exclude-standard -- 'src/*.cpp' 'tests/*.cpp') ;;
+    '') files=$(git ls-files -co --exclude-standard -- 'src/*.cpp' 'tests/*.cpp' ':!tests/fuzz') ;;
     --changed) files=$(changed_files) ;;
     *) files=$(printf '%s\n' "$@") ;;
 esac

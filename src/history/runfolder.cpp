@@ -103,7 +103,7 @@ RunHeader RunFolder::header(std::string_view id) const {
 }
 
 fs::path RunFolder::file(std::string_view id) const {
-    const fs::path file = path_ / (std::string(id) + std::string(kRecordEnding));
+    fs::path file = path_ / (std::string(id) + std::string(kRecordEnding));
     std::error_code none;
     if (isId(id) && fs::is_regular_file(fs::symlink_status(file, none))) return file;
     throw PlatformError(errors::kFileNotFound, "there is no record of such a run").about(std::string(id));

@@ -40,7 +40,7 @@ class ProductHistory {
         bool all = false;            ///< no record is left
     };
 
-    ProductHistory(std::filesystem::path dataFolder, ProductRowIds rows)
+    ProductHistory(const std::filesystem::path& dataFolder, ProductRowIds rows)
         : folder_(dataFolder), rows_(std::move(rows)) {}
 
     /// Gives the changes run by run, the newest run first and the changes of each in their order. Throws PlatformError

@@ -125,7 +125,7 @@ void eio(std::string_view bytes) { trade("(EIO)", bytes); }
 void finfo(std::string_view bytes) { trade("(FINFO)", bytes); }
 /// As many bytes as the first one says, sixteen times, are RKOD.DAT.
 void rsk(std::string_view bytes) {
-    const std::size_t groups = std::min<std::size_t>(takeByte(bytes) * 16U, bytes.size());
+    const std::size_t groups = std::min(std::size_t{takeByte(bytes)} * 16, bytes.size());
     World& world = worldInUse([]() noexcept { return std::make_unique<TradeWorld>("(RSK)"); });
     writeFile(world.data() / "RKOD.DAT", bytes.substr(0, groups));
     world.rawPriceFile(bytes.substr(groups));
@@ -155,12 +155,12 @@ void definitions(std::string_view bytes) {
     for (const char* file : kFiles) fs::remove(folder / file);
     writeFile(folder / kFiles[takeByte(bytes) % kFiles.size()], bytes);
     for (const Job& job : JobFile(folder.path()).all()) {
-        JobOptionsFile(folder.path()).limits(job.name);
-        JobOptionsFile(folder.path()).source(job.name);
-        CouplingFile(folder.path()).ofJob(job.name);
+        static_cast<void>(JobOptionsFile(folder.path()).limits(job.name));
+        static_cast<void>(JobOptionsFile(folder.path()).source(job.name));
+        static_cast<void>(CouplingFile(folder.path()).ofJob(job.name));
     }
     const MaskFile masks(folder.path());
-    for (const Mask& mask : masks.all()) masks.read(mask.number);
+    for (const Mask& mask : masks.all()) static_cast<void>(masks.read(mask.number));
     readUsers(folder.path());
     registeredServers(folder.path());
 }
@@ -196,7 +196,7 @@ void company(std::string_view bytes) {
             const auto rows = database->open(name, RecordsetType::Snapshot);
             for (; !rows->eof(); rows->moveNext()) {
                 for (std::size_t column = 0; column < rows->fields().size(); ++column) {
-                    rows->value(static_cast<int>(column));
+                    static_cast<void>(rows->value(static_cast<int>(column)));
                 }
             }
         }
@@ -245,8 +245,8 @@ void language(std::string_view bytes) {
     texts.ÖppnaSpråk(folder.path(), {});
     texts.InitSpråkOrd("SE");
     for (const char* key : {"RES1", "KMR2", "RES3"}) {
-        texts.SpråkText(key);
-        texts.storedText(key);
+        static_cast<void>(texts.SpråkText(key));
+        static_cast<void>(texts.storedText(key));
     }
 }
 
@@ -284,7 +284,7 @@ void texts(std::string_view bytes) {
             Tsv::parse(bytes);
             break;
         case 7:
-            LanguageTexts::AvkodaPlatshållare(bytes);
+            static_cast<void>(LanguageTexts::AvkodaPlatshållare(bytes));
             break;
         case 8:
             static_cast<void>(SearchWords(bytes).in(bytes));

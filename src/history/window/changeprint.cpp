@@ -69,7 +69,8 @@ class Pages {
             const QRect rect(x, y_, width - between, line_);
             const QString text =
                 painter_.fontMetrics().elidedText(toQt(cells.at(column)), Qt::ElideRight, rect.width());
-            painter_.drawText(rect, Qt::AlignVCenter | (number ? Qt::AlignRight : Qt::AlignLeft), text);
+            const Qt::Alignment place = Qt::AlignVCenter | (number ? Qt::AlignRight : Qt::AlignLeft);
+            painter_.drawText(rect, static_cast<int>(place), text);
             x += width;
         }
         y_ += line_;

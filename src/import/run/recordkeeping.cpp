@@ -22,7 +22,7 @@ std::int64_t numberOr(const std::string& text, std::int64_t otherwise) {
 }  // namespace
 
 RecordKeeping keptInDataFolder(const StartState& state) {
-    constexpr std::int64_t kMegabyte = 1024 * 1024;
+    constexpr std::int64_t kMegabyte = std::int64_t{1} << 20;
     constexpr std::int64_t kMostMegabytes = 1'000'000'000;
     const char* const kSection = "Körningar";
     const SettingsStore settings(state.dataFolder() / "Korningar.ini");

@@ -97,7 +97,7 @@ void StartWindow::layOut() {
 
 void StartWindow::tryDemo() {
     try {
-        open(demoFolder(program_));
+        choose(demoFolder(program_));
     } catch (const PlatformError& error) {
         program_.boxes.MeddelandeVarning(
             program_.texts.ModulTextMed(text::startwindow::kNotMade, userDemoFolder().string()) + " " +
@@ -107,7 +107,7 @@ void StartWindow::tryDemo() {
 
 void StartWindow::makeNew() {
     NewCompanyWindow form(program_, this);
-    if (VisaFormulär(program_, form, true) && !form.made().empty()) open(form.made());
+    if (VisaFormulär(program_, form, true) && !form.made().empty()) choose(form.made());
 }
 
 void StartWindow::openExisting() {
@@ -119,15 +119,15 @@ void StartWindow::openExisting() {
                                    text::startwindow::kAskToOpenEmpty, name)) != Answer::Yes) {
         return;
     }
-    open(name);
+    choose(name);
 }
 
 void StartWindow::openRecent() {
     const int row = recent_->currentRow();
-    if (row >= 0) open(program_.recentFolders[static_cast<std::size_t>(row)]);
+    if (row >= 0) choose(program_.recentFolders[static_cast<std::size_t>(row)]);
 }
 
-void StartWindow::open(const std::filesystem::path& folder) {
+void StartWindow::choose(const std::filesystem::path& folder) {
     std::error_code unreachable;
     if (!std::filesystem::is_directory(folder, unreachable)) {
         program_.boxes.MeddelandeVarning(program_.texts.ModulTextMed(text::startwindow::kCannotOpen, folder.string()));

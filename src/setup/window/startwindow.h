@@ -32,7 +32,7 @@ class StartWindow final : public QDialog {
     void tryDemo();
     void makeNew();
     void openExisting();
-    void open(const std::filesystem::path& folder);
+    void choose(const std::filesystem::path& folder);
     void openRecent();
 
     Program& program_;
