@@ -7,8 +7,7 @@
 namespace kolmera {
 
 /// The words that errors came with, by the sentence that a user was told instead: whoever shows the sentence can show
-/// them on request. Knows the latest errors only, and of
-/// those told alike the last.
+/// them on request. Knows the latest errors only, and of those told alike the last.
 class OriginalWords {
   public:
     void keep(std::string_view sentence, std::string words);
